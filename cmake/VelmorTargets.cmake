@@ -1,0 +1,39 @@
+# Folders of the source tree as targets that see only the folders they are allowed to see.
+#
+# Every folder gets an include directory of its own in the build tree with nothing but a link to that
+# folder, so that "Linux/..." compiles only in a target that depends on velmor_linux. System headers lie
+# in directories that every compiler searches; those are checked by CheckIncludes.cmake before a target
+# is built.
+
+# velmor_target(NAME FOLDER [KIND STATIC|INTERFACE|EXECUTABLE] [SOURCES ...] [USES targets...]
+#               [SYSTEM_HEADERS regex...])
+# FOLDER is relative to src/. Without SYSTEM_HEADERS all system headers are allowed; with it only the
+# C++ standard library's and those that match one of the expressions.
+function(velmor_target name folder)
+    cmake_parse_arguments(PARSE_ARGV 2 arg "PORTABLE" "KIND" "SOURCES;USES;SYSTEM_HEADERS")
+    set(root ${CMAKE_BINARY_DIR}/include/${name})
+    file(MAKE_DIRECTORY ${root})
+    if(NOT arg_KIND STREQUAL EXECUTABLE)
+        file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${folder} ${root}/${folder} SYMBOLIC)
+    endif()
+
+    set(scope PUBLIC)
+    if(arg_KIND STREQUAL INTERFACE)
+        add_library(${name} INTERFACE)
+        set(scope INTERFACE)
+    elseif(arg_KIND STREQUAL EXECUTABLE)
+        add_executable(${name} ${arg_SOURCES})
+    else()
+        file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp)
+        add_library(${name} STATIC ${sources})
+    endif()
+    target_include_directories(${name} ${scope} ${root})
+    target_link_libraries(${name} ${scope} ${arg_USES})
+
+    add_custom_target(${name}_includes
+        COMMAND ${CMAKE_COMMAND} -DFOLDER=${CMAKE_SOURCE_DIR}/src/${folder}
+                "-DALLOWED=${arg_SYSTEM_HEADERS}" -DPORTABLE=${arg_PORTABLE}
+                -P ${CMAKE_SOURCE_DIR}/cmake/CheckIncludes.cmake
+        VERBATIM)
+    add_dependencies(${name} ${name}_includes)
+endfunction()

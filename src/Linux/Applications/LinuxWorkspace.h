@@ -1,0 +1,62 @@
+#pragma once
+
+#include "Linux/Applications/LinuxApplication.h"
+#include "Linux/Applications/ToplevelSource.h"
+#include "Linux/Proc/ProcessStat.h"
+#include "Platform/MainLoop.h"
+#include "Platform/Subscribers.h"
+#include "Platform/Workspace.h"
+
+#include <array>
+#include <memory>
+#include <optional>
+#include <set>
+
+namespace velmorquit {
+
+/// The applications of a Linux session: the processes that own ordinary windows.
+class LinuxWorkspace final : public Workspace {
+public:
+    /// All three outlive it.
+    LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source);
+    ~LinuxWorkspace() override;
+
+    [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>>
+    runningApplications() const override;
+    [[nodiscard]] std::shared_ptr<RunningApplication> frontmostApplication() const override;
+    [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {
+        return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));
+    }
+    /// The usual file managers: the session's own windows on the disk.
+    [[nodiscard]] std::vector<std::string> defaultExclusions() const override;
+
+private:
+    class Windows;
+    struct Member {
+        std::shared_ptr<LinuxApplication> application;
+        /// The identities that its windows have shown, so that each is looked up once.
+        std::set<ToplevelIdentity> shown;
+    };
+
+    void update();
+    std::set<WorkspaceEvent> readToplevels();
+    bool admit(const Toplevel& toplevel);
+    void removeEndedLater();
+    void removeEnded();
+    [[nodiscard]] Member* known(ProcessId id);
+    void tell(WorkspaceEvent event) { observers_.at(static_cast<std::size_t>(event)).tell(); }
+
+    MainLoop& loop_;
+    SystemLog& log_;
+    ToplevelSource& source_;
+    DesktopEntries entries_;
+    std::shared_ptr<Windows> windows_;
+    /// In the order in which they appeared.
+    std::vector<Member> members_;
+    std::weak_ptr<LinuxApplication> frontmost_;
+    std::array<Subscribers, 4> observers_;
+    Handle watching_;
+    Handle removing_;
+};
+
+} // namespace velmorquit

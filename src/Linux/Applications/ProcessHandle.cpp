@@ -1,0 +1,59 @@
+#include "Linux/Applications/ProcessHandle.h"
+
+#include "Linux/Proc/ProcessStat.h"
+
+#include <cerrno>
+#include <utility>
+
+// glibc 2.36 declares these without C linkage.
+extern "C" {
+#include <sys/pidfd.h>
+}
+#include <poll.h>
+#include <unistd.h>
+
+namespace velmorquit {
+
+// The descriptor is for whoever has the id at that instant. That this is who was meant shows in the
+// start time, which is the same before and after.
+std::unique_ptr<ProcessHandle> ProcessHandle::open(ProcessId id, std::function<void()> ended) {
+    const auto before = readProcessStat(id);
+    const int descriptor = before ? ::pidfd_open(id, 0) : -1;
+    if (descriptor < 0)
+        return nullptr;
+    const auto after = readProcessStat(id);
+    if (!after || after->startTime != before->startTime) {
+        ::close(descriptor);
+        return nullptr;
+    }
+    return std::unique_ptr<ProcessHandle>(new ProcessHandle(id, descriptor, std::move(ended)));
+}
+
+ProcessHandle::ProcessHandle(ProcessId id, int descriptor, std::function<void()> ended)
+    : id_(id), descriptor_(descriptor), notifier_(descriptor, QSocketNotifier::Read) {
+    QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_,
+                     [this, ended = std::move(ended)] {
+                         notifier_.setEnabled(false);
+                         // The owner may let go of this object from within.
+                         const auto told = ended;
+                         told();
+                     });
+}
+
+ProcessHandle::~ProcessHandle() {
+    notifier_.setEnabled(false);
+    ::close(descriptor_);
+}
+
+bool ProcessHandle::hasEnded() const {
+    pollfd poll{descriptor_, POLLIN, 0};
+    return ::poll(&poll, 1, 0) > 0;
+}
+
+ProcessHandle::Signalled ProcessHandle::send(int signal) const {
+    if (::pidfd_send_signal(descriptor_, signal, nullptr, 0) == 0 || errno == ESRCH)
+        return Signalled::yes;
+    return Signalled::refused;
+}
+
+} // namespace velmorquit

@@ -1,0 +1,400 @@
+#include "Linux/Preferences/PropertyListPreferences.h"
+
+#include "Codecs/PropertyList.h"
+
+#include <QSocketNotifier>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <set>
+#include <sys/inotify.h>
+#include <unistd.h>
+#include <utility>
+
+namespace velmorquit {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&&) = delete;
+    ~Descriptor() {
+        if (number_ >= 0)
+            close(number_);
+    }
+    [[nodiscard]] int get() const { return number_; }
+    explicit operator bool() const { return number_ >= 0; }
+
+private:
+    int number_;
+};
+
+std::error_code lastError() { return {errno, std::generic_category()}; }
+
+fs::path withSuffix(fs::path file, std::string_view suffix) {
+    file += suffix;
+    return file;
+}
+
+fs::path previousOf(const fs::path& file) { return withSuffix(file, "~"); }
+
+/// Where symbolic links lead, also when there is nothing.
+fs::path targetOf(fs::path file) {
+    constexpr int mostLinks = 40;
+    for (int links = 0; links < mostLinks; ++links) {
+        std::error_code isNoLink;
+        const fs::path next = fs::read_symlink(file, isNoLink);
+        if (isNoLink)
+            break;
+        file = file.parent_path() / next;
+    }
+    return file;
+}
+
+std::error_code makeDirectories(const fs::path& directory) {
+    std::error_code ignored;
+    if (directory.empty() || fs::is_directory(directory, ignored))
+        return {};
+    if (const auto error = makeDirectories(directory.parent_path()))
+        return error;
+    return mkdir(directory.c_str(), 0700) == 0 ? std::error_code() : lastError();
+}
+
+std::error_code writeAll(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = ::write(descriptor, text.data(), text.size());
+        if (written < 0 && errno != EINTR)
+            return lastError();
+        if (written > 0)
+            text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return {};
+}
+
+std::optional<std::string> readAll(int descriptor) {
+    std::string text;
+    std::array<char, 16384> part;
+    for (;;) {
+        const ssize_t count = read(descriptor, part.data(), part.size());
+        if (count > 0)
+            text.append(part.data(), static_cast<std::size_t>(count));
+        else if (count == 0 || errno != EINTR)
+            return count == 0 ? std::optional(text) : std::nullopt;
+    }
+}
+
+void store(Value::Dictionary& values, const std::string& key, const std::optional<Value>& value) {
+    values.erase(key);
+    if (value)
+        values.emplace(key, *value);
+}
+
+std::string utcStamp(WallTime now) {
+    const std::time_t seconds = std::chrono::system_clock::to_time_t(
+        std::chrono::floor<std::chrono::system_clock::duration>(now));
+    std::tm utc{};
+    gmtime_r(&seconds, &utc);
+    std::array<char, 32> text{};
+    return {text.data(), std::strftime(text.data(), text.size(), "%Y%m%dT%H%M%SZ", &utc)};
+}
+
+} // namespace
+
+fs::path defaultPreferencesFile() {
+    const char* configured = std::getenv("XDG_CONFIG_HOME");
+    const char* home = std::getenv("HOME");
+    fs::path directory = configured ? configured : "";
+    if (!directory.is_absolute())
+        directory = fs::path(home ? home : "/") / ".config";
+    return directory / "velmorquit" / "preferences.plist";
+}
+
+/// What a file holds.
+struct PropertyListPreferences::Contents {
+    enum class State { good, missing, damaged, unreadable };
+    State state = State::unreadable;
+    Value::Dictionary values;
+    std::optional<Identity> identity;
+    std::error_code error;
+
+    explicit Contents(const fs::path& file) {
+        // Non-blocking, lest a pipe in the file's place hold up the program.
+        const Descriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        struct stat status{};
+        if (!opened || fstat(opened.get(), &status) != 0) {
+            error = lastError();
+            state = errno == ENOENT ? State::missing : State::unreadable;
+            return;
+        }
+        const auto text = readAll(opened.get());
+        if (!text || !S_ISREG(status.st_mode)) {
+            error = text ? std::make_error_code(std::errc::invalid_argument) : lastError();
+            return;
+        }
+        identity.emplace(status);
+        auto value = PropertyList::decode(*text);
+        const auto* dictionary = value ? value->as<Value::Dictionary>() : nullptr;
+        state = dictionary ? State::good : State::damaged;
+        if (dictionary)
+            values = *dictionary;
+    }
+};
+
+/// Tells of what others do to files of certain names.
+class PropertyListPreferences::Watch {
+public:
+    explicit Watch(std::function<void()> told)
+        : descriptor_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
+        if (!descriptor_)
+            return;
+        notifier_ = std::make_unique<QSocketNotifier>(descriptor_.get(), QSocketNotifier::Read);
+        QObject::connect(notifier_.get(), &QSocketNotifier::activated,
+                         [this, told = std::move(told)] {
+                             if (readEvents())
+                                 told();
+                         });
+    }
+
+    /// Watching the directory again is no error; a directory that isn't there is not watched. Not
+    /// told of: a file that was made and is still being written.
+    void add(const fs::path& file) {
+        names_.insert(file.filename());
+        inotify_add_watch(descriptor_.get(), file.parent_path().c_str(),
+                          IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ATTRIB);
+    }
+
+private:
+    bool readEvents() {
+        bool isConcerned = false;
+        alignas(inotify_event) std::array<char, 4096> events;
+        for (;;) {
+            const ssize_t size = ::read(descriptor_.get(), events.data(), events.size());
+            if (size <= 0)
+                return isConcerned;
+            for (ssize_t at = 0; at < size;) {
+                const auto* event = reinterpret_cast<const inotify_event*>(events.data() + at);
+                isConcerned |= (event->mask & IN_Q_OVERFLOW) != 0 ||
+                               (event->len > 0 && names_.contains(event->name));
+                at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
+            }
+        }
+    }
+
+    Descriptor descriptor_;
+    std::set<std::string, std::less<>> names_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+/// A written file on its way to the disk. Shared by the thread that waits for the disk and the main
+/// thread, which looks at it when that is over and may have gone before.
+struct PropertyListPreferences::Sync {
+    Descriptor descriptor;
+    fs::path directory;
+    Identity identity;
+    std::error_code error{};
+
+    void run() {
+        const Descriptor opened(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (fsync(descriptor.get()) != 0)
+            error = lastError();
+        else if (opened)
+            fsync(opened.get());
+    }
+};
+
+PropertyListPreferences::PropertyListPreferences(MainLoop& loop, SystemLog& log, fs::path file)
+    : loop_(loop), log_(log), file_(std::move(file)),
+      watch_(std::make_unique<Watch>([this] { noticeEdit(); })) {
+    start();
+}
+
+PropertyListPreferences::~PropertyListPreferences() = default;
+
+std::optional<Value> PropertyListPreferences::object(std::string_view key) const {
+    const auto found = values_.find(std::string(key));
+    return found == values_.end() ? std::nullopt : std::optional(found->second);
+}
+
+void PropertyListPreferences::change(std::string_view key, std::optional<Value> value) {
+    if (object(key) == value)
+        return;
+    store(values_, std::string(key), value);
+    unwritten_.insert_or_assign(std::string(key), std::move(value));
+    isWriteOwed_ = true;
+    observers_.tellLater(loop_);
+    if (catchUp())
+        write();
+}
+
+void PropertyListPreferences::start() {
+    const fs::path file = targetOf(file_);
+    watch_->add(file_);
+    watch_->add(file);
+    Contents contents(file);
+    if (contents.state == Contents::State::good)
+        return adopt(std::move(contents));
+    if (contents.state == Contents::State::missing) {
+        if (access(previousOf(file).c_str(), F_OK) == 0)
+            log_.write(
+                "Velmor Quit: preferenze assenti, si parte da zero; quelle di prima sono in " +
+                previousOf(file).string());
+        return;
+    }
+    Contents previous(previousOf(file));
+    const bool hasPrevious = previous.state == Contents::State::good;
+    values_ = std::move(previous.values);
+    if (contents.state == Contents::State::damaged)
+        contents.error = setAside(file);
+    if (contents.error)
+        return reportOnce(isReadFailureTold_, "illeggibili", contents.error);
+    reportDamage(hasPrevious ? "si riparte da quelle precedenti" : "si riparte da zero");
+    isWriteOwed_ = hasPrevious;
+    if (hasPrevious)
+        write();
+}
+
+// Writing is tried only for a file that somebody changed: a failing attempt may raise events
+// itself.
+void PropertyListPreferences::noticeEdit() {
+    const auto before = known_;
+    if (catchUp() && isWriteOwed_ && known_ != before)
+        write();
+}
+
+/// Takes over what is in the file now; false when the file may not be written over.
+bool PropertyListPreferences::catchUp() {
+    const fs::path file = targetOf(file_);
+    struct stat status{};
+    if (known_ && stat(file.c_str(), &status) == 0 && Identity(status) == known_)
+        return true;
+    Contents contents(file);
+    if (contents.state == Contents::State::good) {
+        adopt(std::move(contents));
+        return true;
+    }
+    known_.reset();
+    if (contents.state == Contents::State::missing)
+        return true;
+    if (contents.state == Contents::State::damaged)
+        contents.error = setAside(file);
+    if (contents.error) {
+        reportOnce(isReadFailureTold_, "illeggibili", contents.error);
+        return false;
+    }
+    reportDamage("restano quelle in uso");
+    isWriteOwed_ = true;
+    return true;
+}
+
+void PropertyListPreferences::adopt(Contents contents) {
+    for (const auto& [key, value] : unwritten_)
+        store(contents.values, key, value);
+    if (contents.values != values_)
+        observers_.tellLater(loop_);
+    values_ = std::move(contents.values);
+    known_ = contents.identity;
+    isReadFailureTold_ = false;
+}
+
+std::error_code PropertyListPreferences::setAside(const fs::path& file) const {
+    const fs::path wanted = withSuffix(file, ".damaged-" + utcStamp(loop_.now()));
+    fs::path name = wanted;
+    struct stat taken{};
+    for (int number = 2; lstat(name.c_str(), &taken) == 0; ++number)
+        name = withSuffix(wanted, "-" + std::to_string(number));
+    return rename(file.c_str(), name.c_str()) == 0 ? std::error_code() : lastError();
+}
+
+void PropertyListPreferences::reportDamage(std::string_view consequence) {
+    log_.write("Velmor Quit: preferenze danneggiate, messe da parte in " +
+               targetOf(file_).parent_path().string() + "; " + std::string(consequence));
+}
+
+void PropertyListPreferences::reportOnce(bool& isTold, std::string_view what,
+                                         std::error_code error) {
+    if (!std::exchange(isTold, true))
+        log_.write("Velmor Quit: preferenze " + std::string(what) +
+                   ", le modifiche restano in memoria: " + file_.string() + ": " + error.message());
+}
+
+void PropertyListPreferences::write() {
+    const fs::path file = targetOf(file_);
+    if (const auto error = replace(file, PropertyList::encode(values_)))
+        return reportOnce(isWriteFailureTold_, "non salvate", error);
+    unwritten_.clear();
+    isWriteOwed_ = false;
+    isReadFailureTold_ = false;
+    isWriteFailureTold_ = false;
+    // Only now is there surely a directory to watch, or a link that leads here.
+    watch_->add(file_);
+    watch_->add(file);
+    if (!isSyncing_)
+        syncNext();
+}
+
+std::error_code PropertyListPreferences::replace(const fs::path& file, std::string_view list) {
+    if (const auto error = makeDirectories(file.parent_path()))
+        return error;
+    const fs::path fresh = withSuffix(file, ".new");
+    unlink(fresh.c_str());
+    Descriptor descriptor(open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!descriptor)
+        return lastError();
+    auto error = writeAll(descriptor.get(), list);
+    struct stat status{};
+    if (!error && fstat(descriptor.get(), &status) != 0)
+        error = lastError();
+    if (!error) {
+        keepPrevious(file);
+        if (rename(fresh.c_str(), file.c_str()) != 0)
+            error = lastError();
+    }
+    if (error) {
+        unlink(fresh.c_str());
+        return error;
+    }
+    known_.emplace(status);
+    nextSync_ =
+        std::make_shared<Sync>(Sync{std::move(descriptor), file.parent_path(), Identity(status)});
+    return {};
+}
+
+// By a second name for the same file, so that the first one is never missing. Without one that is
+// known to be on the disk the file that is there already is the safer one.
+void PropertyListPreferences::keepPrevious(const fs::path& file) const {
+    const fs::path previous = previousOf(file);
+    struct stat status{};
+    if (!known_ || (onDisk_ != known_ && lstat(previous.c_str(), &status) == 0))
+        return;
+    const fs::path fresh = withSuffix(previous, ".new");
+    unlink(fresh.c_str());
+    if (link(file.c_str(), fresh.c_str()) == 0)
+        rename(fresh.c_str(), previous.c_str());
+    // Renaming does nothing when both are names of the same file.
+    unlink(fresh.c_str());
+}
+
+// One at a time: while a slow disk works on one file, only the newest of the later ones waits.
+void PropertyListPreferences::syncNext() {
+    const auto sync = std::exchange(nextSync_, nullptr);
+    isSyncing_ = sync != nullptr;
+    if (!sync)
+        return;
+    const auto done = [this, sync] {
+        if (sync->error)
+            reportOnce(isWriteFailureTold_, "non salvate", sync->error);
+        else
+            onDisk_ = sync->identity;
+        syncNext();
+    };
+    syncing_ = loop_.background([sync] { sync->run(); }, done);
+}
+
+} // namespace velmorquit

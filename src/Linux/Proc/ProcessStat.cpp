@@ -1,0 +1,101 @@
+#include "Linux/Proc/ProcessStat.h"
+
+#include "Linux/Proc/ProcFile.h"
+
+#include <array>
+#include <charconv>
+#include <filesystem>
+
+#include <unistd.h>
+
+namespace velmorquit {
+
+namespace {
+
+template <class Number> bool parseNumber(std::string_view text, Number& number) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc{} && end == text.data() + text.size();
+}
+
+std::string_view nextWord(std::string_view& text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \n"), text.size()));
+    const std::string_view word = text.substr(0, text.find_first_of(" \n"));
+    text.remove_prefix(word.size());
+    return word;
+}
+
+std::vector<std::string> splitAtNul(const std::string& content) {
+    std::vector<std::string> parts;
+    for (std::size_t begin = 0; begin < content.size();) {
+        const std::size_t end = std::min(content.find('\0', begin), content.size());
+        parts.push_back(content.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return parts;
+}
+
+} // namespace
+
+// The name stands in parentheses and may hold any of them, blanks and newlines itself: only the
+// last closing one ends it.
+std::optional<ProcessStat> parseProcessStat(std::string_view line) {
+    const std::size_t open = line.find(" (");
+    const std::size_t close = line.rfind(')');
+    if (open == std::string_view::npos || close == std::string_view::npos || close < open + 2)
+        return std::nullopt;
+    ProcessStat stat;
+    stat.command = line.substr(open + 2, close - open - 2);
+    std::string_view rest = line.substr(close + 1);
+    nextWord(rest); // the state
+    bool good =
+        parseNumber(line.substr(0, open), stat.id) && parseNumber(nextWord(rest), stat.parent) &&
+        parseNumber(nextWord(rest), stat.group) && parseNumber(nextWord(rest), stat.session) &&
+        parseNumber(nextWord(rest), stat.terminal) && parseNumber(nextWord(rest), stat.foreground);
+    // Flags, faults, times, priorities: fields 9 to 21. The start time is field 22 (proc(5)).
+    for (int field = 9; field < 22; ++field)
+        nextWord(rest);
+    good = good && parseNumber(nextWord(rest), stat.startTime);
+    return good ? std::optional(std::move(stat)) : std::nullopt;
+}
+
+std::optional<ProcessStat> readProcessStat(ProcessId id) {
+    return parseProcessStat(readProcFile(id, "stat"));
+}
+
+std::vector<ProcessStat> readProcessTable() {
+    std::vector<ProcessStat> table;
+    std::error_code error;
+    for (auto entry = std::filesystem::directory_iterator("/proc", error);
+         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        ProcessId id = 0;
+        if (!parseNumber(std::string_view(entry->path().filename().native()), id))
+            continue;
+        if (auto stat = readProcessStat(id))
+            table.push_back(std::move(*stat));
+    }
+    return table;
+}
+
+std::string executableName(ProcessId id) {
+    std::array<char, 4096> target;
+    const std::string link = "/proc/" + std::to_string(id) + "/exe";
+    const ssize_t length = ::readlink(link.c_str(), target.data(), target.size());
+    if (length <= 0)
+        return {};
+    const std::string_view path(target.data(), static_cast<std::size_t>(length));
+    return std::string(path.substr(path.rfind('/') + 1));
+}
+
+std::vector<std::string> processArguments(ProcessId id) {
+    return splitAtNul(readProcFile(id, "cmdline"));
+}
+
+std::optional<std::string> processEnvironment(ProcessId id, std::string_view name) {
+    for (const std::string& entry : splitAtNul(readProcFile(id, "environ"))) {
+        if (entry.size() > name.size() && entry.starts_with(name) && entry[name.size()] == '=')
+            return entry.substr(name.size() + 1);
+    }
+    return std::nullopt;
+}
+
+} // namespace velmorquit

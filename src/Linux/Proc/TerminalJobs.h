@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Linux/Proc/ProcessStat.h"
+
+#include <functional>
+#include <vector>
+
+namespace velmorquit {
+
+/// What has to be known of processes to tell whether a terminal is at work.
+struct ProcessFacts {
+    std::function<std::string(ProcessId)> executable;
+    std::function<std::vector<std::string>(ProcessId)> arguments;
+    /// Whether the process has windows of its own.
+    std::function<bool(ProcessId)> ownsWindows;
+};
+
+/// Whether `application` is a terminal (or has one inside) in which something runs that would be
+/// lost if it were closed: a job in the foreground, a command started in place of a shell, a
+/// script, or a program with windows that was started from there and that the shell takes along
+/// when it goes. A shell at its prompt is none, nor is a program of ours, which survives its
+/// terminal.
+[[nodiscard]] bool hasTerminalJob(ProcessId application, const std::vector<ProcessStat>& table,
+                                  const ProcessFacts& facts);
+
+} // namespace velmorquit

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Platform/MainLoop.h"
+#include "Platform/TimerQueue.h"
+
+#include <QObject>
+#include <QTimer>
+
+#include <map>
+
+namespace velmorquit {
+
+/// Qt's event loop as the main loop; made and used on the thread of the application object.
+class QtMainLoop final : public QObject, public MainLoop {
+public:
+    QtMainLoop();
+    ~QtMainLoop() override;
+
+    [[nodiscard]] WallTime now() const override;
+    /// Time that the computer spent asleep is not counted.
+    [[nodiscard]] Uptime uptime() const override;
+    void post(std::function<void()> work) override;
+    [[nodiscard]] Handle after(Duration delay, std::function<void()> work) override;
+    [[nodiscard]] Handle every(Duration interval, std::function<void()> work) override;
+    [[nodiscard]] Handle background(std::function<void()> work,
+                                    std::function<void()> done) override;
+
+private:
+    /// What is called when work elsewhere is done.
+    struct Pending final : Handle::Source {
+        void cancel(std::uint64_t id) noexcept override { done.erase(id); }
+        std::map<std::uint64_t, std::function<void()>> done;
+        std::uint64_t lastId = 0;
+    };
+
+    void armTimer();
+    void runDueTimers();
+
+    TimerQueue timers_;
+    QTimer timer_;
+    std::shared_ptr<Pending> pending_ = std::make_shared<Pending>();
+};
+
+} // namespace velmorquit

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace velmorquit {
+
+/// `bytes` as valid UTF-8: as they are where they already are that, else read as Latin-1.
+[[nodiscard]] std::string utf8(std::string_view bytes);
+
+} // namespace velmorquit

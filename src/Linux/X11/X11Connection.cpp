@@ -1,0 +1,84 @@
+#include "Linux/X11/X11Connection.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace velmorquit {
+
+namespace {
+
+/// In units of four bytes. More than any list of windows, states or protocols in use.
+constexpr std::uint32_t longestProperty = 65536;
+
+} // namespace
+
+std::optional<X11Connection> X11Connection::open() {
+    int number = 0;
+    xcb_connection_t* connection = xcb_connect(nullptr, &number);
+    // A failed connection is an object too, which has to be closed.
+    if (xcb_connection_has_error(connection)) {
+        xcb_disconnect(connection);
+        return std::nullopt;
+    }
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; number > 0 && screens.rem > 1; --number)
+        xcb_screen_next(&screens);
+    return X11Connection(connection, screens.data);
+}
+
+xcb_atom_t X11Connection::atom(const std::string& name) {
+    const auto known = atoms_.find(name);
+    if (known != atoms_.end())
+        return known->second;
+    const auto cookie =
+        xcb_intern_atom(get(), 0, static_cast<std::uint16_t>(name.size()), name.data());
+    const auto reply = owned(xcb_intern_atom_reply(get(), cookie, nullptr));
+    const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    atoms_.emplace(name, atom);
+    return atom;
+}
+
+xcb_get_property_cookie_t X11Connection::request(xcb_window_t window, const std::string& name) {
+    return xcb_get_property(get(), 0, window, atom(name), XCB_ATOM_ANY, 0, longestProperty);
+}
+
+std::string X11Connection::bytes(xcb_get_property_cookie_t cookie) {
+    const auto reply = owned(xcb_get_property_reply(get(), cookie, nullptr));
+    if (!reply || reply->format != 8)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+}
+
+std::vector<std::uint32_t> X11Connection::numbers(xcb_get_property_cookie_t cookie) {
+    const auto reply = owned(xcb_get_property_reply(get(), cookie, nullptr));
+    if (!reply || reply->format != 32)
+        return {};
+    std::vector<std::uint32_t> values(reply->value_len);
+    if (!values.empty())
+        std::memcpy(values.data(), xcb_get_property_value(reply.get()), 4 * values.size());
+    return values;
+}
+
+std::optional<std::uint32_t> X11Connection::number(xcb_window_t window, const std::string& name) {
+    const auto values = numbers(request(window, name));
+    return values.empty() ? std::nullopt : std::optional(values.front());
+}
+
+void X11Connection::sendMessage(xcb_window_t receiver, xcb_window_t window, const std::string& type,
+                                const std::vector<std::uint32_t>& data) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = atom(type);
+    std::ranges::copy_n(data.begin(), std::min<std::ptrdiff_t>(5, std::ssize(data)),
+                        std::begin(message.data.data32));
+    const std::uint32_t mask = receiver == root() ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY |
+                                                        XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT
+                                                  : XCB_EVENT_MASK_NO_EVENT;
+    xcb_send_event(get(), 0, receiver, mask, reinterpret_cast<const char*>(&message));
+    xcb_flush(get());
+}
+
+} // namespace velmorquit

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Linux/X11/XcbReply.h"
+
+#include <xcb/xcb.h>
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmorquit {
+
+/// A connection to the X server of `$DISPLAY`, with its atoms.
+class X11Connection {
+public:
+    /// None when the server can't be reached.
+    static std::optional<X11Connection> open();
+
+    [[nodiscard]] xcb_connection_t* get() const { return connection_.get(); }
+    [[nodiscard]] const xcb_screen_t& screen() const { return *screen_; }
+    [[nodiscard]] xcb_window_t root() const { return screen_->root; }
+
+    /// The atom of that name; asks the server the first time.
+    [[nodiscard]] xcb_atom_t atom(const std::string& name);
+
+    /// Sends the request for a property without waiting for the answer.
+    [[nodiscard]] xcb_get_property_cookie_t request(xcb_window_t window, const std::string& name);
+
+    /// Waits for the answers; empty where there is no such property.
+    [[nodiscard]] std::string bytes(xcb_get_property_cookie_t cookie);
+    [[nodiscard]] std::vector<std::uint32_t> numbers(xcb_get_property_cookie_t cookie);
+
+    [[nodiscard]] std::optional<std::uint32_t> number(xcb_window_t window, const std::string& name);
+
+    /// Sends a client message about `window` to `receiver`, which is it itself or the root window.
+    void sendMessage(xcb_window_t receiver, xcb_window_t window, const std::string& type,
+                     const std::vector<std::uint32_t>& data);
+
+private:
+    struct Disconnect {
+        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+    };
+    X11Connection(xcb_connection_t* connection, xcb_screen_t* screen)
+        : connection_(connection), screen_(screen) {}
+
+    std::unique_ptr<xcb_connection_t, Disconnect> connection_;
+    xcb_screen_t* screen_;
+    std::map<std::string, xcb_atom_t, std::less<>> atoms_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Platform/Subscribers.h"
+
+#include <functional>
+#include <utility>
+
+namespace velmorquit {
+
+/// A field whose changes are told to subscribers.
+///
+/// Telling happens in a later turn of the loop, once for all the changes of one turn, and
+/// subscribers read the value that is current then: nothing is ever called back from within an
+/// assignment.
+template <class T> class Published {
+public:
+    explicit Published(MainLoop& loop, T initial = {}) : loop_(loop), value_(std::move(initial)) {}
+    Published(const Published&) = delete;
+    Published& operator=(const Published&) = delete;
+
+    /// A value that equals the present one is stored and told to nobody.
+    Published& operator=(T value) {
+        const bool isChange = !(value_ == value);
+        value_ = std::move(value);
+        if (isChange)
+            subscribers_.tellLater(loop_);
+        return *this;
+    }
+
+    [[nodiscard]] const T& get() const { return value_; }
+    operator const T&() const { return value_; }
+    const T* operator->() const { return &value_; }
+
+    /// Calls `told` in a later turn for the value there is, then after every change, until the
+    /// handle is reset.
+    [[nodiscard]] Handle subscribe(std::function<void()> told) {
+        return subscribers_.addAndTellFirst(loop_, std::move(told));
+    }
+
+private:
+    MainLoop& loop_;
+    T value_;
+    Subscribers subscribers_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,123 @@
+#pragma once
+
+#include "Platform/MainLoop.h"
+
+#include <concepts>
+#include <coroutine>
+#include <exception>
+#include <utility>
+
+namespace velmorquit {
+
+/// What a coroutine that is a member function belongs to: it says which loop the coroutine runs on.
+template <class Owner>
+concept TaskOwner = requires(Owner& owner) {
+    { owner.mainLoop() } -> std::convertible_to<MainLoop&>;
+};
+
+/// A coroutine on the main loop, owned by this handle.
+///
+/// Its first step runs in a later turn, when the handle has been stored. Cancelling or destroying
+/// the handle ends the coroutine where it is suspended, its local objects destroyed; a coroutine
+/// that cancels itself goes on to its next suspension and ends there. So a task never outlives its
+/// owner. The coroutine is a member of a `TaskOwner`, or a function whose first parameter is a
+/// `MainLoop&`.
+class Task {
+public:
+    class promise_type {
+    public:
+        template <TaskOwner Owner, class... Arguments>
+        explicit promise_type(Owner& owner, Arguments&...) : loop_(owner.mainLoop()) {}
+        template <class... Arguments>
+        explicit promise_type(MainLoop& loop, Arguments&...) : loop_(loop) {}
+
+        Task get_return_object() { return Task(Coroutine::from_promise(*this)); }
+
+        auto initial_suspend() {
+            struct LaterTurn {
+                bool await_ready() const noexcept { return false; }
+                void await_suspend(Coroutine coroutine) const {
+                    coroutine.promise().waitFor(Duration::zero());
+                }
+                void await_resume() const noexcept {}
+            };
+            return LaterTurn{};
+        }
+        std::suspend_always final_suspend() noexcept { return {}; }
+        void return_void() {}
+        [[noreturn]] void unhandled_exception() { std::terminate(); }
+
+        [[nodiscard]] MainLoop& loop() const { return loop_; }
+
+        /// Resumes the coroutine when `delay` has passed. The wait is kept here and not in the
+        /// awaited object, which has no destructor so: g++ 12 destroys such temporaries twice.
+        void waitFor(Duration delay) {
+            wait_ = loop_.after(delay, [this] { resume(); });
+        }
+
+        /// Goes on until the next suspension. The coroutine may be gone afterwards.
+        void resume() {
+            const auto coroutine = Coroutine::from_promise(*this);
+            isRunning_ = true;
+            coroutine.resume();
+            isRunning_ = false;
+            if (isAbandoned_)
+                coroutine.destroy();
+        }
+
+    private:
+        friend class Task;
+        using Coroutine = std::coroutine_handle<promise_type>;
+
+        void abandon() {
+            if (isRunning_)
+                isAbandoned_ = true;
+            else
+                Coroutine::from_promise(*this).destroy();
+        }
+
+        MainLoop& loop_;
+        Handle wait_;
+        bool isRunning_ = false;
+        bool isAbandoned_ = false;
+    };
+
+    Task() = default;
+    Task(Task&& other) noexcept : coroutine_(std::exchange(other.coroutine_, nullptr)) {}
+    Task& operator=(Task&& other) noexcept {
+        Task moved(std::move(other));
+        std::swap(coroutine_, moved.coroutine_);
+        return *this;
+    }
+    Task(const Task&) = delete;
+    Task& operator=(const Task&) = delete;
+    ~Task() { cancel(); }
+
+    void cancel() {
+        if (coroutine_)
+            std::exchange(coroutine_, nullptr).promise().abandon();
+    }
+
+    /// True from the start until the coroutine has returned or was cancelled.
+    [[nodiscard]] bool isActive() const { return coroutine_ && !coroutine_.done(); }
+
+private:
+    using Coroutine = std::coroutine_handle<promise_type>;
+    explicit Task(Coroutine coroutine) : coroutine_(coroutine) {}
+
+    Coroutine coroutine_ = nullptr;
+};
+
+/// `co_await sleep(250ms)` in a `Task`: goes on when that much running time has passed.
+struct sleep {
+    Duration duration;
+
+    explicit sleep(Duration time) : duration(time) {}
+    bool await_ready() const noexcept { return false; }
+    void await_suspend(std::coroutine_handle<Task::promise_type> coroutine) const {
+        coroutine.promise().waitFor(duration);
+    }
+    void await_resume() const noexcept {}
+};
+
+} // namespace velmorquit

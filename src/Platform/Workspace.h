@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Platform/Handle.h"
+#include "Platform/RunningApplication.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// What happens among the running applications.
+enum class WorkspaceEvent {
+    launched,     ///< an application came, or showed its first window
+    terminated,   ///< an application's process ended
+    activated,    ///< another application came to the front
+    policyChanged ///< an application that lives on showed or lost its last window
+};
+
+/// The applications of the user's session.
+class Workspace {
+public:
+    virtual ~Workspace() = default;
+
+    /// All that run, those without windows too, in the system's own order, ended ones left out.
+    /// Read from memory.
+    [[nodiscard]] virtual std::vector<std::shared_ptr<RunningApplication>>
+    runningApplications() const = 0;
+
+    /// The application that the user works with now; null when that is none of them.
+    [[nodiscard]] virtual std::shared_ptr<RunningApplication> frontmostApplication() const = 0;
+
+    /// Calls `told` on the main loop after each event of that kind.
+    [[nodiscard]] virtual Handle observe(WorkspaceEvent event, std::function<void()> told) = 0;
+
+    /// Exclusion keys that this system's own essential applications have, such as its file
+    /// managers: left running until the user says otherwise.
+    [[nodiscard]] virtual std::vector<std::string> defaultExclusions() const = 0;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace velmorquit {
+
+/// What happens to the computer when everything is closed.
+enum class PowerAction { none, shutDown, restart, logOut };
+
+inline constexpr std::array allPowerActions{PowerAction::none, PowerAction::shutDown,
+                                            PowerAction::restart, PowerAction::logOut};
+
+/// The text under which the choice is stored: "none", "shutDown", "restart" or "logOut".
+[[nodiscard]] std::string_view rawValue(PowerAction action);
+
+/// The choice stored as `raw`; none for any other text, different letter case included.
+[[nodiscard]] std::optional<PowerAction> powerActionFromRaw(std::string_view raw);
+
+/// Caption of the button that closes everything.
+[[nodiscard]] std::string_view buttonTitle(PowerAction action);
+
+/// Short name of the choice.
+[[nodiscard]] std::string_view label(PowerAction action);
+
+/// One sentence on what the choice does.
+[[nodiscard]] std::string_view helpText(PowerAction action);
+
+/// Title of a quit that is scheduled with this choice.
+[[nodiscard]] std::string_view scheduleTitle(PowerAction action);
+
+} // namespace velmorquit

@@ -1,0 +1,13 @@
+#include "Services/QuitController/OpenApp.h"
+
+#include <utility>
+
+namespace velmorquit {
+
+OpenApp::OpenApp(std::shared_ptr<RunningApplication> application, std::uint64_t footprint)
+    : id(application->processId()), app(std::move(application)),
+      name(app->localizedName().value_or(app->bundleIdentifier().value_or("App"))),
+      bundleID(app->bundleIdentifier()), otherIdentities(app->otherIdentities()),
+      memory(footprint) {}
+
+} // namespace velmorquit

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Platform/RunningApplication.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// One application that the user has open, with the figures read when it was listed.
+struct OpenApp {
+    ProcessId id = 0;
+    std::shared_ptr<RunningApplication> app;
+    std::string name;
+    std::optional<std::string> bundleID;
+    /// The other identities of the same process; an exclusion of one of them holds for it as well.
+    std::vector<std::string> otherIdentities;
+    /// Memory footprint in bytes, 0 when it is not known.
+    std::uint64_t memory = 0;
+
+    OpenApp(std::shared_ptr<RunningApplication> application, std::uint64_t footprint);
+
+    /// What the exclusions know the application by: its bundle identifier, else its name.
+    [[nodiscard]] const std::string& exclusionKey() const { return bundleID ? *bundleID : name; }
+
+    /// Equal means the same process with the same figure: what a list needs to be drawn again.
+    friend bool operator==(const OpenApp& one, const OpenApp& other) {
+        return one.id == other.id && one.memory == other.memory;
+    }
+};
+
+} // namespace velmorquit

@@ -1,0 +1,119 @@
+#include "Services/QuitController/QuitController.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmorquit {
+
+void QuitController::quitAll(PowerAction action) {
+    if (isBusy(phase) || unfollowedResult_)
+        return;
+    resetTask_.cancel();
+    refresh();
+    targets_ = quittable();
+    pendingAction_ = action;
+    stubborn = {};
+    resultNote = std::nullopt;
+    if (targets_.empty()) {
+        finish(AfterSteps::run);
+        return;
+    }
+
+    phase = phases::Quitting{static_cast<int>(targets_.size())};
+    for (const OpenApp& target : targets_)
+        target.app->terminate();
+    pollTask_ = pollTargets(desktop_.loop.uptime() + gracePeriod);
+}
+
+Task QuitController::pollTargets(Uptime deadline) {
+    const int number = ++pollNumber_;
+    for (;;) {
+        co_await sleep(pollInterval);
+        std::vector<OpenApp> running = targetsStillRunning();
+        if (running.empty()) {
+            finish(AfterSteps::run);
+            co_return;
+        }
+        if (desktop_.loop.uptime() < deadline)
+            continue;
+        stubborn = std::move(running);
+        if (!is<phases::Waiting>(phase)) {
+            emit(events::StubbornApps{});
+            if (number != pollNumber_)
+                co_return;
+            phase = phases::Waiting{};
+        }
+    }
+}
+
+std::vector<OpenApp> QuitController::targetsStillRunning() const {
+    std::vector<OpenApp> running;
+    std::ranges::copy_if(targets_, std::back_inserter(running),
+                         [](const OpenApp& target) { return !target.app->isTerminated(); });
+    return running;
+}
+
+std::vector<std::string> QuitController::forceQuitStubborn() {
+    std::vector<std::string> refused;
+    const std::vector<OpenApp> forced = stubborn;
+    for (const OpenApp& app : forced) {
+        if (!app.app->forceTerminate())
+            refused.push_back(app.name);
+    }
+    return refused;
+}
+
+void QuitController::leaveStubbornOpen() {
+    if (!is<phases::Quitting>(phase) && !is<phases::Waiting>(phase))
+        return;
+    pendingAction_ = PowerAction::none;
+    if (unfollowedResult_) {
+        postTask_.cancel();
+        showResult(*std::exchange(unfollowedResult_, std::nullopt), std::nullopt);
+        return;
+    }
+    finish(AfterSteps::skip);
+}
+
+void QuitController::finish(AfterSteps steps) {
+    ++pollNumber_;
+    pollTask_.cancel();
+    const RunResult result = countClosed();
+    // What was closed has to be remembered here: the refresh and all that follows may take long,
+    // and may be the last thing that this session sees.
+    stubborn = {};
+    targets_.clear();
+    refresh();
+    const PowerAction action = std::exchange(pendingAction_, PowerAction::none);
+    if (steps == AfterSteps::skip) {
+        showResult(result, std::nullopt);
+        return;
+    }
+    unfollowedResult_ = result;
+    postTask_ = afterApps(result, action);
+}
+
+QuitController::RunResult QuitController::countClosed() const {
+    RunResult result;
+    for (const OpenApp& target : targets_) {
+        if (!target.app->isTerminated())
+            continue;
+        ++result.closed;
+        result.freed += target.memory;
+    }
+    return result;
+}
+
+void QuitController::showResult(RunResult result, std::optional<std::string> note) {
+    phase = phases::Done{result.closed, result.freed};
+    resultNote = std::move(note);
+    resetTask_ = resetResult();
+}
+
+Task QuitController::resetResult() {
+    co_await sleep(resultTime);
+    phase = phases::Idle{};
+    resultNote = std::nullopt;
+}
+
+} // namespace velmorquit

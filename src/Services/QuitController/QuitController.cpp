@@ -1,0 +1,41 @@
+#include "Services/QuitController/QuitController.h"
+
+#include "Platform/Preferences.h"
+
+namespace velmorquit {
+
+QuitController::QuitController(const Desktop& desktop)
+    : apps(desktop.loop), phase(desktop.loop), stubborn(desktop.loop), excluded(desktop.loop),
+      afterQuit(desktop.loop), resultNote(desktop.loop), desktop_(desktop) {
+    loadPreferences();
+    observeWorkspace();
+    refresh();
+}
+
+void QuitController::loadPreferences() {
+    const auto stored = desktop_.preferences.texts("excludedApps");
+    if (stored) {
+        excluded = std::set<std::string>(stored->begin(), stored->end());
+    } else {
+        const auto own = desktop_.workspace.defaultExclusions();
+        std::set<std::string> keys(own.begin(), own.end());
+        keys.insert("com.apple.finder");
+        excluded = std::move(keys);
+    }
+    const std::string action = desktop_.preferences.text("afterQuit").value_or("");
+    afterQuit = powerActionFromRaw(action).value_or(PowerAction::none);
+}
+
+void QuitController::chooseAfterQuit(PowerAction action) {
+    if (afterQuit.get() == action)
+        return;
+    afterQuit = action;
+    desktop_.preferences.set("afterQuit", std::string(rawValue(action)));
+}
+
+void QuitController::emit(const Event& event) {
+    if (onEvent)
+        onEvent(event);
+}
+
+} // namespace velmorquit

@@ -1,0 +1,115 @@
+#pragma once
+
+#include "Platform/Desktop.h"
+#include "Platform/Published.h"
+#include "Platform/Task.h"
+#include "Platform/Workspace.h"
+#include "Services/PowerAction.h"
+#include "Services/QuitController/Event.h"
+#include "Services/QuitController/OpenApp.h"
+#include "Services/QuitController/Phase.h"
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// The one central object: which applications are open, which of them the user has excluded, and
+/// the run that asks all others to quit. All its operations return at once and none fails to its
+/// caller.
+class QuitController {
+public:
+    static constexpr Duration gracePeriod = 6s;
+    static constexpr Duration pollInterval = 250ms;
+    static constexpr Duration refreshInterval = 2500ms;
+    static constexpr Duration resultTime = 8s;
+
+    /// Reads the preferences, watches the workspace and lists what is open.
+    explicit QuitController(const Desktop& desktop);
+
+    /// Open applications, most memory first.
+    Published<std::vector<OpenApp>> apps;
+    Published<Phase> phase;
+    /// Those still open after the grace period of the present run.
+    Published<std::vector<OpenApp>> stubborn;
+    /// Exclusion keys of the applications that a run leaves alone.
+    Published<std::set<std::string>> excluded;
+    Published<PowerAction> afterQuit;
+    /// What the user should know of the result beyond its figures.
+    Published<std::optional<std::string>> resultNote;
+
+    /// Hears of events the moment they happen; it may call any operation.
+    std::function<void(const Event&)> onEvent;
+
+    /// Lists anew what is open.
+    void refresh();
+
+    /// Refreshes now and then every 2.5 s until `stopLiveUpdates`. Starting again is no error.
+    void startLiveUpdates();
+    void stopLiveUpdates();
+
+    /// Excludes the application, or includes it again, and stores the exclusions.
+    void toggleExclusion(const OpenApp& app);
+
+    /// Removes `key` from the exclusions and stores them; also for what isn't open now. False when
+    /// it was none.
+    bool includeAgain(const std::string& key);
+
+    [[nodiscard]] bool isExcluded(const OpenApp& app) const;
+
+    /// The open applications that are not excluded, most memory first.
+    [[nodiscard]] std::vector<OpenApp> quittable() const;
+
+    /// Chooses what happens after a run started from the panel, and stores the choice.
+    void chooseAfterQuit(PowerAction action);
+
+    /// Asks every application of `quittable` to quit, with `action` to follow. Does nothing while a
+    /// run is in progress.
+    void quitAll(PowerAction action);
+
+    /// Makes the stubborn applications end; the run then goes on by itself. Returns the names of
+    /// those that the system protects.
+    std::vector<std::string> forceQuitStubborn();
+
+    /// Ends the run, leaving alone whatever is still open, without anything to follow.
+    void leaveStubbornOpen();
+
+    [[nodiscard]] MainLoop& mainLoop() const { return desktop_.loop; }
+
+private:
+    struct RunResult {
+        int closed = 0;
+        std::uint64_t freed = 0;
+    };
+    enum class AfterSteps { run, skip };
+
+    void loadPreferences();
+    void observeWorkspace();
+    void storeExclusions(std::set<std::string> keys);
+
+    Task pollTargets(Uptime deadline);
+    [[nodiscard]] std::vector<OpenApp> targetsStillRunning() const;
+    void finish(AfterSteps steps);
+    [[nodiscard]] RunResult countClosed() const;
+    Task afterApps(RunResult result, PowerAction action);
+    void showResult(RunResult result, std::optional<std::string> note);
+    Task resetResult();
+    void emit(const Event& event);
+
+    Desktop desktop_;
+    PowerAction pendingAction_ = PowerAction::none;
+    std::vector<OpenApp> targets_;
+    /// Counts the poll loops, so that one that was interrupted by a callback knows that it is over.
+    int pollNumber_ = 0;
+    /// The result of a run that has ended while what follows it has not begun.
+    std::optional<RunResult> unfollowedResult_;
+    Task pollTask_;
+    Task postTask_;
+    Task resetTask_;
+    Handle refreshTimer_;
+    std::vector<Handle> observers_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,219 @@
+#include "Services/RemoteControl.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace velmorquit {
+
+namespace {
+
+template <class... Cases> struct Overloaded : Cases... {
+    using Cases::operator()...;
+};
+template <class... Cases> Overloaded(Cases...) -> Overloaded<Cases...>;
+
+/// Names come from other programs and are shown whatever bytes they hold.
+std::string text(const nlohmann::ordered_json& json) {
+    return json.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+RemoteAnswer done(const nlohmann::ordered_json& json) {
+    return {RemoteAnswer::Status::done, text(json)};
+}
+
+RemoteAnswer refused(std::string why) { return {RemoteAnswer::Status::refused, std::move(why)}; }
+
+char lowered(char letter) { return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter; }
+
+bool equalIgnoringCase(std::string_view one, std::string_view other) {
+    return std::ranges::equal(one, other, {}, lowered, lowered);
+}
+
+bool holds(const std::vector<OpenApp>& apps, const OpenApp& wanted) {
+    return std::ranges::any_of(apps, [&](const OpenApp& app) { return app.app == wanted.app; });
+}
+
+} // namespace
+
+RemoteControl::RemoteControl(QuitController& controller, RemoteCommands& remote)
+    : controller_(controller), remote_(remote), knownApps_(controller.apps),
+      knownExclusions_(controller.excluded) {
+    remote_.serve([this](const RemoteCommand& command) { return answer(command); });
+    announceChanges();
+}
+
+RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
+    const auto& [verb, arguments] = command;
+    const std::size_t count = arguments.size();
+    if (verb == "status" && count == 0)
+        return status();
+    if (verb == "quitAll" && count <= 1)
+        return quitAll(arguments);
+    if (verb == "force" && count == 0)
+        return force();
+    if (verb == "leave" && count == 0)
+        return leave();
+    if ((verb == "exclude" || verb == "include") && count == 1)
+        return setExcluded(arguments.front(), verb == "exclude");
+    return {RemoteAnswer::Status::unknown, "Comando sconosciuto: " + verb};
+}
+
+RemoteAnswer RemoteControl::status() {
+    controller_.refresh();
+    Json json = describePhase();
+    json["applications"] = describeAll(controller_.apps);
+    json["stubborn"] = describeAll(controller_.stubborn);
+    json["excluded"] = controller_.excluded.get();
+    json["afterQuit"] = rawValue(controller_.afterQuit);
+    json["note"] = controller_.resultNote.get() ? Json(*controller_.resultNote.get()) : Json();
+    return done(json);
+}
+
+RemoteAnswer RemoteControl::quitAll(const std::vector<std::string>& arguments) {
+    const auto action =
+        arguments.empty() ? PowerAction::none : powerActionFromRaw(arguments.front());
+    if (!action)
+        return {RemoteAnswer::Status::unknown, "Azione sconosciuta: " + arguments.front()};
+    if (isBusy(controller_.phase))
+        return refused("Velmor Quit sta già chiudendo le app.");
+    controller_.refresh();
+    const Json asked = describeAll(controller_.quittable());
+    controller_.quitAll(*action);
+    return done({{"asked", asked}, {"then", rawValue(*action)}});
+}
+
+RemoteAnswer RemoteControl::force() {
+    if (controller_.stubborn->empty())
+        return refused("Nessuna app è rimasta aperta.");
+    Json forced = describeAll(controller_.stubborn);
+    const auto protectedNames = controller_.forceQuitStubborn();
+    if (!protectedNames.empty() && protectedNames.size() == forced.size())
+        return refused("Il sistema non permette di forzare: " + protectedNames.front());
+    return done({{"forced", std::move(forced)}, {"refused", protectedNames}});
+}
+
+RemoteAnswer RemoteControl::leave() {
+    if (!isBusy(controller_.phase))
+        return refused("Non c'è nessuna chiusura in corso.");
+    controller_.leaveStubbornOpen();
+    return done(describePhase());
+}
+
+RemoteAnswer RemoteControl::setExcluded(const std::string& name, bool isExcluded) {
+    const auto apps = named(name);
+    if (apps.empty()) {
+        if (!isExcluded && controller_.includeAgain(name))
+            return done({{"key", name}, {"excluded", false}});
+        return refused("Nessuna app aperta si chiama «" + name + "».");
+    }
+    const std::string& key = apps.front().exclusionKey();
+    for (const OpenApp& app : apps) {
+        if (app.exclusionKey() != key)
+            return refused("Più app si chiamano «" + name + "»: indica l'id di una.");
+    }
+    if (controller_.isExcluded(apps.front()) != isExcluded)
+        controller_.toggleExclusion(apps.front());
+    return done({{"key", key}, {"excluded", isExcluded}});
+}
+
+/// The open applications that a person means by `name`: the first way of reading it that fits any.
+std::vector<OpenApp> RemoteControl::named(const std::string& name) const {
+    const auto matching = [&](auto fits) {
+        std::vector<OpenApp> found;
+        std::ranges::copy_if(controller_.apps.get(), std::back_inserter(found), fits);
+        return found;
+    };
+    auto found = matching([&](const OpenApp& app) { return app.exclusionKey() == name; });
+    if (found.empty())
+        found = matching([&](const OpenApp& app) { return equalIgnoringCase(app.name, name); });
+    if (found.empty()) {
+        found = matching(
+            [&](const OpenApp& app) { return equalIgnoringCase(app.exclusionKey(), name); });
+    }
+    if (found.empty())
+        found = matching([&](const OpenApp& app) { return std::to_string(app.id) == name; });
+    return found;
+}
+
+RemoteControl::Json RemoteControl::describe(const OpenApp& app) const {
+    return {{"name", app.name},
+            {"id", app.bundleID ? Json(*app.bundleID) : Json()},
+            {"process", app.id},
+            {"memory", app.memory},
+            {"excluded", controller_.isExcluded(app)}};
+}
+
+RemoteControl::Json RemoteControl::describeAll(const std::vector<OpenApp>& apps) const {
+    Json list = Json::array();
+    for (const OpenApp& app : apps)
+        list.push_back(describe(app));
+    return list;
+}
+
+RemoteControl::Json RemoteControl::describePhase() const {
+    return std::visit(Overloaded{[](phases::Idle) { return Json{{"phase", "idle"}}; },
+                                 [](phases::Quitting quitting) {
+                                     return Json{{"phase", "quitting"}, {"total", quitting.total}};
+                                 },
+                                 [](phases::Waiting) { return Json{{"phase", "waiting"}}; },
+                                 [](phases::Done done) {
+                                     return Json{{"phase", "done"},
+                                                 {"closed", done.closed},
+                                                 {"freed", done.freed}};
+                                 }},
+                      controller_.phase.get());
+}
+
+void RemoteControl::announceChanges() {
+    subscriptions_.push_back(controller_.apps.subscribe([this] { announceApps(); }));
+    subscriptions_.push_back(controller_.excluded.subscribe([this] { announceExclusions(); }));
+    subscriptions_.push_back(controller_.stubborn.subscribe([this] {
+        announce({{"change", "stubborn"}, {"applications", describeAll(controller_.stubborn)}});
+    }));
+    subscriptions_.push_back(controller_.phase.subscribe([this] {
+        Json change = {{"change", "phase"}};
+        change.update(describePhase());
+        announce(change);
+    }));
+}
+
+void RemoteControl::announceApps() {
+    const std::vector<OpenApp> before = std::exchange(knownApps_, controller_.apps);
+    for (const OpenApp& app : before) {
+        if (!holds(knownApps_, app))
+            announce({{"change", "closed"}, {"application", describe(app)}});
+    }
+    for (const OpenApp& app : knownApps_) {
+        if (!holds(before, app))
+            announce({{"change", "opened"}, {"application", describe(app)}});
+    }
+}
+
+void RemoteControl::announceExclusions() {
+    const std::set<std::string> before = std::exchange(knownExclusions_, controller_.excluded);
+    for (const std::string& key : before) {
+        if (!knownExclusions_.contains(key))
+            announce({{"change", "included"}, {"key", key}});
+    }
+    for (const std::string& key : knownExclusions_) {
+        if (!before.contains(key))
+            announce({{"change", "excluded"}, {"key", key}});
+    }
+}
+
+void RemoteControl::announce(const Event& event) {
+    announce(std::visit(Overloaded{[](events::QuitDone quit) {
+                                       return Json{{"change", "event"},
+                                                   {"event", "quitDone"},
+                                                   {"closed", quit.closed}};
+                                   },
+                                   [](events::StubbornApps) {
+                                       return Json{{"change", "event"}, {"event", "stubbornApps"}};
+                                   }},
+                        event));
+}
+
+void RemoteControl::announce(const Json& change) { remote_.announce(text(change)); }
+
+} // namespace velmorquit

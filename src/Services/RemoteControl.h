@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Platform/RemoteCommands.h"
+#include "Services/QuitController/QuitController.h"
+
+#include <nlohmann/json.hpp>
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// What other processes of the user can do with the controller and hear of it.
+///
+/// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
+/// `include NAME`. Changes are announced as objects with a field `change`: `phase`, `stubborn`,
+/// `opened`, `closed`, `excluded`, `included`, `event`.
+class RemoteControl {
+public:
+    RemoteControl(QuitController& controller, RemoteCommands& remote);
+
+    /// Passes an event of the controller on.
+    void announce(const Event& event);
+
+private:
+    using Json = nlohmann::ordered_json;
+
+    RemoteAnswer answer(const RemoteCommand& command);
+    [[nodiscard]] RemoteAnswer status();
+    RemoteAnswer quitAll(const std::vector<std::string>& arguments);
+    RemoteAnswer force();
+    RemoteAnswer leave();
+    RemoteAnswer setExcluded(const std::string& name, bool isExcluded);
+
+    [[nodiscard]] std::vector<OpenApp> named(const std::string& name) const;
+    [[nodiscard]] Json describe(const OpenApp& app) const;
+    [[nodiscard]] Json describeAll(const std::vector<OpenApp>& apps) const;
+    [[nodiscard]] Json describePhase() const;
+
+    void announceChanges();
+    void announceApps();
+    void announceExclusions();
+    void announce(const Json& change);
+
+    QuitController& controller_;
+    RemoteCommands& remote_;
+    std::vector<OpenApp> knownApps_;
+    std::set<std::string> knownExclusions_;
+    std::vector<Handle> subscriptions_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "Platform/MainLoop.h"
+#include "Platform/RunningApplication.h"
+
+#include <functional>
+#include <string_view>
+
+namespace velmorquit {
+
+/// An application of the simulated desktop. The operations that return it give it its manners;
+/// without any it quits at once when it is asked.
+class SimulatedApplication final : public RunningApplication {
+public:
+    /// What the desktop that it runs on lends it.
+    struct Surroundings {
+        MainLoop& loop;
+        std::function<void(std::string_view)> log;
+        std::function<void()> ended;
+        std::function<void()> policyChanged;
+    };
+
+    SimulatedApplication(ProcessId id, std::string name, std::uint64_t memory,
+                         Surroundings surroundings);
+
+    SimulatedApplication& identified(std::string bundle);
+    SimulatedApplication& alsoKnownAs(std::string identity);
+    SimulatedApplication& withoutName();
+    /// Runs without windows from the start.
+    SimulatedApplication& withoutWindows();
+    SimulatedApplication& quitsAfter(Duration time);
+    /// Asks the user about unsaved work, who answers that much later.
+    SimulatedApplication& asksToSaveFor(Duration time) { return quitsAfter(time); }
+    /// Takes no notice of being asked.
+    SimulatedApplication& ignoresAsking();
+    /// Can't be asked at all.
+    SimulatedApplication& cannotBeAsked();
+    /// Its process belongs to somebody else.
+    SimulatedApplication& cannotBeForced();
+    /// Needs that long to end when it is forced.
+    SimulatedApplication& endsWhenForcedAfter(Duration time);
+    /// Closes its windows when asked, and lives on.
+    SimulatedApplication& livesOnWithoutWindows();
+
+    /// Ends by itself now: a crash, or the user's own doing.
+    void end();
+    void setMemory(std::uint64_t bytes) { memory_ = bytes; }
+    [[nodiscard]] std::uint64_t memory() const { return memory_; }
+
+    [[nodiscard]] ProcessId processId() const override { return id_; }
+    [[nodiscard]] std::optional<std::string> localizedName() const override { return name_; }
+    [[nodiscard]] std::optional<std::string> bundleIdentifier() const override { return bundle_; }
+    [[nodiscard]] std::vector<std::string> otherIdentities() const override { return others_; }
+    [[nodiscard]] std::optional<std::string> bundlePath() const override;
+    [[nodiscard]] ActivationPolicy activationPolicy() const override { return policy_; }
+    [[nodiscard]] bool isTerminated() const override { return isTerminated_; }
+    bool terminate() override;
+    bool forceTerminate() override;
+    bool activate() override;
+
+private:
+    enum class Manners { quits, ignores, cannotBeAsked, losesWindows };
+
+    void log(std::string_view what) const;
+
+    ProcessId id_;
+    std::string label_;
+    std::optional<std::string> name_;
+    std::optional<std::string> bundle_;
+    std::vector<std::string> others_;
+    std::uint64_t memory_;
+    Surroundings surroundings_;
+    ActivationPolicy policy_ = ActivationPolicy::regular;
+    Manners manners_ = Manners::quits;
+    Duration quitTime_{};
+    Duration forceTime_{};
+    bool canBeForced_ = true;
+    bool isTerminated_ = false;
+    Handle quitting_;
+    Handle forcing_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Platform/Desktop.h"
+#include "Simulated/SimulatedPorts.h"
+#include "Simulated/SimulatedPreferences.h"
+#include "Simulated/SimulatedWorkspace.h"
+#include "Simulated/VirtualLoop.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmorquit {
+
+constexpr std::uint64_t operator""_MiB(unsigned long long count) { return count << 20; }
+
+/// A whole desktop in memory and in virtual time, with a log of all that happened on it.
+///
+/// A line of the log is the virtual time since the last `startLog` in seconds, what happened, and
+/// to whom: "6.25 quit Note".
+class SimulatedDesktop {
+public:
+    SimulatedDesktop();
+
+    /// Starts an application; by default it has no identifier and quits at once when it is asked.
+    SimulatedApplication& open(std::string name, std::uint64_t memory = 0);
+
+    void advance(Duration time) { loop.advance(time); }
+
+    void write(std::string_view what);
+    /// Forgets the log so far and counts from now on.
+    void startLog();
+    [[nodiscard]] std::string log() const;
+
+    [[nodiscard]] Desktop ports();
+
+    VirtualLoop loop;
+    SimulatedPreferences preferences{loop};
+    SimulatedWorkspace workspace;
+    SimulatedKernel kernel{workspace};
+    SimulatedSystemLog systemLog;
+    SimulatedRemoteCommands remote;
+    SimulatedProgram program;
+
+private:
+    std::vector<std::string> lines_;
+    Uptime logStart_;
+    ProcessId nextId_ = 100;
+};
+
+/// The lines as a log has them, to compare one with.
+template <class... Texts> std::string Lines(Texts... lines) {
+    return ((std::string(lines) + '\n') + ... + std::string());
+}
+
+} // namespace velmorquit

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Platform/Preferences.h"
+#include "Platform/Subscribers.h"
+
+namespace velmorquit {
+
+/// The preferences in memory.
+class SimulatedPreferences final : public Preferences {
+public:
+    explicit SimulatedPreferences(MainLoop& loop) : loop_(loop) {}
+
+    [[nodiscard]] std::optional<Value> object(std::string_view key) const override;
+    void set(std::string_view key, Value value) override;
+    void remove(std::string_view key) override;
+    [[nodiscard]] Handle observe(std::function<void()> changed) override {
+        return observers_.add(std::move(changed));
+    }
+
+    /// All that is stored.
+    [[nodiscard]] const Value::Dictionary& values() const { return values_; }
+
+private:
+    MainLoop& loop_;
+    Value::Dictionary values_;
+    Subscribers observers_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Platform/Subscribers.h"
+#include "Platform/Workspace.h"
+#include "Simulated/SimulatedApplication.h"
+
+#include <array>
+
+namespace velmorquit {
+
+/// The applications of the simulated desktop.
+class SimulatedWorkspace final : public Workspace {
+public:
+    void add(std::shared_ptr<SimulatedApplication> application);
+    void tell(WorkspaceEvent event) { observers_.at(static_cast<std::size_t>(event)).tell(); }
+    void setDefaultExclusions(std::vector<std::string> keys) { exclusions_ = std::move(keys); }
+
+    /// What the process uses, none when it isn't there.
+    [[nodiscard]] std::optional<std::uint64_t> memoryOf(ProcessId id) const;
+
+    [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>>
+    runningApplications() const override;
+    /// The one that came last.
+    [[nodiscard]] std::shared_ptr<RunningApplication> frontmostApplication() const override;
+    [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {
+        return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));
+    }
+    [[nodiscard]] std::vector<std::string> defaultExclusions() const override {
+        return exclusions_;
+    }
+
+private:
+    std::vector<std::shared_ptr<SimulatedApplication>> applications_;
+    std::vector<std::string> exclusions_;
+    std::array<Subscribers, 4> observers_;
+};
+
+} // namespace velmorquit

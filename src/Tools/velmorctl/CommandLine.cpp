@@ -1,0 +1,87 @@
+#include "CommandLine.h"
+
+#include <QMap>
+
+namespace velmorquit {
+
+namespace {
+
+using Command = CommandLine::Command;
+
+const QMap<QString, Command>& commands() {
+    static const QMap<QString, Command> words{
+        {"help", Command::help},       {"--help", Command::help}, {"-h", Command::help},
+        {"status", Command::status},   {"watch", Command::watch}, {"quit-all", Command::quitAll},
+        {"force", Command::force},     {"leave", Command::leave}, {"exclude", Command::exclude},
+        {"include", Command::include},
+    };
+    return words;
+}
+
+/// Takes the option at the front of `rest`; a text says what is wrong with it.
+std::optional<QString> takeOption(CommandLine& line, QStringList& rest) {
+    const QString option = rest.takeFirst();
+    const bool isQuitAll = line.command == Command::quitAll;
+    const bool isReport = line.command == Command::status || line.command == Command::watch;
+    if (option == "--json" && isReport) {
+        line.wantsJson = true;
+        return std::nullopt;
+    }
+    if (option == "--yes" && isQuitAll) {
+        line.isConfirmed = true;
+        return std::nullopt;
+    }
+    if (option != "--then" || !isQuitAll)
+        return QStringLiteral("opzione sconosciuta: %1").arg(option);
+    static const QStringList choices{"nothing", "shutDown", "restart", "logOut"};
+    if (rest.isEmpty() || !choices.contains(rest.first()))
+        return QStringLiteral("--then vuole una di queste parole: %1").arg(choices.join(", "));
+    line.then = rest.takeFirst();
+    return std::nullopt;
+}
+
+} // namespace
+
+std::variant<CommandLine, QString> parseCommandLine(const QStringList& arguments) {
+    if (arguments.isEmpty())
+        return QStringLiteral("manca il comando");
+    QStringList rest = arguments;
+    const QString word = rest.takeFirst();
+    if (!commands().contains(word))
+        return QStringLiteral("comando sconosciuto: %1").arg(word);
+
+    CommandLine line;
+    line.command = commands().value(word);
+    const bool takesName = line.command == Command::exclude || line.command == Command::include;
+    if (takesName) {
+        // A name may begin with a hyphen and have blanks: all that follows is the name.
+        line.name = rest.join(' ').trimmed();
+        if (line.name.isEmpty())
+            return QStringLiteral("%1 vuole il nome di un'app").arg(word);
+        return line;
+    }
+    while (!rest.isEmpty()) {
+        if (const auto wrong = takeOption(line, rest))
+            return *wrong;
+    }
+    return line;
+}
+
+QString usage() {
+    return QStringLiteral(
+        "Uso: velmorctl COMANDO\n"
+        "\n"
+        "  status [--json]      che cosa è aperto e a che punto è la chiusura\n"
+        "  watch [--json]       una riga per ogni cambiamento, fino a Ctrl+C\n"
+        "  quit-all [--then nothing|shutDown|restart|logOut] [--yes]\n"
+        "                       chiede a tutte le app non escluse di chiudersi e aspetta la fine\n"
+        "  force                forza le app rimaste aperte: ciò che non è salvato va perso\n"
+        "  leave                lascia aperte le app rimaste e finisce qui\n"
+        "  exclude NOME         non chiudere mai quest'app (nome, id o numero di processo)\n"
+        "  include NOME         torna a chiuderla\n"
+        "\n"
+        "Stato d'uscita: 0 fatto, 1 rifiutato o qualcosa è rimasto aperto, 2 uso sbagliato,\n"
+        "3 Velmor Quit non è in esecuzione.\n");
+}
+
+} // namespace velmorquit

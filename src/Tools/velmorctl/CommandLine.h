@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+#include <variant>
+
+namespace velmorquit {
+
+/// Exit statuses of velmorctl.
+enum class ExitStatus {
+    success = 0,
+    failure = 1,    ///< refused, or the run ended with something left open
+    usage = 2,      ///< the words were not understood
+    notRunning = 3, ///< there is no program to talk to
+};
+
+/// What the user asked for on the command line.
+struct CommandLine {
+    enum class Command { help, status, watch, quitAll, force, leave, exclude, include };
+
+    Command command = Command::help;
+    QString name;                             ///< of an application
+    QString then = QStringLiteral("nothing"); ///< what is to follow a run
+    bool isConfirmed = false;                 ///< no question is to be asked first
+    bool wantsJson = false;
+};
+
+/// Reads the arguments, the program's name left out; a text says what is wrong with them.
+[[nodiscard]] std::variant<CommandLine, QString> parseCommandLine(const QStringList& arguments);
+
+/// How velmorctl is used.
+[[nodiscard]] QString usage();
+
+} // namespace velmorquit

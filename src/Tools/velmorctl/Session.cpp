@@ -1,0 +1,192 @@
+#include "Session.h"
+
+#include "Sentences.h"
+
+#include <QCoreApplication>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusReply>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QTextStream>
+#include <QTime>
+
+#include <utility>
+
+#include <unistd.h>
+
+namespace velmorquit {
+
+namespace {
+
+const QString service = QStringLiteral("org.velmorquit.VelmorQuit");
+const QString path = QStringLiteral("/org/velmorquit/VelmorQuit");
+const QString interface = QStringLiteral("org.velmorquit.VelmorQuit1");
+
+void print(const QString& text) { QTextStream(stdout) << text << Qt::flush; }
+
+QJsonObject parsed(const QString& json) { return QJsonDocument::fromJson(json.toUtf8()).object(); }
+
+qsizetype countToQuit(const QJsonObject& status) {
+    qsizetype count = 0;
+    for (const auto& application : status["applications"].toArray())
+        count += application.toObject()["excluded"].toBool() ? 0 : 1;
+    return count;
+}
+
+} // namespace
+
+Session::Session(CommandLine line) : line_(std::move(line)) {
+    watcher_.setConnection(bus_);
+    watcher_.addWatchedService(service);
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, this,
+            [this] { fail(QStringLiteral("Velmor Quit è terminata."), ExitStatus::notRunning); });
+}
+
+void Session::start() {
+    using Command = CommandLine::Command;
+    if (!bus_.isConnected()) {
+        fail(QStringLiteral("nessun bus di sessione (DBUS_SESSION_BUS_ADDRESS)."),
+             ExitStatus::notRunning);
+        return;
+    }
+    switch (line_.command) {
+    case Command::help:
+        print(usage());
+        end(ExitStatus::success);
+        break;
+    case Command::status:
+        perform("status", {}, [this](const QString& json) {
+            print(line_.wantsJson ? json + '\n' : statusText(parsed(json)));
+            end(ExitStatus::success);
+        });
+        break;
+    case Command::watch:
+        bus_.connect(service, path, interface, "Changed", this, SLOT(hear(QString)));
+        perform("status", {}, [](const QString&) {});
+        break;
+    case Command::quitAll:
+        askThenQuitAll();
+        break;
+    case Command::force:
+        report("force", {});
+        break;
+    case Command::leave:
+        report("leave", {});
+        break;
+    case Command::exclude:
+        report("exclude", {line_.name});
+        break;
+    case Command::include:
+        report("include", {line_.name});
+        break;
+    }
+}
+
+void Session::perform(const QString& verb, const QStringList& arguments,
+                      std::function<void(const QString& json)> done) {
+    QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, "Perform");
+    call.setAutoStartService(false);
+    call << verb << arguments;
+    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
+    connect(
+        pending, &QDBusPendingCallWatcher::finished, this, [this, pending, done = std::move(done)] {
+            pending->deleteLater();
+            const QDBusReply<QString> reply = *pending;
+            if (reply.isValid())
+                done(reply.value());
+            else if (reply.error().type() == QDBusError::ServiceUnknown)
+                fail(QStringLiteral("Velmor Quit non è in esecuzione."), ExitStatus::notRunning);
+            else
+                fail(reply.error().message().isEmpty() ? reply.error().name()
+                                                       : reply.error().message(),
+                     ExitStatus::failure);
+        });
+}
+
+void Session::askThenQuitAll() {
+    if (line_.then == "nothing" || line_.isConfirmed) {
+        quitAll();
+        return;
+    }
+    if (!::isatty(STDIN_FILENO)) {
+        fail(QStringLiteral("senza un terminale serve --yes: non faccio niente."),
+             ExitStatus::usage);
+        return;
+    }
+    perform("status", {}, [this](const QString& json) {
+        print(confirmationQuestion(countToQuit(parsed(json)), line_.then) + " [s/N] ");
+        const QString answer = QTextStream(stdin).readLine().trimmed().toLower();
+        if (QStringList{"s", "si", "sì", "y", "yes"}.contains(answer))
+            quitAll();
+        else
+            fail(QStringLiteral("annullato: non chiudo niente."), ExitStatus::failure);
+    });
+}
+
+void Session::quitAll() {
+    bus_.connect(service, path, interface, "Changed", this, SLOT(hear(QString)));
+    const QString action = line_.then == "nothing" ? "none" : line_.then;
+    perform("quitAll", {action}, [this](const QString& json) {
+        elapsed_.start();
+        const QJsonArray asked = parsed(json)["asked"].toArray();
+        if (asked.isEmpty()) {
+            print(QStringLiteral("Non c'è niente da chiudere.\n"));
+            end(ExitStatus::success);
+            return;
+        }
+        asked_ = asked.size();
+    });
+}
+
+void Session::hear(const QString& json) {
+    const QJsonObject change = parsed(json);
+    if (line_.command == CommandLine::Command::quitAll) {
+        watchRun(change);
+        return;
+    }
+    const QString text = changeText(change);
+    if (line_.wantsJson)
+        print(json + '\n');
+    else if (!text.isEmpty())
+        print(QTime::currentTime().toString("HH:mm:ss.zzz") + "  " + text + '\n');
+}
+
+void Session::watchRun(const QJsonObject& change) {
+    // The reply comes before the first change of the run that it is about.
+    if (!asked_)
+        return;
+    const QString text = changeText(change);
+    if (!text.isEmpty()) {
+        const double seconds = static_cast<double>(elapsed_.elapsed()) / 1000;
+        print(QStringLiteral("%1 s  %2\n").arg(seconds, 7, 'f', 2).arg(text));
+    }
+    if (change["change"] != "phase" || change["phase"] != "done")
+        return;
+    const QString nothingFollowed = nothingFollowedText(line_.then);
+    if (!nothingFollowed.isEmpty())
+        print(nothingFollowed + '\n');
+    end(change["closed"].toInteger() == *asked_ ? ExitStatus::success : ExitStatus::failure);
+}
+
+void Session::report(const QString& verb, const QStringList& arguments) {
+    perform(verb, arguments, [this](const QString& json) {
+        const QJsonObject answer = parsed(json);
+        for (const auto& name : answer["refused"].toArray()) {
+            fail(QStringLiteral("il sistema non permette di forzare %1.").arg(name.toString()),
+                 ExitStatus::failure);
+            return;
+        }
+        end(ExitStatus::success);
+    });
+}
+
+void Session::fail(const QString& why, ExitStatus status) {
+    QTextStream(stderr) << "velmorctl: " << why << '\n' << Qt::flush;
+    end(status);
+}
+
+void Session::end(ExitStatus status) { QCoreApplication::exit(static_cast<int>(status)); }
+
+} // namespace velmorquit

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "CommandLine.h"
+
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QElapsedTimer>
+#include <QJsonObject>
+#include <QObject>
+
+#include <functional>
+
+namespace velmorquit {
+
+/// One call of velmorctl: talks to the running program and ends Qt's event loop with the exit
+/// status.
+class Session final : public QObject {
+    Q_OBJECT
+
+public:
+    explicit Session(CommandLine line);
+
+    /// Begins; to be called from within the event loop.
+    void start();
+
+private Q_SLOTS:
+    void hear(const QString& change);
+
+private:
+    void perform(const QString& verb, const QStringList& arguments,
+                 std::function<void(const QString& json)> done);
+    void askThenQuitAll();
+    void quitAll();
+    void watchRun(const QJsonObject& change);
+    void report(const QString& verb, const QStringList& arguments);
+    void fail(const QString& why, ExitStatus status);
+    static void end(ExitStatus status);
+
+    CommandLine line_;
+    QDBusConnection bus_ = QDBusConnection::sessionBus();
+    QDBusServiceWatcher watcher_;
+    QElapsedTimer elapsed_;
+    /// Applications asked to quit by the run that is waited for; none while there is no such run.
+    std::optional<qsizetype> asked_;
+};
+
+} // namespace velmorquit

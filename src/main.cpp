@@ -1,0 +1,74 @@
+#include "AppDelegate.h"
+#include "Linux/Applications/LinuxWorkspace.h"
+#include "Linux/DBus/BusCommands.h"
+#include "Linux/JournalLog.h"
+#include "Linux/Preferences/PropertyListPreferences.h"
+#include "Linux/Proc/ProcKernel.h"
+#include "Linux/QtMainLoop.h"
+#include "Linux/QtProgram.h"
+#include "Linux/X11/X11Toplevels.h"
+
+#include <QApplication>
+
+#include <csignal>
+#include <cstdlib>
+
+namespace velmorquit {
+namespace {
+
+/// The terminal that started the program may be one of those that are asked to quit. A handler,
+/// unlike ignoring, is not inherited by the programs that are started from here.
+void surviveTheTerminal() {
+    struct sigaction nothing{};
+    nothing.sa_handler = [](int) {};
+    nothing.sa_flags = SA_RESTART;
+    for (const int signal : {SIGHUP, SIGPIPE})
+        ::sigaction(signal, &nothing, nullptr);
+}
+
+int run(int argc, char** argv) {
+    surviveTheTerminal();
+    JournalLog log;
+    // Qt would end the program with a crash when there is no server.
+    auto connection = X11Connection::open();
+    if (!connection) {
+        const char* display = std::getenv("DISPLAY");
+        log.write(std::string("Velmor Quit: non trovo un desktop X11 ") +
+                  (display ? std::string("(DISPLAY=") + display + " non risponde)"
+                           : "(DISPLAY non è impostata)"));
+        return EXIT_FAILURE;
+    }
+
+    if (!std::getenv("QT_QPA_PLATFORM"))
+        ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("velmorquit"));
+    QApplication::setDesktopFileName(QStringLiteral("org.velmorquit.VelmorQuit"));
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    BusCommands commands;
+    switch (commands.claimName()) {
+    case BusCommands::Claim::ours:
+        break;
+    case BusCommands::Claim::taken:
+        log.write("Velmor Quit: è già in esecuzione");
+        return EXIT_SUCCESS;
+    case BusCommands::Claim::noBus:
+        log.write("Velmor Quit: nessun bus di sessione, velmorctl non potrà raggiungermi");
+        break;
+    }
+
+    QtMainLoop loop;
+    PropertyListPreferences preferences(loop, log, defaultPreferencesFile());
+    X11Toplevels toplevels(loop, std::move(*connection));
+    LinuxWorkspace workspace(loop, log, toplevels);
+    ProcKernel kernel;
+    QtProgram program;
+    const AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program});
+    return QApplication::exec();
+}
+
+} // namespace
+} // namespace velmorquit
+
+int main(int argc, char** argv) { return velmorquit::run(argc, argv); }

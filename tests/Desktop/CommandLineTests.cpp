@@ -1,0 +1,101 @@
+#include "Desktop/DesktopStory.h"
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace velmorquit {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+using CommandLine = DesktopStory;
+
+TEST_F(CommandLine, ThatIsNotUnderstoodIsExplainedOnStandardError) {
+    const std::vector<std::vector<std::string>> wrong{{},
+                                                      {"quit-everything"},
+                                                      {"quit-all", "--now"},
+                                                      {"status", "--then", "restart"},
+                                                      {"quit-all", "--then", "dance"},
+                                                      {"quit-all", "--then"},
+                                                      {"exclude"},
+                                                      {"exclude", " "}};
+    for (const auto& words : wrong) {
+        const Outcome answer = control(words);
+        EXPECT_EQ(answer.status, 2) << answer.text;
+        EXPECT_THAT(answer.text, StartsWith("velmorctl: "));
+        EXPECT_THAT(answer.text, HasSubstr("Uso: velmorctl COMANDO"));
+    }
+    const Outcome output =
+        run({"sh", "-c", std::string(VELMORCTL) + " quit-everything 2>/dev/null"});
+    EXPECT_EQ(output.status, 2);
+    EXPECT_EQ(output.text, "");
+    const Outcome help = run({"sh", "-c", std::string(VELMORCTL) + " help 2>/dev/null"});
+    EXPECT_EQ(help.status, 0);
+    EXPECT_THAT(help.text, StartsWith("Uso: velmorctl COMANDO"));
+}
+
+TEST_F(CommandLine, NeedsTheProgramToBeRunning) {
+    for (const char* word : {"status", "watch", "quit-all", "force", "leave"}) {
+        const Outcome answer = control({word});
+        EXPECT_EQ(answer.status, 3) << word;
+        EXPECT_EQ(answer.text, "velmorctl: Velmor Quit non è in esecuzione.\n") << word;
+    }
+}
+
+TEST_F(CommandLine, NeedsASessionBus) {
+    const std::filesystem::path empty = home() / "empty";
+    std::filesystem::create_directory(empty);
+    for (const char* address :
+         {"--unset=DBUS_SESSION_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere"}) {
+        const Outcome answer =
+            run({"env", address, "XDG_RUNTIME_DIR=" + empty.string(), VELMORCTL, "quit-all"});
+        EXPECT_EQ(answer.status, 3) << address;
+        EXPECT_THAT(answer.text, StartsWith("velmorctl: ")) << address;
+    }
+}
+
+TEST_F(CommandLine, DoesNothingThatWasNotConfirmed) {
+    startProgram();
+    Child& application = openRude();
+    const Outcome answer = control({"quit-all", "--then", "shutDown"});
+    EXPECT_EQ(answer.status, 2);
+    EXPECT_EQ(answer.text, "velmorctl: senza un terminale serve --yes: non faccio niente.\n");
+    EXPECT_EQ(phase(), "idle");
+    EXPECT_TRUE(application.isRunning());
+    EXPECT_THAT(application.output(), Not(HasSubstr("asked")));
+}
+
+TEST_F(CommandLine, SaysThatNothingFollowsARun) {
+    startProgram();
+    Child& application = openRude();
+    const Outcome answer = control({"quit-all", "--then", "restart", "--yes"});
+    EXPECT_EQ(answer.status, 0) << answer.text;
+    EXPECT_THAT(answer.text, EndsWith("\nNon faccio altro: «Riavvia» non è ancora disponibile\n"));
+    EXPECT_THAT(answer.text, HasSubstr("Finito: 1 app chiusa"));
+    await("the end of the application", [&] { return !application.isRunning(); });
+}
+
+TEST_F(CommandLine, IsRefusedWhatMakesNoSenseNow) {
+    startProgram();
+    EXPECT_EQ(control({"quit-all"}).text, "Non c'è niente da chiudere.\n");
+    for (const char* word : {"force", "leave"}) {
+        const Outcome answer = control({word});
+        EXPECT_EQ(answer.status, 1) << word;
+        EXPECT_THAT(answer.text, StartsWith("velmorctl: ")) << word;
+    }
+
+    Child& application = openRude({"--ignore"});
+    const auto quitAll = beginQuitAll();
+    const Outcome second = control({"quit-all"});
+    EXPECT_EQ(second.status, 1);
+    EXPECT_EQ(second.text, "velmorctl: Velmor Quit sta già chiudendo le app.\n");
+    EXPECT_TRUE(quitAll->isRunning());
+    application.send(SIGTERM);
+    EXPECT_EQ(outcomeOf(*quitAll).status, 0);
+}
+
+} // namespace
+} // namespace velmorquit

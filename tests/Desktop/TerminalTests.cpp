@@ -1,0 +1,89 @@
+#include "Desktop/DesktopStory.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace velmorquit {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::UnorderedElementsAre;
+
+using Terminal = DesktopStory;
+
+TEST_F(Terminal, TheOneThatStartedTheProgramCanBeQuit) {
+    Child& terminal = openTerminal();
+    const pid_t itsShell = shell();
+    focus("xterm");
+    type("velmorquit &\n");
+    await("an answer of the program", [] { return control({"status"}).status == 0; });
+    EXPECT_THAT(names("applications"), ElementsAre("XTerm"));
+
+    focus("xterm");
+    type("velmorctl quit-all > log\n");
+    await("the end of the terminal", [&] { return !terminal.isRunning() && !isAlive(itsShell); });
+    await("the last line of velmorctl", [] {
+        return contents(home() / "log").find("Finito: 1 app chiusa") != std::string::npos;
+    });
+    EXPECT_THAT(names("applications"), ElementsAre());
+    Child& next = openRude();
+    EXPECT_EQ(control({"quit-all"}).status, 0);
+    await("the end of the next application", [&] { return !next.isRunning(); });
+}
+
+TEST_F(Terminal, WithAJobInTheForegroundIsNotAsked) {
+    startProgram();
+    Child& terminal = openTerminal();
+    write(home() / "work", "#!/bin/sh\necho $$ >job\nexec sleep 1000\n");
+    std::filesystem::permissions(home() / "work", std::filesystem::perms::owner_all);
+    const auto job = [] {
+        const std::string number = contents(home() / "job");
+        return number.ends_with('\n') ? std::stoi(number) : 0;
+    };
+    focus("xterm");
+    type("./work\n");
+    await("the job", [&] { return isAlive(job()); });
+
+    const auto quitAll = beginQuitAll();
+    awaitStubborn({"XTerm"});
+    EXPECT_EQ(control({"leave"}).status, 0);
+    EXPECT_EQ(outcomeOf(*quitAll).status, 1);
+    EXPECT_TRUE(terminal.isRunning());
+    EXPECT_TRUE(isAlive(job()));
+
+    // Nothing is lost any more when the job is over.
+    ::kill(job(), SIGTERM);
+    std::filesystem::remove(home() / "shell");
+    await("the prompt", [] { return shell() > 0; });
+    const Outcome second = control({"quit-all"});
+    EXPECT_EQ(second.status, 0) << second.text;
+    EXPECT_FALSE(terminal.isRunning());
+}
+
+// The shell takes along what was started from it when its terminal closes, and an editor that is
+// taken along loses its text.
+TEST_F(UnsavedLetter, IsNotLostWithTheTerminalThatTheEditorWasStartedFrom) {
+    write(letter(), "");
+    startProgram();
+    Child& terminal = openTerminal();
+    focus("xterm");
+    type("LC_ALL=C.UTF-8 mousepad letter.txt &\n");
+    await("the editor", [] { return std::ranges::count(names("applications"), "Mousepad") == 1; });
+    writeText();
+
+    const auto quitAll = beginQuitAll();
+    awaitStubborn({"Mousepad", "XTerm"});
+    answerWithSave();
+    await("the end of the editor",
+          [] { return std::ranges::count(names("applications"), "Mousepad") == 0; });
+    EXPECT_EQ(control({"leave"}).status, 0);
+    const Outcome answer = outcomeOf(*quitAll);
+    EXPECT_EQ(answer.status, 1) << answer.text;
+    EXPECT_THAT(answer.text, HasSubstr("Finito: 1 app chiusa"));
+    EXPECT_THAT(contents(letter()), HasSubstr(text));
+    EXPECT_TRUE(terminal.isRunning());
+}
+
+} // namespace
+} // namespace velmorquit

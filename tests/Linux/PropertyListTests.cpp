@@ -1,0 +1,165 @@
+#include "Codecs/PropertyList.h"
+
+#include <array>
+#include <clocale>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+
+namespace velmorquit {
+namespace {
+
+using Array = Value::Array;
+using Dictionary = Value::Dictionary;
+
+WallTime at(int year, unsigned month, unsigned day, Duration time = {}) {
+    return WallTime(std::chrono::sys_days{std::chrono::year{year} / month / day}) + time;
+}
+
+std::string xml(const std::string& body) {
+    return R"(<?xml version="1.0" encoding="UTF-8"?><plist version="1.0">)" + body + "</plist>\n";
+}
+
+/// A binary list of one-byte offsets that are given with the values.
+std::string binary(const std::string& values, const std::string& offsets) {
+    std::string trailer(32, '\0');
+    trailer[6] = 1;
+    trailer[7] = 1;
+    trailer[15] = static_cast<char>(offsets.size());
+    trailer[31] = static_cast<char>(8 + values.size());
+    return "bplist00" + values + offsets + trailer;
+}
+
+Value everything() {
+    return Dictionary{
+        {"flags", Array{true, false}},
+        {"integers", Array{0, 1, -1, std::numeric_limits<std::int64_t>::min(),
+                           std::numeric_limits<std::int64_t>::max()}},
+        {"reals", Array{0.0, 1.0, 0.1, -1234.5, 1e300, 5e-324, std::numeric_limits<double>::max(),
+                        -std::numeric_limits<double>::infinity()}},
+        {"texts", Array{"", "caffè & <tè> ]]> \"'", " spazi \r\n\t", "\x01\x1b\x7f", "\xff\xfe",
+                        "\xed\xa0\x80", "&amp;&#65;"}},
+        {"dates", Array{at(2026, 3, 2, 9h), at(2000, 12, 31, 23h), at(1969, 7, 20, 20h)}},
+        {"data", Array{Value::Data{}, Value::Data(1000, std::byte{0xA5})}},
+        {"empty", Array{Array{}, Dictionary{}}},
+        {"", "empty key"},
+        {"<key> & \x01\xff\n", Dictionary{{"nested", Array{Dictionary{{"deep", 1}}}}}},
+    };
+}
+
+TEST(PropertyList, GivesBackWhatWasWritten) {
+    const Value value = everything();
+    EXPECT_EQ(PropertyList::decode(PropertyList::encode(value)), value);
+    const auto number = PropertyList::decode(PropertyList::encode(std::nan("")));
+    ASSERT_TRUE(number && number->as<double>());
+    EXPECT_TRUE(std::isnan(*number->as<double>()));
+}
+
+TEST(PropertyList, AdaptsWhatXmlCannotHold) {
+    const auto kept = [](const Value& value) {
+        return PropertyList::decode(PropertyList::encode(value));
+    };
+    EXPECT_EQ(kept(at(2026, 3, 2, 1999ms)), Value(at(2026, 3, 2, 1s)));
+    EXPECT_EQ(kept(at(1969, 7, 20, 1999ms)), Value(at(1969, 7, 20, 1s)));
+    EXPECT_EQ(kept(at(1900, 1, 1)), Value(at(1932, 12, 13, 20h + 45min + 52s)));
+    EXPECT_EQ(kept(at(2200, 1, 1)), Value(at(2069, 1, 19, 3h + 14min + 7s)));
+    EXPECT_EQ(kept(std::string("a\0b", 3)), Value("a"));
+    EXPECT_EQ(kept(Dictionary{{std::string("k\0x", 3), 1}}), Value(Dictionary{{"k", 1}}));
+}
+
+TEST(PropertyList, HasAnEndToNesting) {
+    Value deep = Array{};
+    for (int level = 0; level < 300; ++level)
+        deep = Array{std::move(deep)};
+    const auto kept = PropertyList::decode(PropertyList::encode(deep));
+    ASSERT_TRUE(kept);
+    int levels = 0;
+    for (const Value* next = &*kept; !next->as<Array>()->empty();
+         next = &next->as<Array>()->front())
+        ++levels;
+    EXPECT_EQ(levels, 100);
+
+    const auto nested = [](int levels) {
+        std::string body;
+        for (int level = 0; level < levels; ++level)
+            body += "<array>";
+        for (int level = 0; level < levels; ++level)
+            body += "</array>";
+        return xml(body);
+    };
+    EXPECT_TRUE(PropertyList::decode(nested(15'000)));
+    EXPECT_FALSE(PropertyList::decode(nested(500'000)));
+}
+
+TEST(PropertyList, LeavesOutTypesThatNoValueHas) {
+    using namespace std::string_literals;
+    EXPECT_FALSE(PropertyList::decode(binary("\x80\x05", "\x08")));
+    EXPECT_EQ(PropertyList::decode(binary("\xA2\x01\x02\x80\x05\x09", "\x08\x0B\x0D")),
+              Value(Array{true}));
+    EXPECT_FALSE(PropertyList::decode(binary("\xA1\x01\0"s, "\x08\x0A")));
+    EXPECT_FALSE(PropertyList::decode(xml("<dict><key>a</key><null/></dict>")));
+    // An array that holds itself.
+    EXPECT_FALSE(PropertyList::decode(binary("\xA1\0"s, "\x08")));
+}
+
+TEST(PropertyList, ReadsNothingFromWhatIsNoPropertyList) {
+    for (const char* text : {"", " ", "ciao", "{\"a\":1}", "<?xml version=\"1.0\"?>", "bplist",
+                             "bplist00", "<plist version=\"1.0\"></plist>"})
+        EXPECT_FALSE(PropertyList::decode(text)) << text;
+    EXPECT_FALSE(PropertyList::decode(xml("<dict><key>a</key><string>x</dict>")));
+}
+
+TEST(PropertyList, NeverReadsHalfOfATruncatedList) {
+    const Value value = everything();
+    const std::string list = PropertyList::encode(value);
+    for (std::size_t length = 0; length < list.size(); ++length) {
+        const std::string cut = list.substr(0, length);
+        if (const auto read = PropertyList::decode(cut)) {
+            EXPECT_EQ(read, value) << "cut at " << length;
+        }
+    }
+    EXPECT_FALSE(PropertyList::decode(list.substr(0, list.find("</plist>") - 2)));
+}
+
+TEST(PropertyList, SurvivesDamage) {
+    const std::string list = PropertyList::encode(everything());
+    const std::string small =
+        binary("\xD1\x01\x02\x51k\xA2\x03\x03\x13\x7f\1\2\3\4\5\6\7", "\x08\x0B\x0D\x10");
+    ASSERT_TRUE(PropertyList::decode(small));
+    constexpr unsigned seed = 7;
+    std::mt19937 random(seed);
+    for (int round = 0; round < 20'000; ++round) {
+        std::string damaged = round % 2 ? list : small;
+        for (auto changes = 1 + random() % 4; changes > 0; --changes)
+            damaged[random() % damaged.size()] = static_cast<char>(random());
+        damaged.resize(damaged.size() - (round % 4 == 0 ? random() % damaged.size() : 0));
+        if (const auto read = PropertyList::decode(damaged))
+            std::ignore = PropertyList::encode(*read);
+    }
+}
+
+TEST(PropertyList, ReadsRealsUnderAnyLocale) {
+    namespace fs = std::filesystem;
+    std::array<char, 32> folder{"/tmp/velmor-locale-XXXXXX"};
+    ASSERT_TRUE(mkdtemp(folder.data()));
+    const std::string build = "localedef -i it_IT -f UTF-8 " + std::string(folder.data()) +
+                              "/it_IT.UTF-8 >/dev/null 2>&1";
+    const bool isBuilt = std::system(build.c_str()) == 0;
+    setenv("LOCPATH", folder.data(), 1);
+    const bool isSet = isBuilt && std::setlocale(LC_ALL, "it_IT.UTF-8");
+    const auto read = PropertyList::decode(PropertyList::encode(1234.5));
+    const auto decimal = std::to_string(0.5);
+    std::setlocale(LC_ALL, "C");
+    unsetenv("LOCPATH");
+    fs::remove_all(folder.data());
+    if (!isSet)
+        GTEST_SKIP() << "no Italian locale can be built here";
+    EXPECT_EQ(read, Value(1234.5));
+    EXPECT_EQ(decimal[1], ',') << "the locale was left changed";
+}
+
+} // namespace
+} // namespace velmorquit

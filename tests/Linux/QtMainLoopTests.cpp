@@ -1,0 +1,90 @@
+#include "Linux/QtMainLoop.h"
+#include "Platform/Task.h"
+#include "support/Waiting.h"
+
+#include <QThread>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace velmorquit {
+namespace {
+
+class QtMainLoopTest : public testing::Test {
+protected:
+    auto note(std::string what) {
+        return [this, what] { log += what + ' '; };
+    }
+
+    std::string log;
+    QtMainLoop loop;
+};
+
+TEST_F(QtMainLoopTest, NeverRunsATimerEarlyAndKeepsTheirOrder) {
+    const Uptime start = loop.uptime();
+    Duration reached{};
+    const Handle second = loop.after(30ms, [&] {
+        reached = loop.uptime() - start;
+        note("second")();
+    });
+    const Handle first = loop.after(20ms, note("first"));
+    loop.post(note("posted"));
+    EXPECT_EQ(log, "");
+    EXPECT_TRUE(waitUntil([&] { return log.size() > 18; }));
+    EXPECT_EQ(log, "posted first second ");
+    EXPECT_GE(reached, Duration(30ms));
+}
+
+TEST_F(QtMainLoopTest, KeepsItsTimersGoingWhileACallbackRunsAnEventLoop) {
+    const Handle inner = loop.after(20ms, note("inner"));
+    const Handle outer = loop.after(10ms, [&] {
+        note("begin")();
+        waitUntil([&] { return log == "begin inner "; });
+        note("end")();
+    });
+    EXPECT_TRUE(waitUntil([&] { return log.ends_with("end "); }));
+    EXPECT_EQ(log, "begin inner end ");
+}
+
+TEST_F(QtMainLoopTest, DoesWorkElsewhereAndReportsHereUnlessNobodyWaits) {
+    QThread* worker = nullptr;
+    bool isDone = false;
+    const Handle work =
+        loop.background([&] { worker = QThread::currentThread(); },
+                        [&] { isDone = QThread::currentThread() == qApp->thread(); });
+    EXPECT_TRUE(waitUntil([&] { return isDone; }));
+    EXPECT_NE(worker, qApp->thread());
+    Handle unwanted = loop.background([] { QThread::msleep(20); }, note("never"));
+    unwanted.reset();
+    linger(60);
+    EXPECT_EQ(log, "");
+}
+
+TEST_F(QtMainLoopTest, MayGoWhileTimersAndWorkAreUnderWay) {
+    auto other = std::make_unique<QtMainLoop>();
+    Handle timer = other->every(5ms, note("tick"));
+    Handle work = other->background([] { QThread::msleep(30); }, note("never"));
+    linger(20);
+    other.reset();
+    log.clear();
+    linger(40);
+    EXPECT_EQ(log, "");
+}
+
+Task countdown(MainLoop& loop, std::string& log) {
+    for (int left = 2; left > 0; --left) {
+        log += std::to_string(left) + ' ';
+        co_await sleep(5ms);
+    }
+    log += std::to_string(loop.uptime().sinceStart.count() > 0) + "! ";
+}
+
+TEST_F(QtMainLoopTest, RunsTasks) {
+    const Task task = countdown(loop, log);
+    EXPECT_TRUE(waitUntil([&] { return !task.isActive(); }));
+    EXPECT_EQ(log, "2 1 1! ");
+}
+
+} // namespace
+} // namespace velmorquit

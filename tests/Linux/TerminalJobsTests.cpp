@@ -1,0 +1,135 @@
+#include "Linux/Proc/TerminalJobs.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+namespace {
+
+/// A terminal, process 10, with a shell, process 20, that leads the session of its device.
+class TerminalJobsTest : public testing::Test {
+protected:
+    static constexpr int device = 34816;
+
+    TerminalJobsTest() {
+        add(10, 1, {.group = 10, .session = 10}, "xterm");
+        add(20, 10, inTerminal(20), "bash");
+    }
+
+    struct Place {
+        ProcessId group = 0;
+        ProcessId session = 0;
+        int terminal = 0;
+    };
+    static Place inTerminal(ProcessId group, ProcessId session = 20) {
+        return {group, session, device};
+    }
+
+    void add(ProcessId id, ProcessId parent, Place place, const std::string& executable,
+             std::vector<std::string> arguments = {}) {
+        ProcessStat stat;
+        stat.id = id;
+        stat.parent = parent;
+        stat.group = place.group;
+        stat.session = place.session;
+        stat.terminal = place.terminal;
+        stat.foreground = place.terminal != 0 ? place.session : -1;
+        table_.push_back(stat);
+        executables_[id] = executable;
+        arguments.insert(arguments.begin(), executable);
+        arguments_[id] = std::move(arguments);
+    }
+
+    void bringToForeground(ProcessId group, ProcessId session = 20) {
+        for (ProcessStat& process : table_) {
+            if (process.session == session)
+                process.foreground = group;
+        }
+    }
+
+    bool isAtWork(ProcessId application = 10) const {
+        return hasTerminalJob(
+            application, table_,
+            {.executable = [this](ProcessId id) { return executables_.at(id); },
+             .arguments = [this](ProcessId id) { return arguments_.at(id); },
+             .ownsWindows = [this](ProcessId id) { return windows.contains(id); }});
+    }
+
+    std::set<ProcessId> windows{10};
+
+private:
+    std::vector<ProcessStat> table_;
+    std::map<ProcessId, std::string> executables_;
+    std::map<ProcessId, std::vector<std::string>> arguments_;
+};
+
+TEST_F(TerminalJobsTest, AShellAtItsPromptIsNoneWithOrWithoutJobsInTheBackground) {
+    EXPECT_FALSE(isAtWork());
+    add(30, 20, inTerminal(30), "sleep");
+    EXPECT_FALSE(isAtWork());
+}
+
+TEST_F(TerminalJobsTest, AJobInTheForegroundIsOneButOurOwnProgramsAreNot) {
+    add(30, 20, inTerminal(30), "velmorctl");
+    bringToForeground(30);
+    EXPECT_FALSE(isAtWork());
+    add(40, 20, inTerminal(40), "vim");
+    bringToForeground(40);
+    EXPECT_TRUE(isAtWork());
+}
+
+TEST_F(TerminalJobsTest, AProgramWithWindowsThatTheShellWouldTakeAlongIsOne) {
+    add(30, 20, inTerminal(30), "mousepad");
+    EXPECT_FALSE(isAtWork());
+    windows.insert(30);
+    EXPECT_TRUE(isAtWork());
+    EXPECT_FALSE(isAtWork(30)) << "the editor itself is no terminal";
+}
+
+TEST_F(TerminalJobsTest, ACommandOrAScriptInPlaceOfAShellIsOne) {
+    add(11, 1, {.group = 11, .session = 11}, "xterm");
+    add(21, 11, inTerminal(21, 21), "htop");
+    EXPECT_TRUE(isAtWork(11));
+    add(12, 1, {.group = 12, .session = 12}, "xterm");
+    add(22, 12, inTerminal(22, 22), "bash", {"copy-all.sh"});
+    EXPECT_TRUE(isAtWork(12));
+    add(13, 1, {.group = 13, .session = 13}, "xterm");
+    add(23, 13, inTerminal(23, 23), "sh", {"-lc", "make"});
+    EXPECT_TRUE(isAtWork(13));
+    add(14, 1, {.group = 14, .session = 14}, "xterm");
+    add(24, 14, inTerminal(24, 24), "bash", {"--norc", "--rcfile", "/etc/rc", "-i"});
+    EXPECT_FALSE(isAtWork(14));
+}
+
+TEST_F(TerminalJobsTest, AreFoundBehindAHelperAndInEveryTabButNotInOtherPrograms) {
+    add(15, 1, {.group = 15, .session = 15}, "editor");
+    add(16, 15, {.group = 15, .session = 15}, "helper");
+    add(25, 16, {25, 25, device + 1}, "bash");
+    add(26, 16, {26, 26, device + 2}, "bash");
+    EXPECT_FALSE(isAtWork(15));
+    add(36, 26, {36, 26, device + 2}, "make");
+    bringToForeground(36, 26);
+    EXPECT_TRUE(isAtWork(15));
+    // The terminal that it opened is an application of its own.
+    add(17, 1, {.group = 17, .session = 17}, "files");
+    add(18, 17, {.group = 17, .session = 17}, "xterm");
+    add(28, 18, {28, 28, device + 3}, "vim");
+    windows.insert(18);
+    EXPECT_FALSE(isAtWork(17));
+    EXPECT_TRUE(isAtWork(18));
+}
+
+TEST_F(TerminalJobsTest, TheTerminalThatAProgramWasStartedFromIsNotItsOwn) {
+    add(30, 20, inTerminal(30), "editor");
+    add(31, 30, inTerminal(30), "helper");
+    bringToForeground(30);
+    EXPECT_FALSE(isAtWork(30));
+    EXPECT_FALSE(isAtWork(99)) << "one that has gone";
+}
+
+} // namespace
+} // namespace velmorquit

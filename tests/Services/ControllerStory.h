@@ -1,0 +1,68 @@
+#pragma once
+
+#include "Services/QuitController/QuitController.h"
+#include "Simulated/SimulatedDesktop.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace velmorquit {
+
+/// A controller on a simulated desktop, whose phases and events are in the desktop's log.
+class ControllerStory : public testing::Test {
+protected:
+    /// Call it once the stage is set.
+    QuitController& start() {
+        controller = std::make_unique<QuitController>(desktop.ports());
+        controller->onEvent = [this](const Event& event) { hear(event); };
+        phases_ = controller->phase.subscribe([this] { desktop.write(phaseText()); });
+        desktop.loop.settle();
+        desktop.startLog();
+        return *controller;
+    }
+
+    static std::string names(const std::vector<OpenApp>& apps) {
+        std::string text;
+        for (const OpenApp& app : apps)
+            text += (text.empty() ? "" : " ") + app.name;
+        return text;
+    }
+
+    const OpenApp& app(const std::string& name) {
+        for (const OpenApp& app : controller->apps.get()) {
+            if (app.name == name)
+                return app;
+        }
+        throw std::out_of_range(name);
+    }
+
+    SimulatedDesktop desktop;
+    std::unique_ptr<QuitController> controller;
+    /// Called after the event is in the log.
+    std::function<void(const Event&)> onEvent;
+
+private:
+    void hear(const Event& event) {
+        if (const auto* quit = std::get_if<events::QuitDone>(&event))
+            desktop.write("event quitDone " + std::to_string(quit->closed));
+        else
+            desktop.write("event stubbornApps: " + names(controller->stubborn));
+        if (onEvent)
+            onEvent(event);
+    }
+
+    std::string phaseText() const {
+        const Phase& phase = controller->phase;
+        if (const auto* quitting = std::get_if<phases::Quitting>(&phase))
+            return "quitting " + std::to_string(quitting->total);
+        if (const auto* done = std::get_if<phases::Done>(&phase))
+            return "done " + std::to_string(done->closed) + ' ' + std::to_string(done->freed);
+        return is<phases::Waiting>(phase) ? "waiting" : "idle";
+    }
+
+    Handle phases_;
+};
+
+} // namespace velmorquit

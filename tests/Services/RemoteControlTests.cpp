@@ -1,0 +1,115 @@
+#include "Services/ControllerStory.h"
+#include "Services/RemoteControl.h"
+
+#include <nlohmann/json.hpp>
+
+namespace velmorquit {
+namespace {
+
+using nlohmann::json;
+using Status = RemoteAnswer::Status;
+
+class RemoteControlTest : public ControllerStory {
+protected:
+    void serve() {
+        start();
+        control = std::make_unique<RemoteControl>(*controller, desktop.remote);
+        onEvent = [this](const Event& event) { control->announce(event); };
+        desktop.loop.settle();
+        desktop.remote.changes.clear();
+    }
+
+    json status() { return json::parse(desktop.remote.give("status").text); }
+
+    std::string told() {
+        std::string kinds;
+        for (const std::string& change : desktop.remote.changes)
+            kinds += json::parse(change)["change"].get<std::string>() + ' ';
+        return kinds;
+    }
+
+    std::unique_ptr<RemoteControl> control;
+};
+
+TEST_F(RemoteControlTest, TellsTheStatusOfARunWithFreshFigures) {
+    auto& note = desktop.open("Note", 5).identified("org.example.note").ignoresAsking();
+    desktop.open("Ca\xff", 3).quitsAfter(1s);
+    serve();
+    note.setMemory(9);
+    EXPECT_EQ(desktop.remote.give("quitAll", {"restart"}).status, Status::done);
+    desktop.advance(7s);
+    const json now = status();
+    EXPECT_EQ(now["phase"], "waiting");
+    EXPECT_EQ(now["applications"],
+              json::parse(R"([{"name":"Note","id":"org.example.note","process":100,"memory":9,
+                               "excluded":false}])"));
+    EXPECT_EQ(now["stubborn"][0]["name"], "Note");
+    EXPECT_EQ(desktop.remote.give("leave").status, Status::done);
+    EXPECT_EQ(status()["phase"], "done");
+    EXPECT_EQ(status()["closed"], 1);
+    EXPECT_EQ(status()["freed"], 3);
+}
+
+TEST_F(RemoteControlTest, AnnouncesEachChangeOnce) {
+    auto& note = desktop.open("Note").quitsAfter(7s);
+    serve();
+    desktop.open("Mail").quitsAfter(100ms);
+    note.setMemory(50);
+    controller->refresh();
+    desktop.loop.settle();
+    EXPECT_EQ(told(), "opened ");
+    desktop.remote.give("quitAll");
+    desktop.advance(20s);
+    EXPECT_EQ(told(),
+              "opened phase closed event stubborn phase closed stubborn event phase phase ");
+}
+
+TEST_F(RemoteControlTest, RefusesWhatCannotBeDoneNowAndUnknownWords) {
+    desktop.open("Root").cannotBeAsked().cannotBeForced();
+    serve();
+    for (const char* verb : {"force", "leave"})
+        EXPECT_EQ(desktop.remote.give(verb).status, Status::refused) << verb;
+    EXPECT_EQ(desktop.remote.give("quitAll", {"explode"}).status, Status::unknown);
+    EXPECT_EQ(desktop.remote.give("quitAll", {"none", "none"}).status, Status::unknown);
+    EXPECT_EQ(desktop.remote.give("exclude").status, Status::unknown);
+    EXPECT_EQ(desktop.remote.give("Status").status, Status::unknown);
+    EXPECT_TRUE(is<phases::Idle>(controller->phase));
+    desktop.remote.give("quitAll");
+    EXPECT_EQ(desktop.remote.give("quitAll").status, Status::refused);
+    desktop.advance(7s);
+    EXPECT_EQ(desktop.remote.give("force").status, Status::refused) << "the system protects it";
+    EXPECT_TRUE(is<phases::Waiting>(controller->phase));
+}
+
+TEST_F(RemoteControlTest, UnderstandsTheNamesThatAPersonWouldUse) {
+    desktop.preferences.set("excludedApps", Value::Array{});
+    desktop.open("Text Editor").identified("org.example.Editor");
+    desktop.open("Twin").identified("org.example.one");
+    desktop.open("Twin").identified("org.example.two");
+    serve();
+    const auto excluded = [&] { return status()["excluded"]; };
+    EXPECT_EQ(desktop.remote.give("exclude", {"text editor"}).status, Status::done);
+    EXPECT_EQ(desktop.remote.give("exclude", {"Text Editor"}).status, Status::done);
+    EXPECT_EQ(excluded(), json::array({"org.example.Editor"}));
+    EXPECT_EQ(desktop.remote.give("exclude", {"twin"}).status, Status::refused);
+    EXPECT_EQ(desktop.remote.give("exclude", {"ORG.EXAMPLE.TWO"}).status, Status::done);
+    EXPECT_EQ(desktop.remote.give("exclude", {"101"}).status, Status::done);
+    EXPECT_EQ(excluded(),
+              json::array({"org.example.Editor", "org.example.one", "org.example.two"}));
+    EXPECT_EQ(desktop.remote.give("exclude", {"nobody"}).status, Status::refused);
+    EXPECT_EQ(desktop.remote.give("include", {"Text Editor"}).status, Status::done);
+    EXPECT_EQ(desktop.remote.give("include", {"Text Editor"}).status, Status::done);
+    EXPECT_EQ(excluded(), json::array({"org.example.one", "org.example.two"}));
+}
+
+TEST_F(RemoteControlTest, IncludesWhatIsNotOpenByItsKey) {
+    desktop.preferences.set("excludedApps", Value::Array{"org.example.closed"});
+    serve();
+    EXPECT_EQ(desktop.remote.give("include", {"org.example.closed"}).status, Status::done);
+    desktop.loop.settle();
+    EXPECT_EQ(told(), "included ");
+    EXPECT_TRUE(controller->excluded->empty());
+}
+
+} // namespace
+} // namespace velmorquit

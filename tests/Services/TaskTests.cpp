@@ -1,0 +1,126 @@
+#include "Platform/Task.h"
+#include "Simulated/VirtualLoop.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+
+namespace velmorquit {
+namespace {
+
+/// Says in the log when it is destroyed: what a coroutine holds must go with it, once.
+struct Witness {
+    explicit Witness(std::string& log) : log(log) {}
+    ~Witness() { log += "gone "; }
+    Witness(const Witness&) = delete;
+    Witness& operator=(const Witness&) = delete;
+    std::string& log;
+};
+
+class Owner {
+public:
+    Owner(MainLoop& loop, std::string& log) : loop_(loop), log_(log) {}
+    [[nodiscard]] MainLoop& mainLoop() const { return loop_; }
+
+    Task countTo(int last) {
+        const Witness witness(log_);
+        for (int number = 1; number <= last; ++number) {
+            log_ += std::to_string(number) + ' ';
+            co_await sleep(1s);
+        }
+        log_ += "end ";
+    }
+
+    Task cancelItself() {
+        const Witness witness(log_);
+        co_await sleep(1s);
+        task.cancel();
+        log_ += "stillHere ";
+        co_await sleep(1s);
+        log_ += "never ";
+    }
+
+    Task replaceItself() {
+        const Witness witness(log_);
+        co_await sleep(1s);
+        task = countTo(1);
+        log_ += "replaced ";
+    }
+
+    Task endOwner(std::unique_ptr<Owner>& self) {
+        const Witness witness(log_);
+        co_await sleep(1s);
+        self.reset();
+        co_await sleep(1s);
+    }
+
+    Task task;
+
+private:
+    MainLoop& loop_;
+    std::string& log_;
+};
+
+class TaskTest : public testing::Test {
+protected:
+    VirtualLoop loop;
+    std::string log;
+    std::unique_ptr<Owner> owner = std::make_unique<Owner>(loop, log);
+};
+
+TEST_F(TaskTest, BeginsInALaterTurnAndGoesOnAfterEachSleep) {
+    owner->task = owner->countTo(2);
+    EXPECT_EQ(log, "");
+    loop.settle();
+    EXPECT_EQ(log, "1 ");
+    EXPECT_TRUE(owner->task.isActive());
+    loop.advance(2s);
+    EXPECT_EQ(log, "1 2 end gone ");
+    EXPECT_FALSE(owner->task.isActive());
+}
+
+TEST_F(TaskTest, EndsWhereItSleepsWhenItIsCancelledReplacedOrItsOwnerDies) {
+    owner->task = owner->countTo(9);
+    loop.settle();
+    owner->task.cancel();
+    EXPECT_EQ(log, "1 gone ");
+    owner->task = owner->countTo(9);
+    loop.settle();
+    owner->task = owner->countTo(5);
+    EXPECT_EQ(log, "1 gone 1 gone ");
+    loop.settle();
+    owner.reset();
+    loop.advance(10s);
+    EXPECT_EQ(log, "1 gone 1 gone 1 gone ");
+}
+
+TEST_F(TaskTest, NeverBeginsWhenItIsCancelledBefore) {
+    owner->task = owner->countTo(9);
+    owner->task.cancel();
+    loop.advance(10s);
+    EXPECT_EQ(log, "");
+}
+
+TEST_F(TaskTest, GoesOnToItsNextSleepWhenItCancelsItself) {
+    owner->task = owner->cancelItself();
+    loop.advance(10s);
+    EXPECT_EQ(log, "stillHere gone ");
+}
+
+TEST_F(TaskTest, MayReplaceItselfByItsSuccessor) {
+    owner->task = owner->replaceItself();
+    loop.advance(10s);
+    EXPECT_EQ(log, "replaced gone 1 end gone ");
+}
+
+TEST_F(TaskTest, MayEndItsOwner) {
+    owner->task = owner->endOwner(owner);
+    loop.advance(10s);
+    EXPECT_EQ(log, "gone ");
+    EXPECT_EQ(owner, nullptr);
+}
+
+} // namespace
+} // namespace velmorquit

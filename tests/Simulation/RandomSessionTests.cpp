@@ -1,0 +1,191 @@
+#include "Services/QuitController/QuitController.h"
+#include "Services/RemoteControl.h"
+#include "Simulated/SimulatedDesktop.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <random>
+
+namespace velmorquit {
+namespace {
+
+/// A user who does anything at any time, among applications that do anything too. Whatever happens
+/// comes from the seed.
+class RandomSession {
+public:
+    explicit RandomSession(unsigned seed) : random_(seed) { begin(); }
+
+    void step() {
+        switch (pick(12)) {
+        case 0:
+        case 1:
+            openOne();
+            break;
+        case 2:
+            endOne();
+            break;
+        case 3:
+        case 4:
+            startRun();
+            break;
+        case 5:
+            controller_->leaveStubbornOpen();
+            break;
+        case 6:
+            controller_->forceQuitStubborn();
+            break;
+        case 7:
+            toggleOne();
+            break;
+        case 8:
+            pick(2) == 0 ? controller_->startLiveUpdates() : controller_->stopLiveUpdates();
+            break;
+        case 9:
+            desktop_.loop.moveWallClock(std::chrono::seconds(pick(7200)) - 1h);
+            break;
+        case 10:
+            if (pick(20) == 0)
+                begin();
+            break;
+        default:
+            break;
+        }
+        check();
+        desktop_.advance(std::chrono::milliseconds(pick(4) == 0 ? pick(9000) : pick(300)));
+        check();
+    }
+
+    /// Every run comes to an end when all that is open is gone.
+    void finish() {
+        controller_->onEvent = nullptr;
+        for (SimulatedApplication* app : apps_)
+            app->end();
+        desktop_.advance(10s);
+        check();
+        EXPECT_TRUE(is<phases::Idle>(controller_->phase));
+    }
+
+private:
+    void begin() {
+        watch_.reset();
+        control_.reset();
+        controller_ = std::make_unique<QuitController>(desktop_.ports());
+        control_ = std::make_unique<RemoteControl>(*controller_, desktop_.remote);
+        controller_->onEvent = [this](const Event& event) { react(event); };
+        watch_ = controller_->phase.subscribe([this] { check(); });
+        hasStubbornEvent_ = false;
+    }
+
+    int pick(int below) { return std::uniform_int_distribution(0, below - 1)(random_); }
+
+    void openOne() {
+        auto& app = desktop_.open("App" + std::to_string(pick(6)), 1 + pick(1000));
+        const auto time = std::chrono::milliseconds(pick(12000));
+        if (pick(3) == 0)
+            app.identified("id" + std::to_string(pick(4)));
+        if (pick(8) == 0)
+            app.cannotBeForced();
+        switch (pick(6)) {
+        case 0:
+            app.ignoresAsking();
+            break;
+        case 1:
+            app.cannotBeAsked();
+            break;
+        case 2:
+            app.livesOnWithoutWindows();
+            break;
+        default:
+            app.quitsAfter(time);
+        }
+        apps_.push_back(&app);
+    }
+
+    void endOne() {
+        if (!apps_.empty())
+            apps_[static_cast<std::size_t>(pick(static_cast<int>(apps_.size())))]->end();
+    }
+
+    void toggleOne() {
+        const auto apps = controller_->apps.get();
+        if (!apps.empty())
+            controller_->toggleExclusion(
+                apps[static_cast<std::size_t>(pick(static_cast<int>(apps.size())))]);
+    }
+
+    void startRun() {
+        const bool wasBusy = isBusy(controller_->phase);
+        const std::string before = desktop_.log();
+        controller_->quitAll(pick(2) == 0 ? PowerAction::none : PowerAction::restart);
+        if (wasBusy) {
+            EXPECT_EQ(desktop_.log(), before) << "a run in progress is left alone";
+            return;
+        }
+        hasStubbornEvent_ = false;
+    }
+
+    void react(const Event& event) {
+        control_->announce(event);
+        if (std::holds_alternative<events::StubbornApps>(event)) {
+            EXPECT_FALSE(hasStubbornEvent_) << "told once a run";
+            EXPECT_TRUE(is<phases::Quitting>(controller_->phase));
+            EXPECT_FALSE(controller_->stubborn->empty());
+            hasStubbornEvent_ = true;
+        } else {
+            EXPECT_TRUE(is<phases::Done>(controller_->phase));
+        }
+        if (pick(4) == 0)
+            controller_->leaveStubbornOpen();
+        if (pick(4) == 0)
+            startRun();
+        if (pick(4) == 0)
+            controller_->forceQuitStubborn();
+    }
+
+    void check() {
+        const Phase& phase = controller_->phase;
+        if (!is<phases::Waiting>(phase) && !is<phases::Quitting>(phase)) {
+            EXPECT_TRUE(controller_->stubborn->empty());
+        }
+        if (is<phases::Waiting>(phase)) {
+            EXPECT_FALSE(controller_->stubborn->empty());
+        }
+        const auto& listed = controller_->apps.get();
+        EXPECT_TRUE(std::ranges::is_sorted(listed, std::greater{}, &OpenApp::memory));
+        for (const OpenApp& app : listed)
+            EXPECT_FALSE(app.app->isTerminated());
+        for (const OpenApp& app : controller_->quittable())
+            EXPECT_FALSE(controller_->excluded->contains(app.exclusionKey()));
+        const auto stored = desktop_.preferences.texts("excludedApps");
+        if (stored) {
+            EXPECT_EQ(std::set(stored->begin(), stored->end()), controller_->excluded.get());
+        }
+    }
+
+    std::mt19937 random_;
+    SimulatedDesktop desktop_;
+    std::unique_ptr<QuitController> controller_;
+    std::unique_ptr<RemoteControl> control_;
+    std::vector<SimulatedApplication*> apps_;
+    Handle watch_;
+    bool hasStubbornEvent_ = false;
+};
+
+TEST(RandomSessionTest, KeepsEveryPromise) {
+    const char* wanted = std::getenv("VELMOR_SEED");
+    const unsigned first = wanted ? static_cast<unsigned>(std::atoi(wanted)) : 1;
+    const unsigned last = wanted ? first : 150;
+    for (unsigned seed = first; seed <= last && !testing::Test::HasFailure(); ++seed) {
+        SCOPED_TRACE("VELMOR_SEED=" + std::to_string(seed));
+        RandomSession session(seed);
+        for (int step = 0; step < 200 && !testing::Test::HasFailure(); ++step)
+            session.step();
+        session.finish();
+    }
+}
+
+} // namespace
+} // namespace velmorquit

@@ -1,0 +1,229 @@
+#include "Linux/Applications/LinuxWorkspace.h"
+#include "Linux/QtMainLoop.h"
+#include "Linux/X11/X11Toplevels.h"
+#include "Simulated/SimulatedPorts.h"
+#include "support/Child.h"
+#include "support/Waiting.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+namespace velmorquit {
+namespace {
+
+/// The applications of a real X server with a real window manager.
+class WorkspaceTest : public testing::Test {
+protected:
+    WorkspaceTest() : toplevels(loop, *X11Connection::open()), workspace(loop, log, toplevels) {
+        for (const auto event : {WorkspaceEvent::launched, WorkspaceEvent::terminated,
+                                 WorkspaceEvent::activated, WorkspaceEvent::policyChanged})
+            watches.push_back(workspace.observe(event, [this, event] { events.push_back(event); }));
+    }
+
+    Child& start(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), RUDE_CLIENT);
+        children.push_back(std::make_unique<Child>(arguments));
+        Child& child = *children.back();
+        EXPECT_TRUE(waitUntil([&] { return child.output().starts_with("ready"); }));
+        return child;
+    }
+
+    /// Starts a client and waits until the workspace knows it.
+    std::shared_ptr<RunningApplication> open(std::vector<std::string> arguments = {}) {
+        const pid_t id = start(std::move(arguments)).id();
+        EXPECT_TRUE(waitUntil([&] { return find(id) != nullptr; }));
+        return find(id);
+    }
+
+    std::shared_ptr<RunningApplication> find(ProcessId id) const {
+        for (auto& application : workspace.runningApplications()) {
+            if (application->processId() == id)
+                return application;
+        }
+        return nullptr;
+    }
+
+    std::size_t count(WorkspaceEvent event) const {
+        return static_cast<std::size_t>(std::ranges::count(events, event));
+    }
+
+    static std::size_t timesAsked(Child& child) {
+        const std::string& output = child.output();
+        std::size_t times = 0;
+        for (auto at = output.find("asked"); at != std::string::npos;
+             at = output.find("asked", at + 1))
+            ++times;
+        return times;
+    }
+
+    static void installEntry(const std::string& id, const std::string& lines) {
+        const std::filesystem::path folder =
+            std::filesystem::path(std::getenv("XDG_DATA_HOME")) / "applications";
+        std::filesystem::create_directories(folder);
+        std::ofstream(folder / (id + ".desktop"))
+            << "[Desktop Entry]\nType=Application\nExec=true\n"
+            << lines;
+    }
+
+    QtMainLoop loop;
+    SimulatedSystemLog log;
+    X11Toplevels toplevels;
+    LinuxWorkspace workspace;
+    std::vector<WorkspaceEvent> events;
+    std::vector<Handle> watches;
+    std::vector<std::unique_ptr<Child>> children;
+};
+
+TEST_F(WorkspaceTest, TellsOfLaunchesEndsAndWindows) {
+    const auto app = open({"--stay"});
+    EXPECT_TRUE(waitUntil([&] { return count(WorkspaceEvent::launched) == 1; }));
+    EXPECT_EQ(app->activationPolicy(), ActivationPolicy::regular);
+    EXPECT_EQ(app->localizedName(), "Rude");
+    EXPECT_FALSE(app->bundleIdentifier());
+    EXPECT_TRUE(app->terminate());
+    EXPECT_TRUE(waitUntil([&] { return count(WorkspaceEvent::policyChanged) == 1; }));
+    EXPECT_EQ(app->activationPolicy(), ActivationPolicy::accessory);
+    EXPECT_FALSE(app->isTerminated());
+    EXPECT_FALSE(app->terminate()) << "nothing is left that could be asked";
+    EXPECT_EQ(count(WorkspaceEvent::terminated), 0U);
+    children.front()->send(SIGKILL);
+    EXPECT_TRUE(waitUntil([&] { return count(WorkspaceEvent::terminated) == 1; }));
+    EXPECT_TRUE(workspace.runningApplications().empty());
+    EXPECT_TRUE(app->isTerminated());
+}
+
+TEST_F(WorkspaceTest, KnowsOneApplicationAProcessAndAsksEachOfItsWindowsOnce) {
+    const auto app = open({"--windows", "3"});
+    EXPECT_EQ(workspace.runningApplications().size(), 1U);
+    EXPECT_TRUE(app->terminate());
+    EXPECT_TRUE(waitUntil([&] { return app->isTerminated(); }));
+    EXPECT_EQ(timesAsked(*children.front()), 3U);
+}
+
+TEST_F(WorkspaceTest, AsksNeitherADialogNorAWindowThatDoesNotUnderstand) {
+    const auto busy = open({"--ignore", "--windows", "2", "--modal"});
+    EXPECT_TRUE(busy->terminate());
+    EXPECT_TRUE(waitUntil([&] { return timesAsked(*children.front()) == 1; }));
+    const auto deaf = open({"--class", "Deaf", "--no-protocol"});
+    EXPECT_FALSE(deaf->terminate());
+    linger(200);
+    EXPECT_EQ(timesAsked(*children.front()), 1U);
+    EXPECT_FALSE(deaf->isTerminated()) << "the window manager was not made to kill it";
+}
+
+TEST_F(WorkspaceTest, LeavesOutPanelsAndTheProgramsOfOtherHosts) {
+    start({"--class", "Elsewhere", "--machine", "some-other-host"});
+    start({"--class", "Splash", "--type", "SPLASH"});
+    const auto dialog = open({"--class", "Question", "--type", "DIALOG"});
+    EXPECT_TRUE(dialog->terminate()) << "a dialog of nobody else is a program's own window";
+    linger(200);
+    for (const auto& application : workspace.runningApplications())
+        EXPECT_EQ(application->localizedName(), "Question");
+}
+
+TEST_F(WorkspaceTest, KnowsProgramsByTheirDesktopEntries) {
+    installEntry("org.example.Plain", "Name=Plain Program\nName[it]=Programma semplice\n");
+    installEntry("byclass", "Name=By Class\nStartupWMClass=SomethingElse\n");
+    installEntry("byinstance", "Name=By Instance\n");
+    installEntry("broken", "Name");
+    EXPECT_EQ(open({"--class", "SomethingElse"})->bundleIdentifier(), "byclass");
+    const auto instance = open({"--class", "ByInstance"});
+    EXPECT_EQ(instance->bundleIdentifier(), "byinstance");
+    EXPECT_EQ(instance->localizedName(), "By Instance");
+    EXPECT_TRUE(instance->bundlePath()->ends_with("/applications/byinstance.desktop"));
+    EXPECT_EQ(open({"--class", "org.example.Plain"})->bundleIdentifier(), "org.example.Plain");
+    EXPECT_FALSE(open({"--class", "Broken"})->bundleIdentifier());
+    EXPECT_FALSE(open({"--class", "../../evil"})->bundleIdentifier());
+
+    installEntry("late", "Name=Installed Later\nStartupWMClass=LateComer\n");
+    EXPECT_EQ(open({"--class", "LateComer"})->localizedName(), "Installed Later");
+}
+
+TEST_F(WorkspaceTest, ReadsWhoLaunchedAProcessOnlyFromItsOwnVariables) {
+    installEntry("launched", "Name=Launched\n");
+    const std::string file =
+        std::string(std::getenv("XDG_DATA_HOME")) + "/applications/launched.desktop";
+    const auto launch = [&](const std::string& className, const std::string& id) {
+        children.push_back(std::make_unique<Child>(std::vector<std::string>{
+            "sh", "-c",
+            "GIO_LAUNCHED_DESKTOP_FILE=" + file + " GIO_LAUNCHED_DESKTOP_FILE_PID=" + id +
+                " exec " + RUDE_CLIENT + " --class " + className}));
+        const pid_t process = children.back()->id();
+        EXPECT_TRUE(waitUntil([&] { return find(process) != nullptr; }));
+        return find(process)->bundleIdentifier();
+    };
+    EXPECT_EQ(launch("Own", "$$"), "launched");
+    EXPECT_EQ(launch("Inherited", "1"), std::nullopt);
+}
+
+TEST_F(WorkspaceTest, KeepsTheFirstIdentityOfAProcessAndRemembersTheOthers) {
+    installEntry("writer", "Name=Writer\n");
+    installEntry("calc", "Name=Calc\n");
+    const auto app =
+        open({"--class", "Writer", "--next-class", "Calc", "--next-class", "Nameless"});
+    EXPECT_TRUE(waitUntil([&] { return app->otherIdentities().size() == 2; }));
+    EXPECT_EQ(app->bundleIdentifier(), "writer");
+    EXPECT_EQ(app->otherIdentities(), (std::vector<std::string>{"Nameless", "calc"}));
+}
+
+TEST_F(WorkspaceTest, BringsAnApplicationToTheFront) {
+    const auto first = open({"--class", "First"});
+    const auto second = open({"--class", "Second"});
+    ASSERT_TRUE(waitUntil([&] { return workspace.frontmostApplication() != nullptr; }));
+    EXPECT_TRUE(first->activate());
+    EXPECT_TRUE(waitUntil([&] { return workspace.frontmostApplication() == first; }));
+    EXPECT_TRUE(second->activate());
+    EXPECT_TRUE(waitUntil([&] { return workspace.frontmostApplication() == second; }));
+    EXPECT_GE(count(WorkspaceEvent::activated), 2U);
+}
+
+TEST_F(WorkspaceTest, MissesNobodyWhoCameThisVeryMoment) {
+    const pid_t id = start({}).id();
+    // No event loop runs between here and the listing: the window manager has to have listed the
+    // window, and what the server has announced has to count.
+    const auto other = X11Connection::open();
+    EXPECT_TRUE(waitUntil([&] { return !toplevels.toplevels().empty(); }));
+    EXPECT_TRUE(waitUntil([&] { return find(id) != nullptr; }));
+}
+
+TEST_F(WorkspaceTest, NobodySeemsToEndWhenTheWindowManagerDoes) {
+    const auto app = open({"--class", "Steady"});
+    Child stop({"pkill", "-x", "openbox"});
+    ASSERT_TRUE(waitUntil([&] { return !stop.isRunning(); }));
+    linger(500);
+    ASSERT_NE(find(app->processId()), nullptr);
+    EXPECT_EQ(app->activationPolicy(), ActivationPolicy::regular);
+    EXPECT_EQ(count(WorkspaceEvent::terminated), 0U);
+
+    const Child manager({"openbox", "--sm-disable"});
+    const auto late = open({"--class", "Late"});
+    EXPECT_TRUE(waitUntil([&] { return app->activationPolicy() == ActivationPolicy::regular; }));
+    EXPECT_TRUE(app->terminate());
+    EXPECT_TRUE(waitUntil([&] { return app->isTerminated(); }));
+    EXPECT_FALSE(late->isTerminated());
+    EXPECT_EQ(count(WorkspaceEvent::launched), 2U);
+}
+
+TEST_F(WorkspaceTest, AnApplicationMayOutliveTheWorkspace) {
+    std::shared_ptr<RunningApplication> app;
+    {
+        LinuxWorkspace other(loop, log, toplevels);
+        const pid_t id = start({}).id();
+        EXPECT_TRUE(waitUntil([&] {
+            for (const auto& running : other.runningApplications())
+                app = running->processId() == id ? running : app;
+            return app != nullptr;
+        }));
+    }
+    EXPECT_FALSE(app->terminate());
+    EXPECT_FALSE(app->activate());
+    EXPECT_TRUE(app->forceTerminate());
+    EXPECT_TRUE(waitUntil([&] { return app->isTerminated(); }));
+}
+
+} // namespace
+} // namespace velmorquit

@@ -1,0 +1,189 @@
+// A small X client with the manners that its arguments give it. Prints "ready PID WINDOW..." when
+// its windows are on the screen, then a line for each time that a window is asked to close, and
+// lives until its last window has closed.
+//
+//   --class NAME          WM_CLASS: the class as given, the instance in lower case (Rude)
+//   --next-class NAME     opens one more window, of that class
+//   --windows N           opens N windows (1)
+//   --machine HOST        says that it runs on that host
+//   --type TYPE           _NET_WM_WINDOW_TYPE_TYPE
+//   --modal               its last window is a modal dialog of its first one
+//   --ignore              takes no notice of being asked to close
+//   --no-protocol         doesn't understand being asked to close
+//   --stay                lives on without windows
+//   --deaf                takes no notice of SIGTERM either
+
+#include <xcb/xcb.h>
+
+#include <algorithm>
+#include <cctype>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+struct Manners {
+    std::vector<std::string> classes{"Rude"};
+    int windows = 1;
+    std::string machine;
+    std::string type;
+    bool isModal = false;
+    bool ignores = false;
+    bool hasProtocol = true;
+    bool stays = false;
+};
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+template <class T> std::unique_ptr<T, Free> owned(T* memory) {
+    return std::unique_ptr<T, Free>(memory);
+}
+
+class Client {
+public:
+    explicit Client(Manners manners)
+        : manners_(std::move(manners)), connection_(xcb_connect(nullptr, nullptr)) {
+        if (xcb_connection_has_error(connection_))
+            std::exit(1);
+        screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
+    }
+    Client(const Client&) = delete;
+    Client& operator=(const Client&) = delete;
+    ~Client() { xcb_disconnect(connection_); }
+
+    int run() {
+        for (std::size_t index = 0; index < manners_.classes.size(); ++index) {
+            const int count = index == 0 ? manners_.windows : 1;
+            for (int number = 0; number < count; ++number)
+                open(manners_.classes[index]);
+        }
+        if (manners_.isModal)
+            makeModal(windows_.back());
+        for (const xcb_window_t window : windows_)
+            xcb_map_window(connection_, window);
+        xcb_flush(connection_);
+        while (const auto event = owned(xcb_wait_for_event(connection_))) {
+            const int type = event->response_type & 0x7f;
+            if (type == XCB_MAP_NOTIFY && ++mapped_ == windows_.size())
+                announce();
+            if (type == XCB_CLIENT_MESSAGE &&
+                asked(reinterpret_cast<xcb_client_message_event_t*>(event.get())->window))
+                return 0;
+        }
+        return 1;
+    }
+
+private:
+    xcb_atom_t atom(const std::string& name) {
+        const auto cookie =
+            xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
+        return owned(xcb_intern_atom_reply(connection_, cookie, nullptr))->atom;
+    }
+
+    void setText(xcb_window_t window, xcb_atom_t property, const std::string& text) {
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, property, XCB_ATOM_STRING,
+                            8, static_cast<std::uint32_t>(text.size()), text.data());
+    }
+
+    void setNumber(xcb_window_t window, const std::string& property, xcb_atom_t type,
+                   std::uint32_t number) {
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(property), type, 32, 1,
+                            &number);
+    }
+
+    void open(const std::string& className) {
+        const xcb_window_t window = xcb_generate_id(connection_);
+        const auto offset = static_cast<std::int16_t>(40 * windows_.size() + 40);
+        const std::uint32_t values[] = {screen_->white_pixel, XCB_EVENT_MASK_STRUCTURE_NOTIFY};
+        xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, screen_->root, offset, offset,
+                          240, 120, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, screen_->root_visual,
+                          XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
+        std::string instance = className;
+        std::ranges::transform(instance, instance.begin(),
+                               [](unsigned char letter) { return std::tolower(letter); });
+        setText(window, XCB_ATOM_WM_CLASS,
+                instance + std::string(1, '\0') + className + std::string(1, '\0'));
+        setText(window, XCB_ATOM_WM_NAME, className);
+        setNumber(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, static_cast<std::uint32_t>(getpid()));
+        if (!manners_.machine.empty())
+            setText(window, XCB_ATOM_WM_CLIENT_MACHINE, manners_.machine);
+        if (!manners_.type.empty())
+            setNumber(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
+                      atom("_NET_WM_WINDOW_TYPE_" + manners_.type));
+        if (manners_.hasProtocol)
+            setNumber(window, "WM_PROTOCOLS", XCB_ATOM_ATOM, atom("WM_DELETE_WINDOW"));
+        windows_.push_back(window);
+    }
+
+    void makeModal(xcb_window_t window) {
+        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_TRANSIENT_FOR,
+                            XCB_ATOM_WINDOW, 32, 1, &windows_.front());
+        setNumber(window, "_NET_WM_STATE", XCB_ATOM_ATOM, atom("_NET_WM_STATE_MODAL"));
+    }
+
+    void announce() const {
+        std::printf("ready %d", getpid());
+        for (const xcb_window_t window : windows_)
+            std::printf(" %u", window);
+        std::printf("\n");
+        std::fflush(stdout);
+    }
+
+    /// Whether that was the end.
+    bool asked(xcb_window_t window) {
+        std::printf("asked %u\n", window);
+        std::fflush(stdout);
+        if (manners_.ignores)
+            return false;
+        xcb_destroy_window(connection_, window);
+        xcb_flush(connection_);
+        std::erase(windows_, window);
+        return windows_.empty() && !manners_.stays;
+    }
+
+    Manners manners_;
+    xcb_connection_t* connection_;
+    xcb_screen_t* screen_ = nullptr;
+    std::vector<xcb_window_t> windows_;
+    std::size_t mapped_ = 0;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    Manners manners;
+    for (int index = 1; index < argc; ++index) {
+        const std::string option = argv[index];
+        const auto value = [&] { return std::string(argv[++index]); };
+        if (option == "--class")
+            manners.classes.front() = value();
+        else if (option == "--next-class")
+            manners.classes.push_back(value());
+        else if (option == "--windows")
+            manners.windows = std::stoi(value());
+        else if (option == "--machine")
+            manners.machine = value();
+        else if (option == "--type")
+            manners.type = value();
+        else if (option == "--modal")
+            manners.isModal = true;
+        else if (option == "--ignore")
+            manners.ignores = true;
+        else if (option == "--no-protocol")
+            manners.hasProtocol = false;
+        else if (option == "--stay")
+            manners.stays = true;
+        else if (option == "--deaf")
+            std::signal(SIGTERM, SIG_IGN);
+        else
+            return 2;
+    }
+    return Client(manners).run();
+}
