@@ -11,7 +11,8 @@
 
 namespace velmorquit {
 
-/// The user's settings and small pieces of remembered state, kept across starts, by case-sensitive key.
+/// The user's settings and small pieces of remembered state, kept across starts, by case-sensitive
+/// key.
 class Preferences {
 public:
     virtual ~Preferences() = default;

@@ -50,8 +50,10 @@ Identity DesktopEntries::identify(const ToplevelIdentity& window, ProcessId proc
     }
     if (auto found = entryByStartupClass(window))
         return *found;
-    if (auto found = entry(lowered(window.className)))
-        return *found;
+    for (const std::string& id : {window.className, lowered(window.className)}) {
+        if (auto found = entry(id))
+            return *found;
+    }
     if (auto found = entryThatLaunched(process))
         return *found;
 

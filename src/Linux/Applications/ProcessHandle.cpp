@@ -15,14 +15,16 @@ extern "C" {
 namespace velmorquit {
 
 // The descriptor is for whoever has the id at that instant. That this is who was meant shows in the
-// start time, which is the same before and after.
+// start time, which is the same before and after; there is none where the system hides the
+// processes of other users.
 std::unique_ptr<ProcessHandle> ProcessHandle::open(ProcessId id, std::function<void()> ended) {
     const auto before = readProcessStat(id);
-    const int descriptor = before ? ::pidfd_open(id, 0) : -1;
+    const int descriptor = ::pidfd_open(id, 0);
     if (descriptor < 0)
         return nullptr;
     const auto after = readProcessStat(id);
-    if (!after || after->startTime != before->startTime) {
+    const auto startTime = [](const auto& stat) { return stat ? stat->startTime : 0; };
+    if (startTime(before) != startTime(after)) {
         ::close(descriptor);
         return nullptr;
     }
