@@ -5,10 +5,10 @@
 # in directories that every compiler searches; those are checked by CheckIncludes.cmake before a target
 # is built.
 
-# velmor_target(NAME FOLDER [KIND STATIC|INTERFACE|EXECUTABLE] [SOURCES ...] [USES targets...]
-#               [SYSTEM_HEADERS regex...])
-# FOLDER is relative to src/. Without SYSTEM_HEADERS all system headers are allowed; with it only the
-# C++ standard library's and those that match one of the expressions.
+# velmor_target(NAME FOLDER [PORTABLE] [KIND STATIC|INTERFACE|EXECUTABLE] [SOURCES ...]
+#               [USES targets...] [SYSTEM_HEADERS regex...])
+# FOLDER is relative to src/. A PORTABLE target includes of the system's headers only those of the C++
+# standard library and those that match one of the expressions.
 function(velmor_target name folder)
     cmake_parse_arguments(PARSE_ARGV 2 arg "PORTABLE" "KIND" "SOURCES;USES;SYSTEM_HEADERS")
     set(root ${CMAKE_BINARY_DIR}/include/${name})

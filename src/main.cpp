@@ -39,9 +39,13 @@ int run(int argc, char** argv) {
         return EXIT_FAILURE;
     }
 
-    if (!std::getenv("QT_QPA_PLATFORM"))
+    const bool isPlatformChosen = std::getenv("QT_QPA_PLATFORM") != nullptr;
+    if (!isPlatformChosen)
         ::setenv("QT_QPA_PLATFORM", "xcb", 1);
     QApplication application(argc, argv);
+    // What is started from here chooses for itself.
+    if (!isPlatformChosen)
+        ::unsetenv("QT_QPA_PLATFORM");
     QApplication::setApplicationName(QStringLiteral("velmorquit"));
     QApplication::setDesktopFileName(QStringLiteral("org.velmorquit.VelmorQuit"));
     QApplication::setQuitOnLastWindowClosed(false);
@@ -60,7 +64,7 @@ int run(int argc, char** argv) {
 
     QtMainLoop loop;
     PropertyListPreferences preferences(loop, log, defaultPreferencesFile());
-    X11Toplevels toplevels(loop, std::move(*connection));
+    X11Toplevels toplevels(loop, log, std::move(*connection));
     LinuxWorkspace workspace(loop, log, toplevels);
     ProcKernel kernel;
     QtProgram program;

@@ -62,7 +62,8 @@ void QtMainLoop::armTimer() {
         timer_.stop();
         return;
     }
-    const Duration wait = std::max(*due - uptime(), Duration::zero());
+    // A QTimer counts milliseconds in 32 bits; a wait that is cut short is armed again.
+    const Duration wait = std::clamp<Duration>(*due - uptime(), Duration::zero(), 24h);
     timer_.start(std::chrono::ceil<std::chrono::milliseconds>(wait));
 }
 

@@ -41,7 +41,7 @@ public:
             rearm(node, now);
             return true;
         }
-        node.mapped().work();
+        (*node.mapped().work)();
         return true;
     }
 
@@ -54,7 +54,9 @@ private:
     struct Timer {
         std::uint64_t id;
         Duration interval;
-        std::function<void()> work;
+        /// Shared with the call under way: a callback may cancel its own timer, and may run an
+        /// event loop in which the timer falls due again.
+        std::shared_ptr<const std::function<void()>> work;
     };
     struct Timers final : Handle::Source {
         void cancel(std::uint64_t id) noexcept override {
@@ -71,27 +73,23 @@ private:
 
     Handle add(Uptime due, Duration interval, std::function<void()> work) {
         const std::uint64_t id = ++lastId_;
-        timers_->byDue.emplace(Key{due, id}, Timer{id, interval, std::move(work)});
+        timers_->byDue.emplace(
+            Key{due, id},
+            Timer{id, interval, std::make_shared<const std::function<void()>>(std::move(work))});
         timers_->dueOf.emplace(id, due);
         return {timers_, id};
     }
 
-    // The timer stays in the queue while it is called, so that its own callback can cancel it; the
-    // closure is taken out meanwhile, so that cancelling doesn't destroy what is being executed.
     void rearm(std::map<Key, Timer>::node_type& node, Uptime now) {
         const Uptime due = node.key().due;
         const Duration interval = node.mapped().interval;
         const Uptime next = due + interval * ((now - due) / interval + 1);
         const std::uint64_t id = node.mapped().id;
-        const auto work = std::exchange(node.mapped().work, nullptr);
+        const auto work = node.mapped().work;
         node.key() = {next, id};
         timers_->dueOf.emplace(id, next);
         timers_->byDue.insert(std::move(node));
-        const std::shared_ptr<Timers> alive = timers_;
-        work();
-        const auto still = alive->byDue.find({next, id});
-        if (still != alive->byDue.end())
-            still->second.work = work;
+        (*work)();
     }
 
     std::shared_ptr<Timers> timers_ = std::make_shared<Timers>();

@@ -23,12 +23,11 @@ class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    /// All that run, those without windows too, in the system's own order, ended ones left out.
-    /// Read from memory.
+    /// All that run, those without windows too, in the system's own order,  ended ones left out.
     [[nodiscard]] virtual std::vector<std::shared_ptr<RunningApplication>>
-    runningApplications() const = 0;
+    runningApplications() = 0;
 
-    /// The application that the user works with now; null when that is none of them.
+    /// The running application that the user worked with last; null when that is none of them.
     [[nodiscard]] virtual std::shared_ptr<RunningApplication> frontmostApplication() const = 0;
 
     /// Calls `told` on the main loop after each event of that kind.

@@ -75,12 +75,10 @@ RemoteAnswer RemoteControl::quitAll(const std::vector<std::string>& arguments) {
         arguments.empty() ? PowerAction::none : powerActionFromRaw(arguments.front());
     if (!action)
         return {RemoteAnswer::Status::unknown, "Azione sconosciuta: " + arguments.front()};
-    if (isBusy(controller_.phase))
+    if (controller_.isRunning())
         return refused("Velmor Quit sta già chiudendo le app.");
-    controller_.refresh();
-    const Json asked = describeAll(controller_.quittable());
     controller_.quitAll(*action);
-    return done({{"asked", asked}, {"then", rawValue(*action)}});
+    return done({{"asked", describeAll(controller_.targets())}, {"then", rawValue(*action)}});
 }
 
 RemoteAnswer RemoteControl::force() {
@@ -88,8 +86,6 @@ RemoteAnswer RemoteControl::force() {
         return refused("Nessuna app è rimasta aperta.");
     Json forced = describeAll(controller_.stubborn);
     const auto protectedNames = controller_.forceQuitStubborn();
-    if (!protectedNames.empty() && protectedNames.size() == forced.size())
-        return refused("Il sistema non permette di forzare: " + protectedNames.front());
     return done({{"forced", std::move(forced)}, {"refused", protectedNames}});
 }
 
@@ -101,12 +97,12 @@ RemoteAnswer RemoteControl::leave() {
 }
 
 RemoteAnswer RemoteControl::setExcluded(const std::string& name, bool isExcluded) {
+    // A stored key is meant before an application that is called alike.
+    if (!isExcluded && controller_.includeAgain(name))
+        return done({{"key", name}, {"excluded", false}});
     const auto apps = named(name);
-    if (apps.empty()) {
-        if (!isExcluded && controller_.includeAgain(name))
-            return done({{"key", name}, {"excluded", false}});
+    if (apps.empty())
         return refused("Nessuna app aperta si chiama «" + name + "».");
-    }
     const std::string& key = apps.front().exclusionKey();
     for (const OpenApp& app : apps) {
         if (app.exclusionKey() != key)
@@ -181,8 +177,10 @@ void RemoteControl::announceChanges() {
 void RemoteControl::announceApps() {
     const std::vector<OpenApp> before = std::exchange(knownApps_, controller_.apps);
     for (const OpenApp& app : before) {
-        if (!holds(knownApps_, app))
-            announce({{"change", "closed"}, {"application", describe(app)}});
+        if (holds(knownApps_, app))
+            continue;
+        const char* change = app.app->isTerminated() ? "closed" : "windowless";
+        announce({{"change", change}, {"application", describe(app)}});
     }
     for (const OpenApp& app : knownApps_) {
         if (!holds(before, app))

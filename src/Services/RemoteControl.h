@@ -15,7 +15,7 @@ namespace velmorquit {
 ///
 /// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
 /// `include NAME`. Changes are announced as objects with a field `change`: `phase`, `stubborn`,
-/// `opened`, `closed`, `excluded`, `included`, `event`.
+/// `opened`, `closed`, `windowless` (it lives on), `excluded`, `included`, `event`.
 class RemoteControl {
 public:
     RemoteControl(QuitController& controller, RemoteCommands& remote);

@@ -1,5 +1,7 @@
 #include "Simulated/SimulatedWorkspace.h"
 
+#include <algorithm>
+
 namespace velmorquit {
 
 void SimulatedWorkspace::add(std::shared_ptr<SimulatedApplication> application) {
@@ -15,7 +17,7 @@ std::optional<std::uint64_t> SimulatedWorkspace::memoryOf(ProcessId id) const {
     return std::nullopt;
 }
 
-std::vector<std::shared_ptr<RunningApplication>> SimulatedWorkspace::runningApplications() const {
+std::vector<std::shared_ptr<RunningApplication>> SimulatedWorkspace::runningApplications() {
     std::vector<std::shared_ptr<RunningApplication>> running;
     for (const auto& application : applications_) {
         if (!application->isTerminated())
@@ -25,8 +27,10 @@ std::vector<std::shared_ptr<RunningApplication>> SimulatedWorkspace::runningAppl
 }
 
 std::shared_ptr<RunningApplication> SimulatedWorkspace::frontmostApplication() const {
-    const auto running = runningApplications();
-    return running.empty() ? nullptr : running.back();
+    const auto last =
+        std::find_if(applications_.rbegin(), applications_.rend(),
+                     [](const auto& application) { return !application->isTerminated(); });
+    return last == applications_.rend() ? nullptr : *last;
 }
 
 } // namespace velmorquit

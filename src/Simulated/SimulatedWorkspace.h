@@ -18,8 +18,7 @@ public:
     /// What the process uses, none when it isn't there.
     [[nodiscard]] std::optional<std::uint64_t> memoryOf(ProcessId id) const;
 
-    [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>>
-    runningApplications() const override;
+    [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>> runningApplications() override;
     /// The one that came last.
     [[nodiscard]] std::shared_ptr<RunningApplication> frontmostApplication() const override;
     [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {

@@ -75,7 +75,7 @@ TEST_F(CommandLine, SaysThatNothingFollowsARun) {
     EXPECT_EQ(answer.status, 0) << answer.text;
     EXPECT_THAT(answer.text, EndsWith("\nNon faccio altro: «Riavvia» non è ancora disponibile\n"));
     EXPECT_THAT(answer.text, HasSubstr("Finito: 1 app chiusa"));
-    await("the end of the application", [&] { return !application.isRunning(); });
+    EXPECT_FALSE(application.isRunning());
 }
 
 TEST_F(CommandLine, IsRefusedWhatMakesNoSenseNow) {

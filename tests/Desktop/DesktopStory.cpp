@@ -47,10 +47,7 @@ Outcome DesktopStory::run(const std::vector<std::string>& command) {
 }
 
 Outcome DesktopStory::outcomeOf(Child& command) {
-    await("the end of a command, which has printed: " + command.output(), [&] {
-        command.output();
-        return !command.isRunning();
-    });
+    await("the end of a command", [&] { return !command.isRunning(); });
     return {command.status(), command.output()};
 }
 
@@ -74,15 +71,18 @@ Child& DesktopStory::open(const std::vector<std::string>& command) {
     std::vector<std::string> plain{"env", "LC_ALL=C.UTF-8"};
     plain.insert(plain.end(), command.begin(), command.end());
     Child& application = applications_.emplace_back(plain);
-    if (!program)
-        return application;
-    await(command.front() + " among the applications", [&] {
+    if (program)
+        awaitListed(application);
+    return application;
+}
+
+void DesktopStory::awaitListed(const Child& application) {
+    await("an application in the list", [&] {
         const QJsonArray listed = status()["applications"].toArray();
         return std::ranges::any_of(listed, [&](const auto& one) {
             return one.toObject()["process"].toInt() == application.id();
         });
     });
-    return application;
 }
 
 Child& DesktopStory::openRude(std::vector<std::string> manners) {

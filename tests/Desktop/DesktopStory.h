@@ -42,6 +42,8 @@ protected:
 
     /// Starts an application and waits until the program, when it runs, lists it.
     Child& open(const std::vector<std::string>& command);
+    /// Waits until the program lists the application.
+    static void awaitListed(const Child& application);
     /// Opens a window whose manners are the arguments; its name is Rude unless they say otherwise.
     Child& openRude(std::vector<std::string> manners = {});
 

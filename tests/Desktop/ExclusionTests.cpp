@@ -41,13 +41,13 @@ TEST_F(Exclusions, AreNeverAskedUntilTheyAreIncludedAgain) {
     const Outcome first = control({"quit-all"});
     EXPECT_EQ(first.status, 0) << first.text;
     EXPECT_THAT(first.text, HasSubstr("Finito: 1 app chiusa"));
-    await("the end of the other one", [&] { return !other.isRunning(); });
+    EXPECT_FALSE(other.isRunning());
     EXPECT_TRUE(kept.isRunning());
     EXPECT_THAT(kept.output(), Not(HasSubstr("asked")));
 
     EXPECT_EQ(control({"include", "Carta e Penna"}).status, 0);
     EXPECT_EQ(control({"quit-all"}).status, 0);
-    await("the end of the included one", [&] { return !kept.isRunning(); });
+    EXPECT_FALSE(kept.isRunning());
 }
 
 TEST_F(Exclusions, SurviveTheProgram) {

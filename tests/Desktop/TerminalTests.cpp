@@ -28,8 +28,9 @@ TEST_F(Terminal, TheOneThatStartedTheProgramCanBeQuit) {
     });
     EXPECT_THAT(names("applications"), ElementsAre());
     Child& next = openRude();
+    awaitListed(next);
     EXPECT_EQ(control({"quit-all"}).status, 0);
-    await("the end of the next application", [&] { return !next.isRunning(); });
+    EXPECT_FALSE(next.isRunning());
 }
 
 TEST_F(Terminal, WithAJobInTheForegroundIsNotAsked) {

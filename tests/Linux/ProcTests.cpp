@@ -24,6 +24,7 @@ TEST(ProcessStatTest, SurvivesAnyNameThatAProgramMayHave) {
         ASSERT_TRUE(stat) << name;
         EXPECT_EQ(stat->command, name);
         EXPECT_EQ(stat->id, 123);
+        EXPECT_EQ(stat->state, 'S');
         EXPECT_EQ(stat->parent, 7);
         EXPECT_EQ(stat->group, 8);
         EXPECT_EQ(stat->session, 9);

@@ -47,6 +47,15 @@ TEST_F(QtMainLoopTest, KeepsItsTimersGoingWhileACallbackRunsAnEventLoop) {
     EXPECT_EQ(log, "begin inner end ");
 }
 
+TEST_F(QtMainLoopTest, ARepeatingTimerMayRunAnEventLoopLongerThanItsInterval) {
+    int calls = 0;
+    const Handle timer = loop.every(5ms, [&] {
+        if (++calls == 1)
+            waitUntil([&] { return calls >= 4; });
+    });
+    EXPECT_TRUE(waitUntil([&] { return calls >= 8; }));
+}
+
 TEST_F(QtMainLoopTest, DoesWorkElsewhereAndReportsHereUnlessNobodyWaits) {
     QThread* worker = nullptr;
     bool isDone = false;

@@ -51,6 +51,13 @@ protected:
         }
     }
 
+    void stop(ProcessId id) {
+        for (ProcessStat& process : table_) {
+            if (process.id == id)
+                process.state = 'T';
+        }
+    }
+
     bool isAtWork(ProcessId application = 10) const {
         return hasTerminalJob(
             application, table_,
@@ -71,6 +78,17 @@ TEST_F(TerminalJobsTest, AShellAtItsPromptIsNoneWithOrWithoutJobsInTheBackground
     EXPECT_FALSE(isAtWork());
     add(30, 20, inTerminal(30), "sleep");
     EXPECT_FALSE(isAtWork());
+}
+
+TEST_F(TerminalJobsTest, AJobThatWasStoppedIsOneAndSoIsOneThatTheSystemHides) {
+    add(30, 20, inTerminal(30), "vim");
+    stop(30);
+    EXPECT_TRUE(isAtWork());
+    add(11, 1, {.group = 11, .session = 11}, "xterm");
+    add(21, 11, inTerminal(21, 21), "bash");
+    EXPECT_FALSE(isAtWork(11));
+    bringToForeground(31, 21);
+    EXPECT_TRUE(isAtWork(11));
 }
 
 TEST_F(TerminalJobsTest, AJobInTheForegroundIsOneButOurOwnProgramsAreNot) {

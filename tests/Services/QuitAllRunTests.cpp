@@ -53,6 +53,18 @@ TEST_F(QuitAllRun, StubbornOnesAreForcedAndWhatTheSystemProtectsStays) {
     EXPECT_TRUE(is<phases::Waiting>(controller->phase));
 }
 
+TEST_F(QuitAllRun, OneThatWasExcludedWhileItIsStubbornIsNotForced) {
+    desktop.open("Keep").ignoresAsking();
+    desktop.open("Deaf").ignoresAsking();
+    start().quitAll(PowerAction::none);
+    desktop.advance(7s);
+    controller->toggleExclusion(app("Keep"));
+    desktop.startLog();
+    EXPECT_TRUE(controller->forceQuitStubborn().empty());
+    desktop.advance(1s);
+    EXPECT_EQ(desktop.log(), Lines("0.00 force Deaf", "0.00 ended Deaf"));
+}
+
 TEST_F(QuitAllRun, LeavingThemOpenEndsTheRunWithWhatHasGoneSinceTheLastPoll) {
     desktop.open("A", 1).quitsAfter(1s);
     desktop.open("B", 2).quitsAfter(6100ms);

@@ -77,7 +77,7 @@ TEST_F(RemoteControlTest, RefusesWhatCannotBeDoneNowAndUnknownWords) {
     desktop.remote.give("quitAll");
     EXPECT_EQ(desktop.remote.give("quitAll").status, Status::refused);
     desktop.advance(7s);
-    EXPECT_EQ(desktop.remote.give("force").status, Status::refused) << "the system protects it";
+    EXPECT_EQ(json::parse(desktop.remote.give("force").text)["refused"], json::array({"Root"}));
     EXPECT_TRUE(is<phases::Waiting>(controller->phase));
 }
 
@@ -102,10 +102,28 @@ TEST_F(RemoteControlTest, UnderstandsTheNamesThatAPersonWouldUse) {
     EXPECT_EQ(excluded(), json::array({"org.example.one", "org.example.two"}));
 }
 
-TEST_F(RemoteControlTest, IncludesWhatIsNotOpenByItsKey) {
-    desktop.preferences.set("excludedApps", Value::Array{"org.example.closed"});
+TEST_F(RemoteControlTest, TellsAnEndFromALossOfWindows) {
+    desktop.open("Ends");
+    desktop.open("Stays").livesOnWithoutWindows();
     serve();
-    EXPECT_EQ(desktop.remote.give("include", {"org.example.closed"}).status, Status::done);
+    desktop.remote.give("quitAll");
+    desktop.advance(100ms);
+    EXPECT_EQ(told(), "phase windowless closed ");
+}
+
+TEST_F(RemoteControlTest, RefusesASecondRunInTheTurnInWhichAnEmptyOneBegan) {
+    serve();
+    EXPECT_EQ(desktop.remote.give("quitAll", {"restart"}).status, Status::done);
+    EXPECT_EQ(desktop.remote.give("quitAll").status, Status::refused);
+    desktop.loop.settle();
+    EXPECT_EQ(desktop.remote.give("quitAll").status, Status::done);
+}
+
+TEST_F(RemoteControlTest, IncludesWhatIsNotOpenByItsKey) {
+    desktop.preferences.set("excludedApps", Value::Array{"Org.Example.Closed"});
+    desktop.open("org.example.closed");
+    serve();
+    EXPECT_EQ(desktop.remote.give("include", {"Org.Example.Closed"}).status, Status::done);
     desktop.loop.settle();
     EXPECT_EQ(told(), "included ");
     EXPECT_TRUE(controller->excluded->empty());

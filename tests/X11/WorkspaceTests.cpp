@@ -5,6 +5,8 @@
 #include "support/Child.h"
 #include "support/Waiting.h"
 
+#include <QThread>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -18,7 +20,8 @@ namespace {
 /// The applications of a real X server with a real window manager.
 class WorkspaceTest : public testing::Test {
 protected:
-    WorkspaceTest() : toplevels(loop, *X11Connection::open()), workspace(loop, log, toplevels) {
+    WorkspaceTest()
+        : toplevels(loop, log, *X11Connection::open()), workspace(loop, log, toplevels) {
         for (const auto event : {WorkspaceEvent::launched, WorkspaceEvent::terminated,
                                  WorkspaceEvent::activated, WorkspaceEvent::policyChanged})
             watches.push_back(workspace.observe(event, [this, event] { events.push_back(event); }));
@@ -39,7 +42,7 @@ protected:
         return find(id);
     }
 
-    std::shared_ptr<RunningApplication> find(ProcessId id) const {
+    std::shared_ptr<RunningApplication> find(ProcessId id) {
         for (auto& application : workspace.runningApplications()) {
             if (application->processId() == id)
                 return application;
@@ -117,7 +120,8 @@ TEST_F(WorkspaceTest, AsksNeitherADialogNorAWindowThatDoesNotUnderstand) {
 
 TEST_F(WorkspaceTest, LeavesOutPanelsAndTheProgramsOfOtherHosts) {
     start({"--class", "Elsewhere", "--machine", "some-other-host"});
-    start({"--class", "Splash", "--type", "SPLASH"});
+    start({"--class", "Panel", "--type", "DOCK"});
+    start({"--class", "Splash", "--type", "SPLASH", "--type", "NORMAL"});
     const auto dialog = open({"--class", "Question", "--type", "DIALOG"});
     EXPECT_TRUE(dialog->terminate()) << "a dialog of nobody else is a program's own window";
     linger(200);
@@ -182,12 +186,13 @@ TEST_F(WorkspaceTest, BringsAnApplicationToTheFront) {
 }
 
 TEST_F(WorkspaceTest, MissesNobodyWhoCameThisVeryMoment) {
-    const pid_t id = start({}).id();
-    // No event loop runs between here and the listing: the window manager has to have listed the
-    // window, and what the server has announced has to count.
-    const auto other = X11Connection::open();
-    EXPECT_TRUE(waitUntil([&] { return !toplevels.toplevels().empty(); }));
-    EXPECT_TRUE(waitUntil([&] { return find(id) != nullptr; }));
+    // No event loop runs here: what the server knows has to count when somebody asks.
+    Child child({RUDE_CLIENT});
+    for (int tries = 0; tries < 2000 && !find(child.id()); ++tries)
+        QThread::msleep(5);
+    EXPECT_NE(find(child.id()), nullptr);
+    EXPECT_TRUE(events.empty());
+    EXPECT_TRUE(waitUntil([&] { return count(WorkspaceEvent::launched) == 1; }));
 }
 
 TEST_F(WorkspaceTest, NobodySeemsToEndWhenTheWindowManagerDoes) {
@@ -223,6 +228,45 @@ TEST_F(WorkspaceTest, AnApplicationMayOutliveTheWorkspace) {
     EXPECT_FALSE(app->activate());
     EXPECT_TRUE(app->forceTerminate());
     EXPECT_TRUE(waitUntil([&] { return app->isTerminated(); }));
+    linger(100);
+}
+
+TEST_F(WorkspaceTest, NobodySeemsToLoseTheirWindowsWhenAnotherWindowManagerTakesOver) {
+    for (int number = 0; number < 60; ++number)
+        children.push_back(std::make_unique<Child>(std::vector<std::string>{RUDE_CLIENT}));
+    ASSERT_TRUE(waitUntil([&] { return workspace.runningApplications().size() == 60; }));
+    linger(100);
+    events.clear();
+    Child manager({"openbox", "--replace", "--sm-disable"});
+    for (int look = 0; look < 300; ++look) {
+        linger(5);
+        ASSERT_EQ(toplevels.toplevels().size(), 60U);
+    }
+    EXPECT_EQ(count(WorkspaceEvent::policyChanged) + count(WorkspaceEvent::terminated) +
+                  count(WorkspaceEvent::launched),
+              0U);
+}
+
+TEST_F(WorkspaceTest, LooksAgainAtWindowsThatHaveChangedBeforeItAsks) {
+    installEntry("writer", "Name=Writer\n");
+    const auto app = open({"--class", "Start", "--ignore"});
+    Child& child = *children.back();
+    const std::string window =
+        child.output().substr(child.output().rfind(' ') + 1, std::string::npos);
+    Child rename({"xprop", "-id", window.substr(0, window.find('\n')), "-f", "WM_CLASS", "8s",
+                  "-set", "WM_CLASS", "writer"});
+    ASSERT_TRUE(waitUntil([&] { return !rename.isRunning(); }));
+    linger(150);
+    ASSERT_EQ(workspace.runningApplications().size(), 1U);
+    EXPECT_EQ(app->otherIdentities(), std::vector<std::string>{"writer"});
+
+    Child modal({"xprop", "-id", window.substr(0, window.find('\n')), "-f", "_NET_WM_STATE", "32a",
+                 "-set", "_NET_WM_STATE", "_NET_WM_STATE_MODAL"});
+    ASSERT_TRUE(waitUntil([&] { return !modal.isRunning(); }));
+    linger(150);
+    EXPECT_FALSE(app->terminate());
+    linger(100);
+    EXPECT_EQ(timesAsked(child), 0U);
 }
 
 } // namespace

@@ -8,8 +8,8 @@
 
 namespace velmorquit {
 
-/// A process that a test started; it is killed with this object. What it prints is collected; it has
-/// nothing to read.
+/// A process that a test started; it is killed with this object. What it prints is collected; it
+/// has nothing to read.
 class Child {
 public:
     explicit Child(const std::vector<std::string>& command);

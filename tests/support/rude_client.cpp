@@ -6,7 +6,7 @@
 //   --next-class NAME     opens one more window, of that class
 //   --windows N           opens N windows (1)
 //   --machine HOST        says that it runs on that host
-//   --type TYPE           _NET_WM_WINDOW_TYPE_TYPE
+//   --type TYPE           _NET_WM_WINDOW_TYPE_TYPE; several in order of preference
 //   --modal               its last window is a modal dialog of its first one
 //   --ignore              takes no notice of being asked to close
 //   --no-protocol         doesn't understand being asked to close
@@ -32,7 +32,7 @@ struct Manners {
     std::vector<std::string> classes{"Rude"};
     int windows = 1;
     std::string machine;
-    std::string type;
+    std::vector<std::string> types;
     bool isModal = false;
     bool ignores = false;
     bool hasProtocol = true;
@@ -114,9 +114,13 @@ private:
         setNumber(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, static_cast<std::uint32_t>(getpid()));
         if (!manners_.machine.empty())
             setText(window, XCB_ATOM_WM_CLIENT_MACHINE, manners_.machine);
-        if (!manners_.type.empty())
-            setNumber(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
-                      atom("_NET_WM_WINDOW_TYPE_" + manners_.type));
+        std::vector<xcb_atom_t> types;
+        for (const std::string& type : manners_.types)
+            types.push_back(atom("_NET_WM_WINDOW_TYPE_" + type));
+        if (!types.empty())
+            xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window,
+                                atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32,
+                                static_cast<std::uint32_t>(types.size()), types.data());
         if (manners_.hasProtocol)
             setNumber(window, "WM_PROTOCOLS", XCB_ATOM_ATOM, atom("WM_DELETE_WINDOW"));
         windows_.push_back(window);
@@ -171,7 +175,7 @@ int main(int argc, char** argv) {
         else if (option == "--machine")
             manners.machine = value();
         else if (option == "--type")
-            manners.type = value();
+            manners.types.push_back(value());
         else if (option == "--modal")
             manners.isModal = true;
         else if (option == "--ignore")

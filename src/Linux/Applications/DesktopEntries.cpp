@@ -42,6 +42,16 @@ std::optional<Identity> identityOf(GDesktopAppInfo* info) {
 
 } // namespace
 
+DesktopEntries::DesktopEntries() : monitor_(g_app_info_monitor_get()) {
+    const auto changed = +[](bool* isOutdated) { *isOutdated = true; };
+    g_signal_connect_swapped(monitor_, "changed", G_CALLBACK(changed), &isOutdated_);
+}
+
+DesktopEntries::~DesktopEntries() {
+    g_signal_handlers_disconnect_by_data(monitor_, &isOutdated_);
+    g_object_unref(monitor_);
+}
+
 Identity DesktopEntries::identify(const ToplevelIdentity& window, ProcessId process) {
     for (const std::string& id :
          {window.applicationId, window.instance, lowered(window.instance)}) {
@@ -74,15 +84,12 @@ std::optional<Identity> DesktopEntries::entry(const std::string& id) {
 }
 
 std::optional<Identity> DesktopEntries::entryByStartupClass(const ToplevelIdentity& window) {
-    for (const bool isFresh : {false, true}) {
-        // What was installed since the index was made is found by making it anew, once.
-        if (isFresh || !isIndexed_)
-            indexStartupClasses();
-        for (const std::string& name : {window.className, window.instance}) {
-            const auto found = idsByStartupClass_.find(lowered(name));
-            if (!name.empty() && found != idsByStartupClass_.end())
-                return entry(found->second);
-        }
+    if (isOutdated_)
+        indexStartupClasses();
+    for (const std::string& name : {window.className, window.instance}) {
+        const auto found = idsByStartupClass_.find(lowered(name));
+        if (!name.empty() && found != idsByStartupClass_.end())
+            return entry(found->second);
     }
     return std::nullopt;
 }
@@ -98,7 +105,7 @@ std::optional<Identity> DesktopEntries::entryThatLaunched(ProcessId process) {
 }
 
 void DesktopEntries::indexStartupClasses() {
-    isIndexed_ = true;
+    isOutdated_ = false;
     idsByStartupClass_.clear();
     GList* all = g_app_info_get_all();
     for (GList* next = all; next; next = next->next) {

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+using GAppInfoMonitor = struct _GAppInfoMonitor;
+
 namespace velmorquit {
 
 /// What identifies a program.
@@ -21,6 +23,11 @@ struct Identity {
 /// The desktop entries that are installed.
 class DesktopEntries {
 public:
+    DesktopEntries();
+    DesktopEntries(const DesktopEntries&) = delete;
+    DesktopEntries& operator=(const DesktopEntries&) = delete;
+    ~DesktopEntries();
+
     /// The entry that a window of that process means, else a name alone.
     [[nodiscard]] Identity identify(const ToplevelIdentity& window, ProcessId process);
 
@@ -32,7 +39,9 @@ private:
 
     /// From the StartupWMClass that an entry states, in lower case, to that entry's id.
     std::map<std::string, std::string> idsByStartupClass_;
-    bool isIndexed_ = false;
+    /// GLib says when entries are installed or removed.
+    GAppInfoMonitor* monitor_;
+    bool isOutdated_ = true;
 };
 
 } // namespace velmorquit

@@ -29,7 +29,7 @@ std::optional<std::string> LinuxApplication::bundlePath() const {
 
 bool LinuxApplication::terminate() {
     const auto windows = surroundings_.windows.lock();
-    return windows && windows->askToClose(processId());
+    return windows && !isTerminated() && windows->askToClose(processId());
 }
 
 bool LinuxApplication::forceTerminate() {
@@ -38,13 +38,15 @@ bool LinuxApplication::forceTerminate() {
                                 identity_.name + " (processo " + std::to_string(processId()) + ")");
         return false;
     }
-    killing_ = surroundings_.loop.after(killDelay, [this] { process_->send(SIGKILL); });
+    // Asked again, the first deadline stays.
+    if (!killing_.isSet())
+        killing_ = surroundings_.loop.after(killDelay, [this] { process_->send(SIGKILL); });
     return true;
 }
 
 bool LinuxApplication::activate() {
     const auto windows = surroundings_.windows.lock();
-    return windows && windows->bringToFront(processId());
+    return windows && !isTerminated() && windows->bringToFront(processId());
 }
 
 } // namespace velmorquit

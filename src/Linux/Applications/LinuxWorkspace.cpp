@@ -3,6 +3,7 @@
 #include "Linux/Proc/TerminalJobs.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <unistd.h>
 
@@ -73,7 +74,10 @@ LinuxWorkspace::LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& s
 
 LinuxWorkspace::~LinuxWorkspace() = default;
 
-std::vector<std::shared_ptr<RunningApplication>> LinuxWorkspace::runningApplications() const {
+std::vector<std::shared_ptr<RunningApplication>> LinuxWorkspace::runningApplications() {
+    untold_.merge(readToplevels());
+    if (!untold_.empty() && !telling_.isSet())
+        telling_ = loop_.after(Duration::zero(), [this] { tellUntold(); });
     std::vector<std::shared_ptr<RunningApplication>> running;
     for (const Member& member : members_) {
         if (!member.application->isTerminated())
@@ -101,6 +105,12 @@ std::vector<std::string> LinuxWorkspace::defaultExclusions() const {
 
 void LinuxWorkspace::update() {
     for (const WorkspaceEvent event : readToplevels())
+        tell(event);
+}
+
+void LinuxWorkspace::tellUntold() {
+    telling_.reset();
+    for (const WorkspaceEvent event : std::exchange(untold_, {}))
         tell(event);
 }
 
@@ -142,7 +152,10 @@ bool LinuxWorkspace::admit(const Toplevel& toplevel) {
             member->application->addIdentity(entries_.identify(toplevel.identity, id));
         return false;
     }
-    auto process = ProcessHandle::open(id, [this] { removeEndedLater(); });
+    auto process = ProcessHandle::open(id, [this, alive = std::weak_ptr(windows_)] {
+        if (!alive.expired())
+            removeEndedLater();
+    });
     // The window's own process may have ended since it was listed, and its id may be another's now.
     if (!process || !source_.belongsTo(toplevel.window, id))
         return false;

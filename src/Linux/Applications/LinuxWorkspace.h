@@ -21,8 +21,7 @@ public:
     LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source);
     ~LinuxWorkspace() override;
 
-    [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>>
-    runningApplications() const override;
+    [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>> runningApplications() override;
     [[nodiscard]] std::shared_ptr<RunningApplication> frontmostApplication() const override;
     [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {
         return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));
@@ -39,6 +38,7 @@ private:
     };
 
     void update();
+    void tellUntold();
     std::set<WorkspaceEvent> readToplevels();
     bool admit(const Toplevel& toplevel);
     void removeEndedLater();
@@ -57,6 +57,9 @@ private:
     std::array<Subscribers, 4> observers_;
     Handle watching_;
     Handle removing_;
+    /// What was noticed while somebody was asking, to be told when they are done.
+    std::set<WorkspaceEvent> untold_;
+    Handle telling_;
 };
 
 } // namespace velmorquit

@@ -34,11 +34,12 @@ class ToplevelSource {
 public:
     virtual ~ToplevelSource() = default;
 
-    /// The ordinary windows in the order in which they appeared. Read from memory, but for changes
-    /// that were announced and not looked at yet.
+    /// The ordinary windows in the order in which they appeared, as they were a tenth of a second
+    /// ago at the most. One short question to the display server, in which all windows are asked
+    /// about.
     [[nodiscard]] virtual const std::vector<Toplevel>& toplevels() = 0;
 
-    /// The window that the user works with; 0 when it is none of `toplevels`.
+    /// The window that the user worked with last; 0 when there was none.
     [[nodiscard]] virtual std::uint64_t activeWindow() const = 0;
 
     /// Asks a window of `toplevels` to close as its own close button would. Returns at once.

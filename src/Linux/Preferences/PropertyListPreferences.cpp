@@ -340,6 +340,8 @@ void PropertyListPreferences::write() {
 }
 
 std::error_code PropertyListPreferences::replace(const fs::path& file, std::string_view list) {
+    if (list.empty())
+        return std::make_error_code(std::errc::not_enough_memory);
     if (const auto error = makeDirectories(file.parent_path()))
         return error;
     const fs::path fresh = withSuffix(file, ".new");

@@ -26,9 +26,8 @@ namespace velmorquit {
 /// The preferences as a property list, held in memory and written whole with every change.
 ///
 /// Beside the file (where a symbolic link leads, if it is one):
-/// - `<file>~`: an earlier state of it, one that is known to have reached the disk whenever there
-/// was
-///   such a one, so that it survives what the file itself may not: a power cut
+/// - `<file>~`: an earlier state of it, if possible one that is known to have reached the disk: it
+///   survives what the file itself may not, a power cut
 /// - `<file>.damaged-<UTC time>`: what was found in its place and is no property list
 /// - `<file>.new`, `<file>~.new`: left by a process that was killed; never read, written over
 ///

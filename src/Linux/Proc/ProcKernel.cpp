@@ -2,6 +2,7 @@
 
 #include "Linux/Proc/ProcFile.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include <unistd.h>

@@ -2,6 +2,7 @@
 
 #include "Linux/Proc/ProcFile.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <filesystem>
@@ -46,7 +47,8 @@ std::optional<ProcessStat> parseProcessStat(std::string_view line) {
     ProcessStat stat;
     stat.command = line.substr(open + 2, close - open - 2);
     std::string_view rest = line.substr(close + 1);
-    nextWord(rest); // the state
+    const std::string_view state = nextWord(rest);
+    stat.state = state.empty() ? '?' : state.front();
     bool good =
         parseNumber(line.substr(0, open), stat.id) && parseNumber(nextWord(rest), stat.parent) &&
         parseNumber(nextWord(rest), stat.group) && parseNumber(nextWord(rest), stat.session) &&

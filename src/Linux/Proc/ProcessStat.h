@@ -14,6 +14,7 @@ namespace velmorquit {
 struct ProcessStat {
     ProcessId id = 0;
     std::string command; ///< name of the executable, at most 15 bytes, any bytes
+    char state = '?';    ///< 'T' when it was stopped
     ProcessId parent = 0;
     ProcessId group = 0;
     ProcessId session = 0;

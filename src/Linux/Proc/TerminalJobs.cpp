@@ -43,13 +43,25 @@ bool isShellAtItsPrompt(const ProcessStat& process, const ProcessFacts& facts) {
 
 bool isAtWork(const ProcessStat& leader, const std::vector<ProcessStat>& table,
               const ProcessFacts& facts) {
-    return std::ranges::any_of(table, [&](const ProcessStat& process) {
-        if (process.session != leader.session || isOurs(facts.executable(process.id)))
-            return false;
-        if (process.id == leader.id)
-            return !isShellAtItsPrompt(process, facts);
-        return process.group == leader.foreground || facts.ownsWindows(process.id);
-    });
+    // The job in the foreground may be one that the system hides, since it runs as another user.
+    bool isForegroundHidden = leader.foreground > 0;
+    for (const ProcessStat& process : table) {
+        if (process.session != leader.session)
+            continue;
+        if (process.group == leader.foreground)
+            isForegroundHidden = false;
+        if (isOurs(facts.executable(process.id)))
+            continue;
+        if (process.id == leader.id) {
+            if (!isShellAtItsPrompt(process, facts))
+                return true;
+            continue;
+        }
+        const bool isStopped = process.state == 'T' || process.state == 't';
+        if (process.group == leader.foreground || isStopped || facts.ownsWindows(process.id))
+            return true;
+    }
+    return isForegroundHidden;
 }
 
 } // namespace

@@ -16,10 +16,10 @@ struct ProcessFacts {
 };
 
 /// Whether `application` is a terminal (or has one inside) in which something runs that would be
-/// lost if it were closed: a job in the foreground, a command started in place of a shell, a
-/// script, or a program with windows that was started from there and that the shell takes along
-/// when it goes. A shell at its prompt is none, nor is a program of ours, which survives its
-/// terminal.
+/// lost if it were closed: a job in the foreground, one that was stopped, a command started in
+/// place of a shell, a script, or a program with windows that was started from there and that the
+/// shell takes along when it goes. A shell at its prompt is none, nor is a program of ours, which
+/// survives its terminal.
 [[nodiscard]] bool hasTerminalJob(ProcessId application, const std::vector<ProcessStat>& table,
                                   const ProcessFacts& facts);
 

@@ -51,9 +51,16 @@ std::string X11Connection::bytes(xcb_get_property_cookie_t cookie) {
 }
 
 std::vector<std::uint32_t> X11Connection::numbers(xcb_get_property_cookie_t cookie) {
+    return numbersOfWindow(cookie).value_or(std::vector<std::uint32_t>());
+}
+
+std::optional<std::vector<std::uint32_t>>
+X11Connection::numbersOfWindow(xcb_get_property_cookie_t cookie) {
     const auto reply = owned(xcb_get_property_reply(get(), cookie, nullptr));
-    if (!reply || reply->format != 32)
-        return {};
+    if (!reply)
+        return std::nullopt;
+    if (reply->format != 32)
+        return std::vector<std::uint32_t>();
     std::vector<std::uint32_t> values(reply->value_len);
     if (!values.empty())
         std::memcpy(values.data(), xcb_get_property_value(reply.get()), 4 * values.size());

@@ -32,6 +32,10 @@ public:
     [[nodiscard]] std::string bytes(xcb_get_property_cookie_t cookie);
     [[nodiscard]] std::vector<std::uint32_t> numbers(xcb_get_property_cookie_t cookie);
 
+    /// Like `numbers`; none when there is no such window.
+    [[nodiscard]] std::optional<std::vector<std::uint32_t>>
+    numbersOfWindow(xcb_get_property_cookie_t cookie);
+
     [[nodiscard]] std::optional<std::uint32_t> number(xcb_window_t window, const std::string& name);
 
     /// Sends a client message about `window` to `receiver`, which is it itself or the root window.

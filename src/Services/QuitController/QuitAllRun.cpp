@@ -6,7 +6,7 @@
 namespace velmorquit {
 
 void QuitController::quitAll(PowerAction action) {
-    if (isBusy(phase) || unfollowedResult_)
+    if (isRunning())
         return;
     resetTask_.cancel();
     refresh();
@@ -57,7 +57,7 @@ std::vector<std::string> QuitController::forceQuitStubborn() {
     std::vector<std::string> refused;
     const std::vector<OpenApp> forced = stubborn;
     for (const OpenApp& app : forced) {
-        if (!app.app->forceTerminate())
+        if (!isExcluded(app) && !app.app->forceTerminate())
             refused.push_back(app.name);
     }
     return refused;

@@ -34,8 +34,10 @@ void QuitController::chooseAfterQuit(PowerAction action) {
 }
 
 void QuitController::emit(const Event& event) {
-    if (onEvent)
-        onEvent(event);
+    // A copy: the callback may replace itself.
+    const auto hear = onEvent;
+    if (hear)
+        hear(event);
 }
 
 } // namespace velmorquit

@@ -69,8 +69,14 @@ public:
     /// run is in progress.
     void quitAll(PowerAction action);
 
-    /// Makes the stubborn applications end; the run then goes on by itself. Returns the names of
-    /// those that the system protects.
+    /// Whether a run is in progress, what follows it included.
+    [[nodiscard]] bool isRunning() const { return isBusy(phase) || unfollowedResult_; }
+
+    /// The applications that the present run has asked, with their figures of its beginning.
+    [[nodiscard]] const std::vector<OpenApp>& targets() const { return targets_; }
+
+    /// Makes the stubborn applications end, but for those excluded meanwhile; the run then goes on
+    /// by itself. Returns the names of those that the system protects.
     std::vector<std::string> forceQuitStubborn();
 
     /// Ends the run, leaving alone whatever is still open, without anything to follow.

@@ -5,6 +5,8 @@
 #include <QMap>
 #include <QStringList>
 
+#include <algorithm>
+
 namespace velmorquit {
 
 namespace {
@@ -51,14 +53,18 @@ QString phaseText(const QJsonObject& state) {
     return QStringLiteral("Pronta");
 }
 
+bool holds(const QJsonArray& applications, const QJsonObject& wanted) {
+    return std::ranges::any_of(applications, [&](const auto& application) {
+        return application.toObject()["process"] == wanted["process"];
+    });
+}
+
 QString rowText(const QJsonObject& application, const QJsonArray& stubborn) {
     QString remark;
-    if (application["excluded"].toBool())
+    if (holds(stubborn, application))
+        remark = QStringLiteral("ancora aperta");
+    else if (application["excluded"].toBool())
         remark = QStringLiteral("esclusa");
-    for (const auto& other : stubborn) {
-        if (other.toObject()["process"] == application["process"])
-            remark = QStringLiteral("ancora aperta");
-    }
     const QString id = application["id"].toString();
     return QStringLiteral("  %1 %2 %3  %4  %5\n")
         .arg(application["name"].toString(), -22)
@@ -77,14 +83,20 @@ QString labelOf(const QString& then) {
 } // namespace
 
 QString statusText(const QJsonObject& status) {
-    const QJsonArray applications = status["applications"].toArray();
+    const QJsonArray stubborn = status["stubborn"].toArray();
+    QJsonArray applications = status["applications"].toArray();
+    // One that lives on without windows is no open application any more, and yet it is waited for.
+    for (const auto& application : stubborn) {
+        if (!holds(applications, application.toObject()))
+            applications.append(application);
+    }
     QString text = phaseText(status) + ".\n";
     if (applications.isEmpty())
         return text + QStringLiteral("Nessuna app aperta.\n");
     text += applications.size() == 1 ? QStringLiteral("1 app aperta:\n")
                                      : QStringLiteral("%1 app aperte:\n").arg(applications.size());
     for (const auto& application : applications)
-        text += rowText(application.toObject(), status["stubborn"].toArray());
+        text += rowText(application.toObject(), stubborn);
     return text;
 }
 
@@ -93,13 +105,19 @@ QString changeText(const QJsonObject& change) {
     if (kind == "phase")
         return phaseText(change);
     if (kind == "stubborn") {
-        const QString list = names(change["applications"].toArray());
-        return list.isEmpty() ? QString() : QStringLiteral("Ancora aperte: %1").arg(list);
+        const QJsonArray applications = change["applications"].toArray();
+        if (applications.isEmpty())
+            return {};
+        return (applications.size() == 1 ? QStringLiteral("Ancora aperta: %1")
+                                         : QStringLiteral("Ancora aperte: %1"))
+            .arg(names(applications));
     }
     if (kind == "opened")
         return QStringLiteral("Aperta: %1").arg(change["application"]["name"].toString());
     if (kind == "closed")
         return QStringLiteral("Chiusa: %1").arg(change["application"]["name"].toString());
+    if (kind == "windowless")
+        return QStringLiteral("Senza finestre: %1").arg(change["application"]["name"].toString());
     if (kind == "excluded")
         return QStringLiteral("Esclusa: %1").arg(change["key"].toString());
     if (kind == "included")
@@ -114,7 +132,7 @@ QString confirmationQuestion(qsizetype count, const QString& then) {
 QString nothingFollowedText(const QString& then) {
     if (then == "nothing")
         return {};
-    return QStringLiteral("Non faccio altro: «%1» non è ancora disponibile").arg(labelOf(then));
+    return QStringLiteral("Non faccio altro: «%1» non è ancora disponibile\n").arg(labelOf(then));
 }
 
 } // namespace velmorquit

@@ -14,7 +14,7 @@ namespace velmorquit {
 /// The question asked before a run that something follows.
 [[nodiscard]] QString confirmationQuestion(qsizetype count, const QString& then);
 
-/// What was not done of what should have followed; empty for "nothing".
+/// A line on what was not done of what should have followed; empty for "nothing".
 [[nodiscard]] QString nothingFollowedText(const QString& then);
 
 } // namespace velmorquit

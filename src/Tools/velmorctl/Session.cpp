@@ -27,6 +27,12 @@ void print(const QString& text) { QTextStream(stdout) << text << Qt::flush; }
 
 QJsonObject parsed(const QString& json) { return QJsonDocument::fromJson(json.toUtf8()).object(); }
 
+/// The bus says the one or the other, depending on whether it knows how to start the service.
+bool isNobodyThere(const QDBusError& error) {
+    return error.type() == QDBusError::ServiceUnknown ||
+           error.name() == "org.freedesktop.DBus.Error.NameHasNoOwner";
+}
+
 qsizetype countToQuit(const QJsonObject& status) {
     qsizetype count = 0;
     for (const auto& application : status["applications"].toArray())
@@ -42,6 +48,9 @@ Session::Session(CommandLine line) : line_(std::move(line)) {
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
     connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, this,
             [this] { fail(QStringLiteral("Velmor Quit è terminata."), ExitStatus::notRunning); });
+    // Nobody tells of a service any more when the bus itself has gone.
+    bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
+                 this, SLOT(loseBus()));
 }
 
 void Session::start() {
@@ -53,8 +62,6 @@ void Session::start() {
     }
     switch (line_.command) {
     case Command::help:
-        print(usage());
-        end(ExitStatus::success);
         break;
     case Command::status:
         perform("status", {}, [this](const QString& json) {
@@ -96,7 +103,7 @@ void Session::perform(const QString& verb, const QStringList& arguments,
             const QDBusReply<QString> reply = *pending;
             if (reply.isValid())
                 done(reply.value());
-            else if (reply.error().type() == QDBusError::ServiceUnknown)
+            else if (isNobodyThere(reply.error()))
                 fail(QStringLiteral("Velmor Quit non è in esecuzione."), ExitStatus::notRunning);
             else
                 fail(reply.error().message().isEmpty() ? reply.error().name()
@@ -133,6 +140,7 @@ void Session::quitAll() {
         const QJsonArray asked = parsed(json)["asked"].toArray();
         if (asked.isEmpty()) {
             print(QStringLiteral("Non c'è niente da chiudere.\n"));
+            print(nothingFollowedText(line_.then));
             end(ExitStatus::success);
             return;
         }
@@ -164,22 +172,25 @@ void Session::watchRun(const QJsonObject& change) {
     }
     if (change["change"] != "phase" || change["phase"] != "done")
         return;
-    const QString nothingFollowed = nothingFollowedText(line_.then);
-    if (!nothingFollowed.isEmpty())
-        print(nothingFollowed + '\n');
+    print(nothingFollowedText(line_.then));
     end(change["closed"].toInteger() == *asked_ ? ExitStatus::success : ExitStatus::failure);
 }
 
 void Session::report(const QString& verb, const QStringList& arguments) {
     perform(verb, arguments, [this](const QString& json) {
-        const QJsonObject answer = parsed(json);
-        for (const auto& name : answer["refused"].toArray()) {
-            fail(QStringLiteral("il sistema non permette di forzare %1.").arg(name.toString()),
+        QStringList refused;
+        for (const auto& name : parsed(json)["refused"].toArray())
+            refused << name.toString();
+        if (refused.isEmpty())
+            end(ExitStatus::success);
+        else
+            fail(QStringLiteral("il sistema non permette di forzare: %1.").arg(refused.join(", ")),
                  ExitStatus::failure);
-            return;
-        }
-        end(ExitStatus::success);
     });
+}
+
+void Session::loseBus() {
+    fail(QStringLiteral("il bus di sessione è terminato."), ExitStatus::notRunning);
 }
 
 void Session::fail(const QString& why, ExitStatus status) {

@@ -25,6 +25,7 @@ public:
 
 private Q_SLOTS:
     void hear(const QString& change);
+    void loseBus();
 
 private:
     void perform(const QString& verb, const QStringList& arguments,

@@ -19,6 +19,10 @@ int main(int argc, char** argv) {
         QTextStream(stderr) << "velmorctl: " << *wrong << "\n\n" << usage();
         return static_cast<int>(ExitStatus::usage);
     }
+    if (std::get<CommandLine>(line).command == CommandLine::Command::help) {
+        QTextStream(stdout) << usage();
+        return static_cast<int>(ExitStatus::success);
+    }
     Session session(std::get<CommandLine>(line));
     QTimer::singleShot(0, &session, [&session] { session.start(); });
     return QCoreApplication::exec();
