@@ -61,7 +61,7 @@ void DesktopStory::startProgram() {
     program = std::make_unique<Child>(std::vector<std::string>{VELMORQUIT});
     await("an answer of the program", [this] {
         if (!program->isRunning())
-            throw std::runtime_error("the program has ended: " + program->output());
+            throw std::runtime_error("the program has ended");
         return control({"status"}).status == 0;
     });
 }

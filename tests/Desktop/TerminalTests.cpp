@@ -54,8 +54,8 @@ TEST_F(Terminal, WithAJobInTheForegroundIsNotAsked) {
     EXPECT_TRUE(isAlive(job()));
 
     // Nothing is lost any more when the job is over.
-    ::kill(job(), SIGTERM);
     std::filesystem::remove(home() / "shell");
+    ::kill(job(), SIGTERM);
     await("the prompt", [] { return shell() > 0; });
     const Outcome second = control({"quit-all"});
     EXPECT_EQ(second.status, 0) << second.text;

@@ -111,7 +111,9 @@ void DesktopEntries::indexStartupClasses() {
     for (GList* next = all; next; next = next->next) {
         auto* info = G_DESKTOP_APP_INFO(next->data);
         const char* className = g_desktop_app_info_get_startup_wm_class(info);
-        const auto identity = className ? identityOf(info) : std::nullopt;
+        if (!className)
+            continue;
+        const auto identity = identityOf(info);
         if (identity && identity->id)
             idsByStartupClass_.emplace(lowered(className), *identity->id);
     }
