@@ -48,8 +48,8 @@ TEST_F(UnsavedLetter, IsWaitedForUntilItsQuestionIsAnswered) {
     const auto quitAll = beginQuitAll();
     await("the end of the grace period", [&] { return watch.hasHeard("stubborn Mousepad"); });
     EXPECT_GE(*watch.timeOf("stubborn Mousepad") - before, 6s);
-    ASSERT_TRUE(watch.hasHeard("closed L3afpad"));
-    EXPECT_LT(*watch.timeOf("closed L3afpad"), *watch.timeOf("stubborn Mousepad"));
+    ASSERT_TRUE(watch.hasHeard("gone L3afpad"));
+    EXPECT_LT(*watch.timeOf("gone L3afpad"), *watch.timeOf("stubborn Mousepad"));
     EXPECT_THAT(names("stubborn"), ElementsAre("Mousepad"));
     EXPECT_TRUE(editor.isRunning());
 

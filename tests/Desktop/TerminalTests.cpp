@@ -77,7 +77,7 @@ TEST_F(UnsavedLetter, IsNotLostWithTheTerminalThatTheEditorWasStartedFrom) {
     awaitStubborn({"Mousepad", "XTerm"});
     answerWithSave();
     await("the end of the editor",
-          [] { return std::ranges::count(names("applications"), "Mousepad") == 0; });
+          [] { return std::ranges::count(names("stubborn"), "Mousepad") == 0; });
     EXPECT_EQ(control({"leave"}).status, 0);
     const Outcome answer = outcomeOf(*quitAll);
     EXPECT_EQ(answer.status, 1) << answer.text;

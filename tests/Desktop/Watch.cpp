@@ -29,8 +29,10 @@ std::string described(const std::string& line) {
             names << nameOf(application);
         names.sort();
         words << (names.isEmpty() ? QStringLiteral("none") : names.join(", "));
-    } else if (kind == "opened" || kind == "closed") {
+    } else if (kind == "opened") {
         words << nameOf(change["application"]);
+    } else if (kind == "closed" || kind == "windowless") {
+        words = QStringList{"gone", nameOf(change["application"])};
     } else {
         words << change[kind == "event" ? "event" : "key"].toString();
     }
@@ -44,14 +46,11 @@ Watch::Watch() : command_({VELMORCTL, "watch", "--json"}) {
     constexpr int attempts = 20;
     constexpr int milliseconds = 2000;
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        {
-            const Child probe({RUDE_CLIENT, "--class", "Probe"});
-            if (!waitUntil([this] { return hasHeard("opened Probe"); }, milliseconds))
-                continue;
-            forget();
-        }
-        if (waitUntil([this] { return hasHeard("closed Probe"); })) {
-            forget();
+        const Child probe({RUDE_CLIENT, "--class", "Probe"});
+        if (waitUntil([this] { return hasHeard("opened Probe"); }, milliseconds)) {
+            isSure_ = true;
+            changes_.clear();
+            times_.clear();
             return;
         }
     }
@@ -61,7 +60,10 @@ Watch::Watch() : command_({VELMORCTL, "watch", "--json"}) {
 const std::vector<std::string>& Watch::changes() {
     const std::string& output = command_.output();
     for (std::size_t end; (end = output.find('\n', read_)) != std::string::npos; read_ = end + 1) {
-        changes_.push_back(described(output.substr(read_, end - read_)));
+        const std::string change = described(output.substr(read_, end - read_));
+        if (isSure_ && change.ends_with(" Probe"))
+            continue;
+        changes_.push_back(change);
         times_.push_back(Clock::now());
     }
     return changes_;
@@ -72,11 +74,6 @@ std::optional<Watch::Clock::time_point> Watch::timeOf(const std::string& change)
     if (found == changes_.end())
         return std::nullopt;
     return times_[static_cast<std::size_t>(found - changes_.begin())];
-}
-
-void Watch::forget() {
-    changes_.clear();
-    times_.clear();
 }
 
 } // namespace velmorquit

@@ -18,7 +18,8 @@ public:
     Watch();
 
     /// The changes so far, each as a short text: "opened Mousepad", "phase waiting", "phase done
-    /// 2", "stubborn Mousepad, XTerm".
+    /// 2", "stubborn Mousepad, XTerm". Windows vanish before their process ends; which of the two
+    /// is told depends on how soon it does, so that both are "gone Mousepad".
     const std::vector<std::string>& changes();
 
     [[nodiscard]] bool hasHeard(const std::string& change) { return timeOf(change).has_value(); }
@@ -28,9 +29,8 @@ public:
     [[nodiscard]] std::optional<Clock::time_point> timeOf(const std::string& change);
 
 private:
-    void forget();
-
     Child command_;
+    bool isSure_ = false;
     std::size_t read_ = 0;
     std::vector<std::string> changes_;
     std::vector<Clock::time_point> times_;

@@ -1,16 +1,15 @@
 #include "Linux/Preferences/PropertyListPreferences.h"
 
 #include "Codecs/PropertyList.h"
+#include "Linux/Descriptor.h"
+#include "Linux/Preferences/FileWatch.h"
 
-#include <QSocketNotifier>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
-#include <set>
-#include <sys/inotify.h>
 #include <unistd.h>
 #include <utility>
 
@@ -19,22 +18,6 @@ namespace velmorquit {
 namespace fs = std::filesystem;
 
 namespace {
-
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-    Descriptor& operator=(Descriptor&&) = delete;
-    ~Descriptor() {
-        if (number_ >= 0)
-            close(number_);
-    }
-    [[nodiscard]] int get() const { return number_; }
-    explicit operator bool() const { return number_ >= 0; }
-
-private:
-    int number_;
-};
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
@@ -147,51 +130,6 @@ struct PropertyListPreferences::Contents {
     }
 };
 
-/// Tells of what others do to files of certain names.
-class PropertyListPreferences::Watch {
-public:
-    explicit Watch(std::function<void()> told)
-        : descriptor_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
-        if (!descriptor_)
-            return;
-        notifier_ = std::make_unique<QSocketNotifier>(descriptor_.get(), QSocketNotifier::Read);
-        QObject::connect(notifier_.get(), &QSocketNotifier::activated,
-                         [this, told = std::move(told)] {
-                             if (readEvents())
-                                 told();
-                         });
-    }
-
-    /// Watching the directory again is no error; a directory that isn't there is not watched. Not
-    /// told of: a file that was made and is still being written.
-    void add(const fs::path& file) {
-        names_.insert(file.filename());
-        inotify_add_watch(descriptor_.get(), file.parent_path().c_str(),
-                          IN_CLOSE_WRITE | IN_MOVED_TO | IN_MOVED_FROM | IN_DELETE | IN_ATTRIB);
-    }
-
-private:
-    bool readEvents() {
-        bool isConcerned = false;
-        alignas(inotify_event) std::array<char, 4096> events;
-        for (;;) {
-            const ssize_t size = ::read(descriptor_.get(), events.data(), events.size());
-            if (size <= 0)
-                return isConcerned;
-            for (ssize_t at = 0; at < size;) {
-                const auto* event = reinterpret_cast<const inotify_event*>(events.data() + at);
-                isConcerned |= (event->mask & IN_Q_OVERFLOW) != 0 ||
-                               (event->len > 0 && names_.contains(event->name));
-                at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
-            }
-        }
-    }
-
-    Descriptor descriptor_;
-    std::set<std::string, std::less<>> names_;
-    std::unique_ptr<QSocketNotifier> notifier_;
-};
-
 /// A written file on its way to the disk. Shared by the thread that waits for the disk and the main
 /// thread, which looks at it when that is over and may have gone before.
 struct PropertyListPreferences::Sync {
@@ -211,7 +149,7 @@ struct PropertyListPreferences::Sync {
 
 PropertyListPreferences::PropertyListPreferences(MainLoop& loop, SystemLog& log, fs::path file)
     : loop_(loop), log_(log), file_(std::move(file)),
-      watch_(std::make_unique<Watch>([this] { noticeEdit(); })) {
+      watch_(std::make_unique<FileWatch>([this] { noticeEdit(); })) {
     start();
 }
 

@@ -18,6 +18,8 @@
 
 namespace velmorquit {
 
+class FileWatch;
+
 /// Where the user's preferences are: `$XDG_CONFIG_HOME/velmorquit/preferences.plist`, below
 /// `~/.config` when that variable is not set or is no absolute path (without `$HOME`, below
 /// `/.config`).
@@ -72,7 +74,6 @@ public:
     };
 
 private:
-    class Watch;
     struct Contents;
     struct Sync;
 
@@ -95,7 +96,7 @@ private:
     std::filesystem::path file_;
     Value::Dictionary values_;
     Subscribers observers_;
-    std::unique_ptr<Watch> watch_;
+    std::unique_ptr<FileWatch> watch_;
 
     /// What was changed here and is not in the file yet; none for a removed key.
     std::map<std::string, std::optional<Value>, std::less<>> unwritten_;

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <unistd.h>
+#include <utility>
+
+namespace velmorquit {
+
+/// A file descriptor, closed with this object; a negative number stands for none.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : number_(number) {}
+    Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
+    Descriptor& operator=(Descriptor&&) = delete;
+    ~Descriptor() {
+        if (number_ >= 0)
+            close(number_);
+    }
+    [[nodiscard]] int get() const { return number_; }
+    explicit operator bool() const { return number_ >= 0; }
+
+private:
+    int number_;
+};
+
+} // namespace velmorquit
