@@ -1,5 +1,6 @@
 #include "AppDelegate.h"
 #include "Linux/Applications/LinuxWorkspace.h"
+#include "Linux/Autostart/AutostartEntry.h"
 #include "Linux/DBus/BusCommands.h"
 #include "Linux/JournalLog.h"
 #include "Linux/Preferences/PropertyListPreferences.h"
@@ -7,11 +8,15 @@
 #include "Linux/QtMainLoop.h"
 #include "Linux/QtProgram.h"
 #include "Linux/X11/X11Toplevels.h"
+#include "Services/LaunchAtLogin.h"
 
 #include <QApplication>
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <set>
 
 namespace velmorquit {
 namespace {
@@ -26,9 +31,20 @@ void surviveTheTerminal() {
         ::sigaction(signal, &nothing, nullptr);
 }
 
+/// Empty where /proc can't be read.
+std::filesystem::path ownExecutable() {
+    std::error_code unreadable;
+    return std::filesystem::read_symlink("/proc/self/exe", unreadable);
+}
+
 int run(int argc, char** argv) {
-    surviveTheTerminal();
     JournalLog log;
+    AutostartEntry loginItem(AutostartEntry::Folders::fromEnvironment(), ownExecutable());
+    if (const auto line = LaunchAtLogin::runSwitches({argv, argv + argc}, loginItem, log)) {
+        std::cout << *line << '\n';
+        return EXIT_SUCCESS;
+    }
+    surviveTheTerminal();
     // Qt would end the program with a crash when there is no server.
     auto connection = X11Connection::open();
     if (!connection) {
@@ -62,11 +78,17 @@ int run(int argc, char** argv) {
         break;
     }
 
+    ProcKernel kernel;
     QtMainLoop loop;
     PropertyListPreferences preferences(loop, log, defaultPreferencesFile());
     X11Toplevels toplevels(loop, log, std::move(*connection));
     LinuxWorkspace workspace(loop, log, toplevels);
-    ProcKernel kernel;
+    kernel.setWindowOwners([&toplevels] {
+        std::set<ProcessId> owners;
+        for (const Toplevel& toplevel : toplevels.toplevels())
+            owners.insert(toplevel.process);
+        return owners;
+    });
     QtProgram program;
     const AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program});
     return QApplication::exec();

@@ -23,7 +23,7 @@ class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    /// All that run, those without windows too, in the system's own order,  ended ones left out.
+    /// All that run, those without windows too, in the system's own order, ended ones left out.
     [[nodiscard]] virtual std::vector<std::shared_ptr<RunningApplication>>
     runningApplications() = 0;
 

@@ -65,6 +65,8 @@ RemoteAnswer RemoteControl::status() {
     json["applications"] = describeAll(controller_.apps);
     json["stubborn"] = describeAll(controller_.stubborn);
     json["excluded"] = controller_.excluded.get();
+    const MemoryMonitor::SystemMemory& memory = controller_.systemMemory;
+    json["memory"] = {{"used", memory.used}, {"total", memory.total}};
     json["afterQuit"] = rawValue(controller_.afterQuit);
     json["note"] = controller_.resultNote.get() ? Json(*controller_.resultNote.get()) : Json();
     return done(json);

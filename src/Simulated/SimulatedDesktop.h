@@ -39,6 +39,7 @@ public:
     SimulatedWorkspace workspace;
     SimulatedKernel kernel{workspace};
     SimulatedSystemLog systemLog;
+    SimulatedAudioProcesses audio{loop};
     SimulatedRemoteCommands remote;
     SimulatedProgram program;
 

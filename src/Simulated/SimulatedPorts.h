@@ -1,30 +1,68 @@
 #pragma once
 
 #include "Platform/Application.h"
+#include "Platform/AudioProcesses.h"
 #include "Platform/Kernel.h"
+#include "Platform/LoginItem.h"
+#include "Platform/MainLoop.h"
 #include "Platform/RemoteCommands.h"
 #include "Platform/SystemLog.h"
 #include "Simulated/SimulatedWorkspace.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
 namespace velmorquit {
 
-/// Knows of the memory of the simulated applications; this program is process 1.
+/// Knows the simulated applications as processes, and further ones that a test adds; this program
+/// is process 1. What isn't set it fails to know.
 class SimulatedKernel final : public Kernel {
 public:
     explicit SimulatedKernel(const SimulatedWorkspace& workspace) : workspace_(workspace) {}
-    [[nodiscard]] ProcessId ownProcessId() const override { return 1; }
-    [[nodiscard]] std::optional<std::uint64_t> footprint(ProcessId id) const override {
-        return isBlind ? std::nullopt : workspace_.memoryOf(id);
+
+    /// Adds a process without windows.
+    void add(ProcessEntry process, std::uint64_t memory) {
+        table_.push_back(process);
+        memory_[process.id] = memory;
     }
 
-    /// Whether it fails to know anything.
+    [[nodiscard]] ProcessId ownProcessId() const override { return 1; }
+    [[nodiscard]] std::uint64_t totalMemory() const override { return total; }
+    [[nodiscard]] std::optional<MemoryPages> memoryPages() const override { return pages; }
+    [[nodiscard]] std::vector<ProcessEntry> processTable() const override {
+        return isBlind ? std::vector<ProcessEntry>() : table_;
+    }
+    [[nodiscard]] std::optional<std::uint64_t> footprint(ProcessId id) const override;
+    [[nodiscard]] ProcessId responsibleProcess(ProcessId id) const override;
+    [[nodiscard]] std::optional<std::string> machineModel() const override { return model; }
+    [[nodiscard]] std::string processorBrand() const override { return brand; }
+
+    /// Whether it fails to know anything of processes.
     bool isBlind = false;
+    std::uint64_t total = 0;
+    std::optional<MemoryPages> pages;
+    std::optional<std::string> model;
+    std::string brand;
 
 private:
     const SimulatedWorkspace& workspace_;
+    std::vector<ProcessEntry> table_;
+    std::map<ProcessId, std::uint64_t> memory_;
+};
+
+/// A sound server whose users a test sets.
+class SimulatedAudioProcesses final : public AudioProcesses {
+public:
+    explicit SimulatedAudioProcesses(MainLoop& loop) : loop_(loop) {}
+    void busyProcesses(std::function<void(const std::vector<ProcessId>&)> told) override {
+        loop_.post([this, told = std::move(told)] { told(busy); });
+    }
+
+    std::vector<ProcessId> busy;
+
+private:
+    MainLoop& loop_;
 };
 
 class SimulatedSystemLog final : public SystemLog {
@@ -51,6 +89,24 @@ public:
 
 private:
     std::function<RemoteAnswer(const RemoteCommand&)> handler_;
+};
+
+/// A list of which a test says how it fails.
+class SimulatedLoginItem final : public LoginItem {
+public:
+    std::optional<std::string> add() override { return change(LoginItemStatus::enabled); }
+    std::optional<std::string> remove() override { return change(LoginItemStatus::notRegistered); }
+    [[nodiscard]] LoginItemStatus status() const override { return state; }
+
+    std::optional<std::string> failure;
+    LoginItemStatus state = LoginItemStatus::notRegistered;
+
+private:
+    std::optional<std::string> change(LoginItemStatus wanted) {
+        if (!failure)
+            state = wanted;
+        return failure;
+    }
 };
 
 class SimulatedProgram final : public Application {

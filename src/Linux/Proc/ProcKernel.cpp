@@ -1,35 +1,206 @@
 #include "Linux/Proc/ProcKernel.h"
 
-#include "Linux/Proc/ProcFile.h"
+#include "Linux/Proc/ProcessStat.h"
+#include "Linux/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
-
+#include <fstream>
+#include <map>
 #include <unistd.h>
+#include <unordered_map>
 
 namespace velmorquit {
 
+namespace {
+
+/// The number after `field` at the beginning of a line; none without such a line.
+std::optional<std::uint64_t> numberAt(std::string_view text, std::string_view field) {
+    for (auto at = text.find(field); at != std::string_view::npos; at = text.find(field, at + 1)) {
+        if (at != 0 && text[at - 1] != '\n')
+            continue;
+        std::string_view rest = text.substr(at + field.size());
+        rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
+        std::uint64_t number = 0;
+        const auto result = std::from_chars(rest.data(), rest.data() + rest.size(), number);
+        return result.ec == std::errc{} ? std::optional(number) : std::nullopt;
+    }
+    return std::nullopt;
+}
+
+/// Sum of the fields that are there, in bytes; none when there is none of them.
+template <std::size_t count>
+std::optional<std::uint64_t> sumOfKibibytes(std::string_view text,
+                                            const std::array<std::string_view, count>& fields) {
+    std::optional<std::uint64_t> bytes;
+    for (const std::string_view field : fields) {
+        if (const auto kibibytes = numberAt(text, field))
+            bytes = bytes.value_or(0) + *kibibytes * 1024;
+    }
+    return bytes;
+}
+
+/// The text after "FIELD<blanks>: " on the first line that begins so.
+std::string textAt(std::string_view text, std::string_view field) {
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        const std::string_view line = text.substr(begin, end - begin);
+        const std::size_t colon = line.find(": ");
+        if (line.starts_with(field) && colon != std::string_view::npos)
+            return std::string(line.substr(colon + 2));
+        begin = end + 1;
+    }
+    return {};
+}
+
+/// What makers leave in place of a name.
+bool isPlaceholder(std::string_view name) {
+    static constexpr std::array<std::string_view, 7> placeholders{"",
+                                                                  "To Be Filled By O.E.M.",
+                                                                  "System Product Name",
+                                                                  "System manufacturer",
+                                                                  "Default string",
+                                                                  "Not Specified",
+                                                                  "Not Applicable"};
+    return std::ranges::find(placeholders, name) != placeholders.end();
+}
+
+} // namespace
+
+ProcKernel::ProcKernel(const std::string& proc, std::string sys)
+    : proc_(proc), sys_(std::move(sys)) {}
+
 ProcessId ProcKernel::ownProcessId() const { return ::getpid(); }
 
+std::uint64_t ProcKernel::totalMemory() const {
+    return numberAt(proc_.read("meminfo"), "MemTotal:").value_or(0) * 1024;
+}
+
+std::optional<MemoryPages> ProcKernel::memoryPages() const {
+    const std::string info = proc_.read("meminfo");
+    const auto internal = sumOfKibibytes<2>(info, {"AnonPages:", "Shmem:"});
+    if (!internal)
+        return std::nullopt;
+    constexpr std::array<std::string_view, 6> kernelOnly{
+        "SUnreclaim:", "KernelStack:", "PageTables:", "SecPageTables:", "Percpu:", "Hugetlb:"};
+    // Compressed pages are held by zswap or by a compressed disk in memory, whose pages count so
+    // too.
+    const std::uint64_t zswap = numberAt(info, "Zswap:").value_or(0) * 1024;
+    const std::uint64_t zspages = numberAt(proc_.read("vmstat"), "nr_zspages ").value_or(0) *
+                                  static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+    return MemoryPages{.pageSize = 1,
+                       .internal = *internal,
+                       .purgeable = 0,
+                       .wired = sumOfKibibytes(info, kernelOnly).value_or(0),
+                       .compressor = std::max(zswap, zspages)};
+}
+
+std::vector<ProcessEntry> ProcKernel::processTable() const {
+    struct Main {
+        ProcessId id;
+        bool ownsWindows;
+        std::uint64_t startTime;
+    };
+    std::vector<ProcessEntry> table;
+    std::unordered_map<std::string, Main> mains;
+    std::vector<std::pair<std::size_t, const Main*>> members;
+    const std::set<ProcessId> windowOwners = windowOwners_();
+    std::string text;
+    for (const ProcessId id : proc_.processes()) {
+        proc_.read(id, "stat", text);
+        const auto stat = parseProcessStat(text);
+        if (!stat)
+            continue;
+        proc_.read(id, "cgroup", text);
+        const std::string_view unit = applicationUnit(text);
+        table.push_back({.id = id, .parent = stat->parent, .responsible = 0});
+        if (unit.empty())
+            continue;
+        const Main candidate{id, windowOwners.contains(id), stat->startTime};
+        const auto [main, isFirst] = mains.try_emplace(std::string(unit), candidate);
+        const auto rank = [](const Main& one) {
+            return std::pair(!one.ownsWindows, one.startTime);
+        };
+        if (!isFirst && rank(candidate) < rank(main->second))
+            main->second = candidate;
+        members.emplace_back(table.size() - 1, &main->second);
+    }
+    for (const auto& [index, main] : members) {
+        if (main->id != table[index].id)
+            table[index].responsible = main->id;
+    }
+    return table;
+}
+
 std::optional<std::uint64_t> ProcKernel::footprint(ProcessId id) const {
-    return footprintFromStatus(readProcFile(id, "status"));
+    return footprintFromStatus(proc_.read(id, "status"));
 }
 
 std::optional<std::uint64_t> footprintFromStatus(std::string_view status) {
-    std::optional<std::uint64_t> bytes;
-    for (const std::string_view field : {"\nRssAnon:", "\nRssShmem:", "\nVmSwap:"}) {
-        const std::size_t found = status.find(field);
-        if (found == std::string_view::npos)
-            continue;
-        std::string_view rest = status.substr(found + field.size());
-        rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
-        std::uint64_t kibibytes = 0;
-        const auto [end, error] =
-            std::from_chars(rest.data(), rest.data() + rest.size(), kibibytes);
-        if (error == std::errc{})
-            bytes = bytes.value_or(0) + kibibytes * 1024;
+    return sumOfKibibytes<3>(status, {"RssAnon:", "RssShmem:", "VmSwap:"});
+}
+
+ProcessId ProcKernel::responsibleProcess(ProcessId id) const {
+    const std::set<ProcessId> windowOwners = windowOwners_();
+    std::map<ProcessId, ProcessEntry> byId;
+    for (const ProcessEntry& process : processTable())
+        byId.emplace(process.id, process);
+    const auto own = byId.find(id);
+    if (own == byId.end() || windowOwners.contains(id))
+        return id;
+    if (own->second.responsible != 0)
+        return own->second.responsible;
+    // As many steps as there are processes: a table read while processes change may hold a circle.
+    auto next = own;
+    for (std::size_t steps = 0; steps < byId.size() && next != byId.end(); ++steps) {
+        if (windowOwners.contains(next->first))
+            return next->first;
+        next = byId.find(next->second.parent);
     }
-    return bytes;
+    return id;
+}
+
+std::string_view applicationUnit(std::string_view cgroup) {
+    const std::size_t line = cgroup.starts_with("0::") ? 0 : cgroup.find("\n0::");
+    if (line == std::string_view::npos)
+        return {};
+    const std::size_t begin = cgroup.find("::", line) + 2;
+    const std::string_view path = cgroup.substr(begin, cgroup.find('\n', begin) - begin);
+    for (std::size_t at = 0; at < path.size();) {
+        const std::size_t end = std::min(path.find('/', at + 1), path.size());
+        const std::string_view part = path.substr(at, end - at);
+        if (part.starts_with("/app-") && (part.ends_with(".scope") || part.ends_with(".service")))
+            return path.substr(0, end);
+        at = end;
+    }
+    return {};
+}
+
+std::optional<std::string> ProcKernel::machineModel() const {
+    std::string model = sysLine("class/dmi/id/product_name");
+    if (isPlaceholder(model))
+        model = sysLine("firmware/devicetree/base/model");
+    if (isPlaceholder(model))
+        return std::nullopt;
+    const std::string vendor = sysLine("class/dmi/id/sys_vendor");
+    const std::string firstWord = vendor.substr(0, vendor.find(' '));
+    const bool saysMore = !isPlaceholder(vendor) && model.find(firstWord) == std::string::npos;
+    return utf8(saysMore ? vendor + ' ' + model : model);
+}
+
+std::string ProcKernel::processorBrand() const {
+    const std::string info = proc_.read("cpuinfo");
+    const std::string brand = textAt(info, "model name");
+    return brand.empty() ? textAt(info, "Hardware") : brand;
+}
+
+std::string ProcKernel::sysLine(const char* name) const {
+    std::string line;
+    std::getline(std::ifstream(sys_ + '/' + name), line);
+    line.erase(std::min(line.find('\0'), line.size()));
+    line.erase(line.find_last_not_of(" \t") + 1);
+    return line;
 }
 
 } // namespace velmorquit

@@ -1,21 +1,52 @@
 #pragma once
 
+#include "Linux/Proc/ProcDirectory.h"
 #include "Platform/Kernel.h"
 
-#include <optional>
+#include <functional>
+#include <set>
+#include <string>
 #include <string_view>
 
 namespace velmorquit {
 
-/// The kernel as /proc shows it.
+/// The kernel as /proc and /sys show it.
 class ProcKernel final : public Kernel {
 public:
+    explicit ProcKernel(const std::string& proc = "/proc", std::string sys = "/sys");
+
+    /// Says which processes own windows: of the processes of one unit, such a one is the
+    /// application. Asked once per question about processes, on the thread of whoever puts it.
+    void setWindowOwners(std::function<std::set<ProcessId>()> owners) {
+        windowOwners_ = std::move(owners);
+    }
+
     [[nodiscard]] ProcessId ownProcessId() const override;
+    [[nodiscard]] std::uint64_t totalMemory() const override;
+    /// In pages of one byte: what the kernel states are figures in kibibytes.
+    [[nodiscard]] std::optional<MemoryPages> memoryPages() const override;
+    [[nodiscard]] std::vector<ProcessEntry> processTable() const override;
     [[nodiscard]] std::optional<std::uint64_t> footprint(ProcessId id) const override;
+    /// The application of the same unit, else the nearest process that owns windows among those
+    /// that it descends from.
+    [[nodiscard]] ProcessId responsibleProcess(ProcessId id) const override;
+    [[nodiscard]] std::optional<std::string> machineModel() const override;
+    [[nodiscard]] std::string processorBrand() const override;
+
+private:
+    [[nodiscard]] std::string sysLine(const char* name) const;
+
+    ProcDirectory proc_;
+    std::string sys_;
+    std::function<std::set<ProcessId>()> windowOwners_ = [] { return std::set<ProcessId>(); };
 };
 
 /// Anonymous, shared and swapped-out memory in bytes, from what `/proc/PID/status` holds: what
 /// nobody else maps from a file. None without these lines, as for a kernel thread.
 [[nodiscard]] std::optional<std::uint64_t> footprintFromStatus(std::string_view status);
+
+/// The unit of one application that a process is in, from what `/proc/PID/cgroup` holds: the path
+/// of the control group of an `app-….scope` or `app-….service`; empty when it is in none.
+[[nodiscard]] std::string_view applicationUnit(std::string_view cgroup);
 
 } // namespace velmorquit

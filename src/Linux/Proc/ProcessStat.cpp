@@ -1,13 +1,7 @@
 #include "Linux/Proc/ProcessStat.h"
 
-#include "Linux/Proc/ProcFile.h"
-
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <filesystem>
-
-#include <unistd.h>
 
 namespace velmorquit {
 
@@ -61,39 +55,31 @@ std::optional<ProcessStat> parseProcessStat(std::string_view line) {
 }
 
 std::optional<ProcessStat> readProcessStat(ProcessId id) {
-    return parseProcessStat(readProcFile(id, "stat"));
+    return parseProcessStat(ProcDirectory().read(id, "stat"));
 }
 
-std::vector<ProcessStat> readProcessTable() {
+std::vector<ProcessStat> readProcessTable(const ProcDirectory& proc) {
     std::vector<ProcessStat> table;
-    std::error_code error;
-    for (auto entry = std::filesystem::directory_iterator("/proc", error);
-         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        ProcessId id = 0;
-        if (!parseNumber(std::string_view(entry->path().filename().native()), id))
-            continue;
-        if (auto stat = readProcessStat(id))
+    std::string line;
+    for (const ProcessId id : proc.processes()) {
+        proc.read(id, "stat", line);
+        if (auto stat = parseProcessStat(line))
             table.push_back(std::move(*stat));
     }
     return table;
 }
 
 std::string executableName(ProcessId id) {
-    std::array<char, 4096> target;
-    const std::string link = "/proc/" + std::to_string(id) + "/exe";
-    const ssize_t length = ::readlink(link.c_str(), target.data(), target.size());
-    if (length <= 0)
-        return {};
-    const std::string_view path(target.data(), static_cast<std::size_t>(length));
-    return std::string(path.substr(path.rfind('/') + 1));
+    const std::string path = ProcDirectory().link(id, "exe");
+    return path.substr(path.rfind('/') + 1);
 }
 
 std::vector<std::string> processArguments(ProcessId id) {
-    return splitAtNul(readProcFile(id, "cmdline"));
+    return splitAtNul(ProcDirectory().read(id, "cmdline"));
 }
 
 std::optional<std::string> processEnvironment(ProcessId id, std::string_view name) {
-    for (const std::string& entry : splitAtNul(readProcFile(id, "environ"))) {
+    for (const std::string& entry : splitAtNul(ProcDirectory().read(id, "environ"))) {
         if (entry.size() > name.size() && entry.starts_with(name) && entry[name.size()] == '=')
             return entry.substr(name.size() + 1);
     }

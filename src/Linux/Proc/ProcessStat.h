@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/RunningApplication.h"
+#include "Linux/Proc/ProcDirectory.h"
 
 #include <cstdint>
 #include <optional>
@@ -30,7 +30,8 @@ struct ProcessStat {
 [[nodiscard]] std::optional<ProcessStat> readProcessStat(ProcessId id);
 
 /// Looks at all processes; those that vanish meanwhile are left out.
-[[nodiscard]] std::vector<ProcessStat> readProcessTable();
+[[nodiscard]] std::vector<ProcessStat>
+readProcessTable(const ProcDirectory& proc = ProcDirectory());
 
 /// File name, without folders, of what the process executes; empty when it can't be known.
 [[nodiscard]] std::string executableName(ProcessId id);

@@ -1,11 +1,13 @@
 #include "Services/QuitController/QuitController.h"
 
+#include "Platform/Kernel.h"
 #include "Platform/Preferences.h"
 
 namespace velmorquit {
 
 QuitController::QuitController(const Desktop& desktop)
-    : apps(desktop.loop), phase(desktop.loop), stubborn(desktop.loop), excluded(desktop.loop),
+    : apps(desktop.loop), phase(desktop.loop), stubborn(desktop.loop),
+      systemMemory(desktop.loop, MemoryMonitor::system(desktop.kernel)), excluded(desktop.loop),
       afterQuit(desktop.loop), resultNote(desktop.loop), desktop_(desktop) {
     loadPreferences();
     observeWorkspace();

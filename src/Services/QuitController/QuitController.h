@@ -4,6 +4,7 @@
 #include "Platform/Published.h"
 #include "Platform/Task.h"
 #include "Platform/Workspace.h"
+#include "Services/MemoryMonitor.h"
 #include "Services/PowerAction.h"
 #include "Services/QuitController/Event.h"
 #include "Services/QuitController/OpenApp.h"
@@ -34,6 +35,7 @@ public:
     Published<Phase> phase;
     /// Those still open after the grace period of the present run.
     Published<std::vector<OpenApp>> stubborn;
+    Published<MemoryMonitor::SystemMemory> systemMemory;
     /// Exclusion keys of the applications that a run leaves alone.
     Published<std::set<std::string>> excluded;
     Published<PowerAction> afterQuit;

@@ -1,6 +1,5 @@
 #include "Platform/Kernel.h"
 #include "Platform/Preferences.h"
-#include "Services/MemoryMonitor.h"
 #include "Services/QuitController/QuitController.h"
 
 #include <algorithm>
@@ -29,12 +28,12 @@ void QuitController::refresh() {
     std::vector<OpenApp> listed;
     listed.reserve(running.size());
     for (auto& application : running) {
-        const auto figure = footprints.find(application->processId());
-        listed.emplace_back(std::move(application),
-                            figure == footprints.end() ? 0 : figure->second);
+        const std::uint64_t footprint = footprints.at(application->processId());
+        listed.emplace_back(std::move(application), footprint);
     }
     std::ranges::stable_sort(listed, std::greater{}, &OpenApp::memory);
     apps = std::move(listed);
+    systemMemory = MemoryMonitor::system(desktop_.kernel);
 }
 
 void QuitController::startLiveUpdates() {

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "Platform/LoginItem.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace velmorquit {
+
+/// The program's entry in the session's autostart folders.
+class AutostartEntry final : public LoginItem {
+public:
+    /// The user's own folder, and the system's, which count where the user has no entry.
+    struct Folders {
+        std::filesystem::path own;
+        std::vector<std::filesystem::path> system;
+
+        /// As `$XDG_CONFIG_HOME` and `$XDG_CONFIG_DIRS` say.
+        static Folders fromEnvironment();
+    };
+
+    /// `program` is the absolute path of what is to be started.
+    AutostartEntry(Folders folders, std::filesystem::path program);
+
+    std::optional<std::string> add() override;
+    /// Hides an entry of the system's folders by one of the user's own.
+    std::optional<std::string> remove() override;
+    /// Never `requiresApproval`: a session asks nobody.
+    [[nodiscard]] LoginItemStatus status() const override;
+
+private:
+    [[nodiscard]] std::filesystem::path ownFile() const;
+    [[nodiscard]] std::optional<std::filesystem::path> systemFile() const;
+    [[nodiscard]] std::optional<std::string> write(const std::string& lines) const;
+
+    Folders folders_;
+    std::filesystem::path program_;
+};
+
+} // namespace velmorquit

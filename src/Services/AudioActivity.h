@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Platform/AudioProcesses.h"
+#include "Platform/Kernel.h"
+
+#include <set>
+
+namespace velmorquit::AudioActivity {
+
+/// Calls `told` later, on the main loop, with the processes of the applications that play or
+/// record. Both ports outlive the call.
+void busyApps(AudioProcesses& audio, const Kernel& kernel,
+              std::function<void(const std::set<ProcessId>&)> told);
+
+} // namespace velmorquit::AudioActivity

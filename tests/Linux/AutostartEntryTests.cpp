@@ -1,0 +1,95 @@
+#include "Linux/Autostart/AutostartEntry.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace velmorquit {
+namespace {
+
+namespace fs = std::filesystem;
+
+class AutostartEntryTest : public testing::Test {
+protected:
+    AutostartEntryTest() {
+        std::string name = (fs::temp_directory_path() / "velmor-autostart.XXXXXX").string();
+        root_ = ::mkdtemp(name.data());
+        program = root_ / "a \"b\" $c \\ 100%";
+        std::ofstream(program) << "#!/bin/sh\n";
+        fs::permissions(program, fs::perms::owner_all);
+        fs::create_directories(root_ / "system");
+    }
+    ~AutostartEntryTest() override { fs::remove_all(root_); }
+
+    AutostartEntry entry() {
+        return {{root_ / "own", {root_ / "none", root_ / "system"}}, program};
+    }
+
+    static void write(const fs::path& file, const std::string& lines) {
+        fs::create_directories(file.parent_path());
+        std::ofstream(file) << "[Desktop Entry]\nType=Application\nName=x\n" << lines;
+    }
+
+    [[nodiscard]] fs::path own() const { return root_ / "own" / fileName; }
+    [[nodiscard]] fs::path system() const { return root_ / "system" / fileName; }
+
+    fs::path program;
+
+private:
+    static constexpr const char* fileName = "org.velmorquit.VelmorQuit.desktop";
+    fs::path root_;
+};
+
+TEST_F(AutostartEntryTest, IsWrittenAndDeletedWhateverThePathHolds) {
+    EXPECT_EQ(entry().status(), LoginItemStatus::notRegistered);
+    EXPECT_FALSE(entry().remove());
+    EXPECT_FALSE(entry().add());
+    EXPECT_EQ(entry().status(), LoginItemStatus::enabled);
+    EXPECT_FALSE(fs::exists(own().string() + ".new"));
+    fs::remove(program);
+    EXPECT_EQ(entry().status(), LoginItemStatus::notFound);
+    EXPECT_FALSE(entry().remove());
+    EXPECT_FALSE(fs::exists(own()));
+    EXPECT_EQ(entry().status(), LoginItemStatus::notRegistered);
+}
+
+TEST_F(AutostartEntryTest, HidesTheSystemsEntryByOneOfTheUsersOwn) {
+    write(system(), "Exec=true\n");
+    EXPECT_EQ(entry().status(), LoginItemStatus::enabled);
+    EXPECT_FALSE(entry().remove());
+    EXPECT_TRUE(fs::exists(own()));
+    EXPECT_EQ(entry().status(), LoginItemStatus::notRegistered);
+    EXPECT_FALSE(entry().add());
+    EXPECT_EQ(entry().status(), LoginItemStatus::enabled);
+}
+
+TEST_F(AutostartEntryTest, ReadsWhatOthersHaveWritten) {
+    const std::pair<const char*, LoginItemStatus> entries[] = {
+        {"Exec=true\n", LoginItemStatus::enabled},
+        {"Exec=true\nHidden=true\n", LoginItemStatus::notRegistered},
+        {"Exec=true\nX-GNOME-Autostart-enabled=false\n", LoginItemStatus::notRegistered},
+        {"Exec=true\nX-GNOME-Autostart-enabled=true\n", LoginItemStatus::enabled},
+        {"Exec=true\nTryExec=/nonexistent/x\n", LoginItemStatus::notFound},
+        {"Exec=/nonexistent/x\n", LoginItemStatus::notFound},
+        {"Exec=\"unfinished\n", LoginItemStatus::notFound},
+        {"", LoginItemStatus::notFound},
+    };
+    for (const auto& [lines, status] : entries) {
+        write(own(), lines);
+        EXPECT_EQ(entry().status(), status) << lines;
+    }
+    std::ofstream(own(), std::ios::trunc) << "\x01 not an entry";
+    EXPECT_EQ(entry().status(), LoginItemStatus::unknown);
+}
+
+TEST_F(AutostartEntryTest, SaysWhyItCouldNotBeWritten) {
+    fs::create_directories(own().parent_path().parent_path());
+    std::ofstream(own().parent_path()) << "a file in the folder's place";
+    EXPECT_TRUE(entry().add());
+    EXPECT_EQ(entry().status(), LoginItemStatus::notRegistered);
+}
+
+} // namespace
+} // namespace velmorquit

@@ -1,0 +1,157 @@
+#include "Linux/Proc/ProcKernel.h"
+#include "Linux/Pulse/PulseAudioProcesses.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+
+namespace velmorquit {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// A made-up /proc and /sys.
+class ProcTreeTest : public testing::Test {
+protected:
+    ProcTreeTest() {
+        std::string name = (fs::temp_directory_path() / "velmor-proc.XXXXXX").string();
+        root_ = ::mkdtemp(name.data());
+    }
+    ~ProcTreeTest() override { fs::remove_all(root_); }
+
+    void write(const std::string& file, const std::string& content) {
+        fs::create_directories((root_ / file).parent_path());
+        std::ofstream(root_ / file) << content;
+    }
+
+    void addProcess(ProcessId id, ProcessId parent, int startTime, const std::string& unit = "",
+                    const std::string& name = "name") {
+        const std::string folder = "proc/" + std::to_string(id) + '/';
+        write(folder + "stat", std::to_string(id) + " (" + name + ") S " + std::to_string(parent) +
+                                   " 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 " +
+                                   std::to_string(startTime) + " 0 0\n");
+        write(folder + "cgroup", "1:cpu:/x\n0::/user.slice/user-0.slice" + unit + "\n");
+    }
+
+    void addExecutable(ProcessId id, const std::string& path, const std::string& innerIds) {
+        const std::string folder = "proc/" + std::to_string(id) + '/';
+        write(folder + "status", "Name:\tx\nNSpid:\t" + innerIds + "\nThreads:\t1\n");
+        fs::create_symlink(path, root_ / (folder + "exe"));
+    }
+
+    [[nodiscard]] std::string proc() const { return root_ / "proc"; }
+    [[nodiscard]] ProcKernel kernel() const { return ProcKernel(proc(), root_ / "sys"); }
+
+    static std::map<ProcessId, ProcessId> responsible(const ProcKernel& kernel) {
+        std::map<ProcessId, ProcessId> answers;
+        for (const ProcessEntry& process : kernel.processTable())
+            answers[process.id] = process.responsible;
+        return answers;
+    }
+
+private:
+    fs::path root_;
+};
+
+TEST_F(ProcTreeTest, AllProcessesOfAUnitAnswerToTheApplicationInIt) {
+    const std::string app = "/app.slice/app-gnome-note-10.scope";
+    addProcess(10, 1, 500, app);
+    addProcess(11, 10, 510, app + "/tab");
+    addProcess(12, 1, 520, app);
+    addProcess(20, 1, 400, "/app.slice/dbus.service");
+    addProcess(30, 1, 300, "/session-2.scope", "a) S 7 (b");
+    using Answers = std::map<ProcessId, ProcessId>;
+    ProcKernel kernel(proc());
+    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 10}, {12, 10}, {20, 0}, {30, 0}}));
+    // A script that started the program is older, and yet not what the user sees.
+    kernel.setWindowOwners([] { return std::set<ProcessId>{12}; });
+    EXPECT_EQ(responsible(kernel), (Answers{{10, 12}, {11, 12}, {12, 0}, {20, 0}, {30, 0}}));
+    EXPECT_EQ(kernel.responsibleProcess(11), 12);
+    EXPECT_EQ(kernel.responsibleProcess(12), 12);
+    EXPECT_EQ(kernel.responsibleProcess(99), 99);
+}
+
+TEST_F(ProcTreeTest, WithoutUnitsAHelperAnswersToTheNearestProcessWithWindows) {
+    addProcess(10, 1, 1);
+    addProcess(11, 10, 2);
+    addProcess(12, 11, 3);
+    addProcess(40, 41, 4);
+    addProcess(41, 40, 5);
+    ProcKernel kernel(proc());
+    EXPECT_EQ(kernel.responsibleProcess(12), 12);
+    kernel.setWindowOwners([] { return std::set<ProcessId>{10}; });
+    EXPECT_EQ(kernel.responsibleProcess(12), 10);
+    EXPECT_EQ(kernel.responsibleProcess(40), 40) << "a circle has an end";
+}
+
+TEST_F(ProcTreeTest, WhatIsDamagedOrHiddenIsLeftOut) {
+    addProcess(10, 1, 1);
+    write("proc/11/stat", "11 (x) S");
+    write("proc/12/stat", "");
+    fs::create_directories(fs::path(proc()) / "13");
+    write("proc/self/stat", "14 (x) S 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 1 0");
+    write("proc/15x/stat", "15 (x) S 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 1 0");
+    EXPECT_EQ(ProcKernel(proc()).processTable().size(), 1U);
+    const ProcKernel nowhere("/nonexistent", "/nonexistent");
+    EXPECT_TRUE(nowhere.processTable().empty());
+    EXPECT_EQ(nowhere.totalMemory(), 0U);
+    EXPECT_FALSE(nowhere.memoryPages());
+    EXPECT_FALSE(nowhere.footprint(10));
+    EXPECT_FALSE(nowhere.machineModel());
+    EXPECT_EQ(nowhere.processorBrand(), "");
+}
+
+TEST_F(ProcTreeTest, ApplicationUnitsAreKnownByTheirNames) {
+    EXPECT_EQ(applicationUnit("0::/user.slice/app.slice/app-org.x-1.scope/sub\n"),
+              "/user.slice/app.slice/app-org.x-1.scope");
+    EXPECT_EQ(applicationUnit("1:cpu:/app-no.scope\n0::/a/app-x@1.service\n"),
+              "/a/app-x@1.service");
+    for (const char* none : {"", "0::/", "0::/session-1.scope", "0::/app.slice/x.service",
+                             "1:cpu:/app-x.scope\n", "0::/app-x.slice"})
+        EXPECT_EQ(applicationUnit(none), "") << none;
+}
+
+TEST_F(ProcTreeTest, MemoryInUseIsOfProgramsAndTheKernelAndWhatIsCompressed) {
+    write("proc/meminfo", "MemTotal:  1000 kB\nCached: 500 kB\nAnonPages: 100 kB\nShmem: 20 kB\n"
+                          "SUnreclaim: 3 kB\nKernelStack: 4 kB\nPageTables: 5 kB\nZswap: 6 kB\n");
+    const auto pages = kernel().memoryPages();
+    ASSERT_TRUE(pages);
+    EXPECT_EQ(kernel().totalMemory(), 1000U << 10);
+    EXPECT_EQ(pages->internal * pages->pageSize, 120U << 10);
+    EXPECT_EQ(pages->wired * pages->pageSize, 12U << 10);
+    EXPECT_EQ(pages->compressor * pages->pageSize, 6U << 10);
+    write("proc/vmstat", "nr_free_pages 5\nnr_zspages 100\n");
+    EXPECT_EQ(kernel().memoryPages()->compressor, 100U * 4096);
+}
+
+TEST_F(ProcTreeTest, TheMachineIsNamedByItsMakerOnceAndNotByPlaceholders) {
+    EXPECT_FALSE(kernel().machineModel());
+    write("sys/class/dmi/id/product_name", "To Be Filled By O.E.M.\n");
+    write("sys/firmware/devicetree/base/model", std::string("Small Board 4\0", 14));
+    EXPECT_EQ(kernel().machineModel(), "Small Board 4");
+    write("sys/class/dmi/id/product_name", "Notebook 14 \n");
+    write("sys/class/dmi/id/sys_vendor", "Acme Inc.\n");
+    EXPECT_EQ(kernel().machineModel(), "Acme Inc. Notebook 14");
+    write("sys/class/dmi/id/product_name", "Acme Notebook 14\n");
+    EXPECT_EQ(kernel().machineModel(), "Acme Notebook 14");
+    write("proc/cpuinfo", "processor\t: 0\nmodel name\t: Fast CPU @ 3GHz\nprocessor\t: 1\n");
+    EXPECT_EQ(kernel().processorBrand(), "Fast CPU @ 3GHz");
+}
+
+TEST_F(ProcTreeTest, AStreamOfASandboxBelongsToTheProcessThatHasItsIdInThere) {
+    addExecutable(50, "/usr/bin/player", "50");
+    addExecutable(60, "/app/bin/browser", "60\t2");
+    addExecutable(61, "/app/bin/other", "61\t2");
+    EXPECT_EQ(processOfStream({.process = 50, .binary = "player"}, proc()), 50);
+    EXPECT_EQ(processOfStream({.process = 50, .binary = ""}, proc()), 50);
+    EXPECT_EQ(processOfStream({.process = 2, .binary = "browser"}, proc()), 60);
+    EXPECT_EQ(processOfStream({.process = 50, .binary = "browser"}, proc()), std::nullopt);
+    EXPECT_EQ(processOfStream({.process = std::nullopt, .binary = "player"}, proc()), std::nullopt);
+}
+
+} // namespace
+} // namespace velmorquit

@@ -1,0 +1,95 @@
+#include "Linux/Pulse/PulseAudioProcesses.h"
+#include "Linux/QtMainLoop.h"
+#include "support/Child.h"
+#include "support/Waiting.h"
+
+#include <QElapsedTimer>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <optional>
+
+namespace velmorquit {
+namespace {
+
+/// A sound server of its own, with an output that nobody hears.
+class PulseAudioTest : public testing::Test {
+protected:
+    PulseAudioTest() {
+        std::string name =
+            (std::filesystem::temp_directory_path() / "velmor-sound.XXXXXX").string();
+        folder_ = ::mkdtemp(name.data());
+        ::setenv("PULSE_SERVER", ("unix:" + socket()).c_str(), 1);
+    }
+    ~PulseAudioTest() override {
+        server_.reset();
+        ::unsetenv("PULSE_SERVER");
+        std::filesystem::remove_all(folder_);
+    }
+
+    void SetUp() override {
+        if (std::system("command -v pulseaudio >/dev/null") != 0)
+            GTEST_SKIP() << "another sound server is in PulseAudio's place";
+    }
+
+    void startServer() {
+        server_ = std::make_unique<Child>(std::vector<std::string>{
+            "env", "XDG_RUNTIME_DIR=" + folder_, "HOME=" + folder_, "pulseaudio", "-n",
+            "--daemonize=no", "--exit-idle-time=-1", "--use-pid-file=no", "--disable-shm=yes", "-L",
+            "module-native-protocol-unix auth-anonymous=1 socket=" + socket(), "-L",
+            "module-null-sink sink_name=silence"});
+        EXPECT_TRUE(waitUntil([&] { return std::filesystem::exists(socket()); }))
+            << server_->output();
+    }
+
+    std::vector<ProcessId> busy() {
+        std::optional<std::vector<ProcessId>> answer;
+        audio.busyProcesses([&](const auto& processes) { answer = processes; });
+        EXPECT_FALSE(answer) << "never within the question";
+        EXPECT_TRUE(waitUntil([&] { return answer.has_value(); }));
+        return answer.value_or(std::vector<ProcessId>{-1});
+    }
+
+    [[nodiscard]] std::string socket() const { return folder_ + "/native"; }
+
+    QtMainLoop loop;
+    PulseAudioProcesses audio{loop};
+    std::unique_ptr<Child> server_;
+
+private:
+    std::string folder_;
+};
+
+TEST_F(PulseAudioTest, TellsWhoPlaysAndWhoRecordsForAsLongAsTheyDo) {
+    startServer();
+    EXPECT_TRUE(busy().empty());
+    auto player = std::make_unique<Child>(
+        std::vector<std::string>{"pacat", "--playback", "--raw", "/dev/zero"});
+    auto recorder = std::make_unique<Child>(
+        std::vector<std::string>{"pacat", "--record", "--raw", "/dev/null"});
+    std::vector<ProcessId> both{player->id(), recorder->id()};
+    std::ranges::sort(both);
+    EXPECT_TRUE(waitUntil([&] { return busy() == both; }));
+    recorder.reset();
+    EXPECT_TRUE(waitUntil([&] { return busy() == std::vector<ProcessId>{player->id()}; }));
+    player.reset();
+    EXPECT_TRUE(waitUntil([&] { return busy().empty(); }));
+}
+
+TEST_F(PulseAudioTest, WithoutAServerOrWithOneThatHangsItSaysNobody) {
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_TRUE(busy().empty());
+    EXPECT_LT(timer.elapsed(), 1000) << "where nobody listens nobody is waited for";
+    startServer();
+    server_->send(SIGSTOP);
+    EXPECT_TRUE(busy().empty());
+    server_->send(SIGKILL);
+    EXPECT_TRUE(busy().empty());
+}
+
+} // namespace
+} // namespace velmorquit
