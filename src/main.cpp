@@ -2,6 +2,7 @@
 #include "Linux/Applications/LinuxWorkspace.h"
 #include "Linux/Autostart/AutostartEntry.h"
 #include "Linux/DBus/BusCommands.h"
+#include "Linux/DBus/BusQuit.h"
 #include "Linux/JournalLog.h"
 #include "Linux/Preferences/PropertyListPreferences.h"
 #include "Linux/Proc/ProcKernel.h"
@@ -82,7 +83,10 @@ int run(int argc, char** argv) {
     QtMainLoop loop;
     PropertyListPreferences preferences(loop, log, defaultPreferencesFile());
     X11Toplevels toplevels(loop, log, std::move(*connection));
-    LinuxWorkspace workspace(loop, log, toplevels);
+    BusQuit busQuit(QDBusConnection::sessionBus());
+    LinuxWorkspace workspace(
+        loop, log, toplevels,
+        {.askWithoutWindows = [&busQuit](ProcessId process) { busQuit.quit(process); }});
     kernel.setWindowOwners([&toplevels] {
         std::set<ProcessId> owners;
         for (const Toplevel& toplevel : toplevels.toplevels())

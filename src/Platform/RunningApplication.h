@@ -1,6 +1,10 @@
 #pragma once
 
+#include "Platform/Icon.h"
+#include "Platform/Time.h"
+
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,6 +18,16 @@ using ProcessId = std::int32_t;
 enum class ActivationPolicy {
     regular,   ///< it has windows of its own that the user works with
     accessory, ///< it runs, without such windows
+};
+
+/// Why an application that was asked to quit is still there, as far as the desktop can see.
+enum class StayReason {
+    unknown,
+    asking,        ///< it has a dialog on the screen: the user has to answer it
+    windowless,    ///< it has closed its windows and goes on running
+    cannotBeAsked, ///< there is no polite way to ask it
+    busyTerminal,  ///< a command runs in it that would be lost
+    notResponding, ///< it doesn't react to anything
 };
 
 /// One application of the user's session, for as long as anybody asks about it: also after it
@@ -38,14 +52,27 @@ public:
     /// The file that starts the application; none when it is not known.
     [[nodiscard]] virtual std::optional<std::string> bundlePath() const = 0;
 
+    /// When its process began, by the wall clock; none when the system doesn't say.
+    [[nodiscard]] virtual std::optional<WallTime> launchDate() const = 0;
+
+    /// Never null.
+    [[nodiscard]] virtual std::shared_ptr<const Icon> icon() const = 0;
+
     [[nodiscard]] virtual ActivationPolicy activationPolicy() const = 0;
 
-    /// Whether the process has ended.
+    /// Whether it has ended. A background service of the desktop has ended as an application when
+    /// its last window has closed, and the same service is a new application when it shows another.
     [[nodiscard]] virtual bool isTerminated() const = 0;
 
     /// Asks the application to quit as its own Quit command would, so that it can ask about unsaved
-    /// work. False when there is no polite way to ask: it is then left as it is. Returns at once.
+    /// work. One that has closed its windows and goes on running is asked in whatever other way it
+    /// understands. False when there is no polite way to ask: it is then left as it is. Returns at
+    /// once.
     virtual bool terminate() = 0;
+
+    /// Why it is still there, once it was asked. To find out, it may be sent a short question,
+    /// whose answer (or its absence) counts the next time.
+    [[nodiscard]] virtual StayReason stayReason() = 0;
 
     /// Makes the process end, whatever it is doing. False when the system refuses; a process that
     /// has ended already is no refusal. Returns at once; the end shows in `isTerminated`.

@@ -30,17 +30,38 @@ bool equalIgnoringCase(std::string_view one, std::string_view other) {
     return std::ranges::equal(one, other, {}, lowered, lowered);
 }
 
+const char* rawValue(StayReason reason) {
+    switch (reason) {
+    case StayReason::asking:
+        return "asking";
+    case StayReason::windowless:
+        return "windowless";
+    case StayReason::cannotBeAsked:
+        return "cannotBeAsked";
+    case StayReason::busyTerminal:
+        return "busyTerminal";
+    case StayReason::notResponding:
+        return "notResponding";
+    case StayReason::unknown:
+        break;
+    }
+    return nullptr;
+}
+
 bool holds(const std::vector<OpenApp>& apps, const OpenApp& wanted) {
     return std::ranges::any_of(apps, [&](const OpenApp& app) { return app.app == wanted.app; });
 }
 
 } // namespace
 
-RemoteControl::RemoteControl(QuitController& controller, RemoteCommands& remote)
+RemoteControl::RemoteControl(QuitController& controller, RemoteCommands& remote,
+                             Workspace& workspace)
     : controller_(controller), remote_(remote), knownApps_(controller.apps),
       knownExclusions_(controller.excluded) {
     remote_.serve([this](const RemoteCommand& command) { return answer(command); });
     announceChanges();
+    subscriptions_.push_back(
+        workspace.observe(WorkspaceEvent::terminated, [this] { announceEnds(); }));
 }
 
 RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
@@ -63,7 +84,7 @@ RemoteAnswer RemoteControl::status() {
     controller_.refresh();
     Json json = describePhase();
     json["applications"] = describeAll(controller_.apps);
-    json["stubborn"] = describeAll(controller_.stubborn);
+    json["stubborn"] = describeStubborn();
     json["excluded"] = controller_.excluded.get();
     const MemoryMonitor::SystemMemory& memory = controller_.systemMemory;
     json["memory"] = {{"used", memory.used}, {"total", memory.total}};
@@ -149,6 +170,18 @@ RemoteControl::Json RemoteControl::describeAll(const std::vector<OpenApp>& apps)
     return list;
 }
 
+RemoteControl::Json RemoteControl::describeStubborn() const {
+    Json list = Json::array();
+    const auto& reasons = controller_.stayReasons.get();
+    for (const OpenApp& app : controller_.stubborn.get()) {
+        const auto known = reasons.find(app.id);
+        const char* reason = known == reasons.end() ? nullptr : rawValue(known->second);
+        list.push_back(describe(app));
+        list.back()["reason"] = reason ? Json(reason) : Json();
+    }
+    return list;
+}
+
 RemoteControl::Json RemoteControl::describePhase() const {
     return std::visit(Overloaded{[](phases::Idle) { return Json{{"phase", "idle"}}; },
                                  [](phases::Quitting quitting) {
@@ -166,9 +199,8 @@ RemoteControl::Json RemoteControl::describePhase() const {
 void RemoteControl::announceChanges() {
     subscriptions_.push_back(controller_.apps.subscribe([this] { announceApps(); }));
     subscriptions_.push_back(controller_.excluded.subscribe([this] { announceExclusions(); }));
-    subscriptions_.push_back(controller_.stubborn.subscribe([this] {
-        announce({{"change", "stubborn"}, {"applications", describeAll(controller_.stubborn)}});
-    }));
+    subscriptions_.push_back(controller_.stubborn.subscribe([this] { announceStubborn(); }));
+    subscriptions_.push_back(controller_.stayReasons.subscribe([this] { announceStubborn(); }));
     subscriptions_.push_back(controller_.phase.subscribe([this] {
         Json change = {{"change", "phase"}};
         change.update(describePhase());
@@ -181,13 +213,35 @@ void RemoteControl::announceApps() {
     for (const OpenApp& app : before) {
         if (holds(knownApps_, app))
             continue;
-        const char* change = app.app->isTerminated() ? "closed" : "windowless";
-        announce({{"change", change}, {"application", describe(app)}});
+        const bool hasEnded = app.app->isTerminated();
+        announce({{"change", hasEnded ? "closed" : "windowless"}, {"application", describe(app)}});
+        if (!hasEnded)
+            windowless_.push_back(app);
     }
     for (const OpenApp& app : knownApps_) {
-        if (!holds(before, app))
-            announce({{"change", "opened"}, {"application", describe(app)}});
+        if (holds(before, app))
+            continue;
+        announce({{"change", "opened"}, {"application", describe(app)}});
+        std::erase_if(windowless_, [&](const OpenApp& one) { return one.app == app.app; });
     }
+}
+
+/// The list of open applications doesn't change any more when one of these ends.
+void RemoteControl::announceEnds() {
+    for (const OpenApp& app : windowless_) {
+        if (app.app->isTerminated())
+            announce({{"change", "closed"}, {"application", describe(app)}});
+    }
+    std::erase_if(windowless_, [](const OpenApp& app) { return app.app->isTerminated(); });
+}
+
+/// Told when the list changes, or why somebody is on it, once for both.
+void RemoteControl::announceStubborn() {
+    Json stubborn = describeStubborn();
+    if (stubborn == knownStubborn_)
+        return;
+    knownStubborn_ = stubborn;
+    announce({{"change", "stubborn"}, {"applications", std::move(stubborn)}});
 }
 
 void RemoteControl::announceExclusions() {

@@ -13,12 +13,14 @@ namespace velmorquit {
 
 /// What other processes of the user can do with the controller and hear of it.
 ///
+/// A stubborn application has a `reason`: `asking`, `windowless`, `cannotBeAsked`, `busyTerminal`,
+/// `notResponding`, or null when nothing is known.
 /// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
 /// `include NAME`. Changes are announced as objects with a field `change`: `phase`, `stubborn`,
 /// `opened`, `closed`, `windowless` (it lives on), `excluded`, `included`, `event`.
 class RemoteControl {
 public:
-    RemoteControl(QuitController& controller, RemoteCommands& remote);
+    RemoteControl(QuitController& controller, RemoteCommands& remote, Workspace& workspace);
 
     /// Passes an event of the controller on.
     void announce(const Event& event);
@@ -36,16 +38,22 @@ private:
     [[nodiscard]] std::vector<OpenApp> named(const std::string& name) const;
     [[nodiscard]] Json describe(const OpenApp& app) const;
     [[nodiscard]] Json describeAll(const std::vector<OpenApp>& apps) const;
+    [[nodiscard]] Json describeStubborn() const;
     [[nodiscard]] Json describePhase() const;
 
     void announceChanges();
     void announceApps();
+    void announceEnds();
+    void announceStubborn();
     void announceExclusions();
     void announce(const Json& change);
 
     QuitController& controller_;
     RemoteCommands& remote_;
     std::vector<OpenApp> knownApps_;
+    /// Those told as windowless, whose end nobody has heard of yet.
+    std::vector<OpenApp> windowless_;
+    Json knownStubborn_ = Json::array();
     std::set<std::string> knownExclusions_;
     std::vector<Handle> subscriptions_;
 };

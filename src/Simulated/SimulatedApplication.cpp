@@ -7,7 +7,7 @@ namespace velmorquit {
 SimulatedApplication::SimulatedApplication(ProcessId id, std::string name, std::uint64_t memory,
                                            Surroundings surroundings)
     : id_(id), label_(name), name_(std::move(name)), memory_(memory),
-      surroundings_(std::move(surroundings)) {}
+      surroundings_(std::move(surroundings)), launchDate_(surroundings_.loop.now()) {}
 
 SimulatedApplication& SimulatedApplication::identified(std::string bundle) {
     bundle_ = std::move(bundle);
@@ -60,6 +60,11 @@ SimulatedApplication& SimulatedApplication::livesOnWithoutWindows() {
     return *this;
 }
 
+SimulatedApplication& SimulatedApplication::needsToBeAskedTwice() {
+    manners_ = Manners::endsWithoutWindows;
+    return *this;
+}
+
 void SimulatedApplication::end() {
     if (std::exchange(isTerminated_, true))
         return;
@@ -81,7 +86,9 @@ bool SimulatedApplication::terminate() {
         return false;
     if (manners_ == Manners::quits && !quitting_.isSet())
         quitting_ = surroundings_.loop.after(quitTime_, [this] { end(); });
-    if (manners_ == Manners::losesWindows) {
+    if (manners_ == Manners::endsWithoutWindows && policy_ == ActivationPolicy::accessory)
+        end();
+    if (manners_ == Manners::losesWindows || manners_ == Manners::endsWithoutWindows) {
         policy_ = ActivationPolicy::accessory;
         surroundings_.policyChanged();
     }

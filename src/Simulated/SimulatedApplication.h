@@ -41,9 +41,13 @@ public:
     SimulatedApplication& endsWhenForcedAfter(Duration time);
     /// Closes its windows when asked, and lives on.
     SimulatedApplication& livesOnWithoutWindows();
+    /// Closes its windows when asked, and ends when it is asked again without any.
+    SimulatedApplication& needsToBeAskedTwice();
 
     /// Ends by itself now: a crash, or the user's own doing.
     void end();
+    /// What the desktop sees of why it stays.
+    void setStayReason(StayReason reason) { reason_ = reason; }
     void setMemory(std::uint64_t bytes) { memory_ = bytes; }
     [[nodiscard]] std::uint64_t memory() const { return memory_; }
 
@@ -52,6 +56,9 @@ public:
     [[nodiscard]] std::optional<std::string> bundleIdentifier() const override { return bundle_; }
     [[nodiscard]] std::vector<std::string> otherIdentities() const override { return others_; }
     [[nodiscard]] std::optional<std::string> bundlePath() const override;
+    [[nodiscard]] std::optional<WallTime> launchDate() const override { return launchDate_; }
+    [[nodiscard]] std::shared_ptr<const Icon> icon() const override { return icon_; }
+    [[nodiscard]] StayReason stayReason() override { return reason_; }
     [[nodiscard]] ActivationPolicy activationPolicy() const override { return policy_; }
     [[nodiscard]] bool isTerminated() const override { return isTerminated_; }
     bool terminate() override;
@@ -59,7 +66,7 @@ public:
     bool activate() override;
 
 private:
-    enum class Manners { quits, ignores, cannotBeAsked, losesWindows };
+    enum class Manners { quits, ignores, cannotBeAsked, losesWindows, endsWithoutWindows };
 
     void log(std::string_view what) const;
 
@@ -70,6 +77,9 @@ private:
     std::vector<std::string> others_;
     std::uint64_t memory_;
     Surroundings surroundings_;
+    WallTime launchDate_;
+    std::shared_ptr<const Icon> icon_ = std::make_shared<Icon>();
+    StayReason reason_ = StayReason::unknown;
     ActivationPolicy policy_ = ActivationPolicy::regular;
     Manners manners_ = Manners::quits;
     Duration quitTime_{};

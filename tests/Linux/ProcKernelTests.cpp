@@ -105,16 +105,6 @@ TEST_F(ProcTreeTest, WhatIsDamagedOrHiddenIsLeftOut) {
     EXPECT_EQ(nowhere.processorBrand(), "");
 }
 
-TEST_F(ProcTreeTest, ApplicationUnitsAreKnownByTheirNames) {
-    EXPECT_EQ(applicationUnit("0::/user.slice/app.slice/app-org.x-1.scope/sub\n"),
-              "/user.slice/app.slice/app-org.x-1.scope");
-    EXPECT_EQ(applicationUnit("1:cpu:/app-no.scope\n0::/a/app-x@1.service\n"),
-              "/a/app-x@1.service");
-    for (const char* none : {"", "0::/", "0::/session-1.scope", "0::/app.slice/x.service",
-                             "1:cpu:/app-x.scope\n", "0::/app-x.slice"})
-        EXPECT_EQ(applicationUnit(none), "") << none;
-}
-
 TEST_F(ProcTreeTest, MemoryInUseIsOfProgramsAndTheKernelAndWhatIsCompressed) {
     write("proc/meminfo", "MemTotal:  1000 kB\nCached: 500 kB\nAnonPages: 100 kB\nShmem: 20 kB\n"
                           "SUnreclaim: 3 kB\nKernelStack: 4 kB\nPageTables: 5 kB\nZswap: 6 kB\n");

@@ -67,9 +67,11 @@ TEST(ProcessHandleTest, NeverHitsALaterProcessWithTheSameId) {
 class ForcingTest : public testing::Test {
 protected:
     std::shared_ptr<LinuxApplication> application(const Child& child) {
-        return std::make_shared<LinuxApplication>(ProcessHandle::open(child.id(), [] {}),
-                                                  Identity{.id = {}, .name = "Sleep", .path = {}},
-                                                  LinuxApplication::Surroundings{loop, log, {}});
+        Identity identity;
+        identity.name = "Sleep";
+        return std::make_shared<LinuxApplication>(
+            ProcessHandle::open(child.id(), [] {}), identity, ProcessOrigin(), Image(),
+            LinuxApplication::Surroundings{loop, log, {}});
     }
 
     QtMainLoop loop;

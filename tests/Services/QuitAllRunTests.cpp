@@ -199,6 +199,20 @@ TEST_F(QuitAllRun, OneThatLivesOnWithoutWindowsOrDiedBeforehandIsToldByItsProces
     EXPECT_EQ(names(controller->apps), "") << "without windows it isn't listed";
 }
 
+TEST_F(QuitAllRun, OneThatGoesOnWithoutWindowsIsAskedOnceMoreInTheWayThatIsLeft) {
+    desktop.open("Player").needsToBeAskedTwice();
+    auto& tray = desktop.open("Tray").livesOnWithoutWindows();
+    tray.setStayReason(StayReason::windowless);
+    start().quitAll(PowerAction::none);
+    desktop.advance(7s);
+    EXPECT_EQ(desktop.log(), Lines("0.00 quit Player", "0.00 quit Tray", "0.00 quitting 2",
+                                   "1.25 quit Player", "1.25 ended Player", "1.25 quit Tray",
+                                   "6.00 event stubbornApps: Tray", "6.00 waiting"));
+    EXPECT_EQ(controller->stayReasons->at(tray.processId()), StayReason::windowless);
+    controller->leaveStubbornOpen();
+    EXPECT_TRUE(controller->stayReasons->empty());
+}
+
 TEST_F(QuitAllRun, OneThatOpensMeanwhileIsNoTarget) {
     desktop.open("A").quitsAfter(1s);
     start().quitAll(PowerAction::none);

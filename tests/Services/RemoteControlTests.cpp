@@ -13,7 +13,7 @@ class RemoteControlTest : public ControllerStory {
 protected:
     void serve() {
         start();
-        control = std::make_unique<RemoteControl>(*controller, desktop.remote);
+        control = std::make_unique<RemoteControl>(*controller, desktop.remote, desktop.workspace);
         onEvent = [this](const Event& event) { control->announce(event); };
         desktop.loop.settle();
         desktop.remote.changes.clear();
@@ -109,6 +109,33 @@ TEST_F(RemoteControlTest, TellsAnEndFromALossOfWindows) {
     desktop.remote.give("quitAll");
     desktop.advance(100ms);
     EXPECT_EQ(told(), "phase windowless closed ");
+}
+
+TEST_F(RemoteControlTest, TellsTheEndOfOneThatWasWithoutWindowsBefore) {
+    auto& tray = desktop.open("Tray").livesOnWithoutWindows();
+    serve();
+    desktop.remote.give("quitAll");
+    desktop.advance(1s);
+    controller->leaveStubbornOpen();
+    desktop.advance(1s);
+    desktop.remote.changes.clear();
+    tray.end();
+    desktop.loop.settle();
+    EXPECT_EQ(told(), "closed ");
+}
+
+TEST_F(RemoteControlTest, TellsWhyTheyStayAndWhenThatChanges) {
+    auto& note = desktop.open("Note").ignoresAsking();
+    serve();
+    desktop.remote.give("quitAll");
+    desktop.advance(7s);
+    EXPECT_EQ(status()["stubborn"][0]["reason"], json());
+    desktop.remote.changes.clear();
+    note.setStayReason(StayReason::asking);
+    desktop.advance(2s);
+    EXPECT_EQ(told(), "stubborn ");
+    EXPECT_EQ(json::parse(desktop.remote.changes[0])["applications"][0]["reason"], "asking");
+    EXPECT_EQ(status()["stubborn"][0]["reason"], "asking");
 }
 
 TEST_F(RemoteControlTest, RefusesASecondRunInTheTurnInWhichAnEmptyOneBegan) {

@@ -73,7 +73,8 @@ private:
         watch_.reset();
         control_.reset();
         controller_ = std::make_unique<QuitController>(desktop_.ports());
-        control_ = std::make_unique<RemoteControl>(*controller_, desktop_.remote);
+        control_ =
+            std::make_unique<RemoteControl>(*controller_, desktop_.remote, desktop_.workspace);
         controller_->onEvent = [this](const Event& event) { react(event); };
         watch_ = controller_->phase.subscribe([this] { check(); });
         hasStubbornEvent_ = false;

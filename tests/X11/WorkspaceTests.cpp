@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <memory>
 
 namespace velmorquit {
@@ -21,7 +22,7 @@ namespace {
 class WorkspaceTest : public testing::Test {
 protected:
     WorkspaceTest()
-        : toplevels(loop, log, *X11Connection::open()), workspace(loop, log, toplevels) {
+        : toplevels(loop, log, *X11Connection::open()), workspace(loop, log, toplevels, {}) {
         for (const auto event : {WorkspaceEvent::launched, WorkspaceEvent::terminated,
                                  WorkspaceEvent::activated, WorkspaceEvent::policyChanged})
             watches.push_back(workspace.observe(event, [this, event] { events.push_back(event); }));
@@ -164,6 +165,137 @@ TEST_F(WorkspaceTest, ReadsWhoLaunchedAProcessOnlyFromItsOwnVariables) {
     EXPECT_EQ(launch("Inherited", "1"), std::nullopt);
 }
 
+TEST_F(WorkspaceTest, LeavesOutWhatMakesUpTheDesktopAndWhatIsNotForTheUser) {
+    installEntry("agent", "Name=Agent\nNoDisplay=true\n");
+    installEntry("helper", "Name=Helper\nNoDisplay=true\nStartupWMClass=Painter\n");
+    installEntry("paint", "Name=Paint\nStartupWMClass=Painter\n");
+    EXPECT_EQ(open({"--class", "Agent"})->activationPolicy(), ActivationPolicy::accessory);
+    const auto panel = open({"--class", "Panel", "--windows", "2", "--dock"});
+    EXPECT_EQ(panel->activationPolicy(), ActivationPolicy::accessory)
+        << "its settings are open, which doesn't make it an application";
+    const auto paint = open({"--class", "Painter"});
+    EXPECT_EQ(paint->bundleIdentifier(), "paint");
+    EXPECT_EQ(paint->activationPolicy(), ActivationPolicy::regular);
+    const auto both = open({"--class", "Agent", "--next-class", "Paint"});
+    EXPECT_TRUE(waitUntil([&] { return both->otherIdentities().size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return both->activationPolicy() == ActivationPolicy::regular; }));
+}
+
+TEST_F(WorkspaceTest, SaysWhyAnApplicationStays) {
+    const std::map<std::string, StayReason> manners{{"--asks", StayReason::asking},
+                                                    {"--stay", StayReason::windowless},
+                                                    {"--no-protocol", StayReason::cannotBeAsked},
+                                                    {"--frozen", StayReason::notResponding},
+                                                    {"--ignore", StayReason::unknown}};
+    std::vector<std::shared_ptr<RunningApplication>> apps;
+    std::vector<StayReason> expected;
+    for (const auto& [manner, reason] : manners) {
+        apps.push_back(open({"--class", "C" + manner.substr(2), manner, "--ping"}));
+        expected.push_back(reason);
+    }
+    for (const auto& app : apps)
+        app->terminate();
+    const auto reasons = [&] {
+        std::vector<StayReason> found;
+        for (const auto& app : apps)
+            found.push_back(app->stayReason());
+        return found;
+    };
+    EXPECT_TRUE(waitUntil([&] { return reasons() == expected; }))
+        << testing::PrintToString(reasons());
+    linger(3000);
+    EXPECT_EQ(reasons(), expected) << "whoever answers is not deaf a while later";
+}
+
+TEST_F(WorkspaceTest, HasIconsByNameByFileAndFromTheWindowAndKnowsWhenItBegan) {
+    installEntry("themed", "Name=Themed\nIcon=accessories-text-editor\n");
+    installEntry("pictured", "Name=Pictured\nIcon=/usr/share/some picture.png\n");
+    EXPECT_EQ(open({"--class", "Themed"})->icon()->name, "accessories-text-editor");
+    EXPECT_EQ(open({"--class", "Pictured"})->icon()->file, "/usr/share/some picture.png");
+    const auto plain = open({"--class", "Plain", "--icon"});
+    const Image& image = plain->icon()->image;
+    EXPECT_EQ(image.width, 64);
+    EXPECT_EQ(image.height, 64);
+    EXPECT_EQ(image.pixels, std::vector<std::uint32_t>(64 * 64, 0xFF000040));
+    ASSERT_TRUE(plain->launchDate());
+    EXPECT_LT(std::chrono::abs(loop.now() - *plain->launchDate()), 60s);
+}
+
+/// The processes are real, and what they were started from is made up.
+class StartedWorkspaceTest : public WorkspaceTest {
+protected:
+    StartedWorkspaceTest() {
+        for (const char* id : {"mailer", "org.example.term", "firebox_firebox"})
+            installEntry(id, std::string("Name=") + id + "\n");
+        writeFile("stat", "cpu 0\nbtime 1000\n");
+    }
+
+    void writeFile(const std::string& file, const std::string& content) {
+        std::filesystem::create_directories((proc / file).parent_path());
+        std::ofstream(proc / file) << content;
+    }
+
+    ProcessId begin(const std::string& unit, std::vector<std::string> arguments,
+                    ProcessId parent = 1) {
+        const pid_t id = start(std::move(arguments)).id();
+        const std::string folder = std::to_string(id);
+        writeFile(folder + "/cgroup", "0::/user.slice/user@1000.service/" + unit + "\n");
+        writeFile(folder + "/stat", folder + " (x) S " + std::to_string(parent) +
+                                        " 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 500 0\n");
+        return id;
+    }
+
+    static std::shared_ptr<RunningApplication> findIn(LinuxWorkspace& somewhere, ProcessId id) {
+        for (auto& application : somewhere.runningApplications()) {
+            if (application->processId() == id)
+                return application;
+        }
+        return nullptr;
+    }
+
+    std::filesystem::path proc = std::filesystem::path(std::getenv("XDG_RUNTIME_DIR")) / "proc";
+};
+
+TEST_F(StartedWorkspaceTest, AUnitNamesTheProgramItWasMadeForAndNotThoseStartedFromThere) {
+    const std::string unit = "app-maker-org.example.term-12.scope";
+    const ProcessId terminal = begin(unit, {"--class", "Odd"});
+    const ProcessId guest = begin(unit, {"--class", "Mailer"}, terminal);
+    const ProcessId snap = begin("snap.firebox.firebox-0a1b2c3d-0a1b-0a1b-0a1b-0a1b2c3d4e5f.scope",
+                                 {"--class", "Mailer"});
+    linger(200);
+    LinuxWorkspace other(loop, log, toplevels, {.askWithoutWindows = {}, .proc = proc});
+    EXPECT_EQ(findIn(other, terminal)->bundleIdentifier(), "org.example.term");
+    EXPECT_EQ(findIn(other, guest)->bundleIdentifier(), "mailer");
+    EXPECT_EQ(findIn(other, snap)->bundleIdentifier(), "firebox_firebox");
+    EXPECT_EQ(findIn(other, snap)->otherIdentities(), std::vector<std::string>{"mailer"});
+    EXPECT_EQ(findIn(other, guest)->launchDate(), WallTime(1005s));
+}
+
+TEST_F(StartedWorkspaceTest, AServiceHasEndedWithItsLastWindowAndAnyOtherIsAskedOnceMore) {
+    const ProcessId service = begin("dbus-:1.2-org.example@0.service", {"--stay"});
+    const ProcessId player = begin("app-player-1.scope", {"--stay", "--class", "Player"});
+    linger(200);
+    std::vector<ProcessId> asked;
+    LinuxWorkspace other(
+        loop, log, toplevels,
+        {.askWithoutWindows = [&](ProcessId id) { asked.push_back(id); }, .proc = proc});
+    int ends = 0;
+    const Handle watch = other.observe(WorkspaceEvent::terminated, [&] { ++ends; });
+    const auto serving = findIn(other, service);
+    const auto playing = findIn(other, player);
+    EXPECT_TRUE(serving->terminate());
+    EXPECT_TRUE(playing->terminate());
+    EXPECT_TRUE(waitUntil([&] { return serving->isTerminated() && ends == 1; }));
+    EXPECT_TRUE(
+        waitUntil([&] { return playing->activationPolicy() == ActivationPolicy::accessory; }));
+    EXPECT_EQ(findIn(other, service), nullptr);
+    EXPECT_FALSE(playing->isTerminated());
+    EXPECT_TRUE(asked.empty());
+    EXPECT_TRUE(playing->terminate());
+    EXPECT_FALSE(serving->terminate());
+    EXPECT_EQ(asked, std::vector<ProcessId>{player});
+}
+
 TEST_F(WorkspaceTest, KeepsTheFirstIdentityOfAProcessAndRemembersTheOthers) {
     installEntry("writer", "Name=Writer\n");
     installEntry("calc", "Name=Calc\n");
@@ -216,7 +348,7 @@ TEST_F(WorkspaceTest, NobodySeemsToEndWhenTheWindowManagerDoes) {
 TEST_F(WorkspaceTest, AnApplicationMayOutliveTheWorkspace) {
     std::shared_ptr<RunningApplication> app;
     {
-        LinuxWorkspace other(loop, log, toplevels);
+        LinuxWorkspace other(loop, log, toplevels, {});
         const pid_t id = start({}).id();
         EXPECT_TRUE(waitUntil([&] {
             for (const auto& running : other.runningApplications())

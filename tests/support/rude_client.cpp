@@ -11,6 +11,11 @@
 //   --ignore              takes no notice of being asked to close
 //   --no-protocol         doesn't understand being asked to close
 //   --stay                lives on without windows
+//   --asks                opens a modal dialog that no list shows when it is asked to close
+//   --ping                understands being asked whether it reacts, and answers
+//   --frozen              understands it, and doesn't answer
+//   --dock                its first window is a panel of the desktop
+//   --icon                its windows have pictures of 16, 64 and 128 pixels, each of one colour
 //   --deaf                takes no notice of SIGTERM either
 
 #include <xcb/xcb.h>
@@ -37,6 +42,11 @@ struct Manners {
     bool ignores = false;
     bool hasProtocol = true;
     bool stays = false;
+    bool asks = false;
+    bool canBePinged = false;
+    bool isFrozen = false;
+    bool isDock = false;
+    bool hasIcon = false;
 };
 
 struct Free {
@@ -73,8 +83,12 @@ public:
             const int type = event->response_type & 0x7f;
             if (type == XCB_MAP_NOTIFY && ++mapped_ == windows_.size())
                 announce();
-            if (type == XCB_CLIENT_MESSAGE &&
-                asked(reinterpret_cast<xcb_client_message_event_t*>(event.get())->window))
+            if (type != XCB_CLIENT_MESSAGE)
+                continue;
+            auto& message = *reinterpret_cast<xcb_client_message_event_t*>(event.get());
+            if (message.data.data32[0] == atom("_NET_WM_PING"))
+                answer(message);
+            else if (asked(message.window))
                 return 0;
         }
         return 1;
@@ -92,10 +106,30 @@ private:
                             8, static_cast<std::uint32_t>(text.size()), text.data());
     }
 
-    void setNumber(xcb_window_t window, const std::string& property, xcb_atom_t type,
-                   std::uint32_t number) {
-        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(property), type, 32, 1,
-                            &number);
+    void setNumbers(xcb_window_t window, const std::string& property, xcb_atom_t type,
+                    const std::vector<std::uint32_t>& numbers) {
+        if (!numbers.empty())
+            xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(property), type,
+                                32, static_cast<std::uint32_t>(numbers.size()), numbers.data());
+    }
+
+    static std::vector<std::uint32_t> pictures() {
+        std::vector<std::uint32_t> numbers;
+        for (const std::uint32_t side : {16, 128, 64}) {
+            numbers.insert(numbers.end(), 2, side);
+            numbers.insert(numbers.end(), side * side, 0xFF000000 + side);
+        }
+        return numbers;
+    }
+
+    void answer(xcb_client_message_event_t& message) {
+        if (manners_.isFrozen)
+            return;
+        message.window = screen_->root;
+        xcb_send_event(connection_, 0, screen_->root,
+                       XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                       reinterpret_cast<const char*>(&message));
+        xcb_flush(connection_);
     }
 
     void open(const std::string& className) {
@@ -111,25 +145,34 @@ private:
         setText(window, XCB_ATOM_WM_CLASS,
                 instance + std::string(1, '\0') + className + std::string(1, '\0'));
         setText(window, XCB_ATOM_WM_NAME, className);
-        setNumber(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, static_cast<std::uint32_t>(getpid()));
+        setNumbers(window, "_NET_WM_PID", XCB_ATOM_CARDINAL,
+                   {static_cast<std::uint32_t>(getpid())});
         if (!manners_.machine.empty())
             setText(window, XCB_ATOM_WM_CLIENT_MACHINE, manners_.machine);
         std::vector<xcb_atom_t> types;
         for (const std::string& type : manners_.types)
             types.push_back(atom("_NET_WM_WINDOW_TYPE_" + type));
-        if (!types.empty())
-            xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window,
-                                atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32,
-                                static_cast<std::uint32_t>(types.size()), types.data());
+        if (manners_.isDock && windows_.empty())
+            types = {atom("_NET_WM_WINDOW_TYPE_DOCK")};
+        setNumbers(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, types);
+        std::vector<std::uint32_t> protocols;
         if (manners_.hasProtocol)
-            setNumber(window, "WM_PROTOCOLS", XCB_ATOM_ATOM, atom("WM_DELETE_WINDOW"));
+            protocols.push_back(atom("WM_DELETE_WINDOW"));
+        if (manners_.canBePinged)
+            protocols.push_back(atom("_NET_WM_PING"));
+        setNumbers(window, "WM_PROTOCOLS", XCB_ATOM_ATOM, protocols);
+        if (manners_.hasIcon)
+            setNumbers(window, "_NET_WM_ICON", XCB_ATOM_CARDINAL, pictures());
         windows_.push_back(window);
     }
 
     void makeModal(xcb_window_t window) {
         xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_TRANSIENT_FOR,
                             XCB_ATOM_WINDOW, 32, 1, &windows_.front());
-        setNumber(window, "_NET_WM_STATE", XCB_ATOM_ATOM, atom("_NET_WM_STATE_MODAL"));
+        std::vector<std::uint32_t> states{atom("_NET_WM_STATE_MODAL")};
+        if (manners_.asks)
+            states.push_back(atom("_NET_WM_STATE_SKIP_TASKBAR"));
+        setNumbers(window, "_NET_WM_STATE", XCB_ATOM_ATOM, states);
     }
 
     void announce() const {
@@ -144,7 +187,13 @@ private:
     bool asked(xcb_window_t window) {
         std::printf("asked %u\n", window);
         std::fflush(stdout);
-        if (manners_.ignores)
+        if (manners_.asks) {
+            open("Question");
+            makeModal(windows_.back());
+            xcb_map_window(connection_, windows_.back());
+            xcb_flush(connection_);
+        }
+        if (manners_.ignores || manners_.asks || manners_.isFrozen)
             return false;
         xcb_destroy_window(connection_, window);
         xcb_flush(connection_);
@@ -184,6 +233,16 @@ int main(int argc, char** argv) {
             manners.hasProtocol = false;
         else if (option == "--stay")
             manners.stays = true;
+        else if (option == "--asks")
+            manners.asks = true;
+        else if (option == "--ping")
+            manners.canBePinged = true;
+        else if (option == "--frozen")
+            manners.canBePinged = manners.isFrozen = true;
+        else if (option == "--dock")
+            manners.isDock = true;
+        else if (option == "--icon")
+            manners.hasIcon = true;
         else if (option == "--deaf")
             std::signal(SIGTERM, SIG_IGN);
         else

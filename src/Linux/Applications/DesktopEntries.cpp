@@ -27,6 +27,17 @@ std::string lowered(std::string text) {
     return text;
 }
 
+void takeIcon(Identity& identity, GIcon* icon) {
+    if (icon && G_IS_THEMED_ICON(icon)) {
+        const char* const* names = g_themed_icon_get_names(G_THEMED_ICON(icon));
+        identity.iconName = names && *names ? utf8(*names) : "";
+    } else if (icon && G_IS_FILE_ICON(icon)) {
+        char* file = g_file_get_path(g_file_icon_get_file(G_FILE_ICON(icon)));
+        identity.iconFile = file ? file : "";
+        g_free(file);
+    }
+}
+
 std::optional<Identity> identityOf(GDesktopAppInfo* info) {
     const char* id = g_app_info_get_id(G_APP_INFO(info));
     const char* file = g_desktop_app_info_get_filename(info);
@@ -37,7 +48,13 @@ std::optional<Identity> identityOf(GDesktopAppInfo* info) {
     std::string base = id ? id : std::string(file).substr(std::string(file).rfind('/') + 1);
     if (base.ends_with(suffix))
         base.resize(base.size() - suffix.size());
-    return Identity{.id = utf8(base), .name = utf8(name ? name : base), .path = file};
+    Identity identity;
+    identity.id = utf8(base);
+    identity.name = utf8(name ? name : base);
+    identity.path = file;
+    identity.isHidden = g_desktop_app_info_get_nodisplay(info) != 0;
+    takeIcon(identity, g_app_info_get_icon(G_APP_INFO(info)));
+    return identity;
 }
 
 } // namespace
@@ -52,20 +69,30 @@ DesktopEntries::~DesktopEntries() {
     g_object_unref(monitor_);
 }
 
-Identity DesktopEntries::identify(const ToplevelIdentity& window, ProcessId process) {
-    for (const std::string& id :
-         {window.applicationId, window.instance, lowered(window.instance)}) {
-        if (auto found = entry(id))
-            return *found;
-    }
-    if (auto found = entryByStartupClass(window))
-        return *found;
-    for (const std::string& id : {window.className, lowered(window.className)}) {
-        if (auto found = entry(id))
-            return *found;
-    }
-    if (auto found = entryThatLaunched(process))
-        return *found;
+// One that is meant for the user is preferred to one that isn't, such as that of a helper which
+// goes by the name of its program.
+Identity DesktopEntries::identify(const ToplevelIdentity& window, ProcessId process,
+                                  const std::vector<std::string>& started) {
+    std::optional<Identity> hidden;
+    std::optional<Identity> shown;
+    const auto consider = [&](std::optional<Identity> found) {
+        if (found && found->isHidden && !hidden)
+            hidden = std::move(found);
+        else if (found && !found->isHidden && !shown)
+            shown = std::move(found);
+        return shown.has_value();
+    };
+    const auto considerAll = [&](const std::vector<std::string>& ids) {
+        return std::ranges::any_of(ids, [&](const std::string& id) { return consider(entry(id)); });
+    };
+    if (considerAll(started) ||
+        considerAll({window.applicationId, window.instance, lowered(window.instance)}) ||
+        consider(entryByStartupClass(window)) ||
+        considerAll({window.className, lowered(window.className)}) ||
+        consider(entryThatLaunched(process)))
+        return *shown;
+    if (hidden)
+        return *hidden;
 
     Identity nameless;
     nameless.name = window.className.empty() ? window.instance : window.className;
@@ -87,9 +114,9 @@ std::optional<Identity> DesktopEntries::entryByStartupClass(const ToplevelIdenti
     if (isOutdated_)
         indexStartupClasses();
     for (const std::string& name : {window.className, window.instance}) {
-        const auto found = idsByStartupClass_.find(lowered(name));
-        if (!name.empty() && found != idsByStartupClass_.end())
-            return entry(found->second);
+        const auto found = ownersOfStartupClass_.find(lowered(name));
+        if (!name.empty() && found != ownersOfStartupClass_.end())
+            return entry(found->second.id);
     }
     return std::nullopt;
 }
@@ -106,7 +133,7 @@ std::optional<Identity> DesktopEntries::entryThatLaunched(ProcessId process) {
 
 void DesktopEntries::indexStartupClasses() {
     isOutdated_ = false;
-    idsByStartupClass_.clear();
+    ownersOfStartupClass_.clear();
     GList* all = g_app_info_get_all();
     for (GList* next = all; next; next = next->next) {
         auto* info = G_DESKTOP_APP_INFO(next->data);
@@ -114,8 +141,11 @@ void DesktopEntries::indexStartupClasses() {
         if (!className)
             continue;
         const auto identity = identityOf(info);
-        if (identity && identity->id)
-            idsByStartupClass_.emplace(lowered(className), *identity->id);
+        if (!identity || !identity->id)
+            continue;
+        ClassOwner& owner = ownersOfStartupClass_[lowered(className)];
+        if (owner.id.empty() || (owner.isHidden && !identity->isHidden))
+            owner = {*identity->id, identity->isHidden};
     }
     g_list_free_full(all, g_object_unref);
 }

@@ -6,11 +6,16 @@
 namespace velmorquit {
 
 LinuxApplication::LinuxApplication(std::unique_ptr<ProcessHandle> process, Identity identity,
+                                   const ProcessOrigin& origin, Image picture,
                                    Surroundings surroundings)
     : process_(std::move(process)), identity_(std::move(identity)),
+      icon_(
+          std::make_shared<Icon>(Icon{identity_.iconName, identity_.iconFile, std::move(picture)})),
+      launchDate_(origin.launchDate), isHidden_(identity_.isHidden), isService_(origin.isService),
       surroundings_(std::move(surroundings)) {}
 
 void LinuxApplication::addIdentity(const Identity& identity) {
+    isHidden_ &= identity.isHidden;
     if (!identity.key().empty() && identity.key() != identity_.key())
         otherKeys_.insert(identity.key());
 }
@@ -29,7 +34,31 @@ std::optional<std::string> LinuxApplication::bundlePath() const {
 
 bool LinuxApplication::terminate() {
     const auto windows = surroundings_.windows.lock();
-    return windows && !isTerminated() && windows->askToClose(processId());
+    if (!windows || isTerminated())
+        return false;
+    formerDialogs_.clear();
+    for (const Toplevel& dialog : windows->dialogs(processId()))
+        formerDialogs_.insert(dialog.window);
+    if (policy_ == ActivationPolicy::accessory)
+        return windows->askWithoutWindows(processId());
+    notAsked_ = windows->askToClose(processId());
+    return !notAsked_;
+}
+
+StayReason LinuxApplication::stayReason() {
+    const auto windows = surroundings_.windows.lock();
+    if (!windows || isTerminated())
+        return StayReason::unknown;
+    if (windows->isDeaf(processId()))
+        return StayReason::notResponding;
+    // A dialog that was there before is a question all the same when nothing else can be done.
+    for (const Toplevel& dialog : windows->dialogs(processId())) {
+        if (dialog.isModal || !formerDialogs_.contains(dialog.window))
+            return StayReason::asking;
+    }
+    if (policy_ == ActivationPolicy::accessory)
+        return StayReason::windowless;
+    return notAsked_.value_or(StayReason::unknown);
 }
 
 bool LinuxApplication::forceTerminate() {

@@ -2,6 +2,8 @@
 
 #include "Linux/Applications/DesktopEntries.h"
 #include "Linux/Applications/ProcessHandle.h"
+#include "Linux/Applications/ProcessOrigin.h"
+#include "Linux/Applications/ToplevelSource.h"
 #include "Platform/MainLoop.h"
 #include "Platform/SystemLog.h"
 
@@ -9,13 +11,19 @@
 
 namespace velmorquit {
 
-/// What an application can ask of the workspace that it belongs to.
+/// What an application can ask of the workspace that it belongs to. All of it returns at once.
 class ApplicationWindows {
 public:
     virtual ~ApplicationWindows() = default;
-    /// Asks its windows to close; false when none of them can be asked.
-    virtual bool askToClose(ProcessId process) = 0;
+    /// Asks its windows to close. None when any was asked, else why not.
+    virtual std::optional<StayReason> askToClose(ProcessId process) = 0;
+    /// Asks one that has no windows to quit, if it understands any other way. False when there is
+    /// no other way at all.
+    virtual bool askWithoutWindows(ProcessId process) = 0;
     virtual bool bringToFront(ProcessId process) = 0;
+    virtual std::vector<Toplevel> dialogs(ProcessId process) = 0;
+    /// Whether one of its windows has left a ping unanswered; pings them for the next time.
+    virtual bool isDeaf(ProcessId process) = 0;
 };
 
 /// A process that owns windows, or did.
@@ -31,12 +39,19 @@ public:
         std::weak_ptr<ApplicationWindows> windows;
     };
 
+    /// `picture` is what its window shows where no desktop entry gives an icon.
     LinuxApplication(std::unique_ptr<ProcessHandle> process, Identity identity,
-                     Surroundings surroundings);
+                     const ProcessOrigin& origin, Image picture, Surroundings surroundings);
 
     /// Takes note of a further identity that the process shows.
     void addIdentity(const Identity& identity);
     void setPolicy(ActivationPolicy policy) { policy_ = policy; }
+    /// Whether all that it has shown is meant to be hidden from the user.
+    [[nodiscard]] bool isHidden() const { return isHidden_; }
+    [[nodiscard]] bool isService() const { return isService_; }
+    /// It was a service and its last window has closed.
+    void leave() { hasLeft_ = true; }
+    [[nodiscard]] bool hasLeft() const { return hasLeft_; }
 
     [[nodiscard]] ProcessId processId() const override { return process_->id(); }
     [[nodiscard]] std::optional<std::string> localizedName() const override;
@@ -47,9 +62,12 @@ public:
         return {otherKeys_.begin(), otherKeys_.end()};
     }
     [[nodiscard]] std::optional<std::string> bundlePath() const override;
+    [[nodiscard]] std::optional<WallTime> launchDate() const override { return launchDate_; }
+    [[nodiscard]] std::shared_ptr<const Icon> icon() const override { return icon_; }
     [[nodiscard]] ActivationPolicy activationPolicy() const override { return policy_; }
-    [[nodiscard]] bool isTerminated() const override { return process_->hasEnded(); }
+    [[nodiscard]] bool isTerminated() const override { return hasLeft_ || process_->hasEnded(); }
     bool terminate() override;
+    [[nodiscard]] StayReason stayReason() override;
     /// A polite signal first, the final one two seconds later.
     bool forceTerminate() override;
     bool activate() override;
@@ -58,8 +76,17 @@ private:
     std::unique_ptr<ProcessHandle> process_;
     Identity identity_;
     std::set<std::string> otherKeys_;
+    std::shared_ptr<const Icon> icon_;
+    std::optional<WallTime> launchDate_;
+    bool isHidden_;
+    bool isService_;
+    bool hasLeft_ = false;
     Surroundings surroundings_;
     ActivationPolicy policy_ = ActivationPolicy::regular;
+    /// Why it could not be asked when that was tried last.
+    std::optional<StayReason> notAsked_;
+    /// The dialogs that were open when it was asked.
+    std::set<std::uint64_t> formerDialogs_;
     Handle killing_;
 };
 

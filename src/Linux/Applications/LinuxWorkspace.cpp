@@ -1,7 +1,5 @@
 #include "Linux/Applications/LinuxWorkspace.h"
 
-#include "Linux/Proc/TerminalJobs.h"
-
 #include <algorithm>
 #include <utility>
 
@@ -9,65 +7,11 @@
 
 namespace velmorquit {
 
-/// The windows of the applications, lent to these.
-class LinuxWorkspace::Windows final : public ApplicationWindows {
-public:
-    Windows(MainLoop& loop, ToplevelSource& source) : loop_(loop), source_(source) {}
-
-    bool askToClose(ProcessId process) override {
-        if (hasJob(process))
-            return false;
-        bool isAsked = false;
-        for (const Toplevel& toplevel : source_.toplevels()) {
-            if (toplevel.process != process || toplevel.isDialogOfAnother ||
-                !toplevel.canBeAskedToClose)
-                continue;
-            source_.askToClose(toplevel.window);
-            isAsked = true;
-        }
-        return isAsked;
-    }
-
-    bool bringToFront(ProcessId process) override {
-        std::uint64_t last = 0;
-        for (const Toplevel& toplevel : source_.toplevels()) {
-            if (toplevel.process == process)
-                last = toplevel.window;
-        }
-        if (last != 0)
-            source_.bringToFront(last);
-        return last != 0;
-    }
-
-private:
-    /// A run asks all applications at one go: they share one look at the processes.
-    static constexpr Duration sharedLook = 100ms;
-
-    bool hasJob(ProcessId process) {
-        const Uptime now = loop_.uptime();
-        if (!lookedAt_ || now - *lookedAt_ > sharedLook) {
-            table_ = readProcessTable();
-            owners_.clear();
-            for (const Toplevel& toplevel : source_.toplevels())
-                owners_.insert(toplevel.process);
-            lookedAt_ = now;
-        }
-        return hasTerminalJob(
-            process, table_,
-            {.executable = executableName,
-             .arguments = processArguments,
-             .ownsWindows = [this](ProcessId id) { return owners_.contains(id); }});
-    }
-
-    MainLoop& loop_;
-    ToplevelSource& source_;
-    std::vector<ProcessStat> table_;
-    std::set<ProcessId> owners_;
-    std::optional<Uptime> lookedAt_;
-};
-
-LinuxWorkspace::LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source)
-    : loop_(loop), log_(log), source_(source), windows_(std::make_shared<Windows>(loop, source)) {
+LinuxWorkspace::LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source,
+                               const Means& means)
+    : loop_(loop), log_(log), source_(source),
+      windows_(std::make_shared<WorkspaceWindows>(loop, source, means.askWithoutWindows)),
+      proc_(means.proc) {
     readToplevels();
     watching_ = source_.observe([this] { update(); });
 }
@@ -119,28 +63,47 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
     std::set<WorkspaceEvent> events;
     const std::vector<Toplevel> toplevels = source_.toplevels();
     std::set<ProcessId> owners;
+    std::set<ProcessId> ownersOfAny;
     for (const Toplevel& toplevel : toplevels) {
         if (toplevel.process == ::getpid())
             continue;
-        if (admit(toplevel))
+        if (toplevel.isOrdinary && admit(toplevel))
             events.insert(WorkspaceEvent::launched);
         const Member* member = known(toplevel.process);
         if (!member)
             continue;
-        owners.insert(toplevel.process);
+        if (toplevel.isOrdinary)
+            owners.insert(toplevel.process);
+        ownersOfAny.insert(toplevel.process);
         if (toplevel.window == source_.activeWindow() && frontmost_.lock() != member->application) {
             frontmost_ = member->application;
             events.insert(WorkspaceEvent::activated);
         }
     }
+    events.merge(updatePolicies(owners, ownersOfAny));
+    return events;
+}
+
+/// `owners` have ordinary windows, `ownersOfAny` these or dialogs.
+std::set<WorkspaceEvent> LinuxWorkspace::updatePolicies(const std::set<ProcessId>& owners,
+                                                        const std::set<ProcessId>& ownersOfAny) {
+    std::set<WorkspaceEvent> events;
     for (const Member& member : members_) {
-        const auto policy = owners.contains(member.application->processId())
-                                ? ActivationPolicy::regular
-                                : ActivationPolicy::accessory;
-        if (policy != member.application->activationPolicy())
+        LinuxApplication& application = *member.application;
+        const ProcessId id = application.processId();
+        const bool isRegular = owners.contains(id) && !application.isHidden() &&
+                               !source_.shellProcesses().contains(id);
+        const auto policy = isRegular ? ActivationPolicy::regular : ActivationPolicy::accessory;
+        if (policy != application.activationPolicy())
             events.insert(WorkspaceEvent::policyChanged);
-        member.application->setPolicy(policy);
+        application.setPolicy(policy);
+        if (application.isService() && !ownersOfAny.contains(id) && !application.isTerminated()) {
+            application.leave();
+            events.insert(WorkspaceEvent::terminated);
+        }
     }
+    // Only these: the end of a process is told by what the member holds.
+    std::erase_if(members_, [](const Member& member) { return member.application->hasLeft(); });
     return events;
 }
 
@@ -149,7 +112,7 @@ bool LinuxWorkspace::admit(const Toplevel& toplevel) {
     const ProcessId id = toplevel.process;
     if (Member* member = known(id)) {
         if (member->shown.insert(toplevel.identity).second)
-            member->application->addIdentity(entries_.identify(toplevel.identity, id));
+            member->application->addIdentity(entries_.identify(toplevel.identity, id, {}));
         return false;
     }
     auto process = ProcessHandle::open(id, [this, alive = std::weak_ptr(windows_)] {
@@ -159,10 +122,18 @@ bool LinuxWorkspace::admit(const Toplevel& toplevel) {
     // The window's own process may have ended since it was listed, and its id may be another's now.
     if (!process || !source_.belongsTo(toplevel.window, id))
         return false;
-    members_.push_back({std::make_shared<LinuxApplication>(
-                            std::move(process), entries_.identify(toplevel.identity, id),
-                            LinuxApplication::Surroundings{loop_, log_, windows_}),
-                        {toplevel.identity}});
+    const ProcessOrigin origin = originOf(id, proc_, [this](ProcessId other) {
+        return std::ranges::any_of(source_.toplevels(),
+                                   [other](const Toplevel& one) { return one.process == other; });
+    });
+    auto application = std::make_shared<LinuxApplication>(
+        std::move(process), entries_.identify(toplevel.identity, id, origin.entries), origin,
+        source_.icon(toplevel.window), LinuxApplication::Surroundings{loop_, log_, windows_});
+    // What the window says of itself counts beside what its process was started from.
+    const Identity stated = entries_.identify(toplevel.identity, id, {});
+    if (stated.id)
+        application->addIdentity(stated);
+    members_.push_back({std::move(application), {toplevel.identity}});
     return true;
 }
 

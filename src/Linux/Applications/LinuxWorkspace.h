@@ -2,7 +2,8 @@
 
 #include "Linux/Applications/LinuxApplication.h"
 #include "Linux/Applications/ToplevelSource.h"
-#include "Linux/Proc/ProcessStat.h"
+#include "Linux/Applications/WorkspaceWindows.h"
+#include "Linux/Proc/ProcDirectory.h"
 #include "Platform/MainLoop.h"
 #include "Platform/Subscribers.h"
 #include "Platform/Workspace.h"
@@ -11,14 +12,22 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <string>
 
 namespace velmorquit {
 
 /// The applications of a Linux session: the processes that own ordinary windows.
 class LinuxWorkspace final : public Workspace {
 public:
-    /// All three outlive it.
-    LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source);
+    struct Means {
+        /// Asks a process without windows to quit; may be empty.
+        std::function<void(ProcessId)> askWithoutWindows;
+        /// Where the processes are looked at.
+        std::string proc = "/proc";
+    };
+
+    /// The references outlive it.
+    LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source, const Means& means);
     ~LinuxWorkspace() override;
 
     [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>> runningApplications() override;
@@ -30,7 +39,6 @@ public:
     [[nodiscard]] std::vector<std::string> defaultExclusions() const override;
 
 private:
-    class Windows;
     struct Member {
         std::shared_ptr<LinuxApplication> application;
         /// The identities that its windows have shown, so that each is looked up once.
@@ -41,6 +49,8 @@ private:
     void tellUntold();
     std::set<WorkspaceEvent> readToplevels();
     bool admit(const Toplevel& toplevel);
+    std::set<WorkspaceEvent> updatePolicies(const std::set<ProcessId>& owners,
+                                            const std::set<ProcessId>& ownersOfAny);
     void removeEndedLater();
     void removeEnded();
     [[nodiscard]] Member* known(ProcessId id);
@@ -50,7 +60,8 @@ private:
     SystemLog& log_;
     ToplevelSource& source_;
     DesktopEntries entries_;
-    std::shared_ptr<Windows> windows_;
+    std::shared_ptr<WorkspaceWindows> windows_;
+    ProcDirectory proc_;
     /// In the order in which they appeared.
     std::vector<Member> members_;
     std::weak_ptr<LinuxApplication> frontmost_;

@@ -4,6 +4,7 @@
 #include "Platform/RunningApplication.h"
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,15 +19,21 @@ struct ToplevelIdentity {
     friend auto operator<=>(const ToplevelIdentity&, const ToplevelIdentity&) = default;
 };
 
-/// An ordinary window: one that the user works with, of a program of this computer.
+/// A window of a program of this computer.
 struct Toplevel {
     std::uint64_t window = 0;
     ProcessId process = 0;
     ToplevelIdentity identity;
+    /// One that the user works with. The others are dialogs that no list of windows shows.
+    bool isOrdinary = true;
     /// Belongs to another window or keeps it from being used: a dialog that asks something.
     bool isDialogOfAnother = false;
+    /// Keeps other windows from being used for as long as it is open.
+    bool isModal = false;
     /// Understands being asked to close.
     bool canBeAskedToClose = false;
+    /// Understands being asked whether it still reacts.
+    bool canBePinged = false;
 };
 
 /// A way by which the desktop tells of the windows that are open.
@@ -34,10 +41,14 @@ class ToplevelSource {
 public:
     virtual ~ToplevelSource() = default;
 
-    /// The ordinary windows in the order in which they appeared, as they were a tenth of a second
-    /// ago at the most. One short question to the display server, in which all windows are asked
-    /// about.
+    /// The ordinary windows and the dialogs in the order in which they appeared, as they were a
+    /// tenth of a second ago at the most. One short question to the display server, in which all
+    /// windows are asked about.
     [[nodiscard]] virtual const std::vector<Toplevel>& toplevels() = 0;
+
+    /// The processes that make up the desktop itself: panels, the icons behind the windows, the
+    /// window manager, the compositor, the tray. As old as the last answer of `toplevels`.
+    [[nodiscard]] virtual const std::set<ProcessId>& shellProcesses() const = 0;
 
     /// The window that the user worked with last; 0 when there was none.
     [[nodiscard]] virtual std::uint64_t activeWindow() const = 0;
@@ -47,6 +58,17 @@ public:
 
     /// Brings a window to the front, from another virtual desktop too. Returns at once.
     virtual void bringToFront(std::uint64_t window) = 0;
+
+    /// Asks a window whether it still reacts, unless that was done a moment ago. Returns at once;
+    /// the answer shows in `isDeaf`.
+    virtual void ping(std::uint64_t window) = 0;
+
+    /// Whether the window has left a ping unanswered for some seconds.
+    [[nodiscard]] virtual bool isDeaf(std::uint64_t window) const = 0;
+
+    /// The picture with which the window stands for its program, in a size for lists; empty when it
+    /// has none. A short question to the display server.
+    [[nodiscard]] virtual Image icon(std::uint64_t window) = 0;
 
     /// Whether the window still belongs to that process: asked of the desktop, not read from
     /// memory.

@@ -1,5 +1,6 @@
 #include "Linux/Proc/ProcKernel.h"
 
+#include "Linux/Proc/ControlGroup.h"
 #include "Linux/Proc/ProcessStat.h"
 #include "Linux/Text.h"
 
@@ -159,22 +160,6 @@ ProcessId ProcKernel::responsibleProcess(ProcessId id) const {
         next = byId.find(next->second.parent);
     }
     return id;
-}
-
-std::string_view applicationUnit(std::string_view cgroup) {
-    const std::size_t line = cgroup.starts_with("0::") ? 0 : cgroup.find("\n0::");
-    if (line == std::string_view::npos)
-        return {};
-    const std::size_t begin = cgroup.find("::", line) + 2;
-    const std::string_view path = cgroup.substr(begin, cgroup.find('\n', begin) - begin);
-    for (std::size_t at = 0; at < path.size();) {
-        const std::size_t end = std::min(path.find('/', at + 1), path.size());
-        const std::string_view part = path.substr(at, end - at);
-        if (part.starts_with("/app-") && (part.ends_with(".scope") || part.ends_with(".service")))
-            return path.substr(0, end);
-        at = end;
-    }
-    return {};
 }
 
 std::optional<std::string> ProcKernel::machineModel() const {

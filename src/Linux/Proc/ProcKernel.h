@@ -45,8 +45,4 @@ private:
 /// nobody else maps from a file. None without these lines, as for a kernel thread.
 [[nodiscard]] std::optional<std::uint64_t> footprintFromStatus(std::string_view status);
 
-/// The unit of one application that a process is in, from what `/proc/PID/cgroup` holds: the path
-/// of the control group of an `app-….scope` or `app-….service`; empty when it is in none.
-[[nodiscard]] std::string_view applicationUnit(std::string_view cgroup);
-
 } // namespace velmorquit

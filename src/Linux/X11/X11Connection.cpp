@@ -20,10 +20,20 @@ std::optional<X11Connection> X11Connection::open() {
         xcb_disconnect(connection);
         return std::nullopt;
     }
+    return X11Connection(connection, number);
+}
+
+X11Connection::X11Connection(xcb_connection_t* connection, int screenNumber)
+    : connection_(connection), screenNumber_(screenNumber) {
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
-    for (; number > 0 && screens.rem > 1; --number)
+    for (int number = screenNumber; number > 0 && screens.rem > 1; --number)
         xcb_screen_next(&screens);
-    return X11Connection(connection, screens.data);
+    screen_ = screens.data;
+}
+
+void X11Connection::selectRootEvents(std::uint32_t mask) {
+    xcb_change_window_attributes(get(), root(), XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(get());
 }
 
 xcb_atom_t X11Connection::atom(const std::string& name) {
@@ -65,6 +75,11 @@ X11Connection::numbersOfWindow(xcb_get_property_cookie_t cookie) {
     if (!values.empty())
         std::memcpy(values.data(), xcb_get_property_value(reply.get()), 4 * values.size());
     return values;
+}
+
+std::vector<std::uint32_t> X11Connection::numbers(xcb_window_t window, const std::string& name,
+                                                  std::uint32_t offset, std::uint32_t count) {
+    return numbers(xcb_get_property(get(), 0, window, atom(name), XCB_ATOM_ANY, offset, count));
 }
 
 std::optional<std::uint32_t> X11Connection::number(xcb_window_t window, const std::string& name) {

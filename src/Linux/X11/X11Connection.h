@@ -21,6 +21,10 @@ public:
     [[nodiscard]] xcb_connection_t* get() const { return connection_.get(); }
     [[nodiscard]] const xcb_screen_t& screen() const { return *screen_; }
     [[nodiscard]] xcb_window_t root() const { return screen_->root; }
+    [[nodiscard]] int screenNumber() const { return screenNumber_; }
+
+    /// Of the root window, the server tells this connection these events and no others.
+    void selectRootEvents(std::uint32_t mask);
 
     /// The atom of that name; asks the server the first time.
     [[nodiscard]] xcb_atom_t atom(const std::string& name);
@@ -36,6 +40,11 @@ public:
     [[nodiscard]] std::optional<std::vector<std::uint32_t>>
     numbersOfWindow(xcb_get_property_cookie_t cookie);
 
+    /// Waits for a part of a property, which may be large: `count` numbers from the one at `offset`
+    /// on, fewer where it ends before.
+    [[nodiscard]] std::vector<std::uint32_t> numbers(xcb_window_t window, const std::string& name,
+                                                     std::uint32_t offset, std::uint32_t count);
+
     [[nodiscard]] std::optional<std::uint32_t> number(xcb_window_t window, const std::string& name);
 
     /// Sends a client message about `window` to `receiver`, which is it itself or the root window.
@@ -46,10 +55,10 @@ private:
     struct Disconnect {
         void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
     };
-    X11Connection(xcb_connection_t* connection, xcb_screen_t* screen)
-        : connection_(connection), screen_(screen) {}
+    X11Connection(xcb_connection_t* connection, int screenNumber);
 
     std::unique_ptr<xcb_connection_t, Disconnect> connection_;
+    int screenNumber_;
     xcb_screen_t* screen_;
     std::map<std::string, xcb_atom_t, std::less<>> atoms_;
 };

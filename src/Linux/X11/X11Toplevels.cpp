@@ -1,11 +1,7 @@
 #include "Linux/X11/X11Toplevels.h"
 
-#include "Linux/Text.h"
-
 #include <algorithm>
-#include <array>
-
-#include <unistd.h>
+#include <string>
 
 namespace velmorquit {
 
@@ -18,25 +14,15 @@ constexpr Duration burst = 30ms;
 /// One run asks all windows at one go: they share one look at them.
 constexpr Duration freshness = 100ms;
 
-/// The text before the first NUL: a property may hold several.
-std::string firstText(const std::string& bytes) { return bytes.substr(0, bytes.find('\0')); }
-
-std::string hostName() {
-    std::array<char, 256> name{};
-    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
-}
-
-bool holds(const std::vector<std::uint32_t>& atoms, xcb_atom_t atom) {
-    return std::ranges::find(atoms, atom) != atoms.end();
+bool holds(const std::vector<xcb_window_t>& windows, xcb_window_t window) {
+    return std::ranges::find(windows, window) != windows.end();
 }
 
 } // namespace
 
 X11Toplevels::X11Toplevels(MainLoop& loop, SystemLog& log, X11Connection connection)
-    : loop_(loop), log_(log), connection_(std::move(connection)) {
-    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_change_window_attributes(connection_.get(), connection_.root(), XCB_CW_EVENT_MASK, &events);
-    xcb_flush(connection_.get());
+    : loop_(loop), log_(log), connection_(std::move(connection)), pings_(loop, connection_) {
+    connection_.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
     notifier_.emplace(xcb_get_file_descriptor(connection_.get()), QSocketNotifier::Read);
     QObject::connect(&*notifier_, &QSocketNotifier::activated, &*notifier_,
                      [this] { readEvents(); });
@@ -51,7 +37,10 @@ void X11Toplevels::readEvents() {
     const auto checkAtom = connection_.atom("_NET_SUPPORTING_WM_CHECK");
     const auto activeAtom = connection_.atom("_NET_ACTIVE_WINDOW");
     while (const auto event = owned(xcb_poll_for_event(connection_.get()))) {
-        if ((event->response_type & 0x7f) != XCB_PROPERTY_NOTIFY)
+        const int type = event->response_type & 0x7f;
+        if (type == XCB_CLIENT_MESSAGE)
+            pings_.hear(*reinterpret_cast<xcb_client_message_event_t*>(event.get()));
+        if (type != XCB_PROPERTY_NOTIFY)
             continue;
         const auto atom = reinterpret_cast<xcb_property_notify_event_t*>(event.get())->atom;
         if (atom == listAtom || atom == checkAtom || atom == activeAtom)
@@ -96,7 +85,6 @@ void X11Toplevels::scan() {
         return;
     isOutdated_ = false;
     scannedAt_ = loop_.uptime();
-    ownMachines_.insert(hostName());
     std::vector<xcb_window_t> all =
         connection_.numbers(connection_.request(connection_.root(), "_NET_CLIENT_LIST"));
     const std::size_t listed = all.size();
@@ -105,15 +93,50 @@ void X11Toplevels::scan() {
         if (!holds(all, window))
             all.push_back(window);
     }
-    std::vector<Inquiry> inquiries;
+    std::vector<X11Windows::Inquiry> inquiries;
     inquiries.reserve(all.size());
     for (const xcb_window_t window : all)
-        inquiries.push_back(inquire(window));
+        inquiries.push_back(windows_.inquire(window));
     toplevels_.clear();
+    shellProcesses_ = windows_.processes(shellWindows());
     for (std::size_t index = 0; index < inquiries.size(); ++index) {
-        if (auto toplevel = read(inquiries[index], index < listed, all))
-            toplevels_.push_back(std::move(*toplevel));
+        const auto facts = windows_.read(inquiries[index]);
+        if (facts && (index < listed || facts->isManaged))
+            add(*facts, all);
     }
+    pings_.keep({all.begin(), all.end()});
+}
+
+void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_window_t>& all) {
+    if (facts.kind == X11Windows::Kind::shell)
+        shellProcesses_.insert(facts.toplevel.process);
+    if (facts.kind != X11Windows::Kind::toplevel)
+        return;
+    Toplevel toplevel = facts.toplevel;
+    // To belong to the root window is to belong to all windows of the program.
+    const bool hasOwner = facts.owner == connection_.root() || holds(all, facts.owner);
+    toplevel.isDialogOfAnother = hasOwner || toplevel.isModal;
+    if (toplevel.isOrdinary || toplevel.isDialogOfAnother)
+        toplevels_.push_back(std::move(toplevel));
+}
+
+/// Windows by which parts of the desktop can be known that have no other: the window manager's own,
+/// and those that hold the selections of the compositor and of the tray.
+std::set<xcb_window_t> X11Toplevels::shellWindows() {
+    std::set<xcb_window_t> windows;
+    std::vector<xcb_get_selection_owner_cookie_t> cookies;
+    for (const char* selection : {"_NET_WM_CM_S", "_NET_SYSTEM_TRAY_S"}) {
+        const std::string name = selection + std::to_string(connection_.screenNumber());
+        cookies.push_back(xcb_get_selection_owner(connection_.get(), connection_.atom(name)));
+    }
+    for (const auto cookie : cookies) {
+        if (const auto reply =
+                owned(xcb_get_selection_owner_reply(connection_.get(), cookie, nullptr)))
+            windows.insert(reply->owner);
+    }
+    windows.insert(connection_.number(connection_.root(), "_NET_SUPPORTING_WM_CHECK").value_or(0));
+    windows.erase(XCB_WINDOW_NONE);
+    return windows;
 }
 
 /// A window manager that died may have left its name behind: its own window tells whether it lives.
@@ -128,112 +151,9 @@ void X11Toplevels::readActiveWindow() {
         active_ = window;
 }
 
-X11Toplevels::Inquiry X11Toplevels::inquire(xcb_window_t window) {
-    return {.window = window,
-            .type = connection_.request(window, "_NET_WM_WINDOW_TYPE"),
-            .state = connection_.request(window, "_NET_WM_STATE"),
-            .protocols = connection_.request(window, "WM_PROTOCOLS"),
-            .transientFor = connection_.request(window, "WM_TRANSIENT_FOR"),
-            .wmClass = connection_.request(window, "WM_CLASS"),
-            .machine = connection_.request(window, "WM_CLIENT_MACHINE"),
-            .applicationId = connection_.request(window, "_GTK_APPLICATION_ID"),
-            .processId = connection_.request(window, "_NET_WM_PID"),
-            .client = requestProcess(window),
-            .managed = connection_.request(window, "WM_STATE")};
-}
-
-// Every answer is fetched, whatever the others say: one that is left would stay in memory.
-std::optional<Toplevel> X11Toplevels::read(const Inquiry& inquiry, bool isListed,
-                                           const std::vector<xcb_window_t>& all) {
-    const auto types = connection_.numbers(inquiry.type);
-    const auto states = connection_.numbers(inquiry.state);
-    const auto protocols = connection_.numbers(inquiry.protocols);
-    const auto transientFor = connection_.numbers(inquiry.transientFor);
-    const std::string wmClass = connection_.bytes(inquiry.wmClass);
-    const std::string machine = firstText(connection_.bytes(inquiry.machine));
-    const std::string applicationId = firstText(connection_.bytes(inquiry.applicationId));
-    const auto statedProcess = connection_.numbers(inquiry.processId);
-    const ProcessId serverProcess = process(inquiry.client);
-    const auto managed = connection_.numbersOfWindow(inquiry.managed);
-
-    constexpr std::uint32_t withdrawn = 0;
-    const bool isManaged = managed && !managed->empty() && managed->front() != withdrawn;
-    const bool isThere = isListed ? managed.has_value() : isManaged;
-    const bool isHere = ownMachines_.contains(machine);
-    if (!isThere || !isOrdinary(types, states) || (!machine.empty() && !isHere))
-        return std::nullopt;
-
-    Toplevel toplevel;
-    toplevel.window = inquiry.window;
-    // The server knows by its socket who is at the other end. What a window states of itself may be
-    // a number inside a sandbox, or of another computer where it doesn't say which one it is on.
-    toplevel.process = serverProcess;
-    if (toplevel.process <= 0 && isHere && !statedProcess.empty())
-        toplevel.process = static_cast<ProcessId>(statedProcess.front());
-    if (toplevel.process <= 0)
-        return std::nullopt;
-    const std::string instance = firstText(wmClass);
-    toplevel.identity = {
-        .instance = utf8(instance),
-        .className = utf8(firstText(wmClass.substr(std::min(instance.size() + 1, wmClass.size())))),
-        .applicationId = utf8(applicationId)};
-    // To belong to the root window is to belong to all windows of the program.
-    const bool hasOwner =
-        !transientFor.empty() && transientFor.front() != inquiry.window &&
-        (transientFor.front() == connection_.root() || holds(all, transientFor.front()));
-    toplevel.isDialogOfAnother = hasOwner || holds(states, connection_.atom("_NET_WM_STATE_MODAL"));
-    toplevel.canBeAskedToClose = holds(protocols, connection_.atom("WM_DELETE_WINDOW"));
-    return toplevel;
-}
-
-/// A window states its types in order of preference; one without any that is known is an ordinary
-/// one: programs older than the types have none.
-bool X11Toplevels::isOrdinary(const std::vector<std::uint32_t>& types,
-                              const std::vector<std::uint32_t>& states) {
-    if (holds(states, connection_.atom("_NET_WM_STATE_SKIP_TASKBAR")))
-        return false;
-    for (const std::uint32_t type : types) {
-        for (const char* name : {"NORMAL", "DIALOG"}) {
-            if (type == connection_.atom(std::string("_NET_WM_WINDOW_TYPE_") + name))
-                return true;
-        }
-        for (const char* name :
-             {"DESKTOP", "DOCK", "TOOLBAR", "MENU", "UTILITY", "SPLASH", "DROPDOWN_MENU",
-              "POPUP_MENU", "TOOLTIP", "NOTIFICATION", "COMBO", "DND"}) {
-            if (type == connection_.atom(std::string("_NET_WM_WINDOW_TYPE_") + name))
-                return false;
-        }
-    }
-    return true;
-}
-
-std::optional<xcb_res_query_client_ids_cookie_t> X11Toplevels::requestProcess(xcb_window_t window) {
-    // A request of an extension that the server lacks would end the connection.
-    const auto* extension = xcb_get_extension_data(connection_.get(), &xcb_res_id);
-    if (!extension || !extension->present)
-        return std::nullopt;
-    const xcb_res_client_id_spec_t wanted{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    return xcb_res_query_client_ids(connection_.get(), 1, &wanted);
-}
-
-ProcessId X11Toplevels::process(const std::optional<xcb_res_query_client_ids_cookie_t>& cookie) {
-    const auto reply =
-        cookie ? owned(xcb_res_query_client_ids_reply(connection_.get(), *cookie, nullptr))
-               : nullptr;
-    if (!reply)
-        return 0;
-    for (auto ids = xcb_res_query_client_ids_ids_iterator(reply.get()); ids.rem > 0;
-         xcb_res_client_id_value_next(&ids)) {
-        const bool isProcess = ids.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID;
-        if (isProcess && xcb_res_client_id_value_value_length(ids.data) >= 1)
-            return static_cast<ProcessId>(*xcb_res_client_id_value_value(ids.data));
-    }
-    return 0;
-}
-
 bool X11Toplevels::belongsTo(std::uint64_t window, ProcessId id) {
     const auto asked = static_cast<xcb_window_t>(window);
-    const ProcessId known = process(requestProcess(asked));
+    const ProcessId known = windows_.process(asked);
     const bool isSame =
         known > 0 ? known == id
                   : connection_.number(asked, "_NET_WM_PID") == static_cast<std::uint32_t>(id);
@@ -248,6 +168,17 @@ void X11Toplevels::askToClose(std::uint64_t window) {
     connection_.sendMessage(receiver, receiver, "WM_PROTOCOLS",
                             {connection_.atom("WM_DELETE_WINDOW"), XCB_CURRENT_TIME});
     readEvents();
+}
+
+void X11Toplevels::ping(std::uint64_t window) {
+    pings_.ping(static_cast<xcb_window_t>(window));
+    readEvents();
+}
+
+Image X11Toplevels::icon(std::uint64_t window) {
+    Image image = windows_.icon(static_cast<xcb_window_t>(window));
+    readEvents();
+    return image;
 }
 
 void X11Toplevels::bringToFront(std::uint64_t window) {

@@ -34,8 +34,10 @@ Task QuitController::pollTargets(Uptime deadline) {
             finish(AfterSteps::run);
             co_return;
         }
+        askWindowless(running);
         if (desktop_.loop.uptime() < deadline)
             continue;
+        stayReasons = reasonsOf(running);
         stubborn = std::move(running);
         if (!is<phases::Waiting>(phase)) {
             emit(events::StubbornApps{});
@@ -51,6 +53,31 @@ std::vector<OpenApp> QuitController::targetsStillRunning() const {
     std::ranges::copy_if(targets_, std::back_inserter(running),
                          [](const OpenApp& target) { return !target.app->isTerminated(); });
     return running;
+}
+
+// Some close their windows and go on in the tray or in the background. They still have to quit, and
+// may understand being told so; most that lose their last window are gone a moment later by
+// themselves.
+void QuitController::askWindowless(const std::vector<OpenApp>& running) {
+    const Uptime now = desktop_.loop.uptime();
+    for (const OpenApp& app : running) {
+        if (app.app->activationPolicy() == ActivationPolicy::regular) {
+            windowlessSince_.erase(app.id);
+            continue;
+        }
+        std::optional<Uptime>& since = windowlessSince_.try_emplace(app.id, now).first->second;
+        if (!since || now - *since < windowlessPatience || isExcluded(app))
+            continue;
+        since.reset();
+        app.app->terminate();
+    }
+}
+
+std::map<ProcessId, StayReason> QuitController::reasonsOf(const std::vector<OpenApp>& running) {
+    std::map<ProcessId, StayReason> reasons;
+    for (const OpenApp& app : running)
+        reasons.emplace(app.id, app.app->stayReason());
+    return reasons;
 }
 
 std::vector<std::string> QuitController::forceQuitStubborn() {
@@ -82,7 +109,9 @@ void QuitController::finish(AfterSteps steps) {
     // What was closed has to be remembered here: the refresh and all that follows may take long,
     // and may be the last thing that this session sees.
     stubborn = {};
+    stayReasons = {};
     targets_.clear();
+    windowlessSince_.clear();
     refresh();
     const PowerAction action = std::exchange(pendingAction_, PowerAction::none);
     if (steps == AfterSteps::skip) {

@@ -6,7 +6,7 @@
 namespace velmorquit {
 
 QuitController::QuitController(const Desktop& desktop)
-    : apps(desktop.loop), phase(desktop.loop), stubborn(desktop.loop),
+    : apps(desktop.loop), phase(desktop.loop), stubborn(desktop.loop), stayReasons(desktop.loop),
       systemMemory(desktop.loop, MemoryMonitor::system(desktop.kernel)), excluded(desktop.loop),
       afterQuit(desktop.loop), resultNote(desktop.loop), desktop_(desktop) {
     loadPreferences();

@@ -10,6 +10,7 @@
 #include "Services/QuitController/OpenApp.h"
 #include "Services/QuitController/Phase.h"
 
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -24,6 +25,9 @@ class QuitController {
 public:
     static constexpr Duration gracePeriod = 6s;
     static constexpr Duration pollInterval = 250ms;
+    /// How long an application may live on without windows before it is asked once more, in the
+    /// way that is left.
+    static constexpr Duration windowlessPatience = 1s;
     static constexpr Duration refreshInterval = 2500ms;
     static constexpr Duration resultTime = 8s;
 
@@ -35,6 +39,8 @@ public:
     Published<Phase> phase;
     /// Those still open after the grace period of the present run.
     Published<std::vector<OpenApp>> stubborn;
+    /// Why each of the stubborn ones is still there, by process.
+    Published<std::map<ProcessId, StayReason>> stayReasons;
     Published<MemoryMonitor::SystemMemory> systemMemory;
     /// Exclusion keys of the applications that a run leaves alone.
     Published<std::set<std::string>> excluded;
@@ -99,6 +105,9 @@ private:
 
     Task pollTargets(Uptime deadline);
     [[nodiscard]] std::vector<OpenApp> targetsStillRunning() const;
+    void askWindowless(const std::vector<OpenApp>& running);
+    [[nodiscard]] static std::map<ProcessId, StayReason>
+    reasonsOf(const std::vector<OpenApp>& running);
     void finish(AfterSteps steps);
     [[nodiscard]] RunResult countClosed() const;
     Task afterApps(RunResult result, PowerAction action);
@@ -109,6 +118,8 @@ private:
     Desktop desktop_;
     PowerAction pendingAction_ = PowerAction::none;
     std::vector<OpenApp> targets_;
+    /// When targets were first seen without windows; those that were asked once more have no time.
+    std::map<ProcessId, std::optional<Uptime>> windowlessSince_;
     /// Counts the poll loops, so that one that was interrupted by a callback knows that it is over.
     int pollNumber_ = 0;
     /// The result of a run that has ended while what follows it has not begun.

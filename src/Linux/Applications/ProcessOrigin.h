@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Linux/Proc/ProcDirectory.h"
+#include "Platform/Time.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// How a process came to run.
+struct ProcessOrigin {
+    /// The desktop entries, without ".desktop", that it may have been started from, most likely
+    /// first; empty when its unit doesn't say or was made for another program.
+    std::vector<std::string> entries;
+    /// The session or its bus keeps it as a background service.
+    bool isService = false;
+    std::optional<WallTime> launchDate;
+};
+
+/// Looks at a process. Whatever a program starts is in its unit as well: the unit names the first
+/// one in there that owns windows.
+[[nodiscard]] ProcessOrigin originOf(ProcessId process, const ProcDirectory& proc,
+                                     const std::function<bool(ProcessId)>& ownsWindows);
+
+} // namespace velmorquit

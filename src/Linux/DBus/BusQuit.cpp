@@ -1,0 +1,117 @@
+#include "Linux/DBus/BusQuit.h"
+
+#include "Linux/Proc/ControlGroup.h"
+#include "Linux/Proc/ProcDirectory.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+
+#include <functional>
+
+namespace velmorquit {
+
+namespace {
+
+const QString playerPrefix = QStringLiteral("org.mpris.MediaPlayer2.");
+const QString playerPath = QStringLiteral("/org/mpris/MediaPlayer2");
+const QString playerInterface = QStringLiteral("org.mpris.MediaPlayer2");
+const QString actions = QStringLiteral("org.gtk.Actions");
+
+QDBusMessage busCall(const QString& method) {
+    return QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                          "org.freedesktop.DBus", method);
+}
+
+/// Whoever is called is there: nobody is started in order to be asked to quit.
+QDBusMessage call(const QString& name, const QString& path, const QString& interface,
+                  const QString& method) {
+    QDBusMessage message = QDBusMessage::createMethodCall(name, path, interface, method);
+    message.setAutoStartService(false);
+    return message;
+}
+
+/// Sends without waiting; an error is an answer that nobody hears.
+void ask(QDBusConnection& bus, QObject& owner, const QDBusMessage& message,
+         std::function<void(const QDBusMessage&)> done) {
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), &owner);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &owner,
+                     [done = std::move(done)](QDBusPendingCallWatcher* finished) {
+                         finished->deleteLater();
+                         if (!finished->isError())
+                             done(finished->reply());
+                     });
+}
+
+} // namespace
+
+void BusQuit::quit(ProcessId process) {
+    ask(bus_, *this, busCall("ListNames"), [this, process](const QDBusMessage& reply) {
+        for (const QString& name : reply.arguments().value(0).toStringList()) {
+            if (!name.startsWith(':') && name != "org.freedesktop.DBus")
+                askOwner(name, process);
+        }
+    });
+}
+
+void BusQuit::askOwner(const QString& name, ProcessId process) {
+    QDBusMessage question = busCall("GetConnectionUnixProcessID");
+    question << name;
+    ask(bus_, *this, question, [this, name, process](const QDBusMessage& reply) {
+        const auto owner = static_cast<ProcessId>(reply.arguments().value(0).toUInt());
+        if (owner > 0 && speaksFor(owner, process))
+            askName(name);
+    });
+}
+
+// In a sandbox it is a broker outside that talks to the bus, in the same unit as the program.
+bool BusQuit::speaksFor(ProcessId owner, ProcessId process) const {
+    if (owner == process)
+        return true;
+    const ProcDirectory proc(proc_);
+    const std::string ofProcess = proc.read(process, "cgroup");
+    const std::string ofOwner = proc.read(owner, "cgroup");
+    const std::string_view unit = applicationUnit(ofProcess);
+    return isSandbox(unit) && applicationUnit(ofOwner) == unit;
+}
+
+void BusQuit::askName(const QString& name) {
+    if (name.startsWith(playerPrefix))
+        askPlayer(name);
+    else
+        askApplication(name);
+}
+
+void BusQuit::askPlayer(const QString& name) {
+    QDBusMessage question = call(name, playerPath, "org.freedesktop.DBus.Properties", "Get");
+    question << playerInterface << "CanQuit";
+    ask(bus_, *this, question, [this, name](const QDBusMessage& reply) {
+        if (qvariant_cast<QDBusVariant>(reply.arguments().value(0)).variant().toBool())
+            bus_.asyncCall(call(name, playerPath, playerInterface, "Quit"));
+    });
+}
+
+// The object of an application lies at its name, with slashes for dots.
+void BusQuit::askApplication(const QString& name) {
+    QString path = '/' + name;
+    path.replace('.', '/').replace('-', '_');
+    QDBusMessage question = call(name, path, actions, "Describe");
+    question << "quit";
+    ask(bus_, *this, question, [this, name, path](const QDBusMessage& reply) {
+        bool isEnabled = false;
+        const auto description = reply.arguments().value(0).value<QDBusArgument>();
+        if (reply.signature() != "(bgav)")
+            return;
+        description.beginStructure();
+        description >> isEnabled;
+        description.endStructure();
+        if (!isEnabled)
+            return;
+        QDBusMessage activation = call(name, path, actions, "Activate");
+        activation << "quit" << QVariantList() << QVariantMap();
+        bus_.asyncCall(activation);
+    });
+}
+
+} // namespace velmorquit

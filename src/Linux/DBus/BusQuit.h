@@ -1,0 +1,34 @@
+#pragma once
+
+#include "Platform/RunningApplication.h"
+
+#include <QDBusConnection>
+#include <QObject>
+
+#include <string>
+
+namespace velmorquit {
+
+/// Asks programs to quit by what they offer on the session bus: the `quit` action of an application
+/// (`org.gtk.Actions`), or a media player's own Quit (MPRIS). For those that have no windows.
+class BusQuit final : public QObject {
+public:
+    explicit BusQuit(QDBusConnection bus, std::string proc = "/proc")
+        : bus_(std::move(bus)), proc_(std::move(proc)) {}
+
+    /// Asks whatever of this process is on the bus, or of its sandbox. Returns at once; nothing
+    /// tells whether there was anybody to ask.
+    void quit(ProcessId process);
+
+private:
+    void askOwner(const QString& name, ProcessId process);
+    void askName(const QString& name);
+    void askPlayer(const QString& name);
+    void askApplication(const QString& name);
+    [[nodiscard]] bool speaksFor(ProcessId owner, ProcessId process) const;
+
+    QDBusConnection bus_;
+    std::string proc_;
+};
+
+} // namespace velmorquit

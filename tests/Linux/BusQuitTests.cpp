@@ -1,0 +1,97 @@
+#include "Linux/DBus/BusQuit.h"
+#include "support/Child.h"
+#include "support/Waiting.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include <unistd.h>
+
+namespace velmorquit {
+namespace {
+
+/// Stands for every object of a program: a media player and an application in one.
+class Program final : public QDBusVirtualObject {
+public:
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        const QString call = message.path() + ' ' + message.member();
+        if (message.member() == "Get") {
+            bus.send(message.createReply(QVariant::fromValue(QDBusVariant(canQuit))));
+        } else if (message.member() == "Describe" && message.arguments() == QVariantList{"quit"}) {
+            QDBusArgument description;
+            description.beginStructure();
+            description << canQuit << QDBusSignature("g");
+            description.beginArray(QMetaType::fromType<QDBusVariant>());
+            description.endArray();
+            description.endStructure();
+            bus.send(message.createReply(QVariant::fromValue(description)));
+        } else {
+            calls << call;
+            if (message.member() == "Activate")
+                calls.back() += " (" + message.signature() + ')';
+        }
+        return true;
+    }
+
+    bool canQuit = true;
+    QStringList calls;
+};
+
+class BusQuitTest : public testing::Test {
+protected:
+    BusQuitTest() {
+        EXPECT_TRUE(waitUntil([this] { return server_.output().ends_with('\n'); }));
+        EXPECT_TRUE(theirs().registerVirtualObject("/", &program, QDBusConnection::SubPath));
+        for (const char* name : {"org.mpris.MediaPlayer2.player", "org.example.Some-App"})
+            EXPECT_TRUE(theirs().registerService(name));
+    }
+    ~BusQuitTest() override {
+        QDBusConnection::disconnectFromBus("ours");
+        QDBusConnection::disconnectFromBus("theirs");
+    }
+
+    QDBusConnection connect(const QString& name) {
+        return QDBusConnection::connectToBus(
+            QString::fromStdString(server_.output()).section('\n', 0, 0), name);
+    }
+    QDBusConnection theirs() { return connect("theirs"); }
+
+    Child server_{{"dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog",
+                   "--print-address=1", "--address=unix:tmpdir=/tmp"}};
+    Program program;
+};
+
+TEST_F(BusQuitTest, AsksThePlayerAndTheApplicationOfAProcess) {
+    BusQuit quit(connect("ours"));
+    quit.quit(::getpid());
+    EXPECT_TRUE(waitUntil([&] { return program.calls.size() == 2; }));
+    program.calls.sort();
+    EXPECT_EQ(program.calls, (QStringList{"/org/example/Some_App Activate (sava{sv})",
+                                          "/org/mpris/MediaPlayer2 Quit"}));
+}
+
+TEST_F(BusQuitTest, LeavesAloneOthersAndThoseThatCannotQuit) {
+    BusQuit quit(connect("ours"));
+    quit.quit(::getppid());
+    program.canQuit = false;
+    quit.quit(::getpid());
+    linger(300);
+    EXPECT_TRUE(program.calls.isEmpty()) << program.calls.join(' ').toStdString();
+}
+
+TEST_F(BusQuitTest, MayGoWhileItAsksAndNeedsNoBus) {
+    std::make_unique<BusQuit>(connect("ours"))->quit(::getpid());
+    BusQuit nowhere(QDBusConnection("none"));
+    nowhere.quit(::getpid());
+    linger(200);
+}
+
+} // namespace
+} // namespace velmorquit
