@@ -69,9 +69,9 @@ protected:
     std::shared_ptr<LinuxApplication> application(const Child& child) {
         Identity identity;
         identity.name = "Sleep";
-        return std::make_shared<LinuxApplication>(
-            ProcessHandle::open(child.id(), [] {}), identity, ProcessOrigin(), Image(),
-            LinuxApplication::Surroundings{loop, log, {}});
+        return std::make_shared<LinuxApplication>(ProcessHandle::open(child.id(), [] {}), identity,
+                                                  ProcessOrigin(), Image(),
+                                                  LinuxApplication::Surroundings{loop, log, {}});
     }
 
     QtMainLoop loop;

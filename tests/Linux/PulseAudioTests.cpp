@@ -87,8 +87,14 @@ TEST_F(PulseAudioTest, WithoutAServerOrWithOneThatHangsItSaysNobody) {
     startServer();
     server_->send(SIGSTOP);
     EXPECT_TRUE(busy().empty());
+    std::optional<std::vector<ProcessId>> answer;
+    audio.busyProcesses([&](const auto& processes) { answer = processes; });
+    linger(100);
+    timer.restart();
     server_->send(SIGKILL);
-    EXPECT_TRUE(busy().empty());
+    EXPECT_TRUE(waitUntil([&] { return answer.has_value(); }));
+    EXPECT_LT(timer.elapsed(), 1500) << "its death is noticed before patience is at its end";
+    EXPECT_TRUE(answer->empty());
 }
 
 } // namespace

@@ -8,6 +8,6 @@ OpenApp::OpenApp(std::shared_ptr<RunningApplication> application, std::uint64_t 
     : id(application->processId()), app(std::move(application)),
       name(app->localizedName().value_or(app->bundleIdentifier().value_or("App"))),
       bundleID(app->bundleIdentifier()), otherIdentities(app->otherIdentities()),
-      memory(footprint) {}
+      icon(app->icon()), memory(footprint) {}
 
 } // namespace velmorquit

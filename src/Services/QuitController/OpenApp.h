@@ -16,6 +16,8 @@ struct OpenApp {
     std::optional<std::string> bundleID;
     /// The other identities of the same process; an exclusion of one of them holds for it as well.
     std::vector<std::string> otherIdentities;
+    /// Never null.
+    std::shared_ptr<const Icon> icon;
     /// Memory footprint in bytes, 0 when it is not known.
     std::uint64_t memory = 0;
 
