@@ -1,4 +1,6 @@
 #include "AppDelegate.h"
+#include "Codecs/PreferencesFile.h"
+#include "Language/InstalledLanguage.h"
 #include "Linux/Applications/LinuxWorkspace.h"
 #include "Linux/Autostart/AutostartEntry.h"
 #include "Linux/DBus/BusCommands.h"
@@ -40,6 +42,8 @@ std::filesystem::path ownExecutable() {
 
 int run(int argc, char** argv) {
     JournalLog log;
+    const InstalledLanguage language(forcedLanguage(
+        storedPreference(defaultPreferencesFile(), std::string(languagePreference))));
     AutostartEntry loginItem(AutostartEntry::Folders::fromEnvironment(), ownExecutable());
     if (const auto line = LaunchAtLogin::runSwitches({argv, argv + argc}, loginItem, log)) {
         std::cout << *line << '\n';
@@ -94,7 +98,8 @@ int run(int argc, char** argv) {
         return owners;
     });
     QtProgram program;
-    const AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program});
+    const AppDelegate delegate(
+        {loop, preferences, workspace, kernel, log, commands, program, language.formats()});
     return QApplication::exec();
 }
 

@@ -3,6 +3,7 @@
 namespace velmorquit {
 
 class Application;
+class Formats;
 class Kernel;
 class MainLoop;
 class Preferences;
@@ -19,6 +20,7 @@ struct Desktop {
     SystemLog& log;
     RemoteCommands& remote;
     Application& application;
+    const Formats& formats;
 };
 
 } // namespace velmorquit

@@ -1,5 +1,7 @@
 #include "Services/LaunchAtLogin.h"
 
+#include "Texts/Localized.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -15,17 +17,17 @@ LoginItemStatus set(LoginItem& item, SystemLog& log, bool enabled) {
 std::string describe(LoginItemStatus status) {
     switch (status) {
     case LoginItemStatus::notRegistered:
-        return "disattivo";
+        return localized("disattivo");
     case LoginItemStatus::enabled:
-        return "attivo";
+        return localized("attivo");
     case LoginItemStatus::requiresApproval:
-        return "da approvare in Impostazioni di Sistema → Generali → Elementi di login";
+        return localized("da approvare in Impostazioni di Sistema → Generali → Elementi di login");
     case LoginItemStatus::notFound:
-        return "app non trovata (va lanciata dalla cartella Applicazioni)";
+        return localized("app non trovata (va lanciata dalla cartella Applicazioni)");
     case LoginItemStatus::unknown:
         break;
     }
-    return "sconosciuto";
+    return localized("sconosciuto");
 }
 
 std::optional<std::string> runSwitches(const std::vector<std::string>& arguments, LoginItem& item,
@@ -34,7 +36,7 @@ std::optional<std::string> runSwitches(const std::vector<std::string>& arguments
         {{"--enable-launch-at-login", true}, {"--disable-launch-at-login", false}}};
     for (const auto& [text, enabled] : switches) {
         if (std::ranges::find(arguments, text) != arguments.end())
-            return "Avvio automatico: " + describe(set(item, log, enabled));
+            return localized("Avvio automatico: %@", describe(set(item, log, enabled)));
     }
     return std::nullopt;
 }

@@ -1,9 +1,12 @@
 #include "Services/PowerAction.h"
 
+#include "Texts/Localized.h"
+
 namespace velmorquit {
 
 namespace {
 
+/// The last three are keys of the string table.
 struct Texts {
     PowerAction action;
     std::string_view raw;
@@ -13,13 +16,14 @@ struct Texts {
 };
 
 constexpr std::array<Texts, allPowerActions.size()> table{{
-    {PowerAction::none, "none", "Chiudi tutto", "Solo chiudi", "Chiude le app e basta"},
-    {PowerAction::shutDown, "shutDown", "Chiudi e spegni", "Spegni",
-     "Chiude le app, poi spegne il Mac"},
-    {PowerAction::restart, "restart", "Chiudi e riavvia", "Riavvia",
-     "Chiude le app, poi riavvia il Mac"},
-    {PowerAction::logOut, "logOut", "Chiudi ed esci", "Esci utente",
-     "Chiude le app, poi chiude la sessione"},
+    {PowerAction::none, "none", textKey("Chiudi tutto"), textKey("Solo chiudi"),
+     textKey("Chiude le app e basta")},
+    {PowerAction::shutDown, "shutDown", textKey("Chiudi e spegni"), textKey("Spegni"),
+     textKey("Chiude le app, poi spegne il Mac")},
+    {PowerAction::restart, "restart", textKey("Chiudi e riavvia"), textKey("Riavvia"),
+     textKey("Chiude le app, poi riavvia il Mac")},
+    {PowerAction::logOut, "logOut", textKey("Chiudi ed esci"), textKey("Esci utente"),
+     textKey("Chiude le app, poi chiude la sessione")},
 }};
 
 const Texts& textsOf(PowerAction action) { return table[static_cast<std::size_t>(action)]; }
@@ -36,13 +40,13 @@ std::optional<PowerAction> powerActionFromRaw(std::string_view raw) {
     return std::nullopt;
 }
 
-std::string_view buttonTitle(PowerAction action) { return textsOf(action).button; }
+std::string buttonTitle(PowerAction action) { return localized(textsOf(action).button); }
 
-std::string_view label(PowerAction action) { return textsOf(action).label; }
+std::string label(PowerAction action) { return localized(textsOf(action).label); }
 
-std::string_view helpText(PowerAction action) { return textsOf(action).help; }
+std::string helpText(PowerAction action) { return localized(textsOf(action).help); }
 
-std::string_view scheduleTitle(PowerAction action) {
+std::string scheduleTitle(PowerAction action) {
     return action == PowerAction::none ? buttonTitle(action) : label(action);
 }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace velmorquit {
@@ -19,15 +20,15 @@ inline constexpr std::array allPowerActions{PowerAction::none, PowerAction::shut
 [[nodiscard]] std::optional<PowerAction> powerActionFromRaw(std::string_view raw);
 
 /// Caption of the button that closes everything.
-[[nodiscard]] std::string_view buttonTitle(PowerAction action);
+[[nodiscard]] std::string buttonTitle(PowerAction action);
 
 /// Short name of the choice.
-[[nodiscard]] std::string_view label(PowerAction action);
+[[nodiscard]] std::string label(PowerAction action);
 
 /// One sentence on what the choice does.
-[[nodiscard]] std::string_view helpText(PowerAction action);
+[[nodiscard]] std::string helpText(PowerAction action);
 
 /// Title of a quit that is scheduled with this choice.
-[[nodiscard]] std::string_view scheduleTitle(PowerAction action);
+[[nodiscard]] std::string scheduleTitle(PowerAction action);
 
 } // namespace velmorquit

@@ -1,5 +1,7 @@
 #include "Services/RemoteControl.h"
 
+#include "Texts/Localized.h"
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -77,7 +79,7 @@ RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
         return leave();
     if ((verb == "exclude" || verb == "include") && count == 1)
         return setExcluded(arguments.front(), verb == "exclude");
-    return {RemoteAnswer::Status::unknown, "Comando sconosciuto: " + verb};
+    return {RemoteAnswer::Status::unknown, localized("Comando sconosciuto: %@", verb)};
 }
 
 RemoteAnswer RemoteControl::status() {
@@ -97,16 +99,17 @@ RemoteAnswer RemoteControl::quitAll(const std::vector<std::string>& arguments) {
     const auto action =
         arguments.empty() ? PowerAction::none : powerActionFromRaw(arguments.front());
     if (!action)
-        return {RemoteAnswer::Status::unknown, "Azione sconosciuta: " + arguments.front()};
+        return {RemoteAnswer::Status::unknown,
+                localized("Azione sconosciuta: %@", arguments.front())};
     if (controller_.isRunning())
-        return refused("Velmor Quit sta già chiudendo le app.");
+        return refused(localized("Velmor Quit sta già chiudendo le app."));
     controller_.quitAll(*action);
     return done({{"asked", describeAll(controller_.targets())}, {"then", rawValue(*action)}});
 }
 
 RemoteAnswer RemoteControl::force() {
     if (controller_.stubborn->empty())
-        return refused("Nessuna app è rimasta aperta.");
+        return refused(localized("Nessuna app è rimasta aperta."));
     Json forced = describeAll(controller_.stubborn);
     const auto protectedNames = controller_.forceQuitStubborn();
     return done({{"forced", std::move(forced)}, {"refused", protectedNames}});
@@ -114,7 +117,7 @@ RemoteAnswer RemoteControl::force() {
 
 RemoteAnswer RemoteControl::leave() {
     if (!isBusy(controller_.phase))
-        return refused("Non c'è nessuna chiusura in corso.");
+        return refused(localized("Non c'è nessuna chiusura in corso."));
     controller_.leaveStubbornOpen();
     return done(describePhase());
 }
@@ -125,11 +128,11 @@ RemoteAnswer RemoteControl::setExcluded(const std::string& name, bool isExcluded
         return done({{"key", name}, {"excluded", false}});
     const auto apps = named(name);
     if (apps.empty())
-        return refused("Nessuna app aperta si chiama «" + name + "».");
+        return refused(localized("Nessuna app aperta si chiama «%@».", name));
     const std::string& key = apps.front().exclusionKey();
     for (const OpenApp& app : apps) {
         if (app.exclusionKey() != key)
-            return refused("Più app si chiamano «" + name + "»: indica l'id di una.");
+            return refused(localized("Più app si chiamano «%@»: indica l'id di una.", name));
     }
     if (controller_.isExcluded(apps.front()) != isExcluded)
         controller_.toggleExclusion(apps.front());

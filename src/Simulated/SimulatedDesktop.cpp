@@ -39,7 +39,7 @@ std::string SimulatedDesktop::log() const {
 }
 
 Desktop SimulatedDesktop::ports() {
-    return {loop, preferences, workspace, kernel, systemLog, remote, program};
+    return {loop, preferences, workspace, kernel, systemLog, remote, program, formats};
 }
 
 } // namespace velmorquit

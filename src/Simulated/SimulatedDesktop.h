@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Desktop.h"
+#include "Simulated/SimulatedFormats.h"
 #include "Simulated/SimulatedPorts.h"
 #include "Simulated/SimulatedPreferences.h"
 #include "Simulated/SimulatedWorkspace.h"
@@ -42,6 +43,7 @@ public:
     SimulatedAudioProcesses audio{loop};
     SimulatedRemoteCommands remote;
     SimulatedProgram program;
+    SimulatedFormats formats;
 
 private:
     std::vector<std::string> lines_;

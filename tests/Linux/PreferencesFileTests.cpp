@@ -1,3 +1,4 @@
+#include "Codecs/PreferencesFile.h"
 #include "Codecs/PropertyList.h"
 #include "Linux/Preferences/PropertyListPreferences.h"
 #include "Simulated/VirtualLoop.h"

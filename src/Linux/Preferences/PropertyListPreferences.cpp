@@ -1,5 +1,6 @@
 #include "Linux/Preferences/PropertyListPreferences.h"
 
+#include "Codecs/PreferencesFile.h"
 #include "Codecs/PropertyList.h"
 #include "Linux/Descriptor.h"
 #include "Linux/Preferences/FileWatch.h"
@@ -7,7 +8,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
 #include <unistd.h>
@@ -25,8 +25,6 @@ fs::path withSuffix(fs::path file, std::string_view suffix) {
     file += suffix;
     return file;
 }
-
-fs::path previousOf(const fs::path& file) { return withSuffix(file, "~"); }
 
 /// Where symbolic links lead, also when there is nothing.
 fs::path targetOf(fs::path file) {
@@ -89,15 +87,6 @@ std::string utcStamp(WallTime now) {
 }
 
 } // namespace
-
-fs::path defaultPreferencesFile() {
-    const char* configured = std::getenv("XDG_CONFIG_HOME");
-    const char* home = std::getenv("HOME");
-    fs::path directory = configured ? configured : "";
-    if (!directory.is_absolute())
-        directory = fs::path(home ? home : "/") / ".config";
-    return directory / "velmorquit" / "preferences.plist";
-}
 
 /// What a file holds.
 struct PropertyListPreferences::Contents {
@@ -179,13 +168,13 @@ void PropertyListPreferences::start() {
     if (contents.state == Contents::State::good)
         return adopt(std::move(contents));
     if (contents.state == Contents::State::missing) {
-        if (access(previousOf(file).c_str(), F_OK) == 0)
+        if (access(previousPreferencesFile(file).c_str(), F_OK) == 0)
             log_.write(
                 "Velmor Quit: preferenze assenti, si parte da zero; quelle di prima sono in " +
-                previousOf(file).string());
+                previousPreferencesFile(file).string());
         return;
     }
-    Contents previous(previousOf(file));
+    Contents previous(previousPreferencesFile(file));
     const bool hasPrevious = previous.state == Contents::State::good;
     values_ = std::move(previous.values);
     if (contents.state == Contents::State::damaged)
@@ -309,7 +298,7 @@ std::error_code PropertyListPreferences::replace(const fs::path& file, std::stri
 // By a second name for the same file, so that the first one is never missing. Without one that is
 // known to be on the disk the file that is there already is the safer one.
 void PropertyListPreferences::keepPrevious(const fs::path& file) const {
-    const fs::path previous = previousOf(file);
+    const fs::path previous = previousPreferencesFile(file);
     struct stat status{};
     if (!known_ || (onDisk_ != known_ && lstat(previous.c_str(), &status) == 0))
         return;

@@ -20,11 +20,6 @@ namespace velmorquit {
 
 class FileWatch;
 
-/// Where the user's preferences are: `$XDG_CONFIG_HOME/velmorquit/preferences.plist`, below
-/// `~/.config` when that variable is not set or is no absolute path (without `$HOME`, below
-/// `/.config`).
-[[nodiscard]] std::filesystem::path defaultPreferencesFile();
-
 /// The preferences as a property list, held in memory and written whole with every change.
 ///
 /// Beside the file (where a symbolic link leads, if it is one):

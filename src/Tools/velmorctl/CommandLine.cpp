@@ -1,5 +1,7 @@
 #include "CommandLine.h"
 
+#include "Texts/Localized.h"
+
 #include <QMap>
 
 namespace velmorquit {
@@ -19,7 +21,7 @@ const QMap<QString, Command>& commands() {
 }
 
 /// Takes the option at the front of `rest`; a text says what is wrong with it.
-std::optional<QString> takeOption(CommandLine& line, QStringList& rest) {
+std::optional<std::string> takeOption(CommandLine& line, QStringList& rest) {
     const QString option = rest.takeFirst();
     const bool isQuitAll = line.command == Command::quitAll;
     const bool isReport = line.command == Command::status || line.command == Command::watch;
@@ -32,23 +34,23 @@ std::optional<QString> takeOption(CommandLine& line, QStringList& rest) {
         return std::nullopt;
     }
     if (option != "--then" || !isQuitAll)
-        return QStringLiteral("opzione sconosciuta: %1").arg(option);
+        return localized("opzione sconosciuta: %@", option.toStdString());
     static const QStringList choices{"nothing", "shutDown", "restart", "logOut"};
     if (rest.isEmpty() || !choices.contains(rest.first()))
-        return QStringLiteral("--then vuole una di queste parole: %1").arg(choices.join(", "));
+        return localized("--then vuole una di queste parole: %@", choices.join(", ").toStdString());
     line.then = rest.takeFirst();
     return std::nullopt;
 }
 
 } // namespace
 
-std::variant<CommandLine, QString> parseCommandLine(const QStringList& arguments) {
+std::variant<CommandLine, std::string> parseCommandLine(const QStringList& arguments) {
     if (arguments.isEmpty())
-        return QStringLiteral("manca il comando");
+        return localized("manca il comando");
     QStringList rest = arguments;
     const QString word = rest.takeFirst();
     if (!commands().contains(word))
-        return QStringLiteral("comando sconosciuto: %1").arg(word);
+        return localized("comando sconosciuto: %@", word.toStdString());
 
     CommandLine line;
     line.command = commands().value(word);
@@ -57,7 +59,7 @@ std::variant<CommandLine, QString> parseCommandLine(const QStringList& arguments
         // A name may begin with a hyphen and have blanks: all that follows is the name.
         line.name = rest.join(' ').trimmed();
         if (line.name.isEmpty())
-            return QStringLiteral("%1 vuole il nome di un'app").arg(word);
+            return localized("%@ vuole il nome di un'app", word.toStdString());
         return line;
     }
     while (!rest.isEmpty()) {
@@ -67,8 +69,8 @@ std::variant<CommandLine, QString> parseCommandLine(const QStringList& arguments
     return line;
 }
 
-QString usage() {
-    return QStringLiteral(
+std::string usage() {
+    return localized(
         "Uso: velmorctl COMANDO\n"
         "\n"
         "  status [--json]      che cosa è aperto e a che punto è la chiusura\n"

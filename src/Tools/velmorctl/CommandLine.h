@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-#include <optional>
+#include <string>
 #include <variant>
 
 namespace velmorquit {
@@ -28,9 +28,9 @@ struct CommandLine {
 };
 
 /// Reads the arguments, the program's name left out; a text says what is wrong with them.
-[[nodiscard]] std::variant<CommandLine, QString> parseCommandLine(const QStringList& arguments);
+[[nodiscard]] std::variant<CommandLine, std::string> parseCommandLine(const QStringList& arguments);
 
 /// How velmorctl is used.
-[[nodiscard]] QString usage();
+[[nodiscard]] std::string usage();
 
 } // namespace velmorquit

@@ -1,8 +1,9 @@
 #include "Sentences.h"
 
+#include "Table.h"
+#include "Texts/Localized.h"
+
 #include <QJsonArray>
-#include <QLocale>
-#include <QMap>
 #include <QStringList>
 
 #include <algorithm>
@@ -11,46 +12,36 @@ namespace velmorquit {
 
 namespace {
 
-/// At most one decimal for megabytes and two for gigabytes, none that is zero.
-QString bytesText(double bytes) {
-    constexpr double mebibyte = 1 << 20;
-    constexpr double gibibyte = 1 << 30;
-    const bool isLarge = bytes >= gibibyte;
-    const double figure = bytes / (isLarge ? gibibyte : mebibyte);
-    const QLocale locale;
-    QString number = locale.toString(figure, 'f', isLarge ? 2 : 1);
-    const QString point = locale.decimalPoint();
-    while (number.contains(point) && (number.endsWith('0') || number.endsWith(point)))
-        number.chop(1);
-    return number + (isLarge ? " GB" : " MB");
+std::string nameOf(const QJsonValue& application) {
+    return application["name"].toString().toStdString();
 }
 
-QString names(const QJsonArray& applications) {
+std::string names(const QJsonArray& applications) {
     QStringList list;
     for (const auto& application : applications)
         list << application.toObject()["name"].toString();
-    return list.join(", ");
+    return list.join(", ").toStdString();
 }
 
-QString phaseText(const QJsonObject& state) {
+std::string phaseText(const QJsonObject& state, const Formats& formats) {
     const QString phase = state["phase"].toString();
     if (phase == "quitting") {
         const int total = state["total"].toInt();
-        return total == 1 ? QStringLiteral("Chiedo a 1 app di chiudersi")
-                          : QStringLiteral("Chiedo a %1 app di chiudersi").arg(total);
+        return total == 1 ? localized("Chiedo a 1 app di chiudersi")
+                          : localized("Chiedo a %lld app di chiudersi", total);
     }
     if (phase == "waiting")
-        return QStringLiteral("Aspetto una risposta");
+        return localized("Aspetto una risposta");
     if (phase == "done") {
         const int closed = state["closed"].toInt();
-        const QString freed = bytesText(state["freed"].toDouble());
         if (closed == 0)
-            return QStringLiteral("Finito: nessuna app chiusa");
-        return closed == 1
-                   ? QStringLiteral("Finito: 1 app chiusa, %1 liberati").arg(freed)
-                   : QStringLiteral("Finito: %1 app chiuse, %2 liberati").arg(closed).arg(freed);
+            return localized("Finito: nessuna app chiusa");
+        const auto freed = static_cast<std::uint64_t>(state["freed"].toInteger());
+        return closed == 1 ? localized("Finito: 1 app chiusa, %@ liberati", formats.bytes(freed))
+                           : localized("Finito: %lld app chiuse, %@ liberati", closed,
+                                       formats.bytes(freed));
     }
-    return QStringLiteral("Pronta");
+    return localized("Pronta");
 }
 
 bool holds(const QJsonArray& applications, const QJsonObject& wanted) {
@@ -59,30 +50,34 @@ bool holds(const QJsonArray& applications, const QJsonObject& wanted) {
     });
 }
 
-QString rowText(const QJsonObject& application, const QJsonArray& stubborn) {
-    QString remark;
+Table::Row rowFor(const QJsonObject& application, const QJsonArray& stubborn,
+                  const Formats& formats) {
+    std::string remark;
     if (holds(stubborn, application))
-        remark = QStringLiteral("ancora aperta");
+        remark = localized("ancora aperta");
     else if (application["excluded"].toBool())
-        remark = QStringLiteral("esclusa");
+        remark = localized("esclusa");
     const QString id = application["id"].toString();
-    return QStringLiteral("  %1 %2 %3  %4  %5\n")
-        .arg(application["name"].toString(), -22)
-        .arg(bytesText(application["memory"].toDouble()), 10)
-        .arg(application["process"].toInteger(), 8)
-        .arg(id.isEmpty() ? QStringLiteral("—") : id, -28)
-        .arg(remark);
+    const auto memory = static_cast<std::uint64_t>(application["memory"].toInteger());
+    return {nameOf(application), formats.bytes(memory),
+            std::to_string(application["process"].toInteger()),
+            id.isEmpty() ? "—" : id.toStdString(), remark};
 }
 
-QString labelOf(const QString& then) {
-    static const QMap<QString, QString> labels{
-        {"shutDown", "Spegni"}, {"restart", "Riavvia"}, {"logOut", "Esci utente"}};
-    return labels.value(then);
+/// The short name of what follows a run, empty for "nothing".
+std::string labelOf(const QString& then) {
+    if (then == "shutDown")
+        return localized("Spegni");
+    if (then == "restart")
+        return localized("Riavvia");
+    if (then == "logOut")
+        return localized("Esci utente");
+    return {};
 }
 
 } // namespace
 
-QString statusText(const QJsonObject& status) {
+std::string statusText(const QJsonObject& status, const Formats& formats) {
     const QJsonArray stubborn = status["stubborn"].toArray();
     QJsonArray applications = status["applications"].toArray();
     // One that lives on without windows is no open application any more, and yet it is waited for.
@@ -90,49 +85,63 @@ QString statusText(const QJsonObject& status) {
         if (!holds(applications, application.toObject()))
             applications.append(application);
     }
-    QString text = phaseText(status) + ".\n";
+    const std::string phase = phaseText(status, formats) + '\n';
     if (applications.isEmpty())
-        return text + QStringLiteral("Nessuna app aperta.\n");
-    text += applications.size() == 1 ? QStringLiteral("1 app aperta:\n")
-                                     : QStringLiteral("%1 app aperte:\n").arg(applications.size());
+        return phase + localized("Nessuna app aperta") + '\n';
+    Table table({Table::Align::left, Table::Align::right, Table::Align::right, Table::Align::left,
+                 Table::Align::left});
     for (const auto& application : applications)
-        text += rowText(application.toObject(), stubborn);
-    return text;
+        table.add(rowFor(application.toObject(), stubborn, formats));
+    const auto count = applications.size();
+    return phase +
+           (count == 1 ? localized("1 app aperta:") : localized("%lld app aperte:", count)) + '\n' +
+           table.text();
 }
 
-QString changeText(const QJsonObject& change) {
+std::string changeText(const QJsonObject& change, const Formats& formats) {
     const QString kind = change["change"].toString();
+    const std::string name = nameOf(change["application"]);
+    const std::string key = change["key"].toString().toStdString();
     if (kind == "phase")
-        return phaseText(change);
+        return phaseText(change, formats);
     if (kind == "stubborn") {
         const QJsonArray applications = change["applications"].toArray();
         if (applications.isEmpty())
             return {};
-        return (applications.size() == 1 ? QStringLiteral("Ancora aperta: %1")
-                                         : QStringLiteral("Ancora aperte: %1"))
-            .arg(names(applications));
+        return applications.size() == 1 ? localized("Ancora aperta: %@", names(applications))
+                                        : localized("Ancora aperte: %@", names(applications));
     }
     if (kind == "opened")
-        return QStringLiteral("Aperta: %1").arg(change["application"]["name"].toString());
+        return localized("Aperta: %@", name);
     if (kind == "closed")
-        return QStringLiteral("Chiusa: %1").arg(change["application"]["name"].toString());
+        return localized("Chiusa: %@", name);
     if (kind == "windowless")
-        return QStringLiteral("Senza finestre: %1").arg(change["application"]["name"].toString());
+        return localized("Senza finestre: %@", name);
     if (kind == "excluded")
-        return QStringLiteral("Esclusa: %1").arg(change["key"].toString());
+        return localized("Esclusa: %@", key);
     if (kind == "included")
-        return QStringLiteral("Non più esclusa: %1").arg(change["key"].toString());
+        return localized("Non più esclusa: %@", key);
     return {};
 }
 
-QString confirmationQuestion(qsizetype count, const QString& then) {
-    return QStringLiteral("Chiudo %1 app e poi %2?").arg(count).arg(labelOf(then).toLower());
+std::string confirmationQuestion(qsizetype count, const QString& then) {
+    if (then == "shutDown") {
+        return count == 1 ? localized("Chiudo 1 app e poi spengo? [s/N]")
+                          : localized("Chiudo %lld app e poi spengo? [s/N]", count);
+    }
+    if (then == "restart") {
+        return count == 1 ? localized("Chiudo 1 app e poi riavvio? [s/N]")
+                          : localized("Chiudo %lld app e poi riavvio? [s/N]", count);
+    }
+    return count == 1 ? localized("Chiudo 1 app e poi chiudo la sessione? [s/N]")
+                      : localized("Chiudo %lld app e poi chiudo la sessione? [s/N]", count);
 }
 
-QString nothingFollowedText(const QString& then) {
-    if (then == "nothing")
+std::string nothingFollowedText(const QString& then) {
+    const std::string label = labelOf(then);
+    if (label.empty())
         return {};
-    return QStringLiteral("Non faccio altro: «%1» non è ancora disponibile\n").arg(labelOf(then));
+    return localized("Non faccio altro: «%@» non è ancora disponibile", label) + '\n';
 }
 
 } // namespace velmorquit

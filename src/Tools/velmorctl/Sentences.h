@@ -1,20 +1,24 @@
 #pragma once
 
+#include "Platform/Formats.h"
+
 #include <QJsonObject>
 #include <QString>
 
+#include <string>
+
 namespace velmorquit {
 
-/// The answer to `status` for a person: a sentence, then a table.
-[[nodiscard]] QString statusText(const QJsonObject& status);
+/// The answer to `status` for a person: a line on the run, then a table.
+[[nodiscard]] std::string statusText(const QJsonObject& status, const Formats& formats);
 
 /// A change for a person; empty for one that says nothing that another doesn't.
-[[nodiscard]] QString changeText(const QJsonObject& change);
+[[nodiscard]] std::string changeText(const QJsonObject& change, const Formats& formats);
 
-/// The question asked before a run that something follows.
-[[nodiscard]] QString confirmationQuestion(qsizetype count, const QString& then);
+/// The question asked before a run that something follows, with the letters to answer it with.
+[[nodiscard]] std::string confirmationQuestion(qsizetype count, const QString& then);
 
 /// A line on what was not done of what should have followed; empty for "nothing".
-[[nodiscard]] QString nothingFollowedText(const QString& then);
+[[nodiscard]] std::string nothingFollowedText(const QString& then);
 
 } // namespace velmorquit

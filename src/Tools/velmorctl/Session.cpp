@@ -1,6 +1,7 @@
 #include "Session.h"
 
 #include "Sentences.h"
+#include "Texts/Localized.h"
 
 #include <QCoreApplication>
 #include <QDBusMessage>
@@ -8,9 +9,11 @@
 #include <QDBusReply>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLocale>
 #include <QTextStream>
 #include <QTime>
 
+#include <iostream>
 #include <utility>
 
 #include <unistd.h>
@@ -23,7 +26,7 @@ const QString service = QStringLiteral("org.velmorquit.VelmorQuit");
 const QString path = QStringLiteral("/org/velmorquit/VelmorQuit");
 const QString interface = QStringLiteral("org.velmorquit.VelmorQuit1");
 
-void print(const QString& text) { QTextStream(stdout) << text << Qt::flush; }
+void print(const std::string& text) { std::cout << text << std::flush; }
 
 QJsonObject parsed(const QString& json) { return QJsonDocument::fromJson(json.toUtf8()).object(); }
 
@@ -31,6 +34,10 @@ QJsonObject parsed(const QString& json) { return QJsonDocument::fromJson(json.to
 bool isNobodyThere(const QDBusError& error) {
     return error.type() == QDBusError::ServiceUnknown ||
            error.name() == "org.freedesktop.DBus.Error.NameHasNoOwner";
+}
+
+QString saidBy(const QDBusError& error) {
+    return error.message().isEmpty() ? error.name() : error.message();
 }
 
 qsizetype countToQuit(const QJsonObject& status) {
@@ -42,12 +49,13 @@ qsizetype countToQuit(const QJsonObject& status) {
 
 } // namespace
 
-Session::Session(CommandLine line) : line_(std::move(line)) {
+Session::Session(CommandLine line, const Formats& formats)
+    : line_(std::move(line)), formats_(formats) {
     watcher_.setConnection(bus_);
     watcher_.addWatchedService(service);
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
     connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, this,
-            [this] { fail(QStringLiteral("Velmor Quit è terminata."), ExitStatus::notRunning); });
+            [this] { fail(localized("Velmor Quit è terminata."), ExitStatus::notRunning); });
     // Nobody tells of a service any more when the bus itself has gone.
     bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
                  this, SLOT(loseBus()));
@@ -56,7 +64,7 @@ Session::Session(CommandLine line) : line_(std::move(line)) {
 void Session::start() {
     using Command = CommandLine::Command;
     if (!bus_.isConnected()) {
-        fail(QStringLiteral("nessun bus di sessione (DBUS_SESSION_BUS_ADDRESS)."),
+        fail(localized("nessun bus di sessione (DBUS_SESSION_BUS_ADDRESS)."),
              ExitStatus::notRunning);
         return;
     }
@@ -65,7 +73,7 @@ void Session::start() {
         break;
     case Command::status:
         perform("status", {}, [this](const QString& json) {
-            print(line_.wantsJson ? json + '\n' : statusText(parsed(json)));
+            print(line_.wantsJson ? json.toStdString() + '\n' : statusText(parsed(json), formats_));
             end(ExitStatus::success);
         });
         break;
@@ -97,19 +105,17 @@ void Session::perform(const QString& verb, const QStringList& arguments,
     call.setAutoStartService(false);
     call << verb << arguments;
     auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
-    connect(
-        pending, &QDBusPendingCallWatcher::finished, this, [this, pending, done = std::move(done)] {
-            pending->deleteLater();
-            const QDBusReply<QString> reply = *pending;
-            if (reply.isValid())
-                done(reply.value());
-            else if (isNobodyThere(reply.error()))
-                fail(QStringLiteral("Velmor Quit non è in esecuzione."), ExitStatus::notRunning);
-            else
-                fail(reply.error().message().isEmpty() ? reply.error().name()
-                                                       : reply.error().message(),
-                     ExitStatus::failure);
-        });
+    connect(pending, &QDBusPendingCallWatcher::finished, this,
+            [this, pending, done = std::move(done)] {
+                pending->deleteLater();
+                const QDBusReply<QString> reply = *pending;
+                if (reply.isValid())
+                    done(reply.value());
+                else if (isNobodyThere(reply.error()))
+                    fail(localized("Velmor Quit non è in esecuzione."), ExitStatus::notRunning);
+                else
+                    fail(saidBy(reply.error()).toStdString(), ExitStatus::failure);
+            });
 }
 
 void Session::askThenQuitAll() {
@@ -118,17 +124,16 @@ void Session::askThenQuitAll() {
         return;
     }
     if (!::isatty(STDIN_FILENO)) {
-        fail(QStringLiteral("senza un terminale serve --yes: non faccio niente."),
-             ExitStatus::usage);
+        fail(localized("senza un terminale serve --yes: non faccio niente."), ExitStatus::usage);
         return;
     }
     perform("status", {}, [this](const QString& json) {
-        print(confirmationQuestion(countToQuit(parsed(json)), line_.then) + " [s/N] ");
+        print(confirmationQuestion(countToQuit(parsed(json)), line_.then) + ' ');
         const QString answer = QTextStream(stdin).readLine().trimmed().toLower();
         if (QStringList{"s", "si", "sì", "y", "yes"}.contains(answer))
             quitAll();
         else
-            fail(QStringLiteral("annullato: non chiudo niente."), ExitStatus::failure);
+            fail(localized("annullato: non chiudo niente."), ExitStatus::failure);
     });
 }
 
@@ -139,7 +144,7 @@ void Session::quitAll() {
         elapsed_.start();
         const QJsonArray asked = parsed(json)["asked"].toArray();
         if (asked.isEmpty()) {
-            print(QStringLiteral("Non c'è niente da chiudere.\n"));
+            print(localized("Non c'è niente da chiudere.") + '\n');
             print(nothingFollowedText(line_.then));
             end(ExitStatus::success);
             return;
@@ -154,21 +159,22 @@ void Session::hear(const QString& json) {
         watchRun(change);
         return;
     }
-    const QString text = changeText(change);
+    const std::string text = changeText(change, formats_);
     if (line_.wantsJson)
-        print(json + '\n');
-    else if (!text.isEmpty())
-        print(QTime::currentTime().toString("HH:mm:ss.zzz") + "  " + text + '\n');
+        print(json.toStdString() + '\n');
+    else if (!text.empty())
+        print(QTime::currentTime().toString("HH:mm:ss.zzz").toStdString() + "  " + text + '\n');
 }
 
 void Session::watchRun(const QJsonObject& change) {
     // The reply comes before the first change of the run that it is about.
     if (!asked_)
         return;
-    const QString text = changeText(change);
-    if (!text.isEmpty()) {
+    const std::string text = changeText(change, formats_);
+    if (!text.empty()) {
         const double seconds = static_cast<double>(elapsed_.elapsed()) / 1000;
-        print(QStringLiteral("%1 s  %2\n").arg(seconds, 7, 'f', 2).arg(text));
+        const QString figure = QLocale().toString(seconds, 'f', 2).rightJustified(7);
+        print(figure.toStdString() + " s  " + text + '\n');
     }
     if (change["change"] != "phase" || change["phase"] != "done")
         return;
@@ -184,17 +190,18 @@ void Session::report(const QString& verb, const QStringList& arguments) {
         if (refused.isEmpty())
             end(ExitStatus::success);
         else
-            fail(QStringLiteral("il sistema non permette di forzare: %1.").arg(refused.join(", ")),
+            fail(localized("il sistema non permette di forzare: %@.",
+                           refused.join(", ").toStdString()),
                  ExitStatus::failure);
     });
 }
 
 void Session::loseBus() {
-    fail(QStringLiteral("il bus di sessione è terminato."), ExitStatus::notRunning);
+    fail(localized("il bus di sessione è terminato."), ExitStatus::notRunning);
 }
 
-void Session::fail(const QString& why, ExitStatus status) {
-    QTextStream(stderr) << "velmorctl: " << why << '\n' << Qt::flush;
+void Session::fail(const std::string& why, ExitStatus status) {
+    std::cerr << "velmorctl: " << why << '\n' << std::flush;
     end(status);
 }
 

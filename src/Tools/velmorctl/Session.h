@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CommandLine.h"
+#include "Platform/Formats.h"
 
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
@@ -9,6 +10,8 @@
 #include <QObject>
 
 #include <functional>
+#include <optional>
+#include <string>
 
 namespace velmorquit {
 
@@ -18,7 +21,7 @@ class Session final : public QObject {
     Q_OBJECT
 
 public:
-    explicit Session(CommandLine line);
+    Session(CommandLine line, const Formats& formats);
 
     /// Begins; to be called from within the event loop.
     void start();
@@ -34,10 +37,11 @@ private:
     void quitAll();
     void watchRun(const QJsonObject& change);
     void report(const QString& verb, const QStringList& arguments);
-    void fail(const QString& why, ExitStatus status);
+    void fail(const std::string& why, ExitStatus status);
     static void end(ExitStatus status);
 
     CommandLine line_;
+    const Formats& formats_;
     QDBusConnection bus_ = QDBusConnection::sessionBus();
     QDBusServiceWatcher watcher_;
     QElapsedTimer elapsed_;

@@ -1,0 +1,57 @@
+#include "Codecs/PreferencesFile.h"
+
+#include "Codecs/PropertyList.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+
+namespace velmorquit {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// None for what is no property list, or no ordinary file: a pipe would have to be waited for.
+std::optional<Value> decoded(const fs::path& file) {
+    std::error_code unreadable;
+    if (!fs::is_regular_file(file, unreadable))
+        return std::nullopt;
+    std::ifstream stream(file, std::ios::binary);
+    return PropertyList::decode(std::string(std::istreambuf_iterator<char>(stream), {}));
+}
+
+} // namespace
+
+fs::path defaultPreferencesFile() {
+    const char* configured = std::getenv("XDG_CONFIG_HOME");
+    const char* home = std::getenv("HOME");
+    fs::path directory = configured ? configured : "";
+    if (!directory.is_absolute())
+        directory = fs::path(home ? home : "/") / ".config";
+    return directory / "velmorquit" / "preferences.plist";
+}
+
+fs::path previousPreferencesFile(const fs::path& file) {
+    fs::path previous = file;
+    previous += "~";
+    return previous;
+}
+
+std::optional<Value> storedPreference(const fs::path& file, const std::string& key) {
+    std::error_code missing;
+    const fs::path target = fs::canonical(file, missing);
+    if (missing)
+        return std::nullopt;
+    for (const fs::path& state : {target, previousPreferencesFile(target)}) {
+        const auto list = decoded(state);
+        const auto* values = list ? list->as<Value::Dictionary>() : nullptr;
+        if (!values)
+            continue;
+        const auto found = values->find(key);
+        return found == values->end() ? std::nullopt : std::optional(found->second);
+    }
+    return std::nullopt;
+}
+
+} // namespace velmorquit

@@ -1,0 +1,58 @@
+#include "Language/LocalTime.h"
+
+#include <algorithm>
+
+namespace velmorquit::LocalTime {
+
+namespace {
+
+/// Seconds since 1970, of UTC or of a clock on the wall as if that were UTC.
+using Seconds = qint64;
+
+Seconds offsetAt(Seconds utc) { return QDateTime::fromSecsSinceEpoch(utc).offsetFromUtc(); }
+
+Seconds clockAt(Seconds utc) { return utc + offsetAt(utc); }
+
+/// The first instant at which the clock shows `wanted` or, where that is skipped, what comes next.
+Seconds firstInstantAt(Seconds wanted) {
+    // More than any offset, and less than lies between two changes of it.
+    constexpr Seconds margin = 36 * 3600;
+    const auto [smaller, larger] =
+        std::minmax({offsetAt(wanted - margin), offsetAt(wanted + margin)});
+    Seconds earliest = wanted - larger;
+    Seconds latest = wanted - smaller;
+    while (earliest < latest) {
+        const Seconds middle = earliest + (latest - earliest) / 2;
+        if (clockAt(middle) >= wanted)
+            latest = middle;
+        else
+            earliest = middle + 1;
+    }
+    return latest;
+}
+
+WallTime onDay(const QDate& day, ClockTime time) {
+    const QDateTime wanted(day, QTime(time.hour, time.minute), Qt::UTC);
+    return WallTime(std::chrono::seconds(firstInstantAt(wanted.toSecsSinceEpoch())));
+}
+
+} // namespace
+
+QDateTime at(WallTime date) {
+    const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(date);
+    return QDateTime::fromMSecsSinceEpoch(milliseconds.time_since_epoch().count());
+}
+
+WallTime nextOccurrence(ClockTime time, WallTime now) {
+    QDate day = at(now).date();
+    WallTime found = onDay(day, time);
+    while (found <= now) {
+        day = day.addDays(1);
+        found = onDay(day, time);
+    }
+    return found;
+}
+
+WallTime today(ClockTime time, WallTime now) { return onDay(at(now).date(), time); }
+
+} // namespace velmorquit::LocalTime

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace velmorquit {
+
+/// The string table of one language. Its keys are the Italian texts.
+class Localization {
+public:
+    virtual ~Localization() = default;
+
+    /// The text for `key`, with the placeholders of the key still in it; none when the table has
+    /// none, and then the key itself is the text. Quick, on any thread.
+    [[nodiscard]] virtual std::optional<std::string> text(std::string_view key) const = 0;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace velmorquit {
+
+/// Rows of text for a terminal. Columns are as wide as their widest cell: nothing is cut.
+class Table {
+public:
+    enum class Align { left, right };
+    using Row = std::vector<std::string>;
+
+    explicit Table(std::vector<Align> columns) : columns_(std::move(columns)) {}
+
+    /// Adds a row with a cell for each column. What would disturb the terminal becomes a blank.
+    void add(Row row);
+
+    /// A line for each row, indented.
+    [[nodiscard]] std::string text() const;
+
+private:
+    std::vector<Align> columns_;
+    std::vector<Row> rows_;
+};
+
+} // namespace velmorquit
