@@ -21,6 +21,9 @@ Seconds firstInstantAt(Seconds wanted) {
         std::minmax({offsetAt(wanted - margin), offsetAt(wanted + margin)});
     Seconds earliest = wanted - larger;
     Seconds latest = wanted - smaller;
+    // Looked at first: where the clock is set back, later instants show less again.
+    if (clockAt(earliest) >= wanted)
+        return earliest;
     while (earliest < latest) {
         const Seconds middle = earliest + (latest - earliest) / 2;
         if (clockAt(middle) >= wanted)

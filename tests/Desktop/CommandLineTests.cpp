@@ -1,3 +1,4 @@
+#include "Codecs/PropertyList.h"
 #include "Desktop/DesktopStory.h"
 
 #include <cstdlib>
@@ -76,6 +77,26 @@ TEST_F(CommandLine, SaysThatNothingFollowsARun) {
     EXPECT_THAT(answer.text, EndsWith("\nNon faccio altro: «Riavvia» non è ancora disponibile\n"));
     EXPECT_THAT(answer.text, HasSubstr("Finito: 1 app chiusa"));
     EXPECT_FALSE(application.isRunning());
+}
+
+TEST_F(CommandLine, SpeaksTheLanguageThatThePreferencesForceAndCutsNothing) {
+    const std::string english =
+        PropertyList::encode(Value::Dictionary{{"AppleLanguages", Value::Array{"en"}}});
+    write(preferencesFile(), english);
+    EXPECT_EQ(control({"status"}).text, "velmorctl: Velmor Quit isn’t running.\n");
+    startProgram();
+    EXPECT_EQ(control({"leave"}).text, "velmorctl: No apps are being quit at the moment.\n");
+    const std::string name = "An Application With A Name That Is Really Very Long";
+    openRude({"--class", name});
+    openRude({"--class", "日本"});
+    const std::string text = control({"status"}).text;
+    EXPECT_THAT(text, StartsWith("Ready\n2 open apps:\n"));
+    EXPECT_THAT(text, HasSubstr("  " + name + "  "));
+    // Each of these characters is as wide as two letters.
+    EXPECT_THAT(text, HasSubstr("  日本" + std::string(name.size() - 4, ' ') + "  "));
+    const Outcome end = control({"quit-all"});
+    EXPECT_EQ(end.status, 0) << end.text;
+    EXPECT_THAT(end.text, HasSubstr("Done: 2 apps quit, "));
 }
 
 TEST_F(CommandLine, IsRefusedWhatMakesNoSenseNow) {
