@@ -4,9 +4,6 @@
 
 #include <unicode/reldatefmt.h>
 
-#include <cstdlib>
-#include <utility>
-
 namespace velmorquit {
 
 namespace {
@@ -62,8 +59,8 @@ struct LocaleFormats::Words {
     icu::RelativeDateTimeFormatter formatter;
 };
 
-LocaleFormats::LocaleFormats(Language language, QLocale locale)
-    : language_(language), locale_(std::move(locale)) {}
+LocaleFormats::LocaleFormats(Language language, const QLocale& locale)
+    : language_(language), locale_(locale) {}
 
 LocaleFormats::~LocaleFormats() = default;
 

@@ -13,7 +13,7 @@ namespace velmorquit {
 class LocaleFormats final : public Formats {
 public:
     /// `locale` is for figures and times, `language` for dates in words.
-    LocaleFormats(Language language, QLocale locale);
+    LocaleFormats(Language language, const QLocale& locale);
     ~LocaleFormats() override;
 
     [[nodiscard]] std::string shortTime(WallTime date) const override;
