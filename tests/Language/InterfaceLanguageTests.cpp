@@ -73,9 +73,10 @@ protected:
 
     /// "Uso:" or "Usage:", by what the environment says beside a home of its own.
     [[nodiscard]] std::string firstWord(const std::vector<std::string>& variables) const {
-        std::vector<std::string> command{"env", "XDG_CONFIG_HOME=" + folder.string()};
+        std::vector<std::string> command{"env"};
         for (const char* name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"})
             command.push_back("--unset=" + std::string(name));
+        command.push_back("XDG_CONFIG_HOME=" + folder.string());
         command.insert(command.end(), variables.begin(), variables.end());
         command.insert(command.end(), {VELMORCTL, "help"});
         Child child(command);
