@@ -51,6 +51,7 @@ TEST_F(UnsavedLetter, IsWaitedForUntilItsQuestionIsAnswered) {
     ASSERT_TRUE(watch.hasHeard("gone L3afpad"));
     EXPECT_LT(*watch.timeOf("gone L3afpad"), *watch.timeOf("stubborn Mousepad"));
     EXPECT_THAT(names("stubborn"), ElementsAre("Mousepad"));
+    EXPECT_EQ(status()["stubborn"][0]["reason"], "asking");
     EXPECT_TRUE(editor.isRunning());
 
     answerWithSave();
@@ -115,6 +116,7 @@ TEST_F(QuitAll, OneThatLivesOnWithoutWindowsHasNotQuit) {
     Child& application = openRude({"--stay"});
     const auto quitAll = beginQuitAll();
     awaitStubborn({"Rude"});
+    EXPECT_THAT(control({"status"}).text, HasSubstr("ancora in esecuzione, senza finestre"));
     EXPECT_THAT(application.output(), HasSubstr("asked"));
     EXPECT_TRUE(application.isRunning());
     EXPECT_THAT(names("applications"), IsEmpty());

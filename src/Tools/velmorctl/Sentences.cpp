@@ -4,9 +4,6 @@
 #include "Texts/Localized.h"
 
 #include <QJsonArray>
-#include <QStringList>
-
-#include <algorithm>
 
 namespace velmorquit {
 
@@ -16,11 +13,43 @@ std::string nameOf(const QJsonValue& application) {
     return application["name"].toString().toStdString();
 }
 
-std::string names(const QJsonArray& applications) {
-    QStringList list;
+/// An application that is still open, with why it is.
+std::string stubbornName(const QJsonValue& application) {
+    const std::string name = nameOf(application);
+    const QString reason = application["reason"].toString();
+    if (reason == "asking")
+        return localized("%@ (aspetta una tua risposta)", name);
+    if (reason == "windowless")
+        return localized("%@ (senza finestre)", name);
+    if (reason == "cannotBeAsked")
+        return localized("%@ (non si può chiederle di chiudersi)", name);
+    if (reason == "busyTerminal")
+        return localized("%@ (ha un comando in corso)", name);
+    if (reason == "notResponding")
+        return localized("%@ (non risponde)", name);
+    return name;
+}
+
+std::string stubbornRemark(const QJsonValue& application) {
+    const QString reason = application["reason"].toString();
+    if (reason == "asking")
+        return localized("ancora aperta: aspetta una tua risposta");
+    if (reason == "windowless")
+        return localized("ancora in esecuzione, senza finestre");
+    if (reason == "cannotBeAsked")
+        return localized("ancora aperta: non si può chiederle di chiudersi");
+    if (reason == "busyTerminal")
+        return localized("ancora aperta: ha un comando in corso");
+    if (reason == "notResponding")
+        return localized("ancora aperta: non risponde");
+    return localized("ancora aperta");
+}
+
+std::string stubbornNames(const QJsonArray& applications) {
+    std::string names;
     for (const auto& application : applications)
-        list << application.toObject()["name"].toString();
-    return list.join(", ").toStdString();
+        names += (names.empty() ? "" : ", ") + stubbornName(application);
+    return names;
 }
 
 std::string phaseText(const QJsonObject& state, const Formats& formats) {
@@ -44,17 +73,20 @@ std::string phaseText(const QJsonObject& state, const Formats& formats) {
     return localized("Pronta");
 }
 
-bool holds(const QJsonArray& applications, const QJsonObject& wanted) {
-    return std::ranges::any_of(applications, [&](const auto& application) {
-        return application.toObject()["process"] == wanted["process"];
-    });
+/// The element that means the same process, else an undefined value.
+QJsonValue find(const QJsonArray& applications, const QJsonObject& wanted) {
+    for (const auto& application : applications) {
+        if (application.toObject()["process"] == wanted["process"])
+            return application;
+    }
+    return QJsonValue::Undefined;
 }
 
 Table::Row rowFor(const QJsonObject& application, const QJsonArray& stubborn,
                   const Formats& formats) {
     std::string remark;
-    if (holds(stubborn, application))
-        remark = localized("ancora aperta");
+    if (const QJsonValue open = find(stubborn, application); !open.isUndefined())
+        remark = stubbornRemark(open);
     else if (application["excluded"].toBool())
         remark = localized("esclusa");
     const QString id = application["id"].toString();
@@ -82,7 +114,7 @@ std::string statusText(const QJsonObject& status, const Formats& formats) {
     QJsonArray applications = status["applications"].toArray();
     // One that lives on without windows is no open application any more, and yet it is waited for.
     for (const auto& application : stubborn) {
-        if (!holds(applications, application.toObject()))
+        if (find(applications, application.toObject()).isUndefined())
             applications.append(application);
     }
     const std::string phase = phaseText(status, formats) + '\n';
@@ -108,8 +140,9 @@ std::string changeText(const QJsonObject& change, const Formats& formats) {
         const QJsonArray applications = change["applications"].toArray();
         if (applications.isEmpty())
             return {};
-        return applications.size() == 1 ? localized("Ancora aperta: %@", names(applications))
-                                        : localized("Ancora aperte: %@", names(applications));
+        return applications.size() == 1
+                   ? localized("Ancora aperta: %@", stubbornNames(applications))
+                   : localized("Ancora aperte: %@", stubbornNames(applications));
     }
     if (kind == "opened")
         return localized("Aperta: %@", name);
