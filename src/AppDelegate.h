@@ -12,9 +12,14 @@ class AppDelegate {
 public:
     explicit AppDelegate(const Desktop& desktop);
 
+    /// Ends the program in a later turn of the loop. A run that is under way ends first, so that
+    /// whoever waits for it hears of that.
+    void end();
+
 private:
     QuitController controller_;
     RemoteControl remoteControl_;
+    Application& application_;
     TrayItem trayItem_;
 };
 

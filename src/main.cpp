@@ -5,6 +5,7 @@
 #include "Linux/Autostart/AutostartEntry.h"
 #include "Linux/DBus/BusCommands.h"
 #include "Linux/DBus/BusQuit.h"
+#include "Linux/EndSignals.h"
 #include "Linux/JournalLog.h"
 #include "Linux/Preferences/PropertyListPreferences.h"
 #include "Linux/Proc/ProcKernel.h"
@@ -14,11 +15,13 @@
 #include "Services/LaunchAtLogin.h"
 
 #include <QApplication>
+#include <QSessionManager>
 
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <optional>
 #include <set>
 
 namespace velmorquit {
@@ -40,6 +43,40 @@ std::filesystem::path ownExecutable() {
     return std::filesystem::read_symlink("/proc/self/exe", unreadable);
 }
 
+/// The autostart entry starts the program; a session that starts it as well would do it twice.
+void neverRestart(const QApplication& application) {
+    const auto answer = [](QSessionManager& session) {
+        session.setRestartHint(QSessionManager::RestartNever);
+    };
+    for (const auto request :
+         {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest})
+        QObject::connect(&application, request, &application, answer, Qt::DirectConnection);
+}
+
+/// Takes the program's name, or asks the process that has it to show itself and returns the status
+/// with which this one is to end.
+std::optional<int> handOver(BusCommands& commands, SystemLog& log,
+                            const QVariantMap& platformData) {
+    // The process that has the name may be about to end: then the second attempt gets it.
+    for (const std::chrono::milliseconds patience : {3000ms, 500ms}) {
+        switch (commands.claimName()) {
+        case BusCommands::Claim::ours:
+            return std::nullopt;
+        case BusCommands::Claim::noBus:
+            log.write("Velmor Quit: nessun bus di sessione, velmorctl non potrà raggiungermi");
+            return std::nullopt;
+        case BusCommands::Claim::taken:
+            break;
+        }
+        if (commands.showOther(platformData, patience)) {
+            log.write("Velmor Quit: è già in esecuzione");
+            return EXIT_SUCCESS;
+        }
+    }
+    log.write("Velmor Quit: è già in esecuzione, ma non risponde");
+    return EXIT_FAILURE;
+}
+
 int run(int argc, char** argv) {
     JournalLog log;
     const InstalledLanguage language(forcedLanguage(
@@ -50,6 +87,8 @@ int run(int argc, char** argv) {
         return EXIT_SUCCESS;
     }
     surviveTheTerminal();
+    // Before Qt takes it for itself.
+    const QVariantMap platformData = takePlatformData();
     // Qt would end the program with a crash when there is no server.
     auto connection = X11Connection::open();
     if (!connection) {
@@ -71,17 +110,13 @@ int run(int argc, char** argv) {
     QApplication::setDesktopFileName(QStringLiteral("org.velmorquit.VelmorQuit"));
     QApplication::setQuitOnLastWindowClosed(false);
 
-    BusCommands commands;
-    switch (commands.claimName()) {
-    case BusCommands::Claim::ours:
-        break;
-    case BusCommands::Claim::taken:
-        log.write("Velmor Quit: è già in esecuzione");
-        return EXIT_SUCCESS;
-    case BusCommands::Claim::noBus:
-        log.write("Velmor Quit: nessun bus di sessione, velmorctl non potrà raggiungermi");
-        break;
-    }
+    neverRestart(application);
+
+    BusCommands commands(log);
+    if (const auto status = handOver(commands, log, platformData))
+        return *status;
+    // Until here such a signal may end the program at once: there is nothing to put in order yet.
+    EndSignals endSignals;
 
     ProcKernel kernel;
     QtMainLoop loop;
@@ -93,13 +128,16 @@ int run(int argc, char** argv) {
         {.askWithoutWindows = [&busQuit](ProcessId process) { busQuit.quit(process); }});
     kernel.setWindowOwners([&toplevels] {
         std::set<ProcessId> owners;
-        for (const Toplevel& toplevel : toplevels.toplevels())
-            owners.insert(toplevel.process);
+        for (const Toplevel& toplevel : toplevels.toplevels()) {
+            if (toplevel.isOrdinary)
+                owners.insert(toplevel.process);
+        }
         return owners;
     });
     QtProgram program;
-    const AppDelegate delegate(
+    AppDelegate delegate(
         {loop, preferences, workspace, kernel, log, commands, program, language.formats()});
+    endSignals.onAsked = [&delegate] { delegate.end(); };
     return QApplication::exec();
 }
 

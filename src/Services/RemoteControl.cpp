@@ -79,6 +79,11 @@ RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
         return leave();
     if ((verb == "exclude" || verb == "include") && count == 1)
         return setExcluded(arguments.front(), verb == "exclude");
+    if (verb == "show" && count <= 1) {
+        if (onShow)
+            onShow(arguments.empty() ? std::string() : arguments.front());
+        return done(Json::object());
+    }
     return {RemoteAnswer::Status::unknown, localized("Comando sconosciuto: %@", verb)};
 }
 

@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -16,11 +17,14 @@ namespace velmorquit {
 /// A stubborn application has a `reason`: `asking`, `windowless`, `cannotBeAsked`, `busyTerminal`,
 /// `notResponding`, or null when nothing is known.
 /// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
-/// `include NAME`. Changes are announced as objects with a field `change`: `phase`, `stubborn`,
-/// `opened`, `closed`, `windowless` (it lives on), `excluded`, `included`, `event`.
+/// `include NAME`, `show [TOKEN]`. Changes are announced as objects with a field `change`: `phase`,
+/// `stubborn`, `opened`, `closed`, `windowless` (it lives on), `excluded`, `included`, `event`.
 class RemoteControl {
 public:
     RemoteControl(QuitController& controller, RemoteCommands& remote, Workspace& workspace);
+
+    /// Shows the program to its user. The token lets a window come to the front; it may be empty.
+    std::function<void(const std::string& activationToken)> onShow;
 
     /// Passes an event of the controller on.
     void announce(const Event& event);

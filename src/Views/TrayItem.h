@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QMenu>
+#include <QMessageBox>
 #include <QSystemTrayIcon>
 
 #include <functional>
+#include <memory>
 
 namespace velmorquit {
 
@@ -17,10 +19,15 @@ public:
 
     explicit TrayItem(Actions actions);
 
+    /// Tells the user that the program runs, by the icon; in a window where there is no tray.
+    void sayThatItRuns();
+
 private:
     Actions actions_;
     QMenu menu_;
     QSystemTrayIcon icon_;
+    /// Made when it is needed for the first time.
+    std::unique_ptr<QMessageBox> notice_;
 };
 
 } // namespace velmorquit

@@ -39,7 +39,7 @@ TEST_F(CommandLine, ThatIsNotUnderstoodIsExplainedOnStandardError) {
 }
 
 TEST_F(CommandLine, NeedsTheProgramToBeRunning) {
-    for (const char* word : {"status", "watch", "quit-all", "force", "leave"}) {
+    for (const char* word : {"status", "watch", "quit-all", "force", "leave", "show"}) {
         const Outcome answer = control({word});
         EXPECT_EQ(answer.status, 3) << word;
         EXPECT_EQ(answer.text, "velmorctl: Velmor Quit non è in esecuzione.\n") << word;

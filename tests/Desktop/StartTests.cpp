@@ -34,6 +34,80 @@ TEST_F(Start, ASecondTimeLeavesTheFirstAlone) {
     EXPECT_TRUE(quitAll->isRunning());
 }
 
+TEST_F(Start, ASecondTimeDoesNotWaitForAFirstOneThatHangs) {
+    startProgram();
+    program->send(SIGSTOP);
+    const Outcome second = run({VELMORQUIT});
+    EXPECT_EQ(second.status, 1);
+    EXPECT_EQ(second.text, "Velmor Quit: è già in esecuzione, ma non risponde\n");
+    const Outcome shown = control({"show"});
+    EXPECT_EQ(shown.status, 1);
+    EXPECT_EQ(shown.text, "velmorctl: Velmor Quit non risponde.\n");
+    program->send(SIGCONT);
+    EXPECT_EQ(phase(), "idle");
+}
+
+// The bus tells that the first one has gone before it answered.
+TEST_F(Start, ASecondTimeTakesThePlaceOfAFirstOneThatEndsMeanwhile) {
+    startProgram();
+    program->send(SIGSTOP);
+    auto second = std::make_unique<Child>(std::vector<std::string>{VELMORQUIT});
+    linger(500);
+    EXPECT_TRUE(second->isRunning());
+    program = std::move(second);
+    await("an answer of the second one", [] { return control({"status"}).status == 0; });
+    EXPECT_TRUE(program->isRunning()) << program->output();
+}
+
+TEST_F(Start, TheSwitchesForTheSessionNeedNeitherDisplayNorBus) {
+    const auto entry = preferencesFile().parent_path().parent_path() / "autostart" /
+                       "org.velmorquit.VelmorQuit.desktop";
+    const auto velmorquit = [](const std::vector<std::string>& switches) {
+        std::vector<std::string> command{"env", "--unset=DISPLAY",
+                                         "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere", VELMORQUIT};
+        command.insert(command.end(), switches.begin(), switches.end());
+        return run(command);
+    };
+    const Outcome on = velmorquit({"--disable-launch-at-login", "--enable-launch-at-login"});
+    EXPECT_EQ(on.status, 0);
+    EXPECT_EQ(on.text, "Avvio automatico: attivo\n");
+    EXPECT_THAT(contents(entry), HasSubstr("Exec=\"" VELMORQUIT "\"\n"));
+    const Outcome off = velmorquit({"--disable-launch-at-login"});
+    EXPECT_EQ(off.status, 0);
+    EXPECT_EQ(off.text, "Avvio automatico: disattivo\n");
+    EXPECT_FALSE(std::filesystem::exists(entry));
+
+    std::filesystem::remove_all(entry.parent_path());
+    write(entry.parent_path(), "a file in the folder's place");
+    const Outcome failed = velmorquit({"--enable-launch-at-login"});
+    EXPECT_EQ(failed.status, 0);
+    EXPECT_THAT(failed.text, StartsWith("Velmor Quit: avvio automatico non modificato: "));
+    EXPECT_THAT(failed.text, testing::EndsWith("\nAvvio automatico: disattivo\n"));
+}
+
+TEST_F(Start, LaunchersReachItByTheirOwnInterface) {
+    startProgram();
+    const auto call = [](const std::string& method, const std::vector<std::string>& arguments) {
+        std::vector<std::string> command{"gdbus",
+                                         "call",
+                                         "--session",
+                                         "--dest",
+                                         "org.velmorquit.VelmorQuit",
+                                         "--object-path",
+                                         "/org/velmorquit/VelmorQuit",
+                                         "--method",
+                                         "org.freedesktop.Application." + method};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        return run(command);
+    };
+    EXPECT_EQ(call("Activate", {"{'activation-token': <'x'>}"}).text, "()\n");
+    EXPECT_EQ(call("Open", {"['file:///etc/passwd']", "{}"}).text, "()\n");
+    const Outcome action = call("ActivateAction", {"quitAll", "[]", "{}"});
+    EXPECT_EQ(action.status, 1);
+    EXPECT_THAT(action.text, HasSubstr("Azione sconosciuta: quitAll"));
+    EXPECT_EQ(phase(), "idle");
+}
+
 /// The icon in the tray.
 class TrayIcon : public DesktopStory {
 protected:
@@ -62,6 +136,8 @@ protected:
         run({"xdotool", "key", key, "Return"});
     }
 
+    [[nodiscard]] const std::string& icon() const { return icon_; }
+
 private:
     std::string icon_;
 };
@@ -78,6 +154,24 @@ TEST_F(TrayIcon, HasAMenuThatQuitsAllAndOneThatEndsTheProgram) {
     choose("Up");
     await("the end of the program", [this] { return !program->isRunning(); });
     EXPECT_EQ(outcomeOf(*program).status, 0) << program->output();
+}
+
+TEST_F(TrayIcon, SaysThatTheProgramRunsWhenItIsStartedAgain) {
+    startProgram();
+    awaitIcon();
+    EXPECT_EQ(run({VELMORQUIT}).status, 0);
+    await("a message by the icon", [this] { return windowsNamed("velmorquit") != icon() + '\n'; });
+}
+
+TEST_F(TrayIcon, IsReplacedByAWindowWhereThereIsNoTray) {
+    startProgram();
+    awaitIcon();
+    run({"sh", "-c", "kill $(xdotool search --onlyvisible --class '^tint2$' getwindowpid)"});
+    await("the end of the panel", [] { return windowsNamed("tint2").empty(); });
+    EXPECT_EQ(control({"show"}).status, 0);
+    await("a window", [] {
+        return run({"xdotool", "search", "--onlyvisible", "--name", "^Velmor Quit$"}).status == 0;
+    });
 }
 
 // Nothing else reaches the program then.

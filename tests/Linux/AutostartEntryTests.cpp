@@ -1,4 +1,6 @@
 #include "Linux/Autostart/AutostartEntry.h"
+#include "support/Child.h"
+#include "support/Waiting.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +18,7 @@ protected:
     AutostartEntryTest() {
         std::string name = (fs::temp_directory_path() / "velmor-autostart.XXXXXX").string();
         root_ = ::mkdtemp(name.data());
-        program = root_ / "a \"b\" $c \\ 100%";
+        program = root_ / "a \"b\" $c `d` 'e' è; & #~*";
         std::ofstream(program) << "#!/bin/sh\n";
         fs::permissions(program, fs::perms::owner_all);
         fs::create_directories(root_ / "system");
@@ -34,6 +36,8 @@ protected:
 
     [[nodiscard]] fs::path own() const { return root_ / "own" / fileName; }
     [[nodiscard]] fs::path system() const { return root_ / "system" / fileName; }
+
+    [[nodiscard]] const fs::path& root() const { return root_; }
 
     fs::path program;
 
@@ -82,6 +86,45 @@ TEST_F(AutostartEntryTest, ReadsWhatOthersHaveWritten) {
     }
     std::ofstream(own(), std::ios::trunc) << "\x01 not an entry";
     EXPECT_EQ(entry().status(), LoginItemStatus::unknown);
+}
+
+// The reader that a session under systemd has.
+TEST_F(AutostartEntryTest, IsReadByASessionAsItWasMeant) {
+    constexpr const char* reader = "/lib/systemd/user-generators/systemd-xdg-autostart-generator";
+    if (!fs::exists(reader))
+        GTEST_SKIP() << "there is no " << reader;
+    const fs::path folder = root() / "units";
+    fs::create_directories(folder);
+    const auto started = [&] {
+        const Child child({"env", "-i", "XDG_CONFIG_HOME=" + root().string(),
+                           "XDG_CONFIG_DIRS=/nonexistent", "HOME=" + root().string(), reader,
+                           folder.string(), folder.string(), folder.string()});
+        EXPECT_TRUE(waitUntil([&] { return !const_cast<Child&>(child).isRunning(); }));
+        std::ifstream unit(folder / "app-org.velmorquit.VelmorQuit@autostart.service");
+        for (std::string line; std::getline(unit, line);) {
+            if (line.starts_with("ExecStart="))
+                return line.substr(10);
+        }
+        return std::string();
+    };
+    const AutostartEntry entry({root() / "autostart", {}}, program);
+    AutostartEntry changed = entry;
+    EXPECT_EQ(started(), "");
+    ASSERT_FALSE(changed.add());
+    std::string words = started();
+    EXPECT_EQ(words, program);
+    fs::remove_all(folder);
+    fs::create_directories(folder);
+    ASSERT_FALSE(changed.remove());
+    EXPECT_EQ(started(), "");
+}
+
+TEST_F(AutostartEntryTest, RefusesAPathThatNotEverySessionUnderstands) {
+    for (const char* name : {"/a\\b", "/100%", "/a\nb", "/\xff", ""}) {
+        AutostartEntry entry({root() / "own", {}}, name);
+        EXPECT_TRUE(entry.add()) << name;
+        EXPECT_EQ(entry.status(), LoginItemStatus::notRegistered) << name;
+    }
 }
 
 TEST_F(AutostartEntryTest, SaysWhyItCouldNotBeWritten) {

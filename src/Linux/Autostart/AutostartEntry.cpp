@@ -1,8 +1,8 @@
 #include "Linux/Autostart/AutostartEntry.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <glib.h>
 #include <memory>
@@ -32,6 +32,17 @@ KeyFile load(const fs::path& file) {
     return keys;
 }
 
+/// Whether every session reads the path as it was meant: systemd's reader takes a backslash and a
+/// percent sign in the name of the program otherwise than all the others do.
+bool isUnderstood(const std::string& path) {
+    return std::ranges::none_of(path,
+                                [](char letter) {
+                                    return letter == '\\' || letter == '%' ||
+                                           g_ascii_iscntrl(letter);
+                                }) &&
+           g_utf8_validate(path.c_str(), -1, nullptr);
+}
+
 /// A path as an argument of an Exec line: quoted, with what is special in there escaped, and then
 /// once more, since the line is a text value of the file.
 std::string quoted(const std::string& path) {
@@ -39,11 +50,7 @@ std::string quoted(const std::string& path) {
     for (const char letter : path) {
         if (letter == '"' || letter == '`' || letter == '$')
             argument += "\\\\";
-        else if (letter == '\\')
-            argument += "\\\\\\";
         argument += letter;
-        if (letter == '%')
-            argument += '%';
     }
     return argument + '"';
 }
@@ -83,6 +90,12 @@ AutostartEntry::AutostartEntry(Folders folders, fs::path program)
     : folders_(std::move(folders)), program_(std::move(program)) {}
 
 std::optional<std::string> AutostartEntry::add() {
+    if (program_.empty())
+        return "percorso del programma sconosciuto";
+    if (!isUnderstood(program_))
+        return "il percorso del programma contiene caratteri che non tutte le sessioni "
+               "capiscono: " +
+               program_.string();
     return write("Type=Application\nName=Velmor Quit\nExec=" + quoted(program_) +
                  "\nIcon=org.velmorquit.VelmorQuit\n");
 }
@@ -138,9 +151,14 @@ std::optional<std::string> AutostartEntry::write(const std::string& lines) const
     file << "[Desktop Entry]\n" << lines;
     file.close();
     if (!file)
-        return std::string(std::strerror(errno));
-    fs::rename(fresh, ownFile(), error);
-    return error ? std::optional(error.message()) : std::nullopt;
+        error.assign(errno, std::generic_category());
+    else
+        fs::rename(fresh, ownFile(), error);
+    if (!error)
+        return std::nullopt;
+    std::error_code ignored;
+    fs::remove(fresh, ignored);
+    return error.message();
 }
 
 } // namespace velmorquit

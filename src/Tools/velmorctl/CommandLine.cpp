@@ -15,7 +15,7 @@ const QMap<QString, Command>& commands() {
         {"help", Command::help},       {"--help", Command::help}, {"-h", Command::help},
         {"status", Command::status},   {"watch", Command::watch}, {"quit-all", Command::quitAll},
         {"force", Command::force},     {"leave", Command::leave}, {"exclude", Command::exclude},
-        {"include", Command::include},
+        {"include", Command::include}, {"show", Command::show},
     };
     return words;
 }
@@ -81,6 +81,7 @@ std::string usage() {
         "  leave                lascia aperte le app rimaste e finisce qui\n"
         "  exclude NOME         non chiudere mai quest'app (nome, id o numero di processo)\n"
         "  include NOME         torna a chiuderla\n"
+        "  show                 fa mostrare Velmor Quit\n"
         "\n"
         "Stato d'uscita: 0 fatto, 1 rifiutato o qualcosa è rimasto aperto, 2 uso sbagliato,\n"
         "3 Velmor Quit non è in esecuzione.\n");

@@ -18,7 +18,7 @@ enum class ExitStatus {
 
 /// What the user asked for on the command line.
 struct CommandLine {
-    enum class Command { help, status, watch, quitAll, force, leave, exclude, include };
+    enum class Command { help, status, watch, quitAll, force, leave, exclude, include, show };
 
     Command command = Command::help;
     QString name;                             ///< of an application

@@ -6,7 +6,6 @@
 #include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QDBusReply>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLocale>
@@ -25,6 +24,9 @@ namespace {
 const QString service = QStringLiteral("org.velmorquit.VelmorQuit");
 const QString path = QStringLiteral("/org/velmorquit/VelmorQuit");
 const QString interface = QStringLiteral("org.velmorquit.VelmorQuit1");
+
+/// Milliseconds within which a program that isn't held up answers.
+constexpr int patience = 5000;
 
 void print(const std::string& text) { std::cout << text << std::flush; }
 
@@ -96,26 +98,48 @@ void Session::start() {
     case Command::include:
         report("include", {line_.name});
         break;
+    case Command::show:
+        show();
+        break;
     }
 }
 
 void Session::perform(const QString& verb, const QStringList& arguments,
                       std::function<void(const QString& json)> done) {
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, "Perform");
-    call.setAutoStartService(false);
     call << verb << arguments;
-    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
+    send(call, std::move(done));
+}
+
+void Session::send(QDBusMessage call, std::function<void(const QString& answer)> done) {
+    call.setAutoStartService(false);
+    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call, patience), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [this, pending, done = std::move(done)] {
                 pending->deleteLater();
-                const QDBusReply<QString> reply = *pending;
-                if (reply.isValid())
-                    done(reply.value());
-                else if (isNobodyThere(reply.error()))
+                const QDBusMessage reply = pending->reply();
+                if (!pending->isError())
+                    done(reply.arguments().value(0).toString());
+                else if (isNobodyThere(pending->error()))
                     fail(localized("Velmor Quit non è in esecuzione."), ExitStatus::notRunning);
+                else if (pending->error().type() == QDBusError::NoReply)
+                    fail(localized("Velmor Quit non risponde."), ExitStatus::failure);
                 else
-                    fail(saidBy(reply.error()).toStdString(), ExitStatus::failure);
+                    fail(saidBy(pending->error()).toStdString(), ExitStatus::failure);
             });
+}
+
+void Session::show() {
+    QVariantMap platformData;
+    for (const auto& [variable, key] : {std::pair("XDG_ACTIVATION_TOKEN", "activation-token"),
+                                        std::pair("DESKTOP_STARTUP_ID", "desktop-startup-id")}) {
+        if (qEnvironmentVariableIsSet(variable))
+            platformData.insert(key, qEnvironmentVariable(variable));
+    }
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(service, path, "org.freedesktop.Application", "Activate");
+    call << platformData;
+    send(call, [](const QString&) { end(ExitStatus::success); });
 }
 
 void Session::askThenQuitAll() {

@@ -4,6 +4,7 @@
 #include "Platform/Formats.h"
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QDBusServiceWatcher>
 #include <QElapsedTimer>
 #include <QJsonObject>
@@ -33,6 +34,8 @@ private Q_SLOTS:
 private:
     void perform(const QString& verb, const QStringList& arguments,
                  std::function<void(const QString& json)> done);
+    void send(QDBusMessage call, std::function<void(const QString& answer)> done);
+    void show();
     void askThenQuitAll();
     void quitAll();
     void watchRun(const QJsonObject& change);

@@ -1,0 +1,61 @@
+#include "Linux/DBus/ApplicationInterface.h"
+
+#include <QDBusConnection>
+#include <QDBusError>
+
+#include <utility>
+
+namespace velmorquit {
+
+namespace {
+
+/// The reply to a call that returns nothing unless it fails.
+void fail(const QDBusMessage& call, QDBusError::ErrorType error, const QString& why) {
+    call.setDelayedReply(true);
+    QDBusConnection::sessionBus().send(call.createErrorReply(error, why));
+}
+
+} // namespace
+
+ApplicationInterface::ApplicationInterface(QObject* owner, Perform perform)
+    : QDBusAbstractAdaptor(owner), perform_(std::move(perform)) {}
+
+void ApplicationInterface::Activate(const QVariantMap& platformData, const QDBusMessage& call) {
+    RemoteCommand show{"show", {}};
+    for (const char* key : {"activation-token", "desktop-startup-id"}) {
+        const QString token = platformData.value(key).toString();
+        if (!token.isEmpty()) {
+            show.arguments.push_back(token.toStdString());
+            break;
+        }
+    }
+    const RemoteAnswer answer = perform_(show);
+    if (answer.status != RemoteAnswer::Status::done)
+        fail(call, QDBusError::Failed, QString::fromStdString(answer.text));
+}
+
+void ApplicationInterface::Open(const QStringList& /*files*/, const QVariantMap& platformData,
+                                const QDBusMessage& call) {
+    Activate(platformData, call);
+}
+
+void ApplicationInterface::ActivateAction(const QString& action, const QVariantList& /*parameters*/,
+                                          const QVariantMap& /*platformData*/,
+                                          const QDBusMessage& call) {
+    fail(call, QDBusError::InvalidArgs, QStringLiteral("Azione sconosciuta: %1").arg(action));
+}
+
+QVariantMap takePlatformData() {
+    constexpr std::pair<const char*, const char*> sources[] = {
+        {"XDG_ACTIVATION_TOKEN", "activation-token"}, {"DESKTOP_STARTUP_ID", "desktop-startup-id"}};
+    QVariantMap data;
+    for (const auto& [variable, key] : sources) {
+        const QString value = qEnvironmentVariable(variable);
+        qunsetenv(variable);
+        if (!value.isEmpty())
+            data.insert(key, value);
+    }
+    return data;
+}
+
+} // namespace velmorquit

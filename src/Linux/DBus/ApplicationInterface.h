@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Platform/RemoteCommands.h"
+
+#include <QDBusAbstractAdaptor>
+#include <QDBusMessage>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <functional>
+
+namespace velmorquit {
+
+/// The interface by which launchers and a second start reach the program.
+class ApplicationInterface final : public QDBusAbstractAdaptor {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    using Perform = std::function<RemoteAnswer(const RemoteCommand&)>;
+
+    /// `owner` is what is registered on the bus. Whatever comes in goes to `perform`.
+    ApplicationInterface(QObject* owner, Perform perform);
+
+public Q_SLOTS:
+    /// Is the command `show`, with the activation token of the caller where it has one.
+    void Activate(const QVariantMap& platformData, const QDBusMessage& call);
+    /// As `Activate`: the program opens no files.
+    void Open(const QStringList& files, const QVariantMap& platformData, const QDBusMessage& call);
+    /// There are no actions: always an error.
+    void ActivateAction(const QString& action, const QVariantList& parameters,
+                        const QVariantMap& platformData, const QDBusMessage& call);
+
+private:
+    Perform perform_;
+};
+
+/// What a launcher has given this process so that a window may come to the front, in the form in
+/// which `Activate` takes it. The environment has it no more afterwards: it is for this process
+/// alone.
+[[nodiscard]] QVariantMap takePlatformData();
+
+} // namespace velmorquit
