@@ -37,10 +37,22 @@ void surviveTheTerminal() {
         ::sigaction(signal, &nothing, nullptr);
 }
 
+QtMessageHandler usualHandler = nullptr;
+
 /// Empty where /proc can't be read.
 std::filesystem::path ownExecutable() {
     std::error_code unreadable;
     return std::filesystem::read_symlink("/proc/self/exe", unreadable);
+}
+
+/// Qt ends the program on the spot when the display has gone, with a line of its own that says so.
+/// Nothing is lost by that: preferences are in their file as soon as they are changed.
+void hear(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    const bool isDisplayGone = message.startsWith(QLatin1String("The X11 connection broke"));
+    if (isDisplayGone)
+        JournalLog().write("Velmor Quit: senza server X11 non posso continuare, termino");
+    else if (usualHandler)
+        usualHandler(type, context, message);
 }
 
 /// The autostart entry starts the program; a session that starts it as well would do it twice.
@@ -102,6 +114,7 @@ int run(int argc, char** argv) {
     const bool isPlatformChosen = std::getenv("QT_QPA_PLATFORM") != nullptr;
     if (!isPlatformChosen)
         ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    usualHandler = qInstallMessageHandler(hear);
     QApplication application(argc, argv);
     // What is started from here chooses for itself.
     if (!isPlatformChosen)
@@ -109,7 +122,6 @@ int run(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("velmorquit"));
     QApplication::setDesktopFileName(QStringLiteral("org.velmorquit.VelmorQuit"));
     QApplication::setQuitOnLastWindowClosed(false);
-
     neverRestart(application);
 
     BusCommands commands(log);

@@ -18,7 +18,7 @@ protected:
     AutostartEntryTest() {
         std::string name = (fs::temp_directory_path() / "velmor-autostart.XXXXXX").string();
         root_ = ::mkdtemp(name.data());
-        program = root_ / "a \"b\" $c `d` 'e' è; & #~*";
+        program = root_ / "a è; & #~*(<>)|?{x}[y]@!^";
         std::ofstream(program) << "#!/bin/sh\n";
         fs::permissions(program, fs::perms::owner_all);
         fs::create_directories(root_ / "system");
@@ -96,31 +96,35 @@ TEST_F(AutostartEntryTest, IsReadByASessionAsItWasMeant) {
     const fs::path folder = root() / "units";
     fs::create_directories(folder);
     const auto started = [&] {
-        const Child child({"env", "-i", "XDG_CONFIG_HOME=" + root().string(),
-                           "XDG_CONFIG_DIRS=/nonexistent", "HOME=" + root().string(), reader,
-                           folder.string(), folder.string(), folder.string()});
-        EXPECT_TRUE(waitUntil([&] { return !const_cast<Child&>(child).isRunning(); }));
+        fs::remove_all(folder);
+        fs::create_directories(folder);
+        Child child({"env", "-i", "XDG_CONFIG_HOME=" + root().string(),
+                     "XDG_CONFIG_DIRS=/nonexistent", "HOME=" + root().string(), reader, folder,
+                     folder, folder});
+        EXPECT_TRUE(waitUntil([&] { return !child.isRunning(); }));
+        EXPECT_EQ(child.status(), 0) << child.output();
         std::ifstream unit(folder / "app-org.velmorquit.VelmorQuit@autostart.service");
-        for (std::string line; std::getline(unit, line);) {
-            if (line.starts_with("ExecStart="))
-                return line.substr(10);
+        std::string line;
+        while (std::getline(unit, line) && !line.starts_with("ExecStart=")) {
         }
-        return std::string();
+        return line;
     };
-    const AutostartEntry entry({root() / "autostart", {}}, program);
-    AutostartEntry changed = entry;
+    AutostartEntry entry({root() / "autostart", {root() / "system"}}, program);
     EXPECT_EQ(started(), "");
-    ASSERT_FALSE(changed.add());
-    std::string words = started();
-    EXPECT_EQ(words, program);
-    fs::remove_all(folder);
-    fs::create_directories(folder);
-    ASSERT_FALSE(changed.remove());
+    ASSERT_FALSE(entry.add());
+    // The colon: nothing in the line is a variable.
+    EXPECT_EQ(started(), "ExecStart=:\"" + program.string() + '"');
+    ASSERT_FALSE(entry.remove());
+    EXPECT_EQ(started(), "");
+    write(system(), "Exec=true\n");
+    ASSERT_FALSE(entry.remove());
+    ASSERT_TRUE(fs::exists(root() / "autostart" / own().filename()));
     EXPECT_EQ(started(), "");
 }
 
 TEST_F(AutostartEntryTest, RefusesAPathThatNotEverySessionUnderstands) {
-    for (const char* name : {"/a\\b", "/100%", "/a\nb", "/\xff", ""}) {
+    for (const char* name :
+         {"/a\\b", "/100%", "/$c", "/'d'", "/\"e", "/`f`", "/a\nb", "/\xff", ""}) {
         AutostartEntry entry({root() / "own", {}}, name);
         EXPECT_TRUE(entry.add()) << name;
         EXPECT_EQ(entry.status(), LoginItemStatus::notRegistered) << name;

@@ -32,27 +32,15 @@ KeyFile load(const fs::path& file) {
     return keys;
 }
 
-/// Whether every session reads the path as it was meant: systemd's reader takes a backslash and a
-/// percent sign in the name of the program otherwise than all the others do.
+/// Whether every session starts the path that is meant. systemd refuses a program with quotes or a
+/// backslash in its name, and takes the escapes that the rest needs otherwise than all the others
+/// do.
 bool isUnderstood(const std::string& path) {
-    return std::ranges::none_of(path,
-                                [](char letter) {
-                                    return letter == '\\' || letter == '%' ||
-                                           g_ascii_iscntrl(letter);
-                                }) &&
-           g_utf8_validate(path.c_str(), -1, nullptr);
-}
-
-/// A path as an argument of an Exec line: quoted, with what is special in there escaped, and then
-/// once more, since the line is a text value of the file.
-std::string quoted(const std::string& path) {
-    std::string argument = "\"";
-    for (const char letter : path) {
-        if (letter == '"' || letter == '`' || letter == '$')
-            argument += "\\\\";
-        argument += letter;
-    }
-    return argument + '"';
+    constexpr std::string_view special = "\\%$`\"'";
+    return g_utf8_validate(path.c_str(), -1, nullptr) &&
+           std::ranges::none_of(path, [&](char letter) {
+               return special.find(letter) != special.npos || g_ascii_iscntrl(letter);
+           });
 }
 
 bool isInstalled(const std::string& program) {
@@ -96,8 +84,8 @@ std::optional<std::string> AutostartEntry::add() {
         return "il percorso del programma contiene caratteri che non tutte le sessioni "
                "capiscono: " +
                program_.string();
-    return write("Type=Application\nName=Velmor Quit\nExec=" + quoted(program_) +
-                 "\nIcon=org.velmorquit.VelmorQuit\n");
+    return write("Type=Application\nName=Velmor Quit\nExec=\"" + program_.string() +
+                 "\"\nIcon=org.velmorquit.VelmorQuit\n");
 }
 
 std::optional<std::string> AutostartEntry::remove() {

@@ -22,8 +22,8 @@ public:
     /// `program` is the absolute path of what is to be started.
     AutostartEntry(Folders folders, std::filesystem::path program);
 
-    /// Fails for a path that not every session would understand: one with a backslash, a percent
-    /// sign, control characters or bytes that are no text.
+    /// Fails for a path that not every session would start: one with quotes, backslashes, `$`, `%`,
+    /// backticks, control characters or bytes that are no text.
     std::optional<std::string> add() override;
     /// Hides an entry of the system's folders by one of the user's own.
     std::optional<std::string> remove() override;
