@@ -1,5 +1,7 @@
 #include "Linux/DBus/ApplicationInterface.h"
 
+#include "Texts/Localized.h"
+
 #include <QDBusConnection>
 #include <QDBusError>
 
@@ -42,7 +44,8 @@ void ApplicationInterface::Open(const QStringList& /*files*/, const QVariantMap&
 void ApplicationInterface::ActivateAction(const QString& action, const QVariantList& /*parameters*/,
                                           const QVariantMap& /*platformData*/,
                                           const QDBusMessage& call) {
-    fail(call, QDBusError::InvalidArgs, QStringLiteral("Azione sconosciuta: %1").arg(action));
+    fail(call, QDBusError::InvalidArgs,
+         QString::fromStdString(localized("Azione sconosciuta: %@", action.toStdString())));
 }
 
 QVariantMap takePlatformData() {

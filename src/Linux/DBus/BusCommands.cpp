@@ -1,5 +1,7 @@
 #include "Linux/DBus/BusCommands.h"
 
+#include "Texts/Localized.h"
+
 #include <QDBusMessage>
 
 #include <utility>
@@ -50,7 +52,8 @@ void BusCommands::announce(std::string_view change) {
 RemoteAnswer BusCommands::answer(const RemoteCommand& command) const {
     if (handler_)
         return handler_(command);
-    return {RemoteAnswer::Status::refused, "Velmor Quit non è pronta: riprova tra un attimo."};
+    return {RemoteAnswer::Status::refused,
+            localized("Velmor Quit non è pronta: riprova tra un attimo.")};
 }
 
 QString BusCommands::Perform(const QString& verb, const QStringList& arguments) {
