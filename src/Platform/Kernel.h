@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -26,8 +27,8 @@ struct ProcessEntry {
     ProcessId responsible = 0;
 };
 
-/// What the system's kernel knows of processes and memory. All of it is quick, and may be asked
-/// from any thread.
+/// What the system's kernel knows of processes and memory. All of it is quick. Processes are asked
+/// about on the main thread, the rest on any.
 class Kernel {
 public:
     virtual ~Kernel() = default;
@@ -48,9 +49,10 @@ public:
     /// compressed or swapped out); none when the process has gone or may not be looked at.
     [[nodiscard]] virtual std::optional<std::uint64_t> footprint(ProcessId id) const = 0;
 
-    /// The process of the application to which the system counts that one; itself when it doesn't
-    /// say.
-    [[nodiscard]] virtual ProcessId responsibleProcess(ProcessId id) const = 0;
+    /// The processes of the applications to which the system counts these; a process itself when it
+    /// doesn't say.
+    [[nodiscard]] virtual std::set<ProcessId>
+    responsibleProcesses(const std::vector<ProcessId>& ids) const = 0;
 
     /// What the maker calls the computer; none when nobody says.
     [[nodiscard]] virtual std::optional<std::string> machineModel() const = 0;

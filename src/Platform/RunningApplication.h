@@ -66,8 +66,8 @@ public:
 
     /// Asks the application to quit as its own Quit command would, so that it can ask about unsaved
     /// work. One that has closed its windows and goes on running is asked in whatever other way it
-    /// understands. False when there is no polite way to ask: it is then left as it is. Returns at
-    /// once.
+    /// understands. False when it was not asked, as there is no polite way: it is then left as it
+    /// is. Returns at once.
     virtual bool terminate() = 0;
 
     /// Why it is still there, once it was asked. To find out, it may be sent a short question,

@@ -7,10 +7,7 @@ namespace velmorquit::AudioActivity {
 void busyApps(AudioProcesses& audio, const Kernel& kernel,
               std::function<void(const std::set<ProcessId>&)> told) {
     audio.busyProcesses([&kernel, told = std::move(told)](const std::vector<ProcessId>& processes) {
-        std::set<ProcessId> apps;
-        for (const ProcessId id : processes)
-            apps.insert(kernel.responsibleProcess(id));
-        told(apps);
+        told(kernel.responsibleProcesses(processes));
     });
 }
 

@@ -9,12 +9,13 @@ std::optional<std::uint64_t> SimulatedKernel::footprint(ProcessId id) const {
     return known == memory_.end() ? workspace_.memoryOf(id) : known->second;
 }
 
-ProcessId SimulatedKernel::responsibleProcess(ProcessId id) const {
+std::set<ProcessId> SimulatedKernel::responsibleProcesses(const std::vector<ProcessId>& ids) const {
+    std::set<ProcessId> responsible(ids.begin(), ids.end());
     for (const ProcessEntry& process : table_) {
-        if (process.id == id && process.responsible != 0)
-            return process.responsible;
+        if (process.responsible != 0 && responsible.erase(process.id) > 0)
+            responsible.insert(process.responsible);
     }
-    return id;
+    return responsible;
 }
 
 } // namespace velmorquit

@@ -34,7 +34,8 @@ public:
         return isBlind ? std::vector<ProcessEntry>() : table_;
     }
     [[nodiscard]] std::optional<std::uint64_t> footprint(ProcessId id) const override;
-    [[nodiscard]] ProcessId responsibleProcess(ProcessId id) const override;
+    [[nodiscard]] std::set<ProcessId>
+    responsibleProcesses(const std::vector<ProcessId>& ids) const override;
     [[nodiscard]] std::optional<std::string> machineModel() const override { return model; }
     [[nodiscard]] std::string processorBrand() const override { return brand; }
 

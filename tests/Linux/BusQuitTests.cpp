@@ -80,9 +80,11 @@ TEST_F(BusQuitTest, AsksThePlayerAndTheApplicationOfAProcess) {
 TEST_F(BusQuitTest, LeavesAloneOthersAndThoseThatCannotQuit) {
     BusQuit quit(connect("ours"));
     quit.quit(::getppid());
+    linger(200);
+    EXPECT_TRUE(program.calls.isEmpty()) << program.calls.join(' ').toStdString();
     program.canQuit = false;
     quit.quit(::getpid());
-    linger(300);
+    linger(200);
     EXPECT_TRUE(program.calls.isEmpty()) << program.calls.join(' ').toStdString();
 }
 

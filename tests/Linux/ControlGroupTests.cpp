@@ -19,8 +19,8 @@ TEST(ControlGroup, ApplicationUnitsAreKnownByTheirNames) {
     for (const char* none : {"", "0::", "0::/", "0::/session-1.scope", "0::/app.slice/x.service",
                              "1:cpu:/app-x.scope\n", "0::/app-x.slice", "0::/snap.x.y.service"})
         EXPECT_EQ(applicationUnit(none), "") << none;
-    EXPECT_TRUE(isSandbox("/a/app-flatpak-org.x.Y-12.scope"));
-    EXPECT_FALSE(isSandbox("/a/app-gnome-org.x.Y-12.scope"));
+    EXPECT_EQ(sandboxedApplication("/a/app-flatpak-org.x.Y-12.scope"), "org.x.Y");
+    EXPECT_EQ(sandboxedApplication("/a/app-gnome-org.x.Y-12.scope"), "");
 }
 
 TEST(ControlGroup, UnitsNameTheDesktopEntryThatWasStarted) {

@@ -70,9 +70,9 @@ TEST_F(ProcTreeTest, AllProcessesOfAUnitAnswerToTheApplicationInIt) {
     // A script that started the program is older, and yet not what the user sees.
     kernel.setWindowOwners([] { return std::set<ProcessId>{12}; });
     EXPECT_EQ(responsible(kernel), (Answers{{10, 12}, {11, 12}, {12, 0}, {20, 0}, {30, 0}}));
-    EXPECT_EQ(kernel.responsibleProcess(11), 12);
-    EXPECT_EQ(kernel.responsibleProcess(12), 12);
-    EXPECT_EQ(kernel.responsibleProcess(99), 99);
+    EXPECT_EQ(kernel.responsibleProcesses({11}), std::set<ProcessId>{12});
+    EXPECT_EQ(kernel.responsibleProcesses({12}), std::set<ProcessId>{12});
+    EXPECT_EQ(kernel.responsibleProcesses({99}), std::set<ProcessId>{99});
 }
 
 TEST_F(ProcTreeTest, WithoutUnitsAHelperAnswersToTheNearestProcessWithWindows) {
@@ -82,10 +82,10 @@ TEST_F(ProcTreeTest, WithoutUnitsAHelperAnswersToTheNearestProcessWithWindows) {
     addProcess(40, 41, 4);
     addProcess(41, 40, 5);
     ProcKernel kernel(proc());
-    EXPECT_EQ(kernel.responsibleProcess(12), 12);
+    EXPECT_EQ(kernel.responsibleProcesses({12}), std::set<ProcessId>{12});
     kernel.setWindowOwners([] { return std::set<ProcessId>{10}; });
-    EXPECT_EQ(kernel.responsibleProcess(12), 10);
-    EXPECT_EQ(kernel.responsibleProcess(40), 40) << "a circle has an end";
+    EXPECT_EQ(kernel.responsibleProcesses({12}), std::set<ProcessId>{10});
+    EXPECT_EQ(kernel.responsibleProcesses({40}), std::set<ProcessId>{40}) << "a circle has an end";
 }
 
 TEST_F(ProcTreeTest, WhatIsDamagedOrHiddenIsLeftOut) {
@@ -136,11 +136,19 @@ TEST_F(ProcTreeTest, AStreamOfASandboxBelongsToTheProcessThatHasItsIdInThere) {
     addExecutable(50, "/usr/bin/player", "50");
     addExecutable(60, "/app/bin/browser", "60\t2");
     addExecutable(61, "/app/bin/other", "61\t2");
-    EXPECT_EQ(processOfStream({.process = 50, .binary = "player"}, proc()), 50);
-    EXPECT_EQ(processOfStream({.process = 50, .binary = ""}, proc()), 50);
-    EXPECT_EQ(processOfStream({.process = 2, .binary = "browser"}, proc()), 60);
-    EXPECT_EQ(processOfStream({.process = 50, .binary = "browser"}, proc()), std::nullopt);
-    EXPECT_EQ(processOfStream({.process = std::nullopt, .binary = "player"}, proc()), std::nullopt);
+    addExecutable(62, "/app/bin/twin", "62\t3");
+    addExecutable(63, "/app/bin/twin", "63\t3");
+    EXPECT_EQ(processesOfStream({.process = 3, .binary = "twin"}, proc()),
+              (std::set<ProcessId>{62, 63}));
+    EXPECT_EQ(processesOfStream({.process = 50, .binary = "player"}, proc()),
+              (std::set<ProcessId>{50}));
+    EXPECT_EQ(processesOfStream({.process = 50, .binary = ""}, proc()), (std::set<ProcessId>{50}));
+    EXPECT_EQ(processesOfStream({.process = 2, .binary = "browser"}, proc()),
+              (std::set<ProcessId>{60}));
+    EXPECT_EQ(processesOfStream({.process = 50, .binary = "browser"}, proc()),
+              std::set<ProcessId>());
+    EXPECT_EQ(processesOfStream({.process = std::nullopt, .binary = "player"}, proc()),
+              std::set<ProcessId>());
 }
 
 } // namespace

@@ -206,8 +206,9 @@ TEST_F(QuitAllRun, OneThatGoesOnWithoutWindowsIsAskedOnceMoreInTheWayThatIsLeft)
     start().quitAll(PowerAction::none);
     desktop.advance(7s);
     EXPECT_EQ(desktop.log(), Lines("0.00 quit Player", "0.00 quit Tray", "0.00 quitting 2",
-                                   "1.25 quit Player", "1.25 ended Player", "1.25 quit Tray",
-                                   "6.00 event stubbornApps: Tray", "6.00 waiting"));
+                                   "6.00 quit Player", "6.00 ended Player", "6.00 quit Tray",
+                                   "6.00 event stubbornApps: Player Tray", "6.00 waiting"));
+    EXPECT_EQ(names(controller->stubborn), "Tray");
     EXPECT_EQ(controller->stayReasons->at(tray.processId()), StayReason::windowless);
     controller->leaveStubbornOpen();
     EXPECT_TRUE(controller->stayReasons->empty());

@@ -173,6 +173,9 @@ TEST_F(WorkspaceTest, LeavesOutWhatMakesUpTheDesktopAndWhatIsNotForTheUser) {
     const auto panel = open({"--class", "Panel", "--windows", "2", "--dock"});
     EXPECT_EQ(panel->activationPolicy(), ActivationPolicy::accessory)
         << "its settings are open, which doesn't make it an application";
+    installEntry("opener", "Name=Opener\nNoDisplay=true\nExec=true %f\n");
+    EXPECT_EQ(open({"--class", "Opener"})->activationPolicy(), ActivationPolicy::regular)
+        << "what opens files is no helper";
     const auto paint = open({"--class", "Painter"});
     EXPECT_EQ(paint->bundleIdentifier(), "paint");
     EXPECT_EQ(paint->activationPolicy(), ActivationPolicy::regular);
@@ -236,12 +239,12 @@ protected:
     }
 
     ProcessId begin(const std::string& unit, std::vector<std::string> arguments,
-                    ProcessId parent = 1) {
+                    int startTime = 500) {
         const pid_t id = start(std::move(arguments)).id();
         const std::string folder = std::to_string(id);
         writeFile(folder + "/cgroup", "0::/user.slice/user@1000.service/" + unit + "\n");
-        writeFile(folder + "/stat", folder + " (x) S " + std::to_string(parent) +
-                                        " 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 500 0\n");
+        writeFile(folder + "/stat", folder + " (x) S 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 " +
+                                        std::to_string(startTime) + " 0\n");
         return id;
     }
 
@@ -259,7 +262,7 @@ protected:
 TEST_F(StartedWorkspaceTest, AUnitNamesTheProgramItWasMadeForAndNotThoseStartedFromThere) {
     const std::string unit = "app-maker-org.example.term-12.scope";
     const ProcessId terminal = begin(unit, {"--class", "Odd"});
-    const ProcessId guest = begin(unit, {"--class", "Mailer"}, terminal);
+    const ProcessId guest = begin(unit, {"--class", "Mailer"}, 600);
     const ProcessId snap = begin("snap.firebox.firebox-0a1b2c3d-0a1b-0a1b-0a1b-0a1b2c3d4e5f.scope",
                                  {"--class", "Mailer"});
     linger(200);
@@ -268,11 +271,13 @@ TEST_F(StartedWorkspaceTest, AUnitNamesTheProgramItWasMadeForAndNotThoseStartedF
     EXPECT_EQ(findIn(other, guest)->bundleIdentifier(), "mailer");
     EXPECT_EQ(findIn(other, snap)->bundleIdentifier(), "firebox_firebox");
     EXPECT_EQ(findIn(other, snap)->otherIdentities(), std::vector<std::string>{"mailer"});
-    EXPECT_EQ(findIn(other, guest)->launchDate(), WallTime(1005s));
+    EXPECT_EQ(findIn(other, guest)->launchDate(), WallTime(1006s));
 }
 
 TEST_F(StartedWorkspaceTest, AServiceHasEndedWithItsLastWindowAndAnyOtherIsAskedOnceMore) {
-    const ProcessId service = begin("dbus-:1.2-org.example@0.service", {"--stay"});
+    const std::string unit = "dbus-:1.2-org.example@0.service";
+    const ProcessId service = begin(unit, {"--stay"});
+    const ProcessId opened = begin(unit, {"--stay", "--class", "Opened"}, 600);
     const ProcessId player = begin("app-player-1.scope", {"--stay", "--class", "Player"});
     linger(200);
     std::vector<ProcessId> asked;
@@ -283,13 +288,16 @@ TEST_F(StartedWorkspaceTest, AServiceHasEndedWithItsLastWindowAndAnyOtherIsAsked
     const Handle watch = other.observe(WorkspaceEvent::terminated, [&] { ++ends; });
     const auto serving = findIn(other, service);
     const auto playing = findIn(other, player);
+    const auto begun = findIn(other, opened);
     EXPECT_TRUE(serving->terminate());
     EXPECT_TRUE(playing->terminate());
+    EXPECT_TRUE(begun->terminate());
     EXPECT_TRUE(waitUntil([&] { return serving->isTerminated() && ends == 1; }));
     EXPECT_TRUE(
         waitUntil([&] { return playing->activationPolicy() == ActivationPolicy::accessory; }));
     EXPECT_EQ(findIn(other, service), nullptr);
     EXPECT_FALSE(playing->isTerminated());
+    EXPECT_FALSE(begun->isTerminated()) << "what a service has started is none";
     EXPECT_TRUE(asked.empty());
     EXPECT_TRUE(playing->terminate());
     EXPECT_FALSE(serving->terminate());

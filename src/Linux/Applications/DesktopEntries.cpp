@@ -52,7 +52,10 @@ std::optional<Identity> identityOf(GDesktopAppInfo* info) {
     identity.id = utf8(base);
     identity.name = utf8(name ? name : base);
     identity.path = file;
-    identity.isHidden = g_desktop_app_info_get_nodisplay(info) != 0;
+    // What opens files is a program like any other: it is only no entry of a menu.
+    const bool opensFiles = g_app_info_supports_files(G_APP_INFO(info)) != 0 ||
+                            g_app_info_supports_uris(G_APP_INFO(info)) != 0;
+    identity.isHidden = g_desktop_app_info_get_nodisplay(info) != 0 && !opensFiles;
     takeIcon(identity, g_app_info_get_icon(G_APP_INFO(info)));
     return identity;
 }
@@ -85,11 +88,10 @@ Identity DesktopEntries::identify(const ToplevelIdentity& window, ProcessId proc
     const auto considerAll = [&](const std::vector<std::string>& ids) {
         return std::ranges::any_of(ids, [&](const std::string& id) { return consider(entry(id)); });
     };
-    if (considerAll(started) ||
+    if (consider(entryThatLaunched(process)) || considerAll(started) ||
         considerAll({window.applicationId, window.instance, lowered(window.instance)}) ||
         consider(entryByStartupClass(window)) ||
-        considerAll({window.className, lowered(window.className)}) ||
-        consider(entryThatLaunched(process)))
+        considerAll({window.className, lowered(window.className)}))
         return *shown;
     if (hidden)
         return *hidden;

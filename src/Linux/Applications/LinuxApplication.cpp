@@ -15,7 +15,8 @@ LinuxApplication::LinuxApplication(std::unique_ptr<ProcessHandle> process, Ident
       surroundings_(std::move(surroundings)) {}
 
 void LinuxApplication::addIdentity(const Identity& identity) {
-    isHidden_ &= identity.isHidden;
+    if (identity.id)
+        isHidden_ &= identity.isHidden;
     if (!identity.key().empty() && identity.key() != identity_.key())
         otherKeys_.insert(identity.key());
 }
@@ -36,11 +37,11 @@ bool LinuxApplication::terminate() {
     const auto windows = surroundings_.windows.lock();
     if (!windows || isTerminated())
         return false;
+    if (policy_ == ActivationPolicy::accessory)
+        return windows->askWithoutWindows(processId());
     formerDialogs_.clear();
     for (const Toplevel& dialog : windows->dialogs(processId()))
         formerDialogs_.insert(dialog.window);
-    if (policy_ == ActivationPolicy::accessory)
-        return windows->askWithoutWindows(processId());
     notAsked_ = windows->askToClose(processId());
     return !notAsked_;
 }
@@ -51,7 +52,7 @@ StayReason LinuxApplication::stayReason() {
         return StayReason::unknown;
     if (windows->isDeaf(processId()))
         return StayReason::notResponding;
-    // A dialog that was there before is a question all the same when nothing else can be done.
+    // A modal one that was there before keeps it from closing just as well.
     for (const Toplevel& dialog : windows->dialogs(processId())) {
         if (dialog.isModal || !formerDialogs_.contains(dialog.window))
             return StayReason::asking;
@@ -62,6 +63,8 @@ StayReason LinuxApplication::stayReason() {
 }
 
 bool LinuxApplication::forceTerminate() {
+    if (isTerminated())
+        return true;
     if (process_->send(SIGTERM) == ProcessHandle::Signalled::refused) {
         surroundings_.log.write("Velmor Quit: il sistema non permette di forzare " +
                                 identity_.name + " (processo " + std::to_string(processId()) + ")");
@@ -69,7 +72,10 @@ bool LinuxApplication::forceTerminate() {
     }
     // Asked again, the first deadline stays.
     if (!killing_.isSet())
-        killing_ = surroundings_.loop.after(killDelay, [this] { process_->send(SIGKILL); });
+        killing_ = surroundings_.loop.after(killDelay, [this] {
+            if (!hasLeft_)
+                process_->send(SIGKILL);
+        });
     return true;
 }
 

@@ -17,8 +17,8 @@ public:
     virtual ~ApplicationWindows() = default;
     /// Asks its windows to close. None when any was asked, else why not.
     virtual std::optional<StayReason> askToClose(ProcessId process) = 0;
-    /// Asks one that has no windows to quit, if it understands any other way. False when there is
-    /// no other way at all.
+    /// Asks one that has no windows to quit, should it understand any other way. False when it has
+    /// windows, runs something that would be lost, or there is no other way at all.
     virtual bool askWithoutWindows(ProcessId process) = 0;
     virtual bool bringToFront(ProcessId process) = 0;
     virtual std::vector<Toplevel> dialogs(ProcessId process) = 0;

@@ -88,7 +88,7 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
 std::set<WorkspaceEvent> LinuxWorkspace::updatePolicies(const std::set<ProcessId>& owners,
                                                         const std::set<ProcessId>& ownersOfAny) {
     std::set<WorkspaceEvent> events;
-    for (const Member& member : members_) {
+    for (Member& member : members_) {
         LinuxApplication& application = *member.application;
         const ProcessId id = application.processId();
         const bool isRegular = owners.contains(id) && !application.isHidden() &&
@@ -97,7 +97,7 @@ std::set<WorkspaceEvent> LinuxWorkspace::updatePolicies(const std::set<ProcessId
         if (policy != application.activationPolicy())
             events.insert(WorkspaceEvent::policyChanged);
         application.setPolicy(policy);
-        if (application.isService() && !ownersOfAny.contains(id) && !application.isTerminated()) {
+        if (application.isService() && hasClosed(member, ownersOfAny.contains(id))) {
             application.leave();
             events.insert(WorkspaceEvent::terminated);
         }
@@ -105,6 +105,27 @@ std::set<WorkspaceEvent> LinuxWorkspace::updatePolicies(const std::set<ProcessId
     // Only these: the end of a process is told by what the member holds.
     std::erase_if(members_, [](const Member& member) { return member.application->hasLeft(); });
     return events;
+}
+
+/// Whether the last window went a while ago. Some hide one window before they show the next.
+bool LinuxWorkspace::hasClosed(Member& member, bool hasWindows) {
+    if (hasWindows || member.application->isTerminated()) {
+        member.windowlessSince.reset();
+        return false;
+    }
+    const Uptime now = loop_.uptime();
+    if (!member.windowlessSince) {
+        member.windowlessSince = now;
+        lookingAgain_ = loop_.after(serviceDelay, [this] { update(); });
+    }
+    return now - *member.windowlessSince >= serviceDelay;
+}
+
+std::set<ProcessId> LinuxWorkspace::windowOwners() {
+    std::set<ProcessId> owners;
+    for (const Toplevel& toplevel : source_.toplevels())
+        owners.insert(toplevel.process);
+    return owners;
 }
 
 /// Takes note of a window; true when it is the first one of its process.
@@ -122,18 +143,18 @@ bool LinuxWorkspace::admit(const Toplevel& toplevel) {
     // The window's own process may have ended since it was listed, and its id may be another's now.
     if (!process || !source_.belongsTo(toplevel.window, id))
         return false;
-    const ProcessOrigin origin = originOf(id, proc_, [this](ProcessId other) {
-        return std::ranges::any_of(source_.toplevels(),
-                                   [other](const Toplevel& one) { return one.process == other; });
-    });
-    auto application = std::make_shared<LinuxApplication>(
-        std::move(process), entries_.identify(toplevel.identity, id, origin.entries), origin,
-        source_.icon(toplevel.window), LinuxApplication::Surroundings{loop_, log_, windows_});
+    const ProcessOrigin origin = originOf(id, proc_, windowOwners());
+    const Identity identity = entries_.identify(toplevel.identity, id, origin.entries);
+    const bool needsPicture = identity.iconName.empty() && identity.iconFile.empty();
+    auto application =
+        std::make_shared<LinuxApplication>(std::move(process), identity, origin,
+                                           needsPicture ? source_.icon(toplevel.window) : Image(),
+                                           LinuxApplication::Surroundings{loop_, log_, windows_});
     // What the window says of itself counts beside what its process was started from.
     const Identity stated = entries_.identify(toplevel.identity, id, {});
     if (stated.id)
         application->addIdentity(stated);
-    members_.push_back({std::move(application), {toplevel.identity}});
+    members_.push_back({std::move(application), {toplevel.identity}, std::nullopt});
     return true;
 }
 

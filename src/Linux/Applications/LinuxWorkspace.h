@@ -19,6 +19,9 @@ namespace velmorquit {
 /// The applications of a Linux session: the processes that own ordinary windows.
 class LinuxWorkspace final : public Workspace {
 public:
+    /// How long a background service has no windows before it counts as ended.
+    static constexpr Duration serviceDelay = 1s;
+
     struct Means {
         /// Asks a process without windows to quit; may be empty.
         std::function<void(ProcessId)> askWithoutWindows;
@@ -43,12 +46,16 @@ private:
         std::shared_ptr<LinuxApplication> application;
         /// The identities that its windows have shown, so that each is looked up once.
         std::set<ToplevelIdentity> shown;
+        /// When a service was first seen without windows.
+        std::optional<Uptime> windowlessSince;
     };
 
     void update();
     void tellUntold();
     std::set<WorkspaceEvent> readToplevels();
     bool admit(const Toplevel& toplevel);
+    bool hasClosed(Member& member, bool hasWindows);
+    [[nodiscard]] std::set<ProcessId> windowOwners();
     std::set<WorkspaceEvent> updatePolicies(const std::set<ProcessId>& owners,
                                             const std::set<ProcessId>& ownersOfAny);
     void removeEndedLater();
@@ -68,6 +75,7 @@ private:
     std::array<Subscribers, 4> observers_;
     Handle watching_;
     Handle removing_;
+    Handle lookingAgain_;
     /// What was noticed while somebody was asking, to be told when they are done.
     std::set<WorkspaceEvent> untold_;
     Handle telling_;

@@ -12,21 +12,38 @@ namespace velmorquit {
 
 namespace {
 
-/// Whether the unit was made for another program, from which this one was started.
+std::optional<ProcessStat> statOf(ProcessId process, const ProcDirectory& proc) {
+    return parseProcessStat(proc.read(process, "stat"));
+}
+
+/// Whether the unit was made for another program, from which this one was started. The one is the
+/// other's parent only at times: launchers let go of what they start.
 bool isGuest(const ProcessStat& process, std::string_view unit, const ProcDirectory& proc,
-             const std::function<bool(ProcessId)>& ownsWindows) {
-    // Processes that change while they are read may look like a circle.
-    constexpr int deepest = 64;
-    ProcessId ancestor = process.parent;
-    for (int depth = 0; depth < deepest && ancestor > 1; ++depth) {
-        if (applicationUnit(proc.read(ancestor, "cgroup")) != unit)
+             const std::set<ProcessId>& windowOwners) {
+    return std::ranges::any_of(windowOwners, [&](ProcessId other) {
+        if (other == process.id || applicationUnit(proc.read(other, "cgroup")) != unit)
             return false;
-        if (ownsWindows(ancestor))
+        const auto stat = statOf(other, proc);
+        return stat && stat->startTime < process.startTime;
+    });
+}
+
+/// Whether it is what its unit was made for, or was started by the bus. Services start programs
+/// too, which are in their unit then.
+bool isMainProcess(const ProcessStat& process, const std::string& cgroup,
+                   const ProcDirectory& proc) {
+    auto ancestor = statOf(process.parent, proc);
+    for (int depth = 0; depth < 2 && ancestor; ++depth) {
+        if (ancestor->command.starts_with("dbus-"))
             return true;
-        const auto stat = parseProcessStat(proc.read(ancestor, "stat"));
-        ancestor = stat ? stat->parent : 0;
+        ancestor = statOf(ancestor->parent, proc);
     }
-    return false;
+    return std::ranges::none_of(proc.processes(), [&](ProcessId other) {
+        if (other == process.id || proc.read(other, "cgroup") != cgroup)
+            return false;
+        const auto stat = statOf(other, proc);
+        return stat && stat->startTime < process.startTime;
+    });
 }
 
 /// The system's start is known in seconds, a process's in ticks since then.
@@ -53,16 +70,17 @@ bool isStartedAsService(const std::string& commandLine) {
 } // namespace
 
 ProcessOrigin originOf(ProcessId process, const ProcDirectory& proc,
-                       const std::function<bool(ProcessId)>& ownsWindows) {
+                       const std::set<ProcessId>& windowOwners) {
     ProcessOrigin origin;
     const std::string cgroup = proc.read(process, "cgroup");
-    origin.isService = isUserService(cgroup) || isStartedAsService(proc.read(process, "cmdline"));
-    const auto stat = parseProcessStat(proc.read(process, "stat"));
+    const auto stat = statOf(process, proc);
     if (!stat)
         return origin;
+    origin.isService = isStartedAsService(proc.read(process, "cmdline")) ||
+                       (isUserService(cgroup) && isMainProcess(*stat, cgroup, proc));
     origin.launchDate = startOf(*stat, proc);
     const std::string_view unit = applicationUnit(cgroup);
-    if (!unit.empty() && !isGuest(*stat, unit, proc, ownsWindows))
+    if (!unit.empty() && !isGuest(*stat, unit, proc, windowOwners))
         origin.entries = desktopEntriesOfUnit(unit);
     return origin;
 }

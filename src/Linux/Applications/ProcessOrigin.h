@@ -3,8 +3,8 @@
 #include "Linux/Proc/ProcDirectory.h"
 #include "Platform/Time.h"
 
-#include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -20,9 +20,9 @@ struct ProcessOrigin {
     std::optional<WallTime> launchDate;
 };
 
-/// Looks at a process. Whatever a program starts is in its unit as well: the unit names the first
-/// one in there that owns windows.
+/// Looks at a process. Whatever a program starts is in its unit as well: the unit names the oldest
+/// one in there that is among `windowOwners`.
 [[nodiscard]] ProcessOrigin originOf(ProcessId process, const ProcDirectory& proc,
-                                     const std::function<bool(ProcessId)>& ownsWindows);
+                                     const std::set<ProcessId>& windowOwners);
 
 } // namespace velmorquit

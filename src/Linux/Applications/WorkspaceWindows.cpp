@@ -2,6 +2,8 @@
 
 #include "Linux/Proc/TerminalJobs.h"
 
+#include <algorithm>
+
 namespace velmorquit {
 
 namespace {
@@ -28,7 +30,10 @@ std::optional<StayReason> WorkspaceWindows::askToClose(ProcessId process) {
 }
 
 bool WorkspaceWindows::askWithoutWindows(ProcessId process) {
-    if (!askOtherwise_)
+    const auto& toplevels = source_.toplevels();
+    const bool hasWindows = std::ranges::any_of(
+        toplevels, [process](const Toplevel& one) { return one.process == process; });
+    if (!askOtherwise_ || hasWindows || hasJob(process))
         return false;
     askOtherwise_(process);
     return true;

@@ -55,50 +55,61 @@ void BusQuit::quit(ProcessId process) {
     });
 }
 
+// From here on it is the connection that is meant, whoever has the name later.
 void BusQuit::askOwner(const QString& name, ProcessId process) {
-    QDBusMessage question = busCall("GetConnectionUnixProcessID");
+    QDBusMessage question = busCall("GetNameOwner");
     question << name;
     ask(bus_, *this, question, [this, name, process](const QDBusMessage& reply) {
-        const auto owner = static_cast<ProcessId>(reply.arguments().value(0).toUInt());
-        if (owner > 0 && speaksFor(owner, process))
-            askName(name);
+        askConnection({name, reply.arguments().value(0).toString()}, process);
     });
 }
 
-// In a sandbox it is a broker outside that talks to the bus, in the same unit as the program.
-bool BusQuit::speaksFor(ProcessId owner, ProcessId process) const {
-    if (owner == process)
-        return true;
+void BusQuit::askConnection(const Peer& peer, ProcessId process) {
+    QDBusMessage question = busCall("GetConnectionUnixProcessID");
+    question << peer.connection;
+    ask(bus_, *this, question, [this, peer, process](const QDBusMessage& reply) {
+        const auto owner = static_cast<ProcessId>(reply.arguments().value(0).toUInt());
+        if (!speaksFor(peer.name, owner, process))
+            return;
+        if (peer.name.startsWith(playerPrefix))
+            askPlayer(peer);
+        else
+            askApplication(peer);
+    });
+}
+
+// In a sandbox it is a broker outside that talks to the bus. Others may be in the unit that were
+// started from there: the broker is known by its executable, and its names by the application's.
+bool BusQuit::speaksFor(const QString& name, ProcessId owner, ProcessId process) const {
+    if (owner <= 0 || owner == process)
+        return owner == process;
     const ProcDirectory proc(proc_);
     const std::string ofProcess = proc.read(process, "cgroup");
     const std::string ofOwner = proc.read(owner, "cgroup");
     const std::string_view unit = applicationUnit(ofProcess);
-    return isSandbox(unit) && applicationUnit(ofOwner) == unit;
+    const QString id = QString::fromStdString(sandboxedApplication(unit));
+    return !id.isEmpty() && applicationUnit(ofOwner) == unit &&
+           proc.link(owner, "exe").ends_with("/xdg-dbus-proxy") &&
+           (name == id || name.startsWith(id + '.') || name.startsWith(playerPrefix));
 }
 
-void BusQuit::askName(const QString& name) {
-    if (name.startsWith(playerPrefix))
-        askPlayer(name);
-    else
-        askApplication(name);
-}
-
-void BusQuit::askPlayer(const QString& name) {
-    QDBusMessage question = call(name, playerPath, "org.freedesktop.DBus.Properties", "Get");
+void BusQuit::askPlayer(const Peer& peer) {
+    QDBusMessage question =
+        call(peer.connection, playerPath, "org.freedesktop.DBus.Properties", "Get");
     question << playerInterface << "CanQuit";
-    ask(bus_, *this, question, [this, name](const QDBusMessage& reply) {
+    ask(bus_, *this, question, [this, peer](const QDBusMessage& reply) {
         if (qvariant_cast<QDBusVariant>(reply.arguments().value(0)).variant().toBool())
-            bus_.asyncCall(call(name, playerPath, playerInterface, "Quit"));
+            bus_.asyncCall(call(peer.connection, playerPath, playerInterface, "Quit"));
     });
 }
 
 // The object of an application lies at its name, with slashes for dots.
-void BusQuit::askApplication(const QString& name) {
-    QString path = '/' + name;
+void BusQuit::askApplication(const Peer& peer) {
+    QString path = '/' + peer.name;
     path.replace('.', '/').replace('-', '_');
-    QDBusMessage question = call(name, path, actions, "Describe");
+    QDBusMessage question = call(peer.connection, path, actions, "Describe");
     question << "quit";
-    ask(bus_, *this, question, [this, name, path](const QDBusMessage& reply) {
+    ask(bus_, *this, question, [this, peer, path](const QDBusMessage& reply) {
         bool isEnabled = false;
         const auto description = reply.arguments().value(0).value<QDBusArgument>();
         if (reply.signature() != "(bgav)")
@@ -108,7 +119,7 @@ void BusQuit::askApplication(const QString& name) {
         description.endStructure();
         if (!isEnabled)
             return;
-        QDBusMessage activation = call(name, path, actions, "Activate");
+        QDBusMessage activation = call(peer.connection, path, actions, "Activate");
         activation << "quit" << QVariantList() << QVariantMap();
         bus_.asyncCall(activation);
     });

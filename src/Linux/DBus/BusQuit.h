@@ -21,11 +21,17 @@ public:
     void quit(ProcessId process);
 
 private:
+    /// A name on the bus and the connection that had it when it was looked at.
+    struct Peer {
+        QString name;
+        QString connection;
+    };
+
     void askOwner(const QString& name, ProcessId process);
-    void askName(const QString& name);
-    void askPlayer(const QString& name);
-    void askApplication(const QString& name);
-    [[nodiscard]] bool speaksFor(ProcessId owner, ProcessId process) const;
+    void askConnection(const Peer& peer, ProcessId process);
+    void askPlayer(const Peer& peer);
+    void askApplication(const Peer& peer);
+    [[nodiscard]] bool speaksFor(const QString& name, ProcessId owner, ProcessId process) const;
 
     QDBusConnection bus_;
     std::string proc_;

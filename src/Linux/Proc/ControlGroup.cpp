@@ -78,9 +78,12 @@ std::string_view applicationUnit(std::string_view cgroup) {
     return found;
 }
 
-bool isSandbox(std::string_view applicationUnit) {
+std::string sandboxedApplication(std::string_view applicationUnit) {
     const std::string_view name = applicationUnit.substr(applicationUnit.rfind('/') + 1);
-    return name.starts_with("app-flatpak-") || name.starts_with("snap.");
+    if (!name.starts_with("app-flatpak-"))
+        return {};
+    const auto entries = desktopEntriesOfUnit(applicationUnit);
+    return entries.size() < 2 ? std::string() : entries[1];
 }
 
 // "app[-MAKER]-ENTRY-RANDOM.scope" and "app[-MAKER]-ENTRY[@RANDOM].service", with the hyphens of an

@@ -12,9 +12,9 @@ namespace velmorquit {
 /// `app-….scope`, an `app-….service` or a `snap.….scope`; empty when it is in none.
 [[nodiscard]] std::string_view applicationUnit(std::string_view cgroup);
 
-/// Whether a sandbox of its own goes with the application of that unit, in which a broker stands
-/// in for it on the session bus.
-[[nodiscard]] bool isSandbox(std::string_view applicationUnit);
+/// The id of the application if that unit has a sandbox around it in which a broker stands in for
+/// it on the session bus, else empty.
+[[nodiscard]] std::string sandboxedApplication(std::string_view applicationUnit);
 
 /// The desktop entries, without ".desktop", that the name of such a unit may mean, most likely
 /// first: whoever makes units may put their own name in front of the entry's.

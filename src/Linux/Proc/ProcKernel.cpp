@@ -142,24 +142,33 @@ std::optional<std::uint64_t> footprintFromStatus(std::string_view status) {
     return sumOfKibibytes<3>(status, {"RssAnon:", "RssShmem:", "VmSwap:"});
 }
 
-ProcessId ProcKernel::responsibleProcess(ProcessId id) const {
+std::set<ProcessId> ProcKernel::responsibleProcesses(const std::vector<ProcessId>& ids) const {
     const std::set<ProcessId> windowOwners = windowOwners_();
     std::map<ProcessId, ProcessEntry> byId;
-    for (const ProcessEntry& process : processTable())
-        byId.emplace(process.id, process);
-    const auto own = byId.find(id);
-    if (own == byId.end() || windowOwners.contains(id))
-        return id;
-    if (own->second.responsible != 0)
-        return own->second.responsible;
-    // As many steps as there are processes: a table read while processes change may hold a circle.
-    auto next = own;
-    for (std::size_t steps = 0; steps < byId.size() && next != byId.end(); ++steps) {
-        if (windowOwners.contains(next->first))
-            return next->first;
-        next = byId.find(next->second.parent);
+    if (!ids.empty()) {
+        for (const ProcessEntry& process : processTable())
+            byId.emplace(process.id, process);
     }
-    return id;
+    const auto answersTo = [&](ProcessId id) {
+        const auto own = byId.find(id);
+        if (own == byId.end() || windowOwners.contains(id))
+            return id;
+        if (own->second.responsible != 0)
+            return own->second.responsible;
+        // As many steps as there are processes: a table read while processes change may hold a
+        // circle.
+        auto next = own;
+        for (std::size_t steps = 0; steps < byId.size() && next != byId.end(); ++steps) {
+            if (windowOwners.contains(next->first))
+                return next->first;
+            next = byId.find(next->second.parent);
+        }
+        return id;
+    };
+    std::set<ProcessId> responsible;
+    for (const ProcessId id : ids)
+        responsible.insert(answersTo(id));
+    return responsible;
 }
 
 std::optional<std::string> ProcKernel::machineModel() const {

@@ -29,7 +29,8 @@ public:
     [[nodiscard]] std::optional<std::uint64_t> footprint(ProcessId id) const override;
     /// The application of the same unit, else the nearest process that owns windows among those
     /// that it descends from.
-    [[nodiscard]] ProcessId responsibleProcess(ProcessId id) const override;
+    [[nodiscard]] std::set<ProcessId>
+    responsibleProcesses(const std::vector<ProcessId>& ids) const override;
     [[nodiscard]] std::optional<std::string> machineModel() const override;
     [[nodiscard]] std::string processorBrand() const override;
 

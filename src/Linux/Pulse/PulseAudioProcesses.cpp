@@ -101,11 +101,9 @@ private:
 
 std::vector<ProcessId> audibleProcesses() {
     std::set<ProcessId> processes;
-    for (const StreamOwner& owner : Visit().audibleStreams()) {
-        const auto process = processOfStream(owner);
-        if (process && *process != ::getpid())
-            processes.insert(*process);
-    }
+    for (const StreamOwner& owner : Visit().audibleStreams())
+        processes.merge(processesOfStream(owner));
+    processes.erase(::getpid());
     return {processes.begin(), processes.end()};
 }
 
@@ -138,19 +136,20 @@ void PulseAudioProcesses::busyProcesses(std::function<void(const std::vector<Pro
                                        });
 }
 
-std::optional<ProcessId> processOfStream(const StreamOwner& owner, const std::string& proc) {
+std::set<ProcessId> processesOfStream(const StreamOwner& owner, const std::string& proc) {
     if (!owner.process)
-        return std::nullopt;
+        return {};
     const ProcDirectory directory(proc);
     if (executes(directory, *owner.process, owner.binary))
-        return owner.process;
+        return {*owner.process};
     const std::string inner = std::to_string(*owner.process);
+    std::set<ProcessId> processes;
     for (const ProcessId id : directory.processes()) {
         if (innermostId(directory.read(id, "status")) == inner &&
             executes(directory, id, owner.binary))
-            return id;
+            processes.insert(id);
     }
-    return std::nullopt;
+    return processes;
 }
 
 } // namespace velmorquit

@@ -5,6 +5,8 @@
 
 #include <map>
 #include <optional>
+#include <set>
+#include <set>
 #include <string>
 
 namespace velmorquit {
@@ -29,9 +31,9 @@ struct StreamOwner {
     std::string binary;               ///< file name of its executable; may be empty
 };
 
-/// The process of this system that a stream belongs to: a program in a sandbox states the id that
-/// it has in there. None when no process fits.
-[[nodiscard]] std::optional<ProcessId> processOfStream(const StreamOwner& owner,
-                                                       const std::string& proc = "/proc");
+/// The processes of this system that a stream may belong to: a program in a sandbox states the id
+/// that it has in there. More than one when several fit; none when none does.
+[[nodiscard]] std::set<ProcessId> processesOfStream(const StreamOwner& owner,
+                                                    const std::string& proc = "/proc");
 
 } // namespace velmorquit

@@ -45,7 +45,7 @@ void X11Pings::keep(const std::set<xcb_window_t>& windows) {
 void X11Pings::listen() {
     connection_.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE |
                                  XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
-    listening_ = loop_.after(interval, [this] { stopListening(); });
+    listening_ = loop_.after(patience, [this] { stopListening(); });
 }
 
 void X11Pings::stopListening() {

@@ -13,7 +13,7 @@ public:
     /// How long a program has for its answer.
     static constexpr Duration patience = 3s;
     /// A window is not asked again before that time has passed.
-    static constexpr Duration interval = 5s;
+    static constexpr Duration interval = 10s;
 
     /// Both outlive it.
     X11Pings(MainLoop& loop, X11Connection& connection) : loop_(loop), connection_(connection) {}

@@ -113,8 +113,10 @@ void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_win
     if (facts.kind != X11Windows::Kind::toplevel)
         return;
     Toplevel toplevel = facts.toplevel;
-    // To belong to the root window is to belong to all windows of the program.
-    const bool hasOwner = facts.owner == connection_.root() || holds(all, facts.owner);
+    // To belong to the root window is to belong to all windows of the program. What no list shows
+    // is a dialog whether or not its owner is on the screen.
+    const bool hasOwner = facts.owner == connection_.root() || holds(all, facts.owner) ||
+                          (facts.owner != XCB_WINDOW_NONE && !toplevel.isOrdinary);
     toplevel.isDialogOfAnother = hasOwner || toplevel.isModal;
     if (toplevel.isOrdinary || toplevel.isDialogOfAnother)
         toplevels_.push_back(std::move(toplevel));

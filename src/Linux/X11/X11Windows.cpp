@@ -23,6 +23,22 @@ bool holds(const std::vector<std::uint32_t>& atoms, xcb_atom_t atom) {
     return std::ranges::find(atoms, atom) != atoms.end();
 }
 
+/// Whole pixels are left out until the shorter side is less than twice `side`.
+Image shrunk(Image image, int side) {
+    const int step = std::max(1, std::min(image.width, image.height) / side);
+    if (step == 1)
+        return image;
+    Image small;
+    small.width = image.width / step;
+    small.height = image.height / step;
+    for (int y = 0; y < small.height; ++y) {
+        for (int x = 0; x < small.width; ++x)
+            small.pixels.push_back(
+                image.pixels[static_cast<std::size_t>(y * step * image.width + x * step)]);
+    }
+    return small;
+}
+
 } // namespace
 
 X11Windows::Inquiry X11Windows::inquire(xcb_window_t window) {
@@ -154,7 +170,7 @@ std::set<ProcessId> X11Windows::processes(const std::set<xcb_window_t>& windows)
 // figures and one picture are fetched: programs put a megabyte there.
 Image X11Windows::icon(xcb_window_t window) {
     constexpr std::uint32_t largest = 1024;
-    constexpr std::uint32_t enoughForLists = 48;
+    constexpr int enoughForLists = 48;
     constexpr int most = 16;
     Image best;
     std::uint32_t offsetOfBest = 0;
@@ -167,8 +183,8 @@ Image X11Windows::icon(xcb_window_t window) {
         const int width = static_cast<int>(size[0]);
         const int side = std::min(width, static_cast<int>(size[1]));
         const int sideOfBest = std::min(best.width, best.height);
-        const bool isBestEnough = sideOfBest >= static_cast<int>(enoughForLists);
-        const bool isEnough = side >= static_cast<int>(enoughForLists);
+        const bool isBestEnough = sideOfBest >= enoughForLists;
+        const bool isEnough = side >= enoughForLists;
         if (isBestEnough ? isEnough && side < sideOfBest : side > sideOfBest) {
             best.width = width;
             best.height = static_cast<int>(size[1]);
@@ -179,7 +195,7 @@ Image X11Windows::icon(xcb_window_t window) {
     const auto length = static_cast<std::uint32_t>(best.width * best.height);
     if (length > 0)
         best.pixels = connection_.numbers(window, "_NET_WM_ICON", offsetOfBest, length);
-    return best.pixels.size() == length ? best : Image();
+    return best.pixels.size() == length ? shrunk(std::move(best), enoughForLists) : Image();
 }
 
 } // namespace velmorquit

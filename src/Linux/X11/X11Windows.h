@@ -52,7 +52,8 @@ public:
     /// The processes that own these windows, those that nobody knows left out.
     [[nodiscard]] std::set<ProcessId> processes(const std::set<xcb_window_t>& windows);
 
-    /// The smallest picture of `_NET_WM_ICON` that is large enough for a list, else the largest.
+    /// The smallest picture of `_NET_WM_ICON` that is large enough for a list, else the largest;
+    /// what is much larger is shrunk.
     [[nodiscard]] Image icon(xcb_window_t window);
 
 private:

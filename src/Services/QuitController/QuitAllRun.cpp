@@ -27,6 +27,7 @@ void QuitController::quitAll(PowerAction action) {
 
 Task QuitController::pollTargets(Uptime deadline) {
     const int number = ++pollNumber_;
+    std::optional<Uptime> lookedAt;
     for (;;) {
         co_await sleep(pollInterval);
         std::vector<OpenApp> running = targetsStillRunning();
@@ -34,10 +35,15 @@ Task QuitController::pollTargets(Uptime deadline) {
             finish(AfterSteps::run);
             co_return;
         }
-        askWindowless(running);
-        if (desktop_.loop.uptime() < deadline)
+        noteWindowless(running);
+        const Uptime now = desktop_.loop.uptime();
+        if (now < deadline)
             continue;
-        stayReasons = reasonsOf(running);
+        askWindowless(running);
+        if (!lookedAt || now - *lookedAt >= reasonInterval) {
+            stayReasons = reasonsOf(running);
+            lookedAt = now;
+        }
         stubborn = std::move(running);
         if (!is<phases::Waiting>(phase)) {
             emit(events::StubbornApps{});
@@ -55,21 +61,26 @@ std::vector<OpenApp> QuitController::targetsStillRunning() const {
     return running;
 }
 
-// Some close their windows and go on in the tray or in the background. They still have to quit, and
-// may understand being told so; most that lose their last window are gone a moment later by
-// themselves.
-void QuitController::askWindowless(const std::vector<OpenApp>& running) {
-    const Uptime now = desktop_.loop.uptime();
+void QuitController::noteWindowless(const std::vector<OpenApp>& running) {
     for (const OpenApp& app : running) {
-        if (app.app->activationPolicy() == ActivationPolicy::regular) {
+        if (app.app->activationPolicy() == ActivationPolicy::regular)
             windowlessSince_.erase(app.id);
+        else
+            windowlessSince_.try_emplace(app.id, desktop_.loop.uptime());
+    }
+}
+
+// Some close their windows and go on in the tray or in the background. They still have to quit, and
+// may understand being told so. They have the grace period to end what they are doing: most are
+// gone by themselves.
+void QuitController::askWindowless(const std::vector<OpenApp>& running) {
+    for (const OpenApp& app : running) {
+        const auto found = windowlessSince_.find(app.id);
+        if (found == windowlessSince_.end() || !found->second || isExcluded(app))
             continue;
-        }
-        std::optional<Uptime>& since = windowlessSince_.try_emplace(app.id, now).first->second;
-        if (!since || now - *since < windowlessPatience || isExcluded(app))
-            continue;
-        since.reset();
-        app.app->terminate();
+        const bool isLong = desktop_.loop.uptime() - *found->second >= windowlessPatience;
+        if (isLong && app.app->terminate())
+            found->second.reset();
     }
 }
 

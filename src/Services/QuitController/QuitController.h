@@ -25,9 +25,11 @@ class QuitController {
 public:
     static constexpr Duration gracePeriod = 6s;
     static constexpr Duration pollInterval = 250ms;
-    /// How long an application may live on without windows before it is asked once more, in the
-    /// way that is left.
+    /// How long an application lives on without windows before it is asked once more, in the way
+    /// that is left, after the grace period.
     static constexpr Duration windowlessPatience = 1s;
+    /// How often it is looked why the stubborn ones stay.
+    static constexpr Duration reasonInterval = 1s;
     static constexpr Duration refreshInterval = 2500ms;
     static constexpr Duration resultTime = 8s;
 
@@ -105,6 +107,7 @@ private:
 
     Task pollTargets(Uptime deadline);
     [[nodiscard]] std::vector<OpenApp> targetsStillRunning() const;
+    void noteWindowless(const std::vector<OpenApp>& running);
     void askWindowless(const std::vector<OpenApp>& running);
     [[nodiscard]] static std::map<ProcessId, StayReason>
     reasonsOf(const std::vector<OpenApp>& running);
