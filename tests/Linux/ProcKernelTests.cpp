@@ -75,6 +75,22 @@ TEST_F(ProcTreeTest, AllProcessesOfAUnitAnswerToTheApplicationInIt) {
     EXPECT_EQ(kernel.responsibleProcesses({99}), std::set<ProcessId>{99});
 }
 
+// Units are remembered, but neither for an id that another process has now nor for a process that
+// is so young that it is still to be moved.
+TEST_F(ProcTreeTest, AProcessIsMovedToItsUnitSoonAfterItsStart) {
+    const std::string app = "/app.slice/app-note-10.scope";
+    constexpr int notYet = 2'000'000'000;
+    addProcess(10, 1, 1, app);
+    addProcess(11, 1, 2);
+    addProcess(12, 1, notYet, "/session-2.scope");
+    using Answers = std::map<ProcessId, ProcessId>;
+    const ProcKernel kernel(proc());
+    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 0}, {12, 0}}));
+    addProcess(11, 1, 3, app);
+    addProcess(12, 1, notYet, app);
+    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 10}, {12, 10}}));
+}
+
 TEST_F(ProcTreeTest, WithoutUnitsAHelperAnswersToTheNearestProcessWithWindows) {
     addProcess(10, 1, 1);
     addProcess(11, 10, 2);

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <ctime>
 #include <fstream>
 #include <map>
 #include <unistd.h>
@@ -97,6 +98,32 @@ std::optional<MemoryPages> ProcKernel::memoryPages() const {
                        .compressor = std::max(zswap, zspages)};
 }
 
+void ApplicationUnits::beginLook() {
+    constexpr std::chrono::seconds memory{30};
+    timespec sinceBoot{};
+    ::clock_gettime(CLOCK_BOOTTIME, &sinceBoot);
+    now_ = std::chrono::seconds(sinceBoot.tv_sec);
+    if (now_ - emptiedAt_ < memory)
+        return;
+    known_.clear();
+    emptiedAt_ = now_;
+}
+
+const std::string& ApplicationUnits::of(const ProcessStat& process, const ProcDirectory& proc,
+                                        std::string& text) {
+    constexpr std::chrono::seconds youth{2};
+    static const auto ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
+    const auto [known, isNew] = known_.try_emplace(process.id);
+    if (isNew || !known->second.isSettled || known->second.startTime != process.startTime) {
+        proc.read(process.id, "cgroup", text);
+        const std::chrono::seconds start(process.startTime / ticks);
+        known->second = {.startTime = process.startTime,
+                         .isSettled = now_ - start > youth,
+                         .unit = std::string(applicationUnit(text))};
+    }
+    return known->second.unit;
+}
+
 std::vector<ProcessEntry> ProcKernel::processTable() const {
     struct Main {
         ProcessId id;
@@ -108,18 +135,18 @@ std::vector<ProcessEntry> ProcKernel::processTable() const {
     std::vector<std::pair<std::size_t, const Main*>> members;
     const std::set<ProcessId> windowOwners = windowOwners_();
     std::string text;
+    units_.beginLook();
     for (const ProcessId id : proc_.processes()) {
         proc_.read(id, "stat", text);
         const auto stat = parseProcessStat(text);
         if (!stat)
             continue;
-        proc_.read(id, "cgroup", text);
-        const std::string_view unit = applicationUnit(text);
+        const std::string& unit = units_.of(*stat, proc_, text);
         table.push_back({.id = id, .parent = stat->parent, .responsible = 0});
         if (unit.empty())
             continue;
         const Main candidate{id, windowOwners.contains(id), stat->startTime};
-        const auto [main, isFirst] = mains.try_emplace(std::string(unit), candidate);
+        const auto [main, isFirst] = mains.try_emplace(unit, candidate);
         const auto rank = [](const Main& one) {
             return std::pair(!one.ownsWindows, one.startTime);
         };

@@ -1,14 +1,42 @@
 #pragma once
 
 #include "Linux/Proc/ProcDirectory.h"
+#include "Linux/Proc/ProcessStat.h"
 #include "Platform/Kernel.h"
 
+#include <chrono>
 #include <functional>
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 namespace velmorquit {
+
+/// Remembers which unit each process is in, which costs as much to read as all the rest of the
+/// table.
+///
+/// A process is moved to its unit when it is started. One that is still young is looked at every
+/// time, and all of them anew every half a minute.
+class ApplicationUnits {
+public:
+    /// To be called before each look at all processes.
+    void beginLook();
+
+    /// As `applicationUnit`, valid until the next look. `text` is memory to read into.
+    const std::string& of(const ProcessStat& process, const ProcDirectory& proc, std::string& text);
+
+private:
+    struct Known {
+        std::uint64_t startTime = 0;
+        bool isSettled = false;
+        std::string unit;
+    };
+
+    std::unordered_map<ProcessId, Known> known_;
+    std::chrono::seconds now_{};
+    std::chrono::seconds emptiedAt_{};
+};
 
 /// The kernel as /proc and /sys show it.
 class ProcKernel final : public Kernel {
@@ -39,6 +67,7 @@ private:
 
     ProcDirectory proc_;
     std::string sys_;
+    mutable ApplicationUnits units_;
     std::function<std::set<ProcessId>()> windowOwners_ = [] { return std::set<ProcessId>(); };
 };
 
