@@ -6,7 +6,6 @@
 #include <map>
 #include <optional>
 #include <set>
-#include <set>
 #include <string>
 
 namespace velmorquit {
