@@ -1,14 +1,20 @@
 #pragma once
 
+#include "Platform/BackupTool.h"
+
 namespace velmorquit {
 
 class Application;
+class ChildProcesses;
+class Files;
 class Formats;
 class Kernel;
+class LoginWindow;
 class MainLoop;
 class Preferences;
 class RemoteCommands;
 class SystemLog;
+class Volumes;
 class Workspace;
 
 /// All that the program asks of a desktop. Whoever makes it outlives whoever is handed it.
@@ -21,6 +27,11 @@ struct Desktop {
     RemoteCommands& remote;
     Application& application;
     const Formats& formats;
+    Volumes& volumes;
+    LoginWindow& loginWindow;
+    ChildProcesses& children;
+    const Files& files;
+    BackupTool backupTool;
 };
 
 } // namespace velmorquit

@@ -5,6 +5,10 @@
 #include <concepts>
 #include <coroutine>
 #include <exception>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace velmorquit {
@@ -55,6 +59,14 @@ public:
             wait_ = loop_.after(delay, [this] { resume(); });
         }
 
+        /// Resumes the coroutine when `work` has been done elsewhere.
+        void waitForWork(std::function<void()> work) {
+            wait_ = loop_.background(std::move(work), [this] { resume(); });
+        }
+
+        /// What tells, without holding the coroutine, whether it is still there.
+        [[nodiscard]] std::weak_ptr<promise_type*> token() const { return token_; }
+
         /// Goes on until the next suspension. The coroutine may be gone afterwards.
         void resume() {
             const auto coroutine = Coroutine::from_promise(*this);
@@ -78,6 +90,7 @@ public:
 
         MainLoop& loop_;
         Handle wait_;
+        std::shared_ptr<promise_type*> token_ = std::make_shared<promise_type*>(this);
         bool isRunning_ = false;
         bool isAbandoned_ = false;
     };
@@ -118,6 +131,59 @@ struct sleep {
         coroutine.promise().waitFor(duration);
     }
     void await_resume() const noexcept {}
+};
+
+/// Work that a `Task` has done elsewhere, where it may block: `OffMain reading([...] {...});` and
+/// then `co_await reading`, which gives what the work returned. The work owns what it uses. Under a
+/// name, not within the expression: see `waitFor`.
+template <class Result> class OffMain {
+public:
+    explicit OffMain(std::function<Result()> work) : work_(std::move(work)) {}
+
+    [[nodiscard]] bool await_ready() const noexcept { return false; }
+    void await_suspend(std::coroutine_handle<Task::promise_type> coroutine) {
+        coroutine.promise().waitForWork(
+            [result = result_, work = std::move(work_)] { result->emplace(work()); });
+    }
+    Result await_resume() { return std::move(**result_); }
+
+private:
+    std::function<Result()> work_;
+    /// Kept by the work as well, which may outlive the task.
+    std::shared_ptr<std::optional<Result>> result_ = std::make_shared<std::optional<Result>>();
+};
+template <class Work> OffMain(Work) -> OffMain<std::invoke_result_t<Work>>;
+
+/// A value that somebody gives later, for one `Task` that waits for it: `co_await answer`. The
+/// first value counts; it may be given before it is waited for. Once taken, the next one can be
+/// given.
+template <class Given> class Answer {
+public:
+    void give(Given value) {
+        if (value_)
+            return;
+        value_ = std::move(value);
+        if (const auto waiting = waiting_.lock())
+            (*waiting)->waitFor(Duration::zero());
+    }
+
+    /// Whether a task waits and has no value yet.
+    [[nodiscard]] bool isAwaited() const { return !value_ && !waiting_.expired(); }
+    /// Forgets a value that nobody has taken.
+    void clear() { value_.reset(); }
+
+    [[nodiscard]] bool await_ready() const noexcept { return value_.has_value(); }
+    void await_suspend(std::coroutine_handle<Task::promise_type> coroutine) {
+        waiting_ = coroutine.promise().token();
+    }
+    Given await_resume() {
+        waiting_.reset();
+        return *std::exchange(value_, std::nullopt);
+    }
+
+private:
+    std::optional<Given> value_;
+    std::weak_ptr<Task::promise_type*> waiting_;
 };
 
 } // namespace velmorquit

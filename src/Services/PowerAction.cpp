@@ -46,6 +46,20 @@ std::string label(PowerAction action) { return localized(textsOf(action).label);
 
 std::string helpText(PowerAction action) { return localized(textsOf(action).help); }
 
+bool perform(PowerAction action, LoginWindow& loginWindow, SystemLog& log) {
+    if (action == PowerAction::none)
+        return true;
+    const LoginRequest request = action == PowerAction::shutDown  ? LoginRequest::shutDown
+                                 : action == PowerAction::restart ? LoginRequest::restart
+                                                                  : LoginRequest::logOut;
+    const auto refused = loginWindow.request(request);
+    if (refused) {
+        log.write("Velmor Quit: azione " + std::string(rawValue(action)) +
+                  " non riuscita: " + *refused);
+    }
+    return !refused;
+}
+
 std::string scheduleTitle(PowerAction action) {
     return action == PowerAction::none ? buttonTitle(action) : label(action);
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "Platform/LoginWindow.h"
+#include "Platform/SystemLog.h"
+
 #include <array>
 #include <optional>
 #include <string>
@@ -27,6 +30,10 @@ inline constexpr std::array allPowerActions{PowerAction::none, PowerAction::shut
 
 /// One sentence on what the choice does.
 [[nodiscard]] std::string helpText(PowerAction action);
+
+/// Asks for what the choice says; for `none` nothing is asked. True when the request was taken,
+/// else the log has a line.
+bool perform(PowerAction action, LoginWindow& loginWindow, SystemLog& log);
 
 /// Title of a quit that is scheduled with this choice.
 [[nodiscard]] std::string scheduleTitle(PowerAction action);

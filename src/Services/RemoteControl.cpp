@@ -50,6 +50,11 @@ const char* rawValue(StayReason reason) {
     return nullptr;
 }
 
+/// Since 1970.
+std::int64_t seconds(WallTime date) {
+    return std::chrono::duration_cast<std::chrono::seconds>(date.time_since_epoch()).count();
+}
+
 bool holds(const std::vector<OpenApp>& apps, const OpenApp& wanted) {
     return std::ranges::any_of(apps, [&](const OpenApp& app) { return app.app == wanted.app; });
 }
@@ -77,6 +82,12 @@ RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
         return force();
     if (verb == "leave" && count == 0)
         return leave();
+    if (verb == "backup" && count == 1)
+        return backup(arguments.front());
+    if (verb == "eject" && count == 0)
+        return eject();
+    if (verb == "cancel" && count == 0)
+        return cancel();
     if ((verb == "exclude" || verb == "include") && count == 1)
         return setExcluded(arguments.front(), verb == "exclude");
     if (verb == "show" && count <= 1) {
@@ -96,6 +107,12 @@ RemoteAnswer RemoteControl::status() {
     const MemoryMonitor::SystemMemory& memory = controller_.systemMemory;
     json["memory"] = {{"used", memory.used}, {"total", memory.total}};
     json["afterQuit"] = rawValue(controller_.afterQuit);
+    json["backupFirst"] = controller_.backupFirst.get();
+    json["ejectDrives"] = controller_.ejectDrives.get();
+    const TimeMachine::Info& backups = controller_.timeMachine;
+    json["backups"] = {{"configured", backups.isConfigured},
+                       {"last", backups.lastBackup ? Json(seconds(*backups.lastBackup)) : Json()}};
+    json["drives"] = describeDrives();
     json["note"] = controller_.resultNote.get() ? Json(*controller_.resultNote.get()) : Json();
     return done(json);
 }
@@ -125,6 +142,46 @@ RemoteAnswer RemoteControl::leave() {
         return refused(localized("Non c'è nessuna chiusura in corso."));
     controller_.leaveStubbornOpen();
     return done(describePhase());
+}
+
+RemoteAnswer RemoteControl::backup(const std::string& word) {
+    using Stop = QuitController::BackupStop;
+    using Choice = QuitController::FailureChoice;
+    const bool isStop = word == "skip" || word == "cancel";
+    if (!isStop && word != "continue" && word != "stop")
+        return {RemoteAnswer::Status::unknown, localized("Comando sconosciuto: %@", word)};
+    if (isStop) {
+        if (!is<phases::BackingUp>(controller_.phase))
+            return refused(localized("Non c'è nessun backup in corso."));
+        controller_.stopBackup(word == "skip" ? Stop::skip : Stop::cancel);
+    } else {
+        if (!is<phases::BackupFailed>(controller_.phase))
+            return refused(localized("Nessun backup aspetta una risposta."));
+        controller_.resolveBackupFailure(word == "stop" ? Choice::stop : Choice::goOn);
+    }
+    return done(describePhase());
+}
+
+RemoteAnswer RemoteControl::eject() {
+    if (controller_.isRunning() || controller_.isEjecting())
+        return refused(localized("Velmor Quit è già al lavoro."));
+    controller_.refresh();
+    if (controller_.externalDrives->empty())
+        return refused(localized("Nessun disco esterno collegato."));
+    controller_.ejectNow();
+    return done({{"drives", describeDrives()}});
+}
+
+RemoteAnswer RemoteControl::cancel() {
+    controller_.cancelPowerAction();
+    return done(describePhase());
+}
+
+RemoteControl::Json RemoteControl::describeDrives() const {
+    Json drives = Json::array();
+    for (const ExternalDrives::Drive& drive : controller_.externalDrives.get())
+        drives.push_back({{"name", drive.name}, {"path", drive.url}});
+    return drives;
 }
 
 RemoteAnswer RemoteControl::setExcluded(const std::string& name, bool isExcluded) {
@@ -191,17 +248,32 @@ RemoteControl::Json RemoteControl::describeStubborn() const {
 }
 
 RemoteControl::Json RemoteControl::describePhase() const {
-    return std::visit(Overloaded{[](phases::Idle) { return Json{{"phase", "idle"}}; },
-                                 [](phases::Quitting quitting) {
-                                     return Json{{"phase", "quitting"}, {"total", quitting.total}};
-                                 },
-                                 [](phases::Waiting) { return Json{{"phase", "waiting"}}; },
-                                 [](phases::Done done) {
-                                     return Json{{"phase", "done"},
-                                                 {"closed", done.closed},
-                                                 {"freed", done.freed}};
-                                 }},
-                      controller_.phase.get());
+    const auto& until = controller_.autoContinueAt.get();
+    const auto& note = controller_.resultNote.get();
+    return std::visit(
+        Overloaded{[](phases::Idle) { return Json{{"phase", "idle"}}; },
+                   [](phases::Quitting quitting) {
+                       return Json{{"phase", "quitting"}, {"total", quitting.total}};
+                   },
+                   [](phases::Waiting) { return Json{{"phase", "waiting"}}; },
+                   [](const phases::BackingUp& backup) {
+                       return Json{{"phase", "backingUp"},
+                                   {"fraction", backup.fraction ? Json(*backup.fraction) : Json()}};
+                   },
+                   [&](const phases::BackupFailed& failed) {
+                       return Json{{"phase", "backupFailed"},
+                                   {"reason", failed.reason},
+                                   {"continuesAt", until ? Json(seconds(*until)) : Json()}};
+                   },
+                   [](phases::Ejecting) { return Json{{"phase", "ejecting"}}; },
+                   [&](phases::Done done) {
+                       return Json{{"phase", "done"},
+                                   {"closed", done.closed},
+                                   {"freed", done.freed},
+                                   {"note", note ? Json(*note) : Json()},
+                                   {"then", velmorquit::rawValue(controller_.runningAction)}};
+                   }},
+        controller_.phase.get());
 }
 
 void RemoteControl::announceChanges() {
@@ -265,15 +337,27 @@ void RemoteControl::announceExclusions() {
 }
 
 void RemoteControl::announce(const Event& event) {
-    announce(std::visit(Overloaded{[](events::QuitDone quit) {
-                                       return Json{{"change", "event"},
-                                                   {"event", "quitDone"},
-                                                   {"closed", quit.closed}};
-                                   },
-                                   [](events::StubbornApps) {
-                                       return Json{{"change", "event"}, {"event", "stubbornApps"}};
-                                   }},
-                        event));
+    Json change = std::visit(
+        Overloaded{[](events::QuitDone quit) {
+                       return Json{{"event", "quitDone"}, {"closed", quit.closed}};
+                   },
+                   [](events::StubbornApps) { return Json{{"event", "stubbornApps"}}; },
+                   [](events::BackupStarted) { return Json{{"event", "backupStarted"}}; },
+                   [](events::BackupProgress progress) {
+                       return Json{{"event", "backupProgress"}, {"fraction", progress.fraction}};
+                   },
+                   [](events::BackupFinished finished) {
+                       return Json{{"event", "backupFinished"}, {"success", finished.success}};
+                   },
+                   [](const events::DisksEjected& ejected) {
+                       return Json{{"event", "disksEjected"},
+                                   {"count", ejected.count},
+                                   {"failed", ejected.failed}};
+                   }},
+        event);
+    Json told = {{"change", "event"}};
+    told.update(change);
+    announce(told);
 }
 
 void RemoteControl::announce(const Json& change) { remote_.announce(text(change)); }

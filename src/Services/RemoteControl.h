@@ -16,8 +16,9 @@ namespace velmorquit {
 ///
 /// A stubborn application has a `reason`: `asking`, `windowless`, `cannotBeAsked`, `busyTerminal`,
 /// `notResponding`, or null when nothing is known.
+/// A backup is answered with `backup skip`, `cancel`, `continue` or `stop`.
 /// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
-/// `include NAME`, `show [TOKEN]`. Changes are announced as objects with a field `change`: `phase`,
+/// `include NAME`, `backup WORD`, `eject`, `cancel`, `show [TOKEN]`. Changes are announced as objects with a field `change`: `phase`,
 /// `stubborn`, `opened`, `closed`, `windowless` (it lives on), `excluded`, `included`, `event`.
 class RemoteControl {
 public:
@@ -37,6 +38,10 @@ private:
     RemoteAnswer quitAll(const std::vector<std::string>& arguments);
     RemoteAnswer force();
     RemoteAnswer leave();
+    RemoteAnswer backup(const std::string& word);
+    RemoteAnswer eject();
+    RemoteAnswer cancel();
+    [[nodiscard]] Json describeDrives() const;
     RemoteAnswer setExcluded(const std::string& name, bool isExcluded);
 
     [[nodiscard]] std::vector<OpenApp> named(const std::string& name) const;

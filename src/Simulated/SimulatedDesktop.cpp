@@ -39,7 +39,19 @@ std::string SimulatedDesktop::log() const {
 }
 
 Desktop SimulatedDesktop::ports() {
-    return {loop, preferences, workspace, kernel, systemLog, remote, program, formats};
+    return {loop,
+            preferences,
+            workspace,
+            kernel,
+            systemLog,
+            remote,
+            program,
+            formats,
+            volumes,
+            loginWindow,
+            backupTool,
+            backupTool,
+            {.program = "/tool", .destinations = "/destinations"}};
 }
 
 } // namespace velmorquit

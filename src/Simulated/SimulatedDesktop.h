@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Platform/Desktop.h"
+#include "Simulated/SimulatedBackupTool.h"
 #include "Simulated/SimulatedFormats.h"
 #include "Simulated/SimulatedPorts.h"
 #include "Simulated/SimulatedPreferences.h"
+#include "Simulated/SimulatedVolumes.h"
 #include "Simulated/SimulatedWorkspace.h"
 #include "Simulated/VirtualLoop.h"
 
@@ -44,6 +46,9 @@ public:
     SimulatedRemoteCommands remote;
     SimulatedProgram program;
     SimulatedFormats formats;
+    SimulatedVolumes volumes{[this](std::string_view what) { write(what); }};
+    SimulatedLoginWindow loginWindow{[this](std::string_view what) { write(what); }};
+    SimulatedBackupTool backupTool{loop, [this](std::string_view what) { write(what); }};
 
 private:
     std::vector<std::string> lines_;

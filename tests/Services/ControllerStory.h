@@ -47,14 +47,38 @@ private:
     void hear(const Event& event) {
         if (const auto* quit = std::get_if<events::QuitDone>(&event))
             desktop.write("event quitDone " + std::to_string(quit->closed));
+        else if (const auto* progress = std::get_if<events::BackupProgress>(&event))
+            desktop.write("event backupProgress " +
+                          std::to_string(progress->fraction).substr(0, 4));
+        else if (const auto* finished = std::get_if<events::BackupFinished>(&event))
+            desktop.write(finished->success ? "event backupFinished"
+                                            : "event backupFinished badly");
+        else if (const auto* ejected = std::get_if<events::DisksEjected>(&event))
+            desktop.write("event disksEjected " + std::to_string(ejected->count) +
+                          joined(ejected->failed));
+        else if (std::holds_alternative<events::BackupStarted>(event))
+            desktop.write("event backupStarted");
         else
             desktop.write("event stubbornApps: " + names(controller->stubborn));
         if (onEvent)
             onEvent(event);
     }
 
+    static std::string joined(const std::vector<std::string>& names) {
+        std::string text;
+        for (const std::string& name : names)
+            text += " -" + name;
+        return text;
+    }
+
     std::string phaseText() const {
         const Phase& phase = controller->phase;
+        if (const auto* failed = std::get_if<phases::BackupFailed>(&phase))
+            return "backupFailed: " + failed->reason;
+        if (is<phases::BackingUp>(phase))
+            return "backingUp";
+        if (is<phases::Ejecting>(phase))
+            return "ejecting";
         if (const auto* quitting = std::get_if<phases::Quitting>(&phase))
             return "quitting " + std::to_string(quitting->total);
         if (const auto* done = std::get_if<phases::Done>(&phase))

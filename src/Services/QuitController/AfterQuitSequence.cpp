@@ -1,18 +1,135 @@
-#include "Platform/SystemLog.h"
 #include "Services/QuitController/QuitController.h"
+
+#include "Platform/LoginWindow.h"
+#include "Texts/Localized.h"
+
+#include <string_view>
 
 namespace velmorquit {
 
+namespace {
+
+/// So that the result can be seen before the session ends.
+constexpr Duration beforePowerAction = 1200ms;
+
+std::string joined(const std::vector<std::string>& texts, std::string_view separator) {
+    std::string all;
+    for (const std::string& text : texts)
+        all += (all.empty() ? "" : std::string(separator)) + text;
+    return all;
+}
+
+void noteEjected(std::vector<std::string>& notes, const ExternalDrives::Ejected& ejected) {
+    if (ejected.count == 1)
+        notes.push_back(localized("1 disco espulso"));
+    else if (ejected.count > 1)
+        notes.push_back(localized("%lld dischi espulsi", ejected.count));
+    if (!ejected.failed.empty())
+        notes.push_back(localized("Non espulso: %@", joined(ejected.failed, ", ")));
+}
+
+} // namespace
+
+// Whoever hears of an event may start the next run only after the result is on show: until then the
+// phase is that of this one.
 Task QuitController::afterApps(RunResult result, PowerAction action) {
+    const int number = runNumber_;
     unfollowedResult_.reset();
-    showResult(result, std::nullopt);
+    isActionDropped_ = false;
+    runningAction = action;
+    std::vector<std::string> notes;
+
+    if (backupFirst && timeMachine->isConfigured) {
+        backupOutcome_.clear();
+        backupStop_.reset();
+        phase = phases::BackingUp{};
+        backupTask_ = runBackup();
+        const BackupOutcome outcome = co_await backupOutcome_;
+        if (outcome.end == BackupEnd::completed) {
+            emit(events::BackupFinished{true});
+            notes.push_back(localized("Backup Time Machine completato"));
+        } else if (outcome.end == BackupEnd::skipped) {
+            notes.push_back(localized("Backup saltato"));
+        } else if (outcome.end == BackupEnd::cancelled) {
+            showResult(result, localized("Backup annullato"));
+            resetSequence(number);
+            co_return;
+        } else {
+            emit(events::BackupFinished{false});
+            phase = phases::BackupFailed{outcome.reason};
+            failureChoice_.clear();
+            if (unattended) {
+                autoContinueAt = desktop_.loop.now() + unattendedGrace;
+                unattendedTask_ = continueUnattended();
+            }
+            const FailureChoice choice = co_await failureChoice_;
+            unattendedTask_.cancel();
+            if (choice == FailureChoice::stop) {
+                showResult(result, localized("Backup non riuscito"));
+                resetSequence(number);
+                co_return;
+            }
+            notes.push_back(localized("Backup non riuscito"));
+        }
+    }
+
+    if (ejectDrives && !ExternalDrives::connected(desktop_.volumes).empty()) {
+        phase = phases::Ejecting{};
+        ejected_.clear();
+        ejectTask_ = ExternalDrives::ejectAll(desktop_.loop, desktop_.volumes, ejected_);
+        const ExternalDrives::Ejected ejected = co_await ejected_;
+        emit(events::DisksEjected{ejected.count, ejected.failed});
+        noteEjected(notes, ejected);
+    }
+
+    showResult(result, notes.empty() ? std::nullopt : std::optional(joined(notes, " · ")));
     if (result.closed > 0)
         emit(events::QuitDone{result.closed});
     if (action != PowerAction::none) {
-        desktop_.log.write("Velmor Quit: azione " + std::string(rawValue(action)) +
-                           " non ancora disponibile: non faccio altro");
+        co_await sleep(beforePowerAction);
+        // A run that has begun meanwhile brings its own action.
+        if (number == runNumber_ && !isActionDropped_)
+            perform(action, desktop_.loginWindow, desktop_.log);
     }
-    co_return;
+    resetSequence(number);
 }
+
+/// What belongs to a sequence goes with it, unless it is another run's by now.
+void QuitController::resetSequence(int number) {
+    if (number != runNumber_)
+        return;
+    unattended = false;
+    autoContinueAt = std::nullopt;
+    runningAction = PowerAction::none;
+}
+
+Task QuitController::continueUnattended() {
+    co_await sleep(unattendedGrace);
+    resolveBackupFailure(FailureChoice::goOn);
+}
+
+void QuitController::resolveBackupFailure(FailureChoice choice) {
+    if (failureChoice_.isAwaited())
+        failureChoice_.give(choice);
+}
+
+void QuitController::ejectNow() {
+    if (!isRunning() && !isEjecting())
+        ejectNowTask_ = ejectByThemselves();
+}
+
+Task QuitController::ejectByThemselves() {
+    ejected_.clear();
+    ejectTask_ = ExternalDrives::ejectAll(desktop_.loop, desktop_.volumes, ejected_);
+    const ExternalDrives::Ejected ejected = co_await ejected_;
+    emit(events::DisksEjected{ejected.count, ejected.failed});
+}
+
+void QuitController::cancelPowerAction() {
+    isActionDropped_ = true;
+    desktop_.loginWindow.cancel();
+}
+
+void QuitController::stopBackup(BackupStop how) { backupStop_ = how; }
 
 } // namespace velmorquit

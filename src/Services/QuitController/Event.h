@@ -1,6 +1,8 @@
 #pragma once
 
+#include <string>
 #include <variant>
+#include <vector>
 
 namespace velmorquit {
 
@@ -13,9 +15,25 @@ struct QuitDone {
 };
 /// The grace period has ended with applications still open.
 struct StubbornApps {};
+/// The backup of a run has begun.
+struct BackupStarted {};
+/// The backup has passed a quarter: 0.25, 0.5 or 0.75, each once at most.
+struct BackupProgress {
+    double fraction = 0;
+};
+/// The backup has ended by itself; `success` when a new one was recorded.
+struct BackupFinished {
+    bool success = false;
+};
+/// Ejecting is over: `count` drives are gone, those named in `failed` are still mounted.
+struct DisksEjected {
+    int count = 0;
+    std::vector<std::string> failed;
+};
 
 } // namespace events
 
-using Event = std::variant<events::QuitDone, events::StubbornApps>;
+using Event = std::variant<events::QuitDone, events::StubbornApps, events::BackupStarted,
+                           events::BackupProgress, events::BackupFinished, events::DisksEjected>;
 
 } // namespace velmorquit

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <variant>
 
 namespace velmorquit {
@@ -21,6 +23,20 @@ struct Quitting {
 struct Waiting {
     friend bool operator==(Waiting, Waiting) = default;
 };
+/// The backup is running; `fraction` of it (0 to 1) is done, none while nobody knows.
+struct BackingUp {
+    std::optional<double> fraction;
+    friend bool operator==(const BackingUp&, const BackingUp&) = default;
+};
+/// The backup has failed, and the user has to say whether to go on.
+struct BackupFailed {
+    std::string reason;
+    friend bool operator==(const BackupFailed&, const BackupFailed&) = default;
+};
+/// External drives are being ejected.
+struct Ejecting {
+    friend bool operator==(Ejecting, Ejecting) = default;
+};
 /// The run is over: `closed` applications quit, which used `freed` bytes when it began.
 struct Done {
     int closed = 0;
@@ -30,7 +46,8 @@ struct Done {
 
 } // namespace phases
 
-using Phase = std::variant<phases::Idle, phases::Quitting, phases::Waiting, phases::Done>;
+using Phase = std::variant<phases::Idle, phases::Quitting, phases::Waiting, phases::BackingUp,
+                           phases::BackupFailed, phases::Ejecting, phases::Done>;
 
 template <class Case> [[nodiscard]] bool is(const Phase& phase) {
     return std::holds_alternative<Case>(phase);

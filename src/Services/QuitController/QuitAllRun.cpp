@@ -1,3 +1,4 @@
+#include "Platform/LoginWindow.h"
 #include "Services/QuitController/QuitController.h"
 
 #include <algorithm>
@@ -9,6 +10,9 @@ void QuitController::quitAll(PowerAction action) {
     if (isRunning())
         return;
     resetTask_.cancel();
+    ++runNumber_;
+    // What an earlier run has asked for and is still waiting gives way to this one.
+    desktop_.loginWindow.cancel();
     refresh();
     targets_ = quittable();
     pendingAction_ = action;
@@ -108,6 +112,7 @@ void QuitController::leaveStubbornOpen() {
     if (unfollowedResult_) {
         postTask_.cancel();
         showResult(*std::exchange(unfollowedResult_, std::nullopt), std::nullopt);
+        unattended = false;
         return;
     }
     finish(AfterSteps::skip);
@@ -127,6 +132,7 @@ void QuitController::finish(AfterSteps steps) {
     const PowerAction action = std::exchange(pendingAction_, PowerAction::none);
     if (steps == AfterSteps::skip) {
         showResult(result, std::nullopt);
+        unattended = false;
         return;
     }
     unfollowedResult_ = result;

@@ -8,7 +8,10 @@ namespace velmorquit {
 QuitController::QuitController(const Desktop& desktop)
     : apps(desktop.loop), phase(desktop.loop), stubborn(desktop.loop), stayReasons(desktop.loop),
       systemMemory(desktop.loop, MemoryMonitor::system(desktop.kernel)), excluded(desktop.loop),
-      afterQuit(desktop.loop), resultNote(desktop.loop), desktop_(desktop) {
+      afterQuit(desktop.loop), backupFirst(desktop.loop), ejectDrives(desktop.loop),
+      timeMachine(desktop.loop, TimeMachine::info(desktop.files, desktop.backupTool)),
+      externalDrives(desktop.loop), resultNote(desktop.loop), unattended(desktop.loop),
+      autoContinueAt(desktop.loop), runningAction(desktop.loop), desktop_(desktop) {
     loadPreferences();
     observeWorkspace();
     refresh();
@@ -26,6 +29,22 @@ void QuitController::loadPreferences() {
     }
     const std::string action = desktop_.preferences.text("afterQuit").value_or("");
     afterQuit = powerActionFromRaw(action).value_or(PowerAction::none);
+    backupFirst = desktop_.preferences.boolean("backupFirst", false);
+    ejectDrives = desktop_.preferences.boolean("ejectDrives", false);
+}
+
+void QuitController::chooseBackupFirst(bool isChosen) {
+    if (backupFirst.get() == isChosen)
+        return;
+    backupFirst = isChosen;
+    desktop_.preferences.set("backupFirst", isChosen);
+}
+
+void QuitController::chooseEjectDrives(bool isChosen) {
+    if (ejectDrives.get() == isChosen)
+        return;
+    ejectDrives = isChosen;
+    desktop_.preferences.set("ejectDrives", isChosen);
 }
 
 void QuitController::chooseAfterQuit(PowerAction action) {

@@ -4,11 +4,13 @@
 #include "Platform/Published.h"
 #include "Platform/Task.h"
 #include "Platform/Workspace.h"
+#include "Services/ExternalDrives.h"
 #include "Services/MemoryMonitor.h"
 #include "Services/PowerAction.h"
 #include "Services/QuitController/Event.h"
 #include "Services/QuitController/OpenApp.h"
 #include "Services/QuitController/Phase.h"
+#include "Services/TimeMachine.h"
 
 #include <map>
 #include <optional>
@@ -32,6 +34,15 @@ public:
     static constexpr Duration reasonInterval = 1s;
     static constexpr Duration refreshInterval = 2500ms;
     static constexpr Duration resultTime = 8s;
+    static constexpr Duration unattendedGrace = 60s;
+
+    /// How the user stops a running backup.
+    enum class BackupStop {
+        skip,   ///< and goes on with what follows
+        cancel, ///< and ends the run
+    };
+    /// What the user says to a backup that has failed.
+    enum class FailureChoice { stop, goOn };
 
     /// Reads the preferences, watches the workspace and lists what is open.
     explicit QuitController(const Desktop& desktop);
@@ -47,8 +58,20 @@ public:
     /// Exclusion keys of the applications that a run leaves alone.
     Published<std::set<std::string>> excluded;
     Published<PowerAction> afterQuit;
+    /// Whether a run is followed by a backup, where there is a place for one.
+    Published<bool> backupFirst;
+    /// Whether a run is followed by ejecting the external drives.
+    Published<bool> ejectDrives;
+    Published<TimeMachine::Info> timeMachine;
+    Published<std::vector<ExternalDrives::Drive>> externalDrives;
     /// What the user should know of the result beyond its figures.
     Published<std::optional<std::string>> resultNote;
+    /// Nobody attends the present run: a failed backup is passed over after a while.
+    Published<bool> unattended;
+    /// When that happens, by the wall clock; none otherwise.
+    Published<std::optional<WallTime>> autoContinueAt;
+    /// What the running sequence ends with; `none` outside one.
+    Published<PowerAction> runningAction;
 
     /// Hears of events the moment they happen; it may call any operation.
     std::function<void(const Event&)> onEvent;
@@ -92,6 +115,24 @@ public:
     /// Ends the run, leaving alone whatever is still open, without anything to follow.
     void leaveStubbornOpen();
 
+    /// Choose what else follows a run, and store it.
+    void chooseBackupFirst(bool isChosen);
+    void chooseEjectDrives(bool isChosen);
+
+    /// Stops the running backup, within a second.
+    void stopBackup(BackupStop how);
+
+    /// Ejects the external drives by themselves; `disksEjected` tells the result. Does nothing
+    /// while a run is in progress or drives are being ejected.
+    void ejectNow();
+    [[nodiscard]] bool isEjecting() const { return ejectTask_.isActive(); }
+
+    /// Drops a power action that has not happened yet.
+    void cancelPowerAction();
+
+    /// Answers the question after a failed backup. Without one nothing happens.
+    void resolveBackupFailure(FailureChoice choice);
+
     [[nodiscard]] MainLoop& mainLoop() const { return desktop_.loop; }
 
 private:
@@ -100,6 +141,12 @@ private:
         std::uint64_t freed = 0;
     };
     enum class AfterSteps { run, skip };
+
+    enum class BackupEnd { completed, skipped, cancelled, failed };
+    struct BackupOutcome {
+        BackupEnd end = BackupEnd::failed;
+        std::string reason; ///< of a failure
+    };
 
     void loadPreferences();
     void observeWorkspace();
@@ -114,6 +161,12 @@ private:
     void finish(AfterSteps steps);
     [[nodiscard]] RunResult countClosed() const;
     Task afterApps(RunResult result, PowerAction action);
+    Task runBackup();
+    Task continueUnattended();
+    Task ejectByThemselves();
+    void publishProgress(const TimeMachine::Status& status, int& lastQuarter);
+    [[nodiscard]] static std::string failureReason(const ChildProcess& process);
+    void resetSequence(int number);
     void showResult(RunResult result, std::optional<std::string> note);
     Task resetResult();
     void emit(const Event& event);
@@ -128,7 +181,18 @@ private:
     /// The result of a run that has ended while what follows it has not begun.
     std::optional<RunResult> unfollowedResult_;
     Task pollTask_;
+    /// Counts the runs, so that the end of one leaves alone what belongs to the next.
+    int runNumber_ = 0;
+    std::optional<BackupStop> backupStop_;
+    Answer<BackupOutcome> backupOutcome_;
+    Answer<FailureChoice> failureChoice_;
+    Answer<ExternalDrives::Ejected> ejected_;
     Task postTask_;
+    Task backupTask_;
+    Task unattendedTask_;
+    Task ejectTask_;
+    Task ejectNowTask_;
+    bool isActionDropped_ = false;
     Task resetTask_;
     Handle refreshTimer_;
     std::vector<Handle> observers_;

@@ -10,6 +10,7 @@ void QuitController::observeWorkspace() {
     for (const auto event :
          {WorkspaceEvent::launched, WorkspaceEvent::terminated, WorkspaceEvent::policyChanged})
         observers_.push_back(desktop_.workspace.observe(event, [this] { refresh(); }));
+    observers_.push_back(desktop_.volumes.observe([this] { refresh(); }));
 }
 
 void QuitController::refresh() {
@@ -34,6 +35,8 @@ void QuitController::refresh() {
     std::ranges::stable_sort(listed, std::greater{}, &OpenApp::memory);
     apps = std::move(listed);
     systemMemory = MemoryMonitor::system(desktop_.kernel);
+    timeMachine = TimeMachine::info(desktop_.files, desktop_.backupTool);
+    externalDrives = ExternalDrives::connected(desktop_.volumes);
 }
 
 void QuitController::startLiveUpdates() {

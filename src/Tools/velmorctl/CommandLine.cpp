@@ -12,10 +12,11 @@ using Command = CommandLine::Command;
 
 const QMap<QString, Command>& commands() {
     static const QMap<QString, Command> words{
-        {"help", Command::help},       {"--help", Command::help}, {"-h", Command::help},
-        {"status", Command::status},   {"watch", Command::watch}, {"quit-all", Command::quitAll},
-        {"force", Command::force},     {"leave", Command::leave}, {"exclude", Command::exclude},
-        {"include", Command::include}, {"show", Command::show},
+        {"help", Command::help},       {"--help", Command::help},   {"-h", Command::help},
+        {"status", Command::status},   {"watch", Command::watch},   {"quit-all", Command::quitAll},
+        {"force", Command::force},     {"leave", Command::leave},   {"exclude", Command::exclude},
+        {"include", Command::include}, {"show", Command::show},     {"backup", Command::backup},
+        {"eject", Command::eject},     {"cancel", Command::cancel},
     };
     return words;
 }
@@ -62,6 +63,13 @@ std::variant<CommandLine, std::string> parseCommandLine(const QStringList& argum
             return localized("%@ vuole il nome di un'app", word.toStdString());
         return line;
     }
+    if (line.command == Command::backup) {
+        static const QStringList words{"skip", "cancel", "continue", "stop"};
+        if (rest.size() != 1 || !words.contains(rest.first()))
+            return localized("backup vuole una di queste parole: %@",
+                             words.join(", ").toStdString());
+        line.word = rest.takeFirst();
+    }
     while (!rest.isEmpty()) {
         if (const auto wrong = takeOption(line, rest))
             return *wrong;
@@ -81,6 +89,10 @@ std::string usage() {
         "  leave                lascia aperte le app rimaste e finisce qui\n"
         "  exclude NOME         non chiudere mai quest'app (nome, id o numero di processo)\n"
         "  include NOME         torna a chiuderla\n"
+        "  backup skip|cancel   ferma il backup e va avanti, o chiude qui\n"
+        "  backup continue|stop dopo un backup non riuscito: va avanti, o si ferma\n"
+        "  eject                espelle i dischi esterni\n"
+        "  cancel               rinuncia a spegnere, riavviare o uscire\n"
         "  show                 fa mostrare Velmor Quit\n"
         "\n"
         "Stato d'uscita: 0 fatto, 1 rifiutato o qualcosa è rimasto aperto, 2 uso sbagliato,\n"

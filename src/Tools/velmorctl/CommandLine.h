@@ -18,10 +18,24 @@ enum class ExitStatus {
 
 /// What the user asked for on the command line.
 struct CommandLine {
-    enum class Command { help, status, watch, quitAll, force, leave, exclude, include, show };
+    enum class Command {
+        help,
+        status,
+        watch,
+        quitAll,
+        force,
+        leave,
+        exclude,
+        include,
+        show,
+        backup,
+        eject,
+        cancel
+    };
 
     Command command = Command::help;
     QString name;                             ///< of an application
+    QString word;                             ///< what is said to a backup
     QString then = QStringLiteral("nothing"); ///< what is to follow a run
     bool isConfirmed = false;                 ///< no question is to be asked first
     bool wantsJson = false;

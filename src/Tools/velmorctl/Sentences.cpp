@@ -4,6 +4,9 @@
 #include "Texts/Localized.h"
 
 #include <QJsonArray>
+#include <QStringList>
+
+#include <cmath>
 
 namespace velmorquit {
 
@@ -52,6 +55,16 @@ std::string stubbornNames(const QJsonArray& applications) {
     return names;
 }
 
+std::string doneText(const QJsonObject& state, const Formats& formats) {
+    const int closed = state["closed"].toInt();
+    if (closed == 0)
+        return localized("Finito: nessuna app chiusa");
+    const auto freed = static_cast<std::uint64_t>(state["freed"].toInteger());
+    return closed == 1
+               ? localized("Finito: 1 app chiusa, %@ liberati", formats.bytes(freed))
+               : localized("Finito: %lld app chiuse, %@ liberati", closed, formats.bytes(freed));
+}
+
 std::string phaseText(const QJsonObject& state, const Formats& formats) {
     const QString phase = state["phase"].toString();
     if (phase == "quitting") {
@@ -61,14 +74,19 @@ std::string phaseText(const QJsonObject& state, const Formats& formats) {
     }
     if (phase == "waiting")
         return localized("Aspetto una risposta");
+    if (phase == "backingUp") {
+        const double fraction = state["fraction"].toDouble(-1);
+        return fraction < 0 ? localized("Backup in corso")
+                            : localized("Backup in corso: %lld%%", std::lround(100 * fraction));
+    }
+    if (phase == "backupFailed")
+        return localized("Backup non riuscito: %@", state["reason"].toString().toStdString());
+    if (phase == "ejecting")
+        return localized("Espello i dischi");
     if (phase == "done") {
-        const int closed = state["closed"].toInt();
-        if (closed == 0)
-            return localized("Finito: nessuna app chiusa");
-        const auto freed = static_cast<std::uint64_t>(state["freed"].toInteger());
-        return closed == 1 ? localized("Finito: 1 app chiusa, %@ liberati", formats.bytes(freed))
-                           : localized("Finito: %lld app chiuse, %@ liberati", closed,
-                                       formats.bytes(freed));
+        const std::string note = state["note"].toString().toStdString();
+        const std::string text = doneText(state, formats);
+        return note.empty() ? text : text + " · " + note;
     }
     return localized("Pronta");
 }
@@ -96,15 +114,19 @@ Table::Row rowFor(const QJsonObject& application, const QJsonArray& stubborn,
             id.isEmpty() ? "—" : id.toStdString(), remark};
 }
 
-/// The short name of what follows a run, empty for "nothing".
-std::string labelOf(const QString& then) {
-    if (then == "shutDown")
-        return localized("Spegni");
-    if (then == "restart")
-        return localized("Riavvia");
-    if (then == "logOut")
-        return localized("Esci utente");
-    return {};
+std::string eventText(const QJsonObject& change) {
+    const QString event = change["event"].toString();
+    if (event == "backupFinished" && change["success"].toBool())
+        return localized("Backup completato");
+    if (event != "disksEjected")
+        return {};
+    QStringList failed;
+    for (const auto& name : change["failed"].toArray())
+        failed << name.toString();
+    const int count = change["count"].toInt();
+    if (failed.isEmpty())
+        return count == 1 ? localized("1 disco espulso") : localized("%lld dischi espulsi", count);
+    return localized("Ancora collegati: %@", failed.join(", ").toStdString());
 }
 
 } // namespace
@@ -136,6 +158,8 @@ std::string changeText(const QJsonObject& change, const Formats& formats) {
     const std::string key = change["key"].toString().toStdString();
     if (kind == "phase")
         return phaseText(change, formats);
+    if (kind == "event")
+        return eventText(change);
     if (kind == "stubborn") {
         const QJsonArray applications = change["applications"].toArray();
         if (applications.isEmpty())
@@ -168,13 +192,6 @@ std::string confirmationQuestion(qsizetype count, const QString& then) {
     }
     return count == 1 ? localized("Chiudo 1 app e poi chiudo la sessione? [s/N]")
                       : localized("Chiudo %lld app e poi chiudo la sessione? [s/N]", count);
-}
-
-std::string nothingFollowedText(const QString& then) {
-    const std::string label = labelOf(then);
-    if (label.empty())
-        return {};
-    return localized("Non faccio altro: «%@» non è ancora disponibile", label) + '\n';
 }
 
 } // namespace velmorquit

@@ -18,7 +18,4 @@ namespace velmorquit {
 /// The question asked before a run that something follows, with the letters to answer it with.
 [[nodiscard]] std::string confirmationQuestion(qsizetype count, const QString& then);
 
-/// A line on what was not done of what should have followed; empty for "nothing".
-[[nodiscard]] std::string nothingFollowedText(const QString& then);
-
 } // namespace velmorquit

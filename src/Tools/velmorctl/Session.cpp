@@ -98,6 +98,16 @@ void Session::start() {
     case Command::include:
         report("include", {line_.name});
         break;
+    case Command::backup:
+        report("backup", {line_.word});
+        break;
+    case Command::eject:
+        bus_.connect(service, path, interface, "Changed", this, SLOT(hear(QString)));
+        perform("eject", {}, [](const QString&) {});
+        break;
+    case Command::cancel:
+        report("cancel", {});
+        break;
     case Command::show:
         show();
         break;
@@ -167,12 +177,8 @@ void Session::quitAll() {
     perform("quitAll", {action}, [this](const QString& json) {
         elapsed_.start();
         const QJsonArray asked = parsed(json)["asked"].toArray();
-        if (asked.isEmpty()) {
+        if (asked.isEmpty())
             print(localized("Non c'è niente da chiudere.") + '\n');
-            print(nothingFollowedText(line_.then));
-            end(ExitStatus::success);
-            return;
-        }
         asked_ = asked.size();
     });
 }
@@ -184,6 +190,13 @@ void Session::hear(const QString& json) {
         return;
     }
     const std::string text = changeText(change, formats_);
+    if (line_.command == CommandLine::Command::eject) {
+        if (change["event"] != "disksEjected")
+            return;
+        print(text + '\n');
+        end(change["failed"].toArray().isEmpty() ? ExitStatus::success : ExitStatus::failure);
+        return;
+    }
     if (line_.wantsJson)
         print(json.toStdString() + '\n');
     else if (!text.empty())
@@ -202,8 +215,10 @@ void Session::watchRun(const QJsonObject& change) {
     }
     if (change["change"] != "phase" || change["phase"] != "done")
         return;
-    print(nothingFollowedText(line_.then));
-    end(change["closed"].toInteger() == *asked_ ? ExitStatus::success : ExitStatus::failure);
+    // A run that was broken off isn't followed by what was asked for.
+    const bool isFollowed = line_.then == "nothing" || change["then"] == line_.then;
+    const bool isGood = isFollowed && change["closed"].toInteger() == *asked_;
+    end(isGood ? ExitStatus::success : ExitStatus::failure);
 }
 
 void Session::report(const QString& verb, const QStringList& arguments) {

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Platform/BackupTool.h"
+#include "Platform/ChildProcesses.h"
+#include "Platform/Files.h"
+#include "Platform/Time.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+/// The system's backups, by the tool that makes them. What can't be read is as if it weren't there.
+namespace velmorquit::TimeMachine {
+
+struct Info {
+    bool isConfigured = false; ///< there is a place for backups
+    std::optional<WallTime> lastBackup;
+
+    friend bool operator==(const Info&, const Info&) = default;
+};
+
+struct Status {
+    bool running = false;
+    std::optional<double> fraction; ///< 0 to 1
+
+    friend bool operator==(const Status&, const Status&) = default;
+};
+
+/// Reads the tool's property list; quick.
+[[nodiscard]] Info info(const Files& files, const BackupTool& tool);
+
+/// When the newest backup was made, as the tool tells. Blocks.
+[[nodiscard]] std::optional<WallTime> latestBackupDate(ChildProcesses& children,
+                                                       const BackupTool& tool);
+
+/// How far the running backup is. Blocks.
+[[nodiscard]] Status status(ChildProcesses& children, const BackupTool& tool);
+
+/// Starts a backup, which lasts as long as the process; its exit status 0 means that it succeeded.
+/// A text says why it could not be started.
+[[nodiscard]] std::variant<std::shared_ptr<ChildProcess>, std::string>
+startBackup(ChildProcesses& children, const BackupTool& tool);
+
+/// Has the tool stop the running backup. Blocks.
+void stopBackup(ChildProcesses& children, const BackupTool& tool);
+
+/// The last line with anything in it that the process has written to standard error.
+[[nodiscard]] std::optional<std::string> errorMessage(const ChildProcess& process);
+
+} // namespace velmorquit::TimeMachine

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Platform/ChildProcesses.h"
+#include "Platform/Files.h"
+#include "Platform/MainLoop.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// The backup tool of the simulated desktop, as a program that is run and a file that it keeps.
+class SimulatedBackupTool final : public ChildProcesses, public Files {
+public:
+    SimulatedBackupTool(MainLoop& loop, std::function<void(std::string_view)> log)
+        : loop_(loop), log_(std::move(log)) {}
+
+    /// There is a place for backups from now on.
+    void configure() { isConfigured_ = true; }
+
+    std::optional<std::string> launchError;
+    Duration duration = 10s;
+    int exitStatus = 0;
+    std::string errorOutput;
+    /// When it says the backup was made, from its beginning; none when none is recorded.
+    std::optional<Duration> recordedAt = Duration::zero();
+    /// How long after the tool's end the record appears.
+    Duration recordDelay{};
+    /// What it says of the progress at a time since the beginning.
+    std::function<double(Duration)> progress = [this](Duration time) {
+        return static_cast<double>(time.count()) / static_cast<double>(duration.count());
+    };
+    /// Called while the tool stops a backup.
+    std::function<void()> onStop;
+
+    [[nodiscard]] Result run(const std::string& program,
+                             const std::vector<std::string>& arguments) override;
+    [[nodiscard]] std::variant<std::shared_ptr<ChildProcess>, std::string>
+    launch(const std::string& program, const std::vector<std::string>& arguments) override;
+    [[nodiscard]] bool exists(const std::string& path) const override;
+    [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
+
+private:
+    class Backup;
+
+    [[nodiscard]] Duration sinceBeginning() const;
+    [[nodiscard]] bool isRunning() const;
+
+    MainLoop& loop_;
+    std::function<void(std::string_view)> log_;
+    bool isConfigured_ = false;
+    std::optional<WallTime> began_;
+    Uptime beganAt_;
+    bool isStopped_ = false;
+};
+
+} // namespace velmorquit

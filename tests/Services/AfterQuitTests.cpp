@@ -1,0 +1,217 @@
+#include "Services/ControllerStory.h"
+
+namespace velmorquit {
+namespace {
+
+using Stop = QuitController::BackupStop;
+using Choice = QuitController::FailureChoice;
+
+/// What follows a run in which one application quits at once.
+class AfterQuit : public ControllerStory {
+protected:
+    void begin(PowerAction action = PowerAction::none) {
+        desktop.preferences.set("backupFirst", true);
+        desktop.preferences.set("ejectDrives", true);
+        desktop.backupTool.configure();
+        desktop.open("A", 5);
+        start().quitAll(action);
+    }
+
+    [[nodiscard]] std::string note() const { return controller->resultNote->value_or("none"); }
+
+    static constexpr const char* unrecorded =
+        "Time Machine non ha registrato un backup nuovo. Controlla che il disco sia collegato.";
+};
+
+TEST_F(AfterQuit, BacksUpEjectsAndShutsDown) {
+    desktop.volumes.mountStick("one");
+    desktop.volumes.mountStick("two");
+    begin(PowerAction::shutDown);
+    desktop.advance(30s);
+    EXPECT_EQ(desktop.log(),
+              Lines("0.00 quit A", "0.00 quitting 1", "0.00 ended A", "0.25 backingUp",
+                    "0.25 start backup", "0.25 event backupStarted", "1.25 backingUp",
+                    "2.25 backingUp", "3.25 event backupProgress 0.25", "3.25 backingUp",
+                    "4.25 backingUp", "5.25 event backupProgress 0.50", "5.25 backingUp",
+                    "6.25 backingUp", "7.25 backingUp", "8.25 event backupProgress 0.75",
+                    "8.25 backingUp", "9.25 backingUp", "10.25 event backupFinished",
+                    "10.25 ejecting", "10.25 eject /media/one", "10.25 eject /media/two",
+                    "10.25 event disksEjected 2", "10.25 event quitDone 1", "10.25 done 1 5",
+                    "11.45 shut down", "18.25 idle"));
+}
+
+TEST_F(AfterQuit, TheResultIsToldAndTheResetsComeWithTheEnd) {
+    desktop.volumes.mountStick("one");
+    onEvent = [this](const Event& event) {
+        if (std::holds_alternative<events::QuitDone>(event)) {
+            EXPECT_EQ(controller->runningAction.get(), PowerAction::logOut);
+        }
+    };
+    begin(PowerAction::logOut);
+    desktop.advance(11s);
+    EXPECT_EQ(note(), "Backup Time Machine completato · 1 disco espulso");
+    EXPECT_EQ(controller->runningAction.get(), PowerAction::logOut);
+    desktop.advance(1s);
+    EXPECT_EQ(controller->runningAction.get(), PowerAction::none);
+    EXPECT_TRUE(controller->externalDrives->empty());
+    EXPECT_TRUE(controller->timeMachine->lastBackup);
+}
+
+TEST_F(AfterQuit, ASkippedBackupIsFollowedByTheRestAndACancelledOneByNothing) {
+    desktop.volumes.mountStick("one");
+    for (const auto& [stop, noted] : {std::pair(Stop::skip, "Backup saltato · 1 disco espulso"),
+                                      std::pair(Stop::cancel, "Backup annullato")}) {
+        begin(PowerAction::restart);
+        desktop.advance(2s);
+        // The first request counts, whatever is said while the tool stops.
+        desktop.backupTool.onStop = [this] { controller->stopBackup(Stop::skip); };
+        controller->stopBackup(stop);
+        desktop.advance(4s);
+        EXPECT_EQ(note(), noted);
+        EXPECT_EQ(controller->runningAction.get(), PowerAction::none);
+        const bool isFollowed = desktop.log().find("restart") != std::string::npos;
+        EXPECT_EQ(isFollowed, stop == Stop::skip);
+        EXPECT_EQ(desktop.log().find("backupFinished"), std::string::npos);
+        EXPECT_EQ(desktop.log().find("quitDone") != std::string::npos, stop == Stop::skip);
+        desktop.volumes.mountStick("one");
+    }
+}
+
+TEST_F(AfterQuit, AFailedBackupAsksAndOnlyAnAnswerGoesOn) {
+    desktop.backupTool.exitStatus = 1;
+    desktop.backupTool.errorOutput = "first\n  The disk is full.\t\n\n";
+    for (const Choice choice : {Choice::stop, Choice::goOn}) {
+        begin(PowerAction::shutDown);
+        desktop.advance(1h);
+        EXPECT_NE(desktop.log().find("backupFailed: Time Machine: The disk is full."),
+                  std::string::npos);
+        EXPECT_FALSE(controller->autoContinueAt.get());
+        controller->resolveBackupFailure(choice);
+        controller->resolveBackupFailure(Choice::goOn);
+        desktop.advance(2s);
+        EXPECT_EQ(note(), "Backup non riuscito");
+        EXPECT_EQ(desktop.log().find("shut down") != std::string::npos, choice == Choice::goOn);
+    }
+}
+
+TEST_F(AfterQuit, NobodyAttendingItGoesOnAfterAMinute) {
+    desktop.backupTool.launchError = "no such tool";
+    begin(PowerAction::restart);
+    controller->unattended = true;
+    desktop.advance(1s);
+    EXPECT_EQ(controller->autoContinueAt.get(), desktop.loop.now() - 750ms + 60s);
+    desktop.advance(59s);
+    EXPECT_EQ(desktop.log().find("restart"), std::string::npos);
+    desktop.advance(2s);
+    EXPECT_NE(desktop.log().find("0.25 backupFailed: no such tool\n"), std::string::npos);
+    EXPECT_NE(desktop.log().find("61.45 restart\n"), std::string::npos) << desktop.log();
+    EXPECT_FALSE(controller->unattended.get());
+    EXPECT_FALSE(controller->autoContinueAt.get());
+}
+
+TEST_F(AfterQuit, ABackupThatIsNotOnRecordAfterTenReadingsHasFailed) {
+    desktop.backupTool.duration = 1s;
+    desktop.backupTool.recordedAt = -6s;
+    begin();
+    desktop.advance(1min);
+    EXPECT_NE(desktop.log().find(std::string("21.25 backupFailed: ") + unrecorded),
+              std::string::npos)
+        << desktop.log();
+    controller->resolveBackupFailure(Choice::stop);
+    desktop.backupTool.recordedAt = -4s;
+    desktop.backupTool.recordDelay = 17s;
+    begin();
+    desktop.advance(1min);
+    EXPECT_EQ(desktop.log().find("Failed"), std::string::npos) << desktop.log();
+    EXPECT_NE(desktop.log().find("19.25 event backupFinished\n"), std::string::npos)
+        << desktop.log();
+}
+
+TEST_F(AfterQuit, ABackupIsStoppedWhileItsRecordIsAwaitedToo) {
+    desktop.backupTool.duration = 1s;
+    desktop.backupTool.recordedAt.reset();
+    begin(PowerAction::restart);
+    desktop.advance(4s);
+    controller->stopBackup(Stop::cancel);
+    desktop.advance(4s);
+    EXPECT_EQ(note(), "Backup annullato");
+}
+
+TEST_F(AfterQuit, DrivesThatStayAreTriedThriceAndNamed) {
+    desktop.volumes.mountStick("held", 9);
+    desktop.volumes.mountStick("slow", 2);
+    desktop.volumes.mountStick("late", 9);
+    begin();
+    const Handle pulled =
+        desktop.loop.after(15s, [this] { desktop.volumes.unmount("/media/held"); });
+    desktop.backupTool.launchError = "no";
+    desktop.advance(1s);
+    controller->resolveBackupFailure(Choice::goOn);
+    desktop.advance(20s);
+    EXPECT_EQ(note(), "Backup non riuscito · 2 dischi espulsi · Non espulso: late");
+}
+
+TEST_F(AfterQuit, ALaterRunBringsItsOwnActionAndACancelledOneIsDropped) {
+    start();
+    controller->quitAll(PowerAction::shutDown);
+    desktop.advance(500ms);
+    desktop.open("B").quitsAfter(2s);
+    controller->quitAll(PowerAction::restart);
+    desktop.advance(2500ms);
+    EXPECT_EQ(controller->runningAction.get(), PowerAction::restart);
+    controller->cancelPowerAction();
+    desktop.advance(1min);
+    EXPECT_EQ(desktop.log().find("shut down"), std::string::npos) << desktop.log();
+    EXPECT_EQ(desktop.log().find("restart"), std::string::npos) << desktop.log();
+}
+
+TEST_F(AfterQuit, ARefusedActionIsInTheLogAlone) {
+    desktop.loginWindow.refusal = "no permission";
+    start().quitAll(PowerAction::restart);
+    desktop.advance(1min);
+    EXPECT_EQ(desktop.systemLog.lines,
+              std::vector<std::string>{"Velmor Quit: azione restart non riuscita: no permission"});
+    EXPECT_TRUE(is<phases::Idle>(controller->phase));
+}
+
+TEST_F(AfterQuit, AControllerMayGoAtAnyPointOfTheSequence) {
+    for (const int milliseconds : {300, 1250, 10250, 12000}) {
+        desktop.volumes.mountStick("held", 9);
+        begin(PowerAction::restart);
+        desktop.advance(std::chrono::milliseconds(milliseconds));
+        controller.reset();
+        desktop.advance(1min);
+        desktop.volumes.unmount("/media/held");
+    }
+}
+
+TEST_F(AfterQuit, OnlyExternalVolumesAreListed) {
+    const auto listed = [this](auto change) {
+        Volume volume;
+        volume.path = "/media/x";
+        volume.name = "x";
+        volume.capacity = 1;
+        volume.isInternal = false;
+        change(volume);
+        desktop.volumes.mount(volume);
+        const bool isListed = !ExternalDrives::connected(desktop.volumes).empty();
+        desktop.volumes.unmount(volume.path);
+        return isListed;
+    };
+    EXPECT_TRUE(listed([](Volume&) {}));
+    EXPECT_TRUE(listed([](Volume& v) { v.isInternal = true, v.isRemovable = true; }));
+    EXPECT_TRUE(listed([](Volume& v) { v.isInternal.reset(), v.isEjectable = true; }));
+    EXPECT_TRUE(listed([](Volume& v) { v.isBrowsable = true, v.isLocal = true; }));
+    EXPECT_FALSE(listed([](Volume& v) { v.isInternal.reset(); }));
+    EXPECT_FALSE(listed([](Volume& v) { v.isInternal = true, v.isRemovable = false; }));
+    EXPECT_FALSE(listed([](Volume& v) { v.holdsSystem = true; }));
+    EXPECT_FALSE(listed([](Volume& v) { v.isLocal = false; }));
+    EXPECT_FALSE(listed([](Volume& v) { v.isBrowsable = false; }));
+    EXPECT_FALSE(listed([](Volume& v) { v.capacity = 0; }));
+    EXPECT_FALSE(listed([](Volume& v) { v.capacity.reset(); }));
+    EXPECT_FALSE(listed([](Volume& v) { v.name.reset(); }));
+    EXPECT_FALSE(listed([](Volume& v) { v.path = "/"; }));
+}
+
+} // namespace
+} // namespace velmorquit
