@@ -1,0 +1,158 @@
+#include "Linux/Session/PowerBus.h"
+#include "support/PrivateBus.h"
+#include "support/Waiting.h"
+
+#include <QDBusConnectionInterface>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+
+namespace velmorquit {
+namespace {
+
+namespace fs = std::filesystem;
+using Environment = PowerBus::Environment;
+using Build = PowerBus::Build;
+
+/// A folder such as a virtual desktop has.
+class PowerBusTest : public testing::Test {
+protected:
+    PowerBusTest() {
+        std::string name = (fs::temp_directory_path() / "velmor-desktop.XXXXXX").string();
+        desktop_ = ::mkdtemp(name.data());
+        fs::create_directory(desktop_ / "run");
+    }
+    ~PowerBusTest() override { fs::remove_all(desktop_); }
+
+    [[nodiscard]] Environment onDesktop() const {
+        return {.virtualDesktop = "1",
+                .runtimeFolder = desktop_ / "run",
+                .sessionBus = bus_.address(),
+                .standInSystemBus = bus_.address()};
+    }
+
+    static void expectRefused(const PowerBus& bus) {
+        EXPECT_FALSE(bus.connection().isConnected());
+        EXPECT_NE(bus.problem(), "");
+    }
+
+    fs::path desktop_;
+    PrivateBus bus_;
+};
+
+TEST_F(PowerBusTest, ThisBuildIsOneForTests) { EXPECT_EQ(PowerBus::thisBuild, Build::tests); }
+
+TEST_F(PowerBusTest, ABuildForTestsNeverUsesTheSessionsOrTheMachinesBus) {
+    for (const Environment& environment :
+         {Environment(), Environment{.runtimeFolder = "/run/user/0"},
+          Environment{.runtimeFolder = desktop_ / "run",
+                      .sessionBus = bus_.address(),
+                      .standInSystemBus = bus_.address()}}) {
+        expectRefused(PowerBus::session(environment));
+        expectRefused(PowerBus::system(environment));
+    }
+}
+
+// The library would take the system's own socket where the variable isn't set.
+TEST_F(PowerBusTest, WhateverTheEnvironmentSaysOfTheSystemBusIsNotUsed) {
+    for (const char* address : {"", "unix:path=/run/dbus/system_bus_socket",
+                                "unix:path=/var/run/dbus/system_bus_socket"}) {
+        if (*address)
+            ::setenv("DBUS_SYSTEM_BUS_ADDRESS", address, 1);
+        else
+            ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+        expectRefused(PowerBus::system(Environment::ofThisProcess()));
+        Environment desktop = onDesktop();
+        desktop.standInSystemBus.clear();
+        for (const Build build : {Build::use, Build::tests})
+            expectRefused(PowerBus::system(desktop, build));
+        desktop.standInSystemBus = address;
+        desktop.sessionBus = address;
+        for (const Build build : {Build::use, Build::tests}) {
+            expectRefused(PowerBus::system(desktop, build));
+            expectRefused(PowerBus::session(desktop, build));
+        }
+    }
+    ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
+}
+
+TEST_F(PowerBusTest, AVirtualDesktopUsesOnlyWhatLiesInItsFolder) {
+    PrivateBus inside("velmor-desktop.");
+    const Environment itsOwn{.virtualDesktop = "1",
+                             .runtimeFolder = inside.folder() / "run",
+                             .sessionBus = inside.address(),
+                             .standInSystemBus = inside.address()};
+    for (const Build build : {Build::use, Build::tests}) {
+        EXPECT_EQ(PowerBus::session(itsOwn, build).problem(), "");
+        EXPECT_EQ(PowerBus::system(itsOwn, build).problem(), "");
+    }
+    for (const Build build : {Build::use, Build::tests}) {
+        expectRefused(PowerBus::session(onDesktop(), build));
+        expectRefused(PowerBus::system(onDesktop(), build));
+    }
+    // A way into the folder is not a place in it.
+    fs::create_symlink(bus_.folder() / "bus", desktop_ / "link");
+    Environment environment = onDesktop();
+    for (const fs::path& path :
+         {desktop_ / "link", desktop_ / ".." / bus_.folder().filename() / "bus"}) {
+        ASSERT_TRUE(fs::exists(path)) << path;
+        environment.sessionBus = "unix:path=" + path.string();
+        expectRefused(PowerBus::session(environment, Build::use));
+    }
+}
+
+TEST_F(PowerBusTest, AFolderThatIsNoVirtualDesktopsIsNoPlaceForStandIns) {
+    Environment environment = onDesktop();
+    for (const fs::path& folder : {bus_.folder() / "run", fs::path("/run/user/0"), fs::path()}) {
+        environment.runtimeFolder = folder;
+        expectRefused(PowerBus::session(environment, Build::use));
+        expectRefused(PowerBus::system(environment, Build::use));
+    }
+}
+
+TEST_F(PowerBusTest, AddressesThatCouldMeanSomethingElseAreRefused) {
+    const std::string good = bus_.address();
+    for (const std::string& address :
+         {std::string(), good + ";unix:path=/run/dbus/system_bus_socket", ";" + good,
+          std::string("autolaunch:"), std::string("unix:runtime=yes"),
+          "unix:abstract=" + (bus_.folder() / "bus").string(), good + "%2F..", good + ",path=/run",
+          std::string("unix:path=relative"), good + "-missing"})
+        expectRefused(PowerBus::standIn(address, bus_.folder()));
+    expectRefused(PowerBus::standIn(good, "/"));
+    expectRefused(PowerBus::standIn(good, bus_.folder().string() + "-missing"));
+    // What is there but doesn't answer has no connection either.
+    std::ofstream(bus_.folder() / "file");
+    expectRefused(
+        PowerBus::standIn("unix:path=" + (bus_.folder() / "file").string(), bus_.folder()));
+}
+
+// Where there is a system bus: also when it looks as though it lay in the desktop's folder.
+TEST_F(PowerBusTest, TheSystemsOwnSocketIsNoStandIn) {
+    const fs::path socket = "/run/dbus/system_bus_socket";
+    if (!fs::exists(socket))
+        GTEST_SKIP() << "no system bus here";
+    for (const fs::path& folder : {socket.parent_path(), fs::path("/run")})
+        expectRefused(PowerBus::standIn("unix:path=" + socket.string(), folder));
+}
+
+TEST_F(PowerBusTest, AStandInIsUsedAndLeftAgain) {
+    const std::string address = bus_.address() + ",guid=0123456789abcdef0123456789abcdef";
+    QDBusConnection watcher = bus_.connect();
+    QString name;
+    {
+        PowerBus first = PowerBus::standIn(bus_.address(), bus_.folder());
+        const PowerBus bus = std::move(first);
+        EXPECT_EQ(bus.problem(), "");
+        name = bus.connection().baseService();
+        EXPECT_TRUE(watcher.interface()->isServiceRegistered(name));
+    }
+    EXPECT_TRUE(waitUntil([&] { return !watcher.interface()->isServiceRegistered(name); }));
+    const PowerBus other = PowerBus::standIn(bus_.address(), bus_.folder());
+    bus_.stop();
+    EXPECT_TRUE(waitUntil([&] { return !other.problem().empty(); }));
+}
+
+} // namespace
+} // namespace velmorquit

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "support/Child.h"
+
+#include <QDBusConnection>
+
+#include <filesystem>
+#include <string>
+
+namespace velmorquit {
+
+/// A message bus that a test started, in a folder of its own; both go with this object. What is
+/// called there is started only by a service file that the test puts into `services`.
+class PrivateBus {
+public:
+    /// `prefix` begins the name of the folder.
+    explicit PrivateBus(const std::string& prefix = "velmor-bus.");
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+    ~PrivateBus();
+
+    [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
+    [[nodiscard]] std::string address() const { return "unix:path=" + (folder_ / "bus").string(); }
+    [[nodiscard]] std::filesystem::path services() const { return folder_ / "services"; }
+    /// One more connection, which goes with this object.
+    [[nodiscard]] QDBusConnection connect();
+    void stop() { server_.send(SIGKILL); }
+
+private:
+    static std::filesystem::path makeFolder(const std::string& prefix);
+
+    std::filesystem::path folder_;
+    Child server_;
+    QStringList connections_;
+};
+
+} // namespace velmorquit
