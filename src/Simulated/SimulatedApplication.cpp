@@ -29,6 +29,11 @@ SimulatedApplication& SimulatedApplication::withoutWindows() {
     return *this;
 }
 
+SimulatedApplication& SimulatedApplication::withWindows() {
+    policy_ = ActivationPolicy::regular;
+    return *this;
+}
+
 SimulatedApplication& SimulatedApplication::quitsAfter(Duration time) {
     manners_ = Manners::quits;
     quitTime_ = time;

@@ -28,6 +28,8 @@ public:
     SimulatedApplication& withoutName();
     /// Runs without windows from the start.
     SimulatedApplication& withoutWindows();
+    /// Shows a window again.
+    SimulatedApplication& withWindows();
     SimulatedApplication& quitsAfter(Duration time);
     /// Asks the user about unsaved work, who answers that much later.
     SimulatedApplication& asksToSaveFor(Duration time) { return quitsAfter(time); }

@@ -1,6 +1,5 @@
 #include "Linux/Session/BusNotice.h"
 #include "support/PrivateBus.h"
-#include "support/Waiting.h"
 
 #include <QDBusArgument>
 #include <QDBusVirtualObject>
@@ -19,6 +18,8 @@ public:
         EXPECT_TRUE(bus_.registerVirtualObject("/org/freedesktop/Notifications", this));
         EXPECT_TRUE(bus_.registerService("org.freedesktop.Notifications"));
     }
+
+    [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
 
     [[nodiscard]] QString introspect(const QString&) const override { return {}; }
 
@@ -69,9 +70,11 @@ protected:
         notice->onCancel = [this] { ++cancelled; };
     }
 
+    void settleAll() { settle({session.connection(), service.bus()}); }
+
     /// What the service has heard since the last time, when there is nothing more to hear.
     QStringList heard() {
-        linger(100);
+        settleAll();
         return std::exchange(service.log, {});
     }
 
@@ -129,16 +132,19 @@ TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndOnlyHere) {
     heard();
     service.emitSignal("ActionInvoked", 9, "cancel");
     service.emitSignal("ActionInvoked", 7, "default");
-    Service::tell(bus.connect(), "ActionInvoked", 7, "cancel"); // not the one that shows it
-    linger(100);
+    // Not the one that shows it.
+    const QDBusConnection other = bus.connect();
+    Service::tell(other, "ActionInvoked", 7, "cancel");
+    settle({other});
+    settleAll();
     EXPECT_EQ(cancelled, 0);
     service.emitSignal("ActionInvoked", 7, "cancel");
-    linger(100);
+    settleAll();
     EXPECT_EQ(cancelled, 1);
     notice->showGivenUp(LoginRequest::shutDown, {"Note"});
-    linger(100);
+    settleAll();
     service.emitSignal("ActionInvoked", 7, "cancel");
-    linger(100);
+    settleAll();
     EXPECT_EQ(cancelled, 1);
 }
 
@@ -146,7 +152,7 @@ TEST_F(BusNoticeTest, WhatTheUserPutAwayIsNeitherReplacedNorWithdrawn) {
     notice->showWaiting(LoginRequest::shutDown, {"Note", "Mail"});
     heard();
     service.emitSignal("NotificationClosed", 7, 2U);
-    linger(100);
+    settleAll();
     notice->withdraw();
     EXPECT_EQ(heard(), QStringList());
     EXPECT_EQ(cancelled, 0);
@@ -173,7 +179,7 @@ TEST_F(BusNoticeTest, WithoutAServiceOrABusNothingHappens) {
     for (const PowerBus* session : {&empty, &none}) {
         BusNotice silent(*session);
         silent.showWaiting(LoginRequest::shutDown, {"Note"});
-        linger(100);
+        settle({session->connection()});
         silent.showGivenUp(LoginRequest::shutDown, {"Note"});
         silent.withdraw();
     }

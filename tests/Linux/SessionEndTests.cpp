@@ -160,10 +160,28 @@ TEST_F(SessionEndTest, OneWithoutWindowsIsAskedAgainAndMayThenStay) {
                                    "1.25 quit Twice", "1.25 ended Twice", "6.25 CALL shutDown"));
 }
 
+// A window for a moment may be a question about what is being closed.
+TEST_F(SessionEndTest, OneThatComesBackToItsWindowsIsAskedAnewAndIsNotPassedOver) {
+    SimulatedApplication& brief = desktop.open("Brief").livesOnWithoutWindows();
+    SimulatedApplication& back = desktop.open("Back").livesOnWithoutWindows();
+    request(LoginRequest::shutDown);
+    desktop.advance(600ms);
+    brief.withWindows();
+    desktop.advance(6s);
+    back.withWindows();
+    desktop.advance(4s);
+    EXPECT_EQ(desktop.log(),
+              Lines("0.00 quit Brief", "0.00 quit Back", "1.00 notice waits for Brief",
+                    "1.25 quit Back", "6.75 quit Back", "6.75 notice waits for Brief Back",
+                    "7.00 notice waits for Brief", "8.00 quit Back"));
+    desktop.advance(100s);
+    EXPECT_NE(desktop.log().find("60.00 notice gives up on Brief\n"), std::string::npos);
+}
+
 TEST_F(SessionEndTest, AQuestionWithoutAnyOtherWindowHoldsTheEndUp) {
     SimulatedApplication& draw = desktop.open("Draw").livesOnWithoutWindows();
     request(LoginRequest::shutDown);
-    desktop.advance(200ms);
+    desktop.advance(600ms);
     draw.setStayReason(StayReason::asking);
     desktop.advance(20s);
     draw.setStayReason(StayReason::notResponding);
@@ -172,8 +190,8 @@ TEST_F(SessionEndTest, AQuestionWithoutAnyOtherWindowHoldsTheEndUp) {
     draw.setStayReason(StayReason::windowless);
     desktop.advance(20s);
     EXPECT_EQ(desktop.log(),
-              Lines("0.00 quit Draw", "1.00 notice waits for Draw", "26.25 quit Draw",
-                    "31.25 notice withdrawn", "31.25 CALL shutDown"));
+              Lines("0.00 quit Draw", "1.00 notice waits for Draw", "26.75 quit Draw",
+                    "31.75 notice withdrawn", "31.75 CALL shutDown"));
 }
 
 TEST_F(SessionEndTest, AQuestionThatNobodyAnswersEndsTheRequest) {

@@ -2,6 +2,9 @@
 
 #include "support/Waiting.h"
 
+#include <QCoreApplication>
+#include <QDBusMessage>
+
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
@@ -45,6 +48,17 @@ QDBusConnection PrivateBus::connect() {
     if (!connection.isConnected())
         throw std::runtime_error("no connection to " + address());
     return connection;
+}
+
+// What was sent before a question has arrived with the answer to it. A message needs a round for
+// each connection that it passes.
+void settle(std::vector<QDBusConnection> connections) {
+    for (int round = 0; round < 4; ++round) {
+        for (const QDBusConnection& connection : connections)
+            connection.call(QDBusMessage::createMethodCall(
+                "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId"));
+        QCoreApplication::processEvents();
+    }
 }
 
 } // namespace velmorquit

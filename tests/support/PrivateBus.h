@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace velmorquit {
 
@@ -33,5 +34,8 @@ private:
     Child server_;
     QStringList connections_;
 };
+
+/// Lets all that was sent on these connections arrive, and what that leads to as well.
+void settle(std::vector<QDBusConnection> connections);
 
 } // namespace velmorquit

@@ -6,6 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include <sys/stat.h>
+
 namespace velmorquit {
 
 namespace {
@@ -35,10 +37,15 @@ std::optional<fs::path> socketOf(const std::string& address) {
     return missing ? std::nullopt : std::optional(std::move(path));
 }
 
+// By identity: the same socket can be reached by other paths.
 bool isSystemSocket(const fs::path& socket) {
+    struct stat its{};
+    if (::stat(socket.c_str(), &its) != 0)
+        return true;
     for (const char* known : systemSockets) {
-        std::error_code missing;
-        if (fs::equivalent(socket, known, missing))
+        struct stat systems{};
+        if (::stat(known, &systems) == 0 && its.st_dev == systems.st_dev &&
+            its.st_ino == systems.st_ino)
             return true;
     }
     return false;

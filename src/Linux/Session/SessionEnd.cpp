@@ -56,8 +56,6 @@ std::optional<std::string> SessionEnd::request(LoginRequest request) {
         return obstacle;
     if (waiting_.isActive())
         applications_.askAnew();
-    else
-        applications_.forget();
     told_.clear();
     surroundings_.notice.withdraw();
     waiting_ = waitAndEnd(request);
@@ -68,6 +66,7 @@ void SessionEnd::cancel() {
     if (!waiting_.isActive())
         return;
     waiting_.cancel();
+    applications_.forget();
     surroundings_.notice.withdraw();
 }
 
@@ -99,6 +98,7 @@ void SessionEnd::tellWaiting(LoginRequest request, const Applications& open) {
 }
 
 void SessionEnd::giveUp(LoginRequest request, const Applications& open) {
+    applications_.forget();
     const std::vector<std::string> names = namesOf(open);
     surroundings_.log.write("Velmor Quit: " + logName(request) + ": rinuncio, restano aperte " +
                             joined(names));
@@ -106,6 +106,7 @@ void SessionEnd::giveUp(LoginRequest request, const Applications& open) {
 }
 
 void SessionEnd::carryOut(LoginRequest request) {
+    applications_.forget();
     surroundings_.notice.withdraw();
     underWay_ = request;
     surroundings_.service.carryOut(request);
