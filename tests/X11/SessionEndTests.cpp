@@ -6,6 +6,7 @@
 #include "Linux/X11/X11Toplevels.h"
 #include "Simulated/SimulatedPorts.h"
 #include "support/Child.h"
+#include "support/PrivateBus.h"
 #include "support/Waiting.h"
 
 #include <gtest/gtest.h>
@@ -69,6 +70,7 @@ protected:
         // Without the programs that the machine has for every session.
         manager = std::make_unique<Child>(
             std::vector<std::string>{"env", "XDG_CONFIG_DIRS=/nonexistent", "xfce4-session"});
+        settle({session.connection()});
         ASSERT_TRUE(waitUntil([this] { return !service.obstacle(LoginRequest::logOut); }))
             << manager->output();
     }

@@ -117,18 +117,20 @@ void BusEndService::listNames(const PowerBus& bus, const QString& method,
         "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method);
     auto* watcher = new QDBusPendingCallWatcher(bus.connection().asyncCall(question), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [&names](QDBusPendingCallWatcher* finished) {
+            [this, &names](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();
                 const QStringList list = finished->reply().arguments().value(0).toStringList();
-                if (!finished->isError())
-                    names = QSet<QString>(list.begin(), list.end());
+                names =
+                    finished->isError() ? QSet<QString>() : QSet<QString>(list.begin(), list.end());
+                if (early_ && isManagerKnown())
+                    carryOut(*std::exchange(early_, std::nullopt));
             });
 }
 
 bool BusEndService::Names::has(const QString& name) const { return owned && owned->contains(name); }
 
 std::optional<std::string> BusEndService::obstacle(LoginRequest request) const {
-    if (managerCall(request))
+    if (!isManagerKnown() || managerCall(request))
         return std::nullopt;
     if (const std::string problem = system_.problem(); !problem.empty())
         return "nessuno può farlo: " + problem;
@@ -136,6 +138,10 @@ std::optional<std::string> BusEndService::obstacle(LoginRequest request) const {
     if (isKnown && !systemNames_.has(login) && !systemNames_.startable->contains(login))
         return "nessuno può farlo: " + login.toStdString() + " non è sul bus di sistema";
     return std::nullopt;
+}
+
+bool BusEndService::isManagerKnown() const {
+    return sessionNames_.owned || !session_.problem().empty();
 }
 
 std::optional<BusEndService::Call> BusEndService::managerCall(LoginRequest request) const {
@@ -168,7 +174,9 @@ BusEndService::Call BusEndService::loginCall(LoginRequest request) const {
 }
 
 void BusEndService::carryOut(LoginRequest request) {
-    if (const auto call = managerCall(request))
+    if (!isManagerKnown())
+        early_ = request;
+    else if (const auto call = managerCall(request))
         send(*call);
     else if (request == LoginRequest::logOut && settings_.sessionId.empty())
         terminateOwnSession();

@@ -51,6 +51,8 @@ private:
     void watch(QDBusServiceWatcher& watcher, const PowerBus& bus, Names& names,
                const QStringList& watched);
     void listNames(const PowerBus& bus, const QString& method, std::optional<QSet<QString>>& names);
+    /// Whether it is known which session manager there is, if any.
+    [[nodiscard]] bool isManagerKnown() const;
     [[nodiscard]] std::optional<Call> managerCall(LoginRequest request) const;
     [[nodiscard]] Call loginCall(LoginRequest request) const;
     void terminateOwnSession();
@@ -62,6 +64,8 @@ private:
     Settings settings_;
     Names sessionNames_;
     Names systemNames_;
+    /// What is to be done as soon as that is known.
+    std::optional<LoginRequest> early_;
     QDBusServiceWatcher sessionWatcher_;
     QDBusServiceWatcher systemWatcher_;
 };
