@@ -1,0 +1,152 @@
+#include "Linux/Volumes/UDisksVolumes.h"
+
+#include <QCoreApplication>
+#include <QDBusPendingCallWatcher>
+
+#include <limits>
+#include <utility>
+
+namespace velmorquit {
+
+namespace {
+
+/// There may be a long wait before it is started, and then it may look at many drives.
+constexpr int endlessly = std::numeric_limits<int>::max();
+
+} // namespace
+
+UDisksVolumes::UDisksVolumes(MainLoop& loop, SystemLog& log, QDBusConnection bus, std::string root,
+                             DriveRelease::Patience patience)
+    : loop_(loop), bus_(std::move(bus)), root_(std::move(root)), patience_(patience),
+      shared_(std::make_shared<Shared>()) {
+    shared_->log = &log;
+    listen();
+    ask();
+}
+
+UDisksVolumes::~UDisksVolumes() { shared_->log = nullptr; }
+
+// The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
+void UDisksVolumes::listen() {
+    bus_.connect({}, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged",
+                 {UDisks::service}, {}, this, SLOT(hearOwner(QDBusMessage)));
+    bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
+                 this, SLOT(hearDisconnected()));
+    bus_.connect({}, UDisks::path, UDisks::objectManager, "InterfacesAdded", this,
+                 SLOT(hearAdded(QDBusMessage)));
+    bus_.connect({}, UDisks::path, UDisks::objectManager, "InterfacesRemoved", this,
+                 SLOT(hearRemoved(QDBusMessage)));
+    for (const QString& interface : {UDisks::block, UDisks::fileSystem, UDisks::drive})
+        bus_.connect({}, {}, UDisks::properties, "PropertiesChanged", {interface}, {}, this,
+                     SLOT(hearChanged(QDBusMessage)));
+}
+
+void UDisksVolumes::ask() {
+    const unsigned number = ++question_;
+    const QDBusMessage question = QDBusMessage::createMethodCall(
+        UDisks::service, UDisks::path, UDisks::objectManager, "GetManagedObjects");
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question, endlessly), this);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                     [this, number](QDBusPendingCallWatcher* finished) {
+                         finished->deleteLater();
+                         if (number == question_)
+                             hearAccount(finished->reply());
+                     });
+}
+
+void UDisksVolumes::hearAccount(const QDBusMessage& answer) {
+    auto account = DiskAccount::from(answer);
+    if (!account && !std::exchange(isFailureLogged_, true)) {
+        const QString line =
+            QStringLiteral("Velmor Quit: UDisks2 non risponde, le unità esterne mi restano ignote "
+                           "(%1 %2)")
+                .arg(answer.errorName(), answer.errorMessage());
+        shared_->log->write(line.toStdString());
+    }
+    owner_ = account ? answer.service() : QString();
+    replace(std::move(account));
+}
+
+void UDisksVolumes::hearOwner(const QDBusMessage& signal) {
+    if (signal.service() != "org.freedesktop.DBus")
+        return;
+    owner_.clear();
+    ++question_;
+    replace(std::nullopt);
+    if (!signal.arguments().value(2).toString().isEmpty())
+        ask();
+}
+
+void UDisksVolumes::hearDisconnected() {
+    owner_.clear();
+    replace(std::nullopt);
+}
+
+void UDisksVolumes::hearAdded(const QDBusMessage& signal) { note(signal, &DiskAccount::noteAdded); }
+
+void UDisksVolumes::hearRemoved(const QDBusMessage& signal) {
+    note(signal, &DiskAccount::noteRemoved);
+}
+
+void UDisksVolumes::hearChanged(const QDBusMessage& signal) {
+    note(signal, &DiskAccount::noteChanged);
+}
+
+// What comes before the account is in the account.
+void UDisksVolumes::note(const QDBusMessage& signal,
+                         bool (DiskAccount::*change)(const QDBusMessage&)) {
+    if (owner_.isEmpty() || signal.service() != owner_ || !account_)
+        return;
+    const auto before = account_->mountPoints();
+    if (!(*account_.*change)(signal))
+        ask();
+    if (account_->mountPoints() != before)
+        subscribers_.tellLater(loop_);
+}
+
+void UDisksVolumes::replace(std::optional<DiskAccount> account) {
+    const auto pointsOf = [](const std::optional<DiskAccount>& one) {
+        return one ? one->mountPoints() : std::vector<std::string>();
+    };
+    const bool isOther = pointsOf(account) != pointsOf(account_);
+    account_ = std::move(account);
+    if (isOther)
+        subscribers_.tellLater(loop_);
+}
+
+std::vector<Volume> UDisksVolumes::mounted() const {
+    std::vector<Volume> volumes;
+    if (!account_)
+        return volumes;
+    const BlockLayers layers(root_);
+    const DiskMap map(*account_, layers);
+    for (const auto& [object, block] : account_->blocks) {
+        if (!block.mountPoints.empty())
+            volumes.push_back(map.volumeOf(object));
+    }
+    return volumes;
+}
+
+bool UDisksVolumes::unmountAndEject(const std::string& path) {
+    const auto shared = shared_;
+    DriveRelease release(bus_, root_, patience_, shared->claims);
+    if (release.run(path))
+        return true;
+    const QString line = QStringLiteral("Velmor Quit: «%1» non può essere espulso, %2")
+                             .arg(QString::fromStdString(path), release.reason());
+    if (QCoreApplication* application = QCoreApplication::instance())
+        QMetaObject::invokeMethod(
+            application,
+            [shared, line] {
+                if (shared->log)
+                    shared->log->write(line.toStdString());
+            },
+            Qt::QueuedConnection);
+    return false;
+}
+
+Handle UDisksVolumes::observe(std::function<void()> told) {
+    return subscribers_.add(std::move(told));
+}
+
+} // namespace velmorquit
