@@ -43,6 +43,11 @@ void UDisksVolumes::listen() {
 
 void UDisksVolumes::ask() {
     const unsigned number = ++question_;
+    // A call without a bus is never answered, not even by an error.
+    if (!bus_.isConnected()) {
+        hearAccount(QDBusMessage::createError(QDBusError::Disconnected, "il bus di sistema manca"));
+        return;
+    }
     const QDBusMessage question = QDBusMessage::createMethodCall(
         UDisks::service, UDisks::path, UDisks::objectManager, "GetManagedObjects");
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question, endlessly), this);
