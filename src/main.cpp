@@ -6,16 +6,24 @@
 #include "Linux/DBus/BusCommands.h"
 #include "Linux/DBus/BusQuit.h"
 #include "Linux/EndSignals.h"
+#include "Linux/Files/LinuxFiles.h"
 #include "Linux/JournalLog.h"
 #include "Linux/Preferences/PropertyListPreferences.h"
+#include "Linux/Proc/LinuxChildProcesses.h"
 #include "Linux/Proc/ProcKernel.h"
 #include "Linux/QtMainLoop.h"
 #include "Linux/QtProgram.h"
+#include "Linux/Session/BusEndService.h"
+#include "Linux/Session/BusNotice.h"
+#include "Linux/Session/PowerBus.h"
+#include "Linux/Session/SessionEnd.h"
+#include "Linux/Volumes/UDisksVolumes.h"
 #include "Linux/X11/X11Toplevels.h"
 #include "Services/LaunchAtLogin.h"
 
 #include <QApplication>
 #include <QSessionManager>
+#include <QThreadPool>
 
 #include <csignal>
 #include <cstdlib>
@@ -89,6 +97,23 @@ std::optional<int> handOver(BusCommands& commands, SystemLog& log,
     return EXIT_FAILURE;
 }
 
+/// Work on other threads uses what is made before this: it is done when this goes.
+struct FinishedWork {
+    FinishedWork() = default;
+    FinishedWork(const FinishedWork&) = delete;
+    FinishedWork& operator=(const FinishedWork&) = delete;
+    ~FinishedWork() { QThreadPool::globalInstance()->waitForDone(); }
+};
+
+/// There is no tool for this system yet: a virtual desktop may have one that stands in for it.
+BackupTool standInBackupTool() {
+    if (!qEnvironmentVariableIsSet("VELMOR_VIRTUAL_DESKTOP"))
+        return {};
+    return {.program = qEnvironmentVariable("VELMOR_STAND_IN_BACKUP_TOOL").toStdString(),
+            .destinations =
+                qEnvironmentVariable("VELMOR_STAND_IN_BACKUP_DESTINATIONS").toStdString()};
+}
+
 int run(int argc, char** argv) {
     JournalLog log;
     const InstalledLanguage language(forcedLanguage(
@@ -147,8 +172,20 @@ int run(int argc, char** argv) {
         return owners;
     });
     QtProgram program;
-    AppDelegate delegate(
-        {loop, preferences, workspace, kernel, log, commands, program, language.formats()});
+    LinuxChildProcesses children;
+    const LinuxFiles files;
+    const auto environment = PowerBus::Environment::ofThisProcess();
+    PowerBus sessionBus = PowerBus::session(environment);
+    PowerBus systemBus = PowerBus::system(environment);
+    BusEndService endService(sessionBus, systemBus,
+                             {qEnvironmentVariable("XDG_SESSION_ID").toStdString()});
+    BusNotice notice(sessionBus);
+    SessionEnd sessionEnd({loop, log, workspace, endService, notice, ::getpid()});
+    UDisksVolumes volumes(loop, log, systemBus.connection());
+    const FinishedWork finishedWork;
+    AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program,
+                          language.formats(), volumes, sessionEnd, children, files,
+                          standInBackupTool()});
     endSignals.onAsked = [&delegate] { delegate.end(); };
     return QApplication::exec();
 }
