@@ -69,16 +69,6 @@ TEST_F(CommandLine, DoesNothingThatWasNotConfirmed) {
     EXPECT_THAT(application.output(), Not(HasSubstr("asked")));
 }
 
-TEST_F(CommandLine, SaysThatNothingFollowsARun) {
-    startProgram();
-    Child& application = openRude();
-    const Outcome answer = control({"quit-all", "--then", "restart", "--yes"});
-    EXPECT_EQ(answer.status, 0) << answer.text;
-    EXPECT_THAT(answer.text, EndsWith("\nNon faccio altro: «Riavvia» non è ancora disponibile\n"));
-    EXPECT_THAT(answer.text, HasSubstr("Finito: 1 app chiusa"));
-    EXPECT_FALSE(application.isRunning());
-}
-
 TEST_F(CommandLine, SpeaksTheLanguageThatThePreferencesForceAndCutsNothing) {
     const std::string english =
         PropertyList::encode(Value::Dictionary{{"AppleLanguages", Value::Array{"en"}}});

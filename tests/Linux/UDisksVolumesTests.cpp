@@ -184,7 +184,7 @@ TEST_F(UDisksVolumesTest, MayGoWhileItAsksAndNeedsNoBus) {
     UDisksVolumes nowhere(loop, log, QDBusConnection("none"), kernel.root());
     linger(100);
     EXPECT_THAT(nowhere.mounted(), IsEmpty());
-    EXPECT_EQ(log.lines.size(), 1);
+    EXPECT_TRUE(log.lines.empty());
 }
 
 } // namespace

@@ -42,12 +42,10 @@ void UDisksVolumes::listen() {
 }
 
 void UDisksVolumes::ask() {
-    const unsigned number = ++question_;
-    // A call without a bus is never answered, not even by an error.
-    if (!bus_.isConnected()) {
-        hearAccount(QDBusMessage::createError(QDBusError::Disconnected, "il bus di sistema manca"));
+    // Without the bus there is nobody to keep an account, and a call is never answered.
+    if (!bus_.isConnected())
         return;
-    }
+    const unsigned number = ++question_;
     const QDBusMessage question = QDBusMessage::createMethodCall(
         UDisks::service, UDisks::path, UDisks::objectManager, "GetManagedObjects");
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question, endlessly), this);

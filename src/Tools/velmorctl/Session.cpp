@@ -207,7 +207,9 @@ void Session::watchRun(const QJsonObject& change) {
     // The reply comes before the first change of the run that it is about.
     if (!asked_)
         return;
-    const std::string text = changeText(change, formats_);
+    // Where nothing was asked to quit only a note says more.
+    const bool isEmpty = *asked_ == 0 && change["phase"] == "done" && change["note"].isNull();
+    const std::string text = isEmpty ? "" : changeText(change, formats_);
     if (!text.empty()) {
         const double seconds = static_cast<double>(elapsed_.elapsed()) / 1000;
         const QString figure = QLocale().toString(seconds, 'f', 2).rightJustified(7);
