@@ -211,11 +211,12 @@ void BlockLayers::readMounts() {
                           .type = dash[1],
                           .source = unescaped(dash[2]),
                           .options = std::distance(dash, fields.end()) > 3 ? dash[3] : "",
-                          .device = numberFrom(fields[2])});
+                          .device = numberFrom(fields[2]),
+                          .isWhole = fields[3] == "/"});
     }
     for (const Line& line : lines_) {
         std::set<const Line*> seen;
-        mounts_.push_back({line.path, devicesOf(line, seen)});
+        mounts_.push_back({line.path, devicesOf(line, seen), line.isWhole});
     }
 }
 

@@ -27,6 +27,7 @@ public:
     struct Mount {
         std::string path;
         Devices devices;
+        bool isWhole = true; ///< not only a folder of the file system
     };
     [[nodiscard]] const std::vector<Mount>& mounts() const { return mounts_; }
     [[nodiscard]] bool isMounted(std::string_view path) const;
@@ -54,6 +55,7 @@ private:
         std::string source;
         std::string options;
         dev_t device = 0;
+        bool isWhole = true;
     };
     enum class Images { asDevices, withTheirFiles };
 

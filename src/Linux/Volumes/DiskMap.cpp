@@ -132,11 +132,22 @@ std::optional<bool> DiskMap::allAre(const std::set<QString>& drives, Quality qua
     return all;
 }
 
+std::string DiskMap::mainMountPoint(const DiskBlock& block) const {
+    for (const std::string& path : block.mountPoints) {
+        const bool isWhole = std::ranges::any_of(layers_.mounts(), [&](const auto& mount) {
+            return mount.path == path && mount.isWhole;
+        });
+        if (isWhole)
+            return path;
+    }
+    return block.mountPoints.at(0);
+}
+
 Volume DiskMap::volumeOf(const QString& object) const {
     const DiskBlock& block = account_.blocks.at(object);
     const std::set<QString> drives = drivesOf(object);
     Volume volume;
-    volume.path = block.mountPoints.at(0);
+    volume.path = mainMountPoint(block);
     volume.name = nameOf(block, volume.path);
     volume.capacity = block.size;
     if (block.isIgnored)

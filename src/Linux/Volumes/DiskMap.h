@@ -38,6 +38,8 @@ private:
     [[nodiscard]] std::set<QString> beneath(const QString& block, Reach reach) const;
     [[nodiscard]] std::set<QString> drivesOn(const std::set<QString>& blocks) const;
     [[nodiscard]] bool holdSystem(const std::set<QString>& drives) const;
+    /// The first one at which all of the file system is seen, rather than a folder of it.
+    [[nodiscard]] std::string mainMountPoint(const DiskBlock& block) const;
     /// None where it isn't known of one of them and those before it are.
     [[nodiscard]] std::optional<bool> allAre(const std::set<QString>& drives,
                                              Quality quality) const;

@@ -17,7 +17,8 @@
 namespace velmorquit {
 
 /// The volumes that UDisks2 keeps account of: those of block devices. One entry for each file
-/// system, at the first of its mount points; in the order of UDisks2's objects.
+/// system, at the first of its mount points that shows all of it; in the order of UDisks2's
+/// objects.
 ///
 /// Nothing is known until UDisks2 has answered, and while it isn't there. It is started by being
 /// asked where it isn't running, as every file manager does: what was mounted without it would stay

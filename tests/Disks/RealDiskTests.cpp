@@ -1,0 +1,251 @@
+#include "Linux/QtMainLoop.h"
+#include "Linux/Volumes/UDisksVolumes.h"
+#include "support/Child.h"
+#include "support/Waiting.h"
+
+#include <QElapsedTimer>
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <memory>
+
+#include <unistd.h>
+
+namespace velmorquit {
+namespace {
+
+using Paths = std::vector<std::string>;
+constexpr auto npos = std::string::npos;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// Real disks that are made of files, and the real UDisks2.
+class RealDiskTest : public testing::Test {
+protected:
+    struct Log final : SystemLog {
+        void write(std::string_view line) override { lines.emplace_back(line); }
+        std::vector<std::string> lines;
+    };
+
+    void SetUp() override {
+        const char* obstacle = std::getenv("VELMOR_NO_DISKS");
+        if (!obstacle || *obstacle != '\0')
+            GTEST_SKIP() << (obstacle ? obstacle : "not run through tests/support/private-disks");
+        startService();
+        volumes = std::make_unique<UDisksVolumes>(loop, log, connect("ours"));
+    }
+    ~RealDiskTest() override {
+        volumes.reset();
+        QDBusConnection::disconnectFromBus("ours");
+        service.reset();
+        for (auto place = places.rbegin(); place != places.rend(); ++place)
+            (void)run({"umount", "-q", *place});
+        for (const std::string& disk : disks)
+            (void)run({"losetup", "-d", disk});
+    }
+
+    static QDBusConnection connect(const QString& name) {
+        return QDBusConnection::connectToBus(qEnvironmentVariable("VELMOR_DISK_BUS"), name);
+    }
+    void startService() {
+        service = std::make_unique<Child>(
+            std::vector<std::string>{"/usr/libexec/udisks2/udisksd", "--disable-modules"});
+        EXPECT_TRUE(waitUntil([&] { return service->output().find("Acquired") != npos; }))
+            << service->output();
+    }
+
+    /// What it prints, without the last line's end.
+    static std::string run(const std::vector<std::string>& command) {
+        Child child(command);
+        waitUntil([&] { return !child.isRunning(); });
+        std::string output = child.output();
+        while (output.ends_with('\n'))
+            output.pop_back();
+        return output;
+    }
+    static void succeed(const std::vector<std::string>& command) {
+        Child child(command);
+        waitUntil([&] { return !child.isRunning(); });
+        ASSERT_EQ(child.status(), 0) << command.front() << ": " << child.output();
+    }
+    static void format(const std::string& device, const std::string& label) {
+        succeed({"mkfs.ext4", "-qF", "-L", label, device});
+        succeed({"udevadm", "trigger", "--settle", "-c", "add", device});
+    }
+    std::string disk() {
+        const std::string file =
+            std::getenv("VELMOR_DISK_FOLDER") + ("/disk" + std::to_string(disks.size()));
+        succeed({"truncate", "-s", "64M", file});
+        disks.push_back(run({"losetup", "--find", "--show", "--partscan", file}));
+        return disks.back();
+    }
+    std::string formattedDisk(const std::string& label) {
+        const std::string device = disk();
+        format(device, label);
+        return device;
+    }
+    void mount(const std::string& device, const std::string& path) {
+        std::filesystem::create_directories(path);
+        succeed({"mount", device, path});
+        places.push_back(path);
+    }
+
+    /// Of the disks of this test: those of the machine are seen as well.
+    [[nodiscard]] Paths paths() const {
+        Paths mine;
+        for (const Volume& volume : volumes->mounted()) {
+            if (std::ranges::find(places, volume.path) != places.end())
+                mine.push_back(volume.path);
+        }
+        return mine;
+    }
+    bool becomes(const Paths& expected) {
+        return waitUntil([&] { return paths() == expected; }, 10000);
+    }
+    [[nodiscard]] Volume volume(const std::string& path) const {
+        for (const Volume& volume : volumes->mounted()) {
+            if (volume.path == path)
+                return volume;
+        }
+        return {};
+    }
+    static bool isMounted(const std::string& path) { return BlockLayers().isMounted(path); }
+    bool eject(const std::string& path) const {
+        auto attempt =
+            std::async(std::launch::async, [&] { return volumes->unmountAndEject(path); });
+        waitUntil(
+            [&] { return attempt.wait_for(std::chrono::seconds(0)) == std::future_status::ready; });
+        return attempt.get();
+    }
+
+    QtMainLoop loop;
+    Log log;
+    std::unique_ptr<Child> service;
+    std::unique_ptr<UDisksVolumes> volumes;
+    std::vector<std::string> disks;
+    std::vector<std::string> places;
+};
+
+TEST_F(RealDiskTest, AStickComesIsTakenAwayAndMayComeAgain) {
+    int told = 0;
+    const Handle handle = volumes->observe([&] { ++told; });
+    const std::string device = formattedDisk("CHIAVETTA");
+    for (int round = 0; round < 2; ++round) {
+        mount(device, "/run/media/anna/CHIAVETTA");
+        ASSERT_TRUE(becomes({"/run/media/anna/CHIAVETTA"})) << service->output();
+        const Volume stick = volume("/run/media/anna/CHIAVETTA");
+        EXPECT_EQ(stick.name, "CHIAVETTA");
+        EXPECT_EQ(stick.capacity, 64 << 20);
+        EXPECT_EQ(stick.isBrowsable, true);
+        EXPECT_EQ(stick.isInternal, false);
+        EXPECT_EQ(stick.isRemovable, true);
+        EXPECT_EQ(stick.isEjectable, false) << "no loop device is";
+        EXPECT_FALSE(stick.holdsSystem);
+        std::ofstream(stick.path + "/file") << "not written yet";
+        EXPECT_TRUE(eject(stick.path));
+        EXPECT_FALSE(isMounted(stick.path));
+        EXPECT_TRUE(becomes({}));
+        EXPECT_TRUE(eject(stick.path)) << "it is away already";
+    }
+    EXPECT_GE(told, 4);
+    EXPECT_THAT(log.lines, IsEmpty());
+}
+
+TEST_F(RealDiskTest, ABusyOneStaysUntilItIsNot) {
+    const std::string device = formattedDisk("CHIAVETTA");
+    mount(device, "/run/media/occupata");
+    mount(device, "/mnt/altrove");
+    ASSERT_TRUE(waitUntil([&] { return !paths().empty(); }));
+    const std::string path = paths().front();
+    const std::string other = path == places[0] ? places[1] : places[0];
+    std::ofstream open("/run/media/occupata/file");
+    EXPECT_FALSE(eject(path));
+    EXPECT_TRUE(isMounted("/run/media/occupata"));
+    linger(50);
+    ASSERT_EQ(log.lines.size(), 1);
+    EXPECT_THAT(log.lines[0], HasSubstr("DeviceBusy"));
+    open.close();
+    EXPECT_TRUE(eject(path));
+    EXPECT_FALSE(isMounted(path) || isMounted(other));
+}
+
+TEST_F(RealDiskTest, AllPartitionsGoAndUnlessAllCanNoneIsSaidToBeSafe) {
+    const std::string device = disk();
+    succeed({"parted", "-s", device, "mklabel", "gpt", "mkpart", "a", "1MiB", "30MiB", "mkpart",
+             "b", "30MiB", "60MiB"});
+    if (!waitUntil([&] { return std::filesystem::exists(device + "p2"); }, 5000))
+        GTEST_SKIP() << "loop devices have no partitions here";
+    format(device + "p1", "UNO");
+    format(device + "p2", "DUE");
+    const std::string odd = "/run/media/anna/F\xF3tos e\ttutto";
+    mount(device + "p1", odd);
+    mount(device + "p2", "/run/media/anna/DUE");
+    ASSERT_TRUE(becomes({odd, "/run/media/anna/DUE"})) << service->output();
+    {
+        const std::ofstream open("/run/media/anna/DUE/file");
+        EXPECT_FALSE(eject(odd));
+        EXPECT_FALSE(eject(odd)) << "of the same drive, whatever became of this part";
+        EXPECT_TRUE(isMounted("/run/media/anna/DUE"));
+    }
+    EXPECT_TRUE(eject("/run/media/anna/DUE"));
+    EXPECT_FALSE(isMounted(odd) || isMounted("/run/media/anna/DUE"));
+
+    mount(device + "p1", "/run/media/anna/UNO");
+    ASSERT_TRUE(becomes({"/run/media/anna/UNO"}));
+    EXPECT_FALSE(volume("/run/media/anna/UNO").holdsSystem);
+    mount(device + "p2", "/opt");
+    EXPECT_TRUE(volume("/run/media/anna/UNO").holdsSystem);
+    EXPECT_FALSE(eject("/run/media/anna/UNO"));
+    EXPECT_TRUE(isMounted("/run/media/anna/UNO"));
+}
+
+TEST_F(RealDiskTest, AFolderOfItThatIsMountedElsewhereIsNotTheVolumeAndGoesToo) {
+    mount(formattedDisk("CHIAVETTA"), "/run/media/CHIAVETTA");
+    std::filesystem::create_directory("/run/media/CHIAVETTA/folder");
+    std::filesystem::create_directories("/mnt/bound");
+    succeed({"mount", "--bind", "/run/media/CHIAVETTA/folder", "/mnt/bound"});
+    places.emplace_back("/mnt/bound");
+    ASSERT_TRUE(becomes({"/run/media/CHIAVETTA"}));
+    linger(200);
+    EXPECT_EQ(paths(), Paths{"/run/media/CHIAVETTA"});
+    EXPECT_TRUE(eject("/run/media/CHIAVETTA"));
+    EXPECT_FALSE(isMounted("/run/media/CHIAVETTA") || isMounted("/mnt/bound"));
+}
+
+TEST_F(RealDiskTest, TheAccountFollowsTheServiceThroughDeathAndRestart) {
+    const std::string device = formattedDisk("CHIAVETTA");
+    mount(device, "/run/media/CHIAVETTA");
+    ASSERT_TRUE(becomes({"/run/media/CHIAVETTA"}));
+    service->send(SIGKILL);
+    EXPECT_TRUE(becomes({}));
+    EXPECT_FALSE(eject("/run/media/CHIAVETTA"));
+    mount(device, "/mnt/nuovo");
+    startService();
+    EXPECT_TRUE(waitUntil([&] { return !paths().empty(); }));
+    EXPECT_TRUE(eject(paths().front()));
+    EXPECT_FALSE(isMounted("/mnt/nuovo") || isMounted("/run/media/CHIAVETTA"));
+}
+
+TEST_F(RealDiskTest, SomebodyElsesIsNotTakenAwayWithoutPermission) {
+    mount(formattedDisk("CHIAVETTA"), "/run/media/CHIAVETTA");
+    ASSERT_TRUE(becomes({"/run/media/CHIAVETTA"}));
+    constexpr uid_t nobody = 65534;
+    ASSERT_EQ(::seteuid(nobody), 0);
+    const QDBusConnection theirs = connect("nobody");
+    ASSERT_EQ(::seteuid(0), 0);
+    ASSERT_TRUE(theirs.isConnected()) << theirs.lastError().message().toStdString();
+    volumes = std::make_unique<UDisksVolumes>(loop, log, theirs);
+    EXPECT_FALSE(eject("/run/media/CHIAVETTA"));
+    EXPECT_TRUE(isMounted("/run/media/CHIAVETTA"));
+    linger(50);
+    ASSERT_FALSE(log.lines.empty());
+    EXPECT_THAT(log.lines.back(), HasSubstr("NotAuthorized"));
+    QDBusConnection::disconnectFromBus("nobody");
+}
+
+} // namespace
+} // namespace velmorquit
