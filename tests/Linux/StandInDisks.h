@@ -9,6 +9,9 @@
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
 
 #include <functional>
 #include <map>
@@ -22,16 +25,22 @@ using Objects = QMap<QDBusObjectPath, Interfaces>;
 class PrivateBus {
 public:
     PrivateBus() {
-        waitUntil([this] { return server_.output().ends_with('\n'); });
+        EXPECT_TRUE(waitUntil([this] { return !address().isEmpty(); })) << server_.output();
     }
 
     QDBusConnection connect(const QString& name) {
-        return QDBusConnection::connectToBus(
-            QString::fromStdString(server_.output()).section('\n', 0, 0), name);
+        return QDBusConnection::connectToBus(address(), name);
     }
     void end() const { server_.send(SIGKILL); }
 
 private:
+    /// Among what it has to say of its surroundings.
+    QString address() {
+        const QStringList lines = QString::fromStdString(server_.output()).split('\n');
+        const auto found = lines.filter(QRegularExpression("^unix:.*guid="));
+        return found.value(0);
+    }
+
     Child server_{{"dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog",
                    "--print-address=1", "--address=unix:tmpdir=/tmp"}};
 };
