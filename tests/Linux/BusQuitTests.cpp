@@ -1,5 +1,5 @@
 #include "Linux/DBus/BusQuit.h"
-#include "support/Child.h"
+#include "support/PrivateBus.h"
 #include "support/Waiting.h"
 
 #include <QDBusArgument>
@@ -47,29 +47,22 @@ public:
 class BusQuitTest : public testing::Test {
 protected:
     BusQuitTest() {
-        EXPECT_TRUE(waitUntil([this] { return server_.output().ends_with('\n'); }));
         EXPECT_TRUE(theirs().registerVirtualObject("/", &program, QDBusConnection::SubPath));
         for (const char* name : {"org.mpris.MediaPlayer2.player", "org.example.Some-App"})
             EXPECT_TRUE(theirs().registerService(name));
     }
-    ~BusQuitTest() override {
-        QDBusConnection::disconnectFromBus("ours");
-        QDBusConnection::disconnectFromBus("theirs");
-    }
 
-    QDBusConnection connect(const QString& name) {
-        return QDBusConnection::connectToBus(
-            QString::fromStdString(server_.output()).section('\n', 0, 0), name);
-    }
-    QDBusConnection theirs() { return connect("theirs"); }
+    QDBusConnection theirs() { return theirs_; }
+    QDBusConnection ours() { return ours_; }
 
-    Child server_{{"dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog",
-                   "--print-address=1", "--address=unix:tmpdir=/tmp"}};
+    PrivateBus bus;
+    QDBusConnection theirs_ = bus.connect();
+    QDBusConnection ours_ = bus.connect();
     Program program;
 };
 
 TEST_F(BusQuitTest, AsksThePlayerAndTheApplicationOfAProcess) {
-    BusQuit quit(connect("ours"));
+    BusQuit quit(ours());
     quit.quit(::getpid());
     EXPECT_TRUE(waitUntil([&] { return program.calls.size() == 2; }));
     program.calls.sort();
@@ -78,7 +71,7 @@ TEST_F(BusQuitTest, AsksThePlayerAndTheApplicationOfAProcess) {
 }
 
 TEST_F(BusQuitTest, LeavesAloneOthersAndThoseThatCannotQuit) {
-    BusQuit quit(connect("ours"));
+    BusQuit quit(ours());
     quit.quit(::getppid());
     linger(200);
     EXPECT_TRUE(program.calls.isEmpty()) << program.calls.join(' ').toStdString();
@@ -89,7 +82,7 @@ TEST_F(BusQuitTest, LeavesAloneOthersAndThoseThatCannotQuit) {
 }
 
 TEST_F(BusQuitTest, MayGoWhileItAsksAndNeedsNoBus) {
-    std::make_unique<BusQuit>(connect("ours"))->quit(::getpid());
+    std::make_unique<BusQuit>(ours())->quit(::getpid());
     BusQuit nowhere(QDBusConnection("none"));
     nowhere.quit(::getpid());
     linger(200);

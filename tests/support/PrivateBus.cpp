@@ -28,8 +28,10 @@ std::filesystem::path PrivateBus::makeFolder(const std::string& prefix) {
 PrivateBus::PrivateBus(const std::string& prefix)
     : folder_(makeFolder(prefix)),
       server_({"dbus-daemon", "--config-file=" + (folder_ / "bus.conf").string(), "--nofork",
-               "--nopidfile", "--nosyslog"}) {
-    if (!waitUntil([this] { return std::filesystem::exists(folder_ / "bus"); }))
+               "--nopidfile", "--nosyslog", "--print-address=1"}) {
+    // The socket is there a moment before anybody listens to it; the address is printed after that.
+    const auto isUp = [this] { return server_.output().find("unix:") != std::string::npos; };
+    if (!waitUntil(isUp))
         throw std::runtime_error("no bus: " + server_.output());
 }
 
