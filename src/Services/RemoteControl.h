@@ -14,12 +14,12 @@ namespace velmorquit {
 
 /// What other processes of the user can do with the controller and hear of it.
 ///
-/// A stubborn application has a `reason`: `asking`, `windowless`, `cannotBeAsked`, `busyTerminal`,
-/// `notResponding`, or null when nothing is known.
-/// A backup is answered with `backup skip`, `cancel`, `continue` or `stop`.
 /// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
-/// `include NAME`, `backup WORD`, `eject`, `cancel`, `show [TOKEN]`. Changes are announced as objects with a field `change`: `phase`,
-/// `stubborn`, `opened`, `closed`, `windowless` (it lives on), `excluded`, `included`, `event`.
+/// `include NAME`, `backup skip|cancel|continue|stop`, `eject`, `cancel` (a power action that has
+/// not happened yet), `show [TOKEN]`. Changes are announced as objects with a field `change`:
+/// `phase`, `stubborn`, `opened`, `closed`, `windowless` (it lives on), `excluded`, `included`,
+/// `event`. A stubborn application has a `reason`: `asking`, `windowless`, `cannotBeAsked`,
+/// `busyTerminal`, `notResponding`, or null when nothing is known.
 class RemoteControl {
 public:
     RemoteControl(QuitController& controller, RemoteCommands& remote, Workspace& workspace);
