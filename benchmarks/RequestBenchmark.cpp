@@ -29,7 +29,7 @@ void requests(benchmark::State& state) {
     JournalLog log;
     QtMainLoop loop;
     X11Toplevels toplevels(loop, log, std::move(*connection));
-    LinuxWorkspace workspace(loop, log, toplevels);
+    LinuxWorkspace workspace(loop, log, toplevels, {});
     if (!waitUntil([&] { return workspace.runningApplications().size() == windows; }))
         return state.SkipWithError("not all windows are there");
     for ([[maybe_unused]] auto turn : state) {
