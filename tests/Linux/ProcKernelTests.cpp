@@ -86,9 +86,24 @@ TEST_F(ProcTreeTest, AProcessIsMovedToItsUnitSoonAfterItsStart) {
     using Answers = std::map<ProcessId, ProcessId>;
     const ProcKernel kernel(proc());
     EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 0}, {12, 0}}));
-    addProcess(11, 1, 3, app);
     addProcess(12, 1, notYet, app);
-    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 10}, {12, 10}}));
+    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 0}, {12, 10}}));
+    fs::remove_all(proc() + "/11");
+    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {12, 10}}));
+    addProcess(11, 1, 3, app);
+    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 10}, {12, 10}}))
+        << "a later process with the same id is another one";
+}
+
+TEST_F(ProcTreeTest, AProcessWhoseParentEndsGetsAnother) {
+    addProcess(20, 1, 1);
+    addProcess(21, 20, 2);
+    const ProcKernel kernel(proc());
+    EXPECT_EQ(kernel.processTable().size(), 2U);
+    fs::remove_all(proc() + "/20");
+    addProcess(21, 7, 2);
+    ASSERT_EQ(kernel.processTable().size(), 1U);
+    EXPECT_EQ(kernel.processTable().front().parent, 7);
 }
 
 TEST_F(ProcTreeTest, WithoutUnitsAHelperAnswersToTheNearestProcessWithWindows) {

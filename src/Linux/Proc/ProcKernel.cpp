@@ -98,30 +98,52 @@ std::optional<MemoryPages> ProcKernel::memoryPages() const {
                        .compressor = std::max(zswap, zspages)};
 }
 
-void ApplicationUnits::beginLook() {
+bool KnownProcesses::readInto(Known& known, ProcessId id, const ProcDirectory& proc,
+                              std::chrono::seconds now, std::string& text) {
+    constexpr std::chrono::seconds youth{2};
+    static const auto ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
+    proc.read(id, "stat", text);
+    const auto stat = parseProcessStat(text);
+    if (!stat)
+        return false;
+    known.parent = stat->parent;
+    const bool isSame = known.isSettled && known.startTime == stat->startTime;
+    known.startTime = stat->startTime;
+    if (isSame)
+        return true;
+    proc.read(id, "cgroup", text);
+    known.unit = applicationUnit(text);
+    known.isSettled = now - std::chrono::seconds(stat->startTime / ticks) > youth;
+    return true;
+}
+
+void KnownProcesses::look(const ProcDirectory& proc,
+                          const std::function<void(ProcessId, const Known&)>& visit) {
     constexpr std::chrono::seconds memory{30};
     timespec sinceBoot{};
     ::clock_gettime(CLOCK_BOOTTIME, &sinceBoot);
-    now_ = std::chrono::seconds(sinceBoot.tv_sec);
-    if (now_ - emptiedAt_ < memory)
-        return;
-    known_.clear();
-    emptiedAt_ = now_;
-}
-
-const std::string& ApplicationUnits::of(const ProcessStat& process, const ProcDirectory& proc,
-                                        std::string& text) {
-    constexpr std::chrono::seconds youth{2};
-    static const auto ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
-    const auto [known, isNew] = known_.try_emplace(process.id);
-    if (isNew || !known->second.isSettled || known->second.startTime != process.startTime) {
-        proc.read(process.id, "cgroup", text);
-        const std::chrono::seconds start(process.startTime / ticks);
-        known->second = {.startTime = process.startTime,
-                         .isSettled = now_ - start > youth,
-                         .unit = std::string(applicationUnit(text))};
+    const std::chrono::seconds now(sinceBoot.tv_sec);
+    if (now - emptiedAt_ >= memory) {
+        known_.clear();
+        emptiedAt_ = now;
     }
-    return known->second.unit;
+    std::vector<ProcessId> ids = proc.processes();
+    std::vector<ProcessId> sorted = ids;
+    std::ranges::sort(sorted);
+    std::string text;
+    ++look_;
+    for (const ProcessId id : ids) {
+        Known& known = known_[id];
+        const bool hasParent =
+            known.parent <= 1 || std::ranges::binary_search(sorted, known.parent);
+        if (!known.isSettled || known.look != look_ - 1 || !hasParent) {
+            if (!readInto(known, id, proc, now, text))
+                continue;
+        }
+        known.look = look_;
+        visit(id, known);
+    }
+    std::erase_if(known_, [this](const auto& known) { return known.second.look != look_; });
 }
 
 std::vector<ProcessEntry> ProcKernel::processTable() const {
@@ -134,26 +156,19 @@ std::vector<ProcessEntry> ProcKernel::processTable() const {
     std::unordered_map<std::string, Main> mains;
     std::vector<std::pair<std::size_t, const Main*>> members;
     const std::set<ProcessId> windowOwners = windowOwners_();
-    std::string text;
-    units_.beginLook();
-    for (const ProcessId id : proc_.processes()) {
-        proc_.read(id, "stat", text);
-        const auto stat = parseProcessStat(text);
-        if (!stat)
-            continue;
-        const std::string& unit = units_.of(*stat, proc_, text);
-        table.push_back({.id = id, .parent = stat->parent, .responsible = 0});
-        if (unit.empty())
-            continue;
-        const Main candidate{id, windowOwners.contains(id), stat->startTime};
-        const auto [main, isFirst] = mains.try_emplace(unit, candidate);
+    known_.look(proc_, [&](ProcessId id, const KnownProcesses::Known& known) {
+        table.push_back({.id = id, .parent = known.parent, .responsible = 0});
+        if (known.unit.empty())
+            return;
+        const Main candidate{id, windowOwners.contains(id), known.startTime};
+        const auto [main, isFirst] = mains.try_emplace(known.unit, candidate);
         const auto rank = [](const Main& one) {
             return std::pair(!one.ownsWindows, one.startTime);
         };
         if (!isFirst && rank(candidate) < rank(main->second))
             main->second = candidate;
         members.emplace_back(table.size() - 1, &main->second);
-    }
+    });
     for (const auto& [index, main] : members) {
         if (main->id != table[index].id)
             table[index].responsible = main->id;

@@ -13,28 +13,31 @@
 
 namespace velmorquit {
 
-/// Remembers which unit each process is in, which costs as much to read as all the rest of the
-/// table.
+/// Remembers what doesn't change of processes, which costs more to read than all the rest: which
+/// program is whose child, and its unit.
 ///
-/// A process is moved to its unit when it is started. One that is still young is looked at every
-/// time, and all of them anew every half a minute.
-class ApplicationUnits {
+/// A process that was there at the last look is the same one. It gets another parent only when that
+/// one ends, and its unit when it is started: one that is still young is looked at every time. All
+/// are looked at anew every half a minute.
+class KnownProcesses {
 public:
-    /// To be called before each look at all processes.
-    void beginLook();
-
-    /// As `applicationUnit`, valid until the next look. `text` is memory to read into.
-    const std::string& of(const ProcessStat& process, const ProcDirectory& proc, std::string& text);
-
-private:
     struct Known {
+        ProcessId parent = 0;
         std::uint64_t startTime = 0;
+        std::string unit; ///< as `applicationUnit`
         bool isSettled = false;
-        std::string unit;
+        unsigned look = 0; ///< the last one at which it was there
     };
 
+    /// Calls `visit` with the id of every process and what is known of it.
+    void look(const ProcDirectory& proc, const std::function<void(ProcessId, const Known&)>& visit);
+
+private:
+    [[nodiscard]] static bool readInto(Known& known, ProcessId id, const ProcDirectory& proc,
+                                       std::chrono::seconds now, std::string& text);
+
     std::unordered_map<ProcessId, Known> known_;
-    std::chrono::seconds now_{};
+    unsigned look_ = 0;
     std::chrono::seconds emptiedAt_{};
 };
 
@@ -67,7 +70,7 @@ private:
 
     ProcDirectory proc_;
     std::string sys_;
-    mutable ApplicationUnits units_;
+    mutable KnownProcesses known_;
     std::function<std::set<ProcessId>()> windowOwners_ = [] { return std::set<ProcessId>(); };
 };
 
