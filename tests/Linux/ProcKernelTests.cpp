@@ -106,6 +106,21 @@ TEST_F(ProcTreeTest, AProcessWhoseParentEndsGetsAnother) {
     EXPECT_EQ(kernel.processTable().front().parent, 7);
 }
 
+TEST_F(ProcTreeTest, AFootprintFollowsTheCountsOfPages) {
+    addProcess(10, 1, 1);
+    write("proc/10/statm", "900 30 20 1 0 10 0");
+    write("proc/10/status", "RssAnon:\t 10 kB\nVmSwap:\t 5 kB\n");
+    const ProcKernel kernel(proc());
+    EXPECT_EQ(kernel.footprint(10), 15U * 1024) << "before any look at the processes";
+    EXPECT_EQ(kernel.processTable().size(), 1U);
+    EXPECT_EQ(kernel.footprint(10), 15U * 1024);
+    write("proc/10/status", "RssAnon:\t 40 kB\n");
+    write("proc/10/statm", "900 60 20 1 0 10 0");
+    EXPECT_EQ(kernel.footprint(10), 40U * 1024);
+    fs::remove_all(proc() + "/10");
+    EXPECT_FALSE(kernel.footprint(10));
+}
+
 TEST_F(ProcTreeTest, WithoutUnitsAHelperAnswersToTheNearestProcessWithWindows) {
     addProcess(10, 1, 1);
     addProcess(11, 10, 2);

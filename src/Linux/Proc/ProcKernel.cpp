@@ -99,11 +99,11 @@ std::optional<MemoryPages> ProcKernel::memoryPages() const {
 }
 
 bool KnownProcesses::readInto(Known& known, ProcessId id, const ProcDirectory& proc,
-                              std::chrono::seconds now, std::string& text) {
+                              std::chrono::seconds now) {
     constexpr std::chrono::seconds youth{2};
     static const auto ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
-    proc.read(id, "stat", text);
-    const auto stat = parseProcessStat(text);
+    proc.read(id, "stat", text_);
+    const auto stat = parseProcessStat(text_);
     if (!stat)
         return false;
     known.parent = stat->parent;
@@ -111,8 +111,8 @@ bool KnownProcesses::readInto(Known& known, ProcessId id, const ProcDirectory& p
     known.startTime = stat->startTime;
     if (isSame)
         return true;
-    proc.read(id, "cgroup", text);
-    known.unit = applicationUnit(text);
+    proc.read(id, "cgroup", text_);
+    known.unit = applicationUnit(text_);
     known.isSettled = now - std::chrono::seconds(stat->startTime / ticks) > youth;
     return true;
 }
@@ -130,20 +130,35 @@ void KnownProcesses::look(const ProcDirectory& proc,
     std::vector<ProcessId> ids = proc.processes();
     std::vector<ProcessId> sorted = ids;
     std::ranges::sort(sorted);
-    std::string text;
     ++look_;
     for (const ProcessId id : ids) {
         Known& known = known_[id];
         const bool hasParent =
             known.parent <= 1 || std::ranges::binary_search(sorted, known.parent);
         if (!known.isSettled || known.look != look_ - 1 || !hasParent) {
-            if (!readInto(known, id, proc, now, text))
+            if (!readInto(known, id, proc, now))
                 continue;
         }
         known.look = look_;
         visit(id, known);
     }
     std::erase_if(known_, [this](const auto& known) { return known.second.look != look_; });
+}
+
+std::optional<std::uint64_t> KnownProcesses::footprint(const ProcDirectory& proc, ProcessId id) {
+    const auto found = known_.find(id);
+    if (found == known_.end()) {
+        proc.read(id, "status", text_);
+        return footprintFromStatus(text_);
+    }
+    Known& known = found->second;
+    proc.read(id, "statm", text_);
+    if (text_.empty() || text_ != known.pages) {
+        known.pages = text_;
+        proc.read(id, "status", text_);
+        known.footprint = footprintFromStatus(text_);
+    }
+    return known.footprint;
 }
 
 std::vector<ProcessEntry> ProcKernel::processTable() const {
@@ -177,7 +192,7 @@ std::vector<ProcessEntry> ProcKernel::processTable() const {
 }
 
 std::optional<std::uint64_t> ProcKernel::footprint(ProcessId id) const {
-    return footprintFromStatus(proc_.read(id, "status"));
+    return known_.footprint(proc_, id);
 }
 
 std::optional<std::uint64_t> footprintFromStatus(std::string_view status) {

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -27,16 +28,23 @@ public:
         std::string unit; ///< as `applicationUnit`
         bool isSettled = false;
         unsigned look = 0; ///< the last one at which it was there
+        std::string pages; ///< its `statm` when `footprint` was read
+        std::optional<std::uint64_t> footprint;
     };
 
     /// Calls `visit` with the id of every process and what is known of it.
     void look(const ProcDirectory& proc, const std::function<void(ProcessId, const Known&)>& visit);
 
+    /// As `footprintFromStatus`. The full account is read only when the counts of pages, which cost
+    /// a fifth of it, are not what they were: a sleeping program's stay the same.
+    [[nodiscard]] std::optional<std::uint64_t> footprint(const ProcDirectory& proc, ProcessId id);
+
 private:
-    [[nodiscard]] static bool readInto(Known& known, ProcessId id, const ProcDirectory& proc,
-                                       std::chrono::seconds now, std::string& text);
+    [[nodiscard]] bool readInto(Known& known, ProcessId id, const ProcDirectory& proc,
+                                std::chrono::seconds now);
 
     std::unordered_map<ProcessId, Known> known_;
+    std::string text_; ///< what was read last; kept for its room
     unsigned look_ = 0;
     std::chrono::seconds emptiedAt_{};
 };
