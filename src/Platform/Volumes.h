@@ -10,9 +10,10 @@
 
 namespace velmorquit {
 
-/// A mounted volume. What the system doesn't know is none.
+/// A mounted file system, once, wherever else it is mounted too. What the system doesn't know is
+/// none.
 struct Volume {
-    std::string path; ///< where it is mounted
+    std::string path; ///< where it is mounted, as the system has it: it may be no UTF-8
     std::optional<std::string> name;
     std::optional<std::uint64_t> capacity; ///< in bytes
     std::optional<bool> isBrowsable;       ///< the user is meant to see it

@@ -65,6 +65,8 @@ public:
              : request == LoginRequest::restart ? "restart"
                                                 : "log out");
         isWaiting_ = !refusal;
+        if (onRequest)
+            onRequest();
         return refusal;
     }
     void cancel() override {
@@ -74,6 +76,7 @@ public:
     }
 
     std::optional<std::string> refusal;
+    std::function<void()> onRequest;
 
 private:
     bool isWaiting_ = false;

@@ -151,12 +151,32 @@ TEST_F(AfterQuit, DrivesThatStayAreTriedThriceAndNamed) {
     EXPECT_EQ(note(), "Backup non riuscito · 2 dischi espulsi · Non espulso: late");
 }
 
+TEST_F(AfterQuit, DrivesThatTheUserEjectsAlreadyAreNotTheRuns) {
+    desktop.volumes.mountStick("slow", 2);
+    desktop.volumes.mountStick("held", 4);
+    desktop.preferences.set("ejectDrives", true);
+    start().ejectNow();
+    desktop.advance(1s);
+    controller->quitAll(PowerAction::restart);
+    desktop.advance(1min);
+    const std::string log = desktop.log();
+    const auto first = log.find("event disksEjected 1 -held\n");
+    const auto second = log.find("event disksEjected 1\n");
+    EXPECT_LT(log.find("ejecting\n"), first) << log;
+    EXPECT_LT(first, second) << log;
+    EXPECT_LT(second, log.find("restart\n")) << log;
+    EXPECT_FALSE(controller->isEjecting());
+}
+
 TEST_F(AfterQuit, ALaterRunBringsItsOwnActionAndACancelledOneIsDropped) {
     start();
     controller->quitAll(PowerAction::shutDown);
     desktop.advance(500ms);
+    controller->unattended = true;
     desktop.open("B").quitsAfter(2s);
     controller->quitAll(PowerAction::restart);
+    EXPECT_FALSE(controller->unattended.get()) << "that was the earlier one";
+    EXPECT_EQ(controller->runningAction.get(), PowerAction::none);
     desktop.advance(2500ms);
     EXPECT_EQ(controller->runningAction.get(), PowerAction::restart);
     controller->cancelPowerAction();

@@ -16,10 +16,13 @@ namespace {
 /// comes from the seed.
 class RandomSession {
 public:
-    explicit RandomSession(unsigned seed) : random_(seed) { begin(); }
+    explicit RandomSession(unsigned seed) : random_(seed) {
+        desktop_.loginWindow.onRequest = [this] { checkRequest(); };
+        begin();
+    }
 
     void step() {
-        switch (pick(12)) {
+        switch (pick(18)) {
         case 0:
         case 1:
             openOne();
@@ -50,6 +53,28 @@ public:
             if (pick(20) == 0)
                 begin();
             break;
+        case 11:
+            pick(2) == 0 ? desktop_.volumes.mountStick("s" + std::to_string(pick(3)), pick(5))
+                         : desktop_.volumes.unmount("/media/s" + std::to_string(pick(3)));
+            break;
+        case 12:
+            controller_->chooseBackupFirst(pick(2) == 0);
+            controller_->chooseEjectDrives(pick(2) == 0);
+            changeBackups();
+            break;
+        case 13:
+            controller_->stopBackup(pick(2) == 0 ? Stop::skip : Stop::cancel);
+            break;
+        case 14:
+            controller_->resolveBackupFailure(pick(2) == 0 ? Choice::stop : Choice::goOn);
+            break;
+        case 15:
+            controller_->ejectNow();
+            break;
+        case 16:
+            if (pick(3) == 0)
+                controller_->cancelPowerAction();
+            break;
         default:
             break;
         }
@@ -63,12 +88,24 @@ public:
         controller_->onEvent = nullptr;
         for (SimulatedApplication* app : apps_)
             app->end();
-        desktop_.advance(10s);
-        check();
+        // A backup and its record, three attempts at each drive, a question, the result.
+        for (int turn = 0; turn < 10; ++turn) {
+            controller_->resolveBackupFailure(Choice::goOn);
+            desktop_.advance(15s);
+            check();
+        }
         EXPECT_TRUE(is<phases::Idle>(controller_->phase));
+        EXPECT_FALSE(controller_->isRunning());
+        EXPECT_FALSE(controller_->isEjecting());
+        EXPECT_FALSE(controller_->unattended.get());
+        EXPECT_FALSE(controller_->autoContinueAt.get());
+        EXPECT_EQ(controller_->runningAction.get(), PowerAction::none);
     }
 
 private:
+    using Stop = QuitController::BackupStop;
+    using Choice = QuitController::FailureChoice;
+
     void begin() {
         watch_.reset();
         control_.reset();
@@ -78,6 +115,28 @@ private:
         controller_->onEvent = [this](const Event& event) { react(event); };
         watch_ = controller_->phase.subscribe([this] { check(); });
         hasStubbornEvent_ = false;
+        isBackupUnderWay_ = false;
+        // A power action that was about to follow has gone with the controller.
+        actionsDue_ = 0;
+    }
+
+    /// The tool may succeed, fail, hang for long, say nonsense, or not be there.
+    void changeBackups() {
+        auto& tool = desktop_.backupTool;
+        if (pick(3) != 0)
+            tool.configure();
+        tool.launchError = pick(6) == 0 ? std::optional<std::string>("no tool") : std::nullopt;
+        tool.duration = std::chrono::milliseconds(1 + pick(20000));
+        tool.exitStatus = pick(4) == 0 ? 1 : 0;
+        tool.errorOutput = pick(2) == 0 ? "why\n" : "";
+        tool.recordDelay = std::chrono::seconds(pick(30));
+        tool.recordedAt = pick(5) == 0 ? std::nullopt : std::optional<Duration>(0s);
+        tool.progress = [odd = pick(5) == 0](Duration time) {
+            return odd ? -1.0 + static_cast<double>(time.count() % 7)
+                       : static_cast<double>(time.count()) / 2e10;
+        };
+        desktop_.loginWindow.refusal =
+            pick(3) == 0 ? std::optional<std::string>("refused") : std::nullopt;
     }
 
     int pick(int below) { return std::uniform_int_distribution(0, below - 1)(random_); }
@@ -139,7 +198,8 @@ private:
         const std::string before = desktop_.log();
         controller_->refresh();
         const std::vector<OpenApp> spared = excludedApps();
-        controller_->quitAll(pick(2) == 0 ? PowerAction::none : PowerAction::restart);
+        const bool hasAction = pick(2) == 0;
+        controller_->quitAll(hasAction ? PowerAction::restart : PowerAction::none);
         for (const OpenApp& app : spared)
             EXPECT_EQ(linesAdded(before).find("quit " + app.name), std::string::npos);
         if (wasBusy) {
@@ -147,6 +207,8 @@ private:
             return;
         }
         hasStubbornEvent_ = false;
+        controller_->unattended = pick(3) == 0;
+        actionsDue_ = hasAction ? 1 : 0;
     }
 
     void react(const Event& event) {
@@ -156,7 +218,17 @@ private:
             EXPECT_TRUE(is<phases::Quitting>(controller_->phase));
             EXPECT_FALSE(controller_->stubborn->empty());
             hasStubbornEvent_ = true;
-        } else {
+        } else if (std::holds_alternative<events::BackupStarted>(event)) {
+            EXPECT_FALSE(std::exchange(isBackupUnderWay_, true));
+            lastProgress_ = 0;
+        } else if (const auto* progress = std::get_if<events::BackupProgress>(&event)) {
+            EXPECT_TRUE(isBackupUnderWay_);
+            EXPECT_GT(progress->fraction, lastProgress_);
+            EXPECT_LT(progress->fraction, 1);
+            lastProgress_ = progress->fraction;
+        } else if (std::holds_alternative<events::BackupFinished>(event)) {
+            isBackupUnderWay_ = false;
+        } else if (std::holds_alternative<events::QuitDone>(event)) {
             EXPECT_TRUE(is<phases::Done>(controller_->phase));
         }
         if (pick(4) == 0)
@@ -167,7 +239,26 @@ private:
             controller_->forceQuitStubborn();
     }
 
+    void checkSequence() {
+        const Phase& phase = controller_->phase;
+        if (!is<phases::BackingUp>(phase))
+            isBackupUnderWay_ = false;
+        if (controller_->autoContinueAt.get()) {
+            EXPECT_TRUE(isBusy(phase) || is<phases::Done>(phase));
+        }
+        if (is<phases::Idle>(phase)) {
+            EXPECT_FALSE(controller_->resultNote.get());
+        }
+    }
+
+    void checkRequest() {
+        EXPECT_EQ(std::exchange(actionsDue_, 0), 1) << "nobody asked for it, or it is the second";
+        EXPECT_TRUE(is<phases::Done>(controller_->phase)) << "before the result is on show";
+        EXPECT_EQ(controller_->runningAction.get(), PowerAction::restart);
+    }
+
     void check() {
+        checkSequence();
         const Phase& phase = controller_->phase;
         if (!is<phases::Waiting>(phase) && !is<phases::Quitting>(phase)) {
             EXPECT_TRUE(controller_->stubborn->empty());
@@ -192,6 +283,9 @@ private:
     std::vector<SimulatedApplication*> apps_;
     Handle watch_;
     bool hasStubbornEvent_ = false;
+    bool isBackupUnderWay_ = false;
+    double lastProgress_ = 0;
+    int actionsDue_ = 0; ///< requests to end the session that the present run may still make
 };
 
 TEST(RandomSessionTest, KeepsEveryPromise) {

@@ -75,6 +75,9 @@ Task QuitController::afterApps(RunResult result, PowerAction action) {
 
     if (ejectDrives && !ExternalDrives::connected(desktop_.volumes).empty()) {
         phase = phases::Ejecting{};
+        // What the user had begun to eject before has a result of its own.
+        while (ejectNowTask_.isActive())
+            co_await sleep(pollInterval);
         ejected_.clear();
         ejectTask_ = ExternalDrives::ejectAll(desktop_.loop, desktop_.volumes, ejected_);
         const ExternalDrives::Ejected ejected = co_await ejected_;
@@ -119,9 +122,9 @@ void QuitController::ejectNow() {
 }
 
 Task QuitController::ejectByThemselves() {
-    ejected_.clear();
-    ejectTask_ = ExternalDrives::ejectAll(desktop_.loop, desktop_.volumes, ejected_);
-    const ExternalDrives::Ejected ejected = co_await ejected_;
+    ejectedNow_.clear();
+    ejectAllNowTask_ = ExternalDrives::ejectAll(desktop_.loop, desktop_.volumes, ejectedNow_);
+    const ExternalDrives::Ejected ejected = co_await ejectedNow_;
     emit(events::DisksEjected{ejected.count, ejected.failed});
 }
 

@@ -10,8 +10,10 @@ void QuitController::quitAll(PowerAction action) {
     if (isRunning())
         return;
     resetTask_.cancel();
+    // An earlier run may be about to end the session, or have asked for it: it gives way to this
+    // one.
+    resetSequence(runNumber_);
     ++runNumber_;
-    // What an earlier run has asked for and is still waiting gives way to this one.
     desktop_.loginWindow.cancel();
     refresh();
     targets_ = quittable();

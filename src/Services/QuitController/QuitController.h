@@ -125,7 +125,9 @@ public:
     /// Ejects the external drives by themselves; `disksEjected` tells the result. Does nothing
     /// while a run is in progress or drives are being ejected.
     void ejectNow();
-    [[nodiscard]] bool isEjecting() const { return ejectTask_.isActive(); }
+    [[nodiscard]] bool isEjecting() const {
+        return ejectTask_.isActive() || ejectNowTask_.isActive();
+    }
 
     /// Drops a power action that has not happened yet.
     void cancelPowerAction();
@@ -187,11 +189,13 @@ private:
     Answer<BackupOutcome> backupOutcome_;
     Answer<FailureChoice> failureChoice_;
     Answer<ExternalDrives::Ejected> ejected_;
+    Answer<ExternalDrives::Ejected> ejectedNow_;
     Task postTask_;
     Task backupTask_;
     Task unattendedTask_;
     Task ejectTask_;
     Task ejectNowTask_;
+    Task ejectAllNowTask_;
     bool isActionDropped_ = false;
     Task resetTask_;
     Handle refreshTimer_;

@@ -65,6 +65,16 @@ std::string doneText(const QJsonObject& state, const Formats& formats) {
                : localized("Finito: %lld app chiuse, %@ liberati", closed, formats.bytes(freed));
 }
 
+std::string backupFailedText(const QJsonObject& state, const Formats& formats) {
+    const std::string reason = state["reason"].toString().toStdString();
+    const auto until = state["continuesAt"];
+    if (until.isNull())
+        return localized("Backup non riuscito: %@", reason);
+    const WallTime date{std::chrono::seconds(until.toInteger())};
+    return localized("Backup non riuscito: %@ (vado avanti alle %@)", reason,
+                     formats.shortTime(date));
+}
+
 std::string phaseText(const QJsonObject& state, const Formats& formats) {
     const QString phase = state["phase"].toString();
     if (phase == "quitting") {
@@ -80,7 +90,7 @@ std::string phaseText(const QJsonObject& state, const Formats& formats) {
                             : localized("Backup in corso: %lld%%", std::lround(100 * fraction));
     }
     if (phase == "backupFailed")
-        return localized("Backup non riuscito: %@", state["reason"].toString().toStdString());
+        return backupFailedText(state, formats);
     if (phase == "ejecting")
         return localized("Espello i dischi");
     if (phase == "done") {
