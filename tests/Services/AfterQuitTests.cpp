@@ -109,6 +109,18 @@ TEST_F(AfterQuit, NobodyAttendingItGoesOnAfterAMinute) {
     EXPECT_FALSE(controller->autoContinueAt.get());
 }
 
+TEST_F(AfterQuit, AnAnswerEndsTheWaitForThatQuestionAlone) {
+    desktop.backupTool.launchError = "no such tool";
+    begin();
+    controller->unattended = true;
+    desktop.advance(1s);
+    controller->resolveBackupFailure(Choice::stop);
+    desktop.advance(1s);
+    controller->quitAll(PowerAction::restart);
+    desktop.advance(1h);
+    EXPECT_TRUE(is<phases::BackupFailed>(controller->phase)) << desktop.log();
+}
+
 TEST_F(AfterQuit, ABackupThatIsNotOnRecordAfterTenReadingsHasFailed) {
     desktop.backupTool.duration = 1s;
     desktop.backupTool.recordedAt = -6s;
