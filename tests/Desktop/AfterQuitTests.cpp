@@ -12,10 +12,12 @@
 namespace velmorquit {
 namespace {
 
+using testing::Contains;
 using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 /// With a backup tool, an external drive named Photos and a power service, all of them stand-ins.
 class AfterQuit : public DesktopStory {
@@ -25,7 +27,7 @@ protected:
         ::setenv("VELMOR_STAND_IN_SYSTEM_BUS", bus.address().c_str(), 1);
         ::setenv("VELMOR_STAND_IN_BACKUP_TOOL", STAND_INS "/backup-tool", 1);
         ::setenv("VELMOR_STAND_IN_BACKUP_DESTINATIONS", (folder() / "destinations").c_str(), 1);
-        ::setenv("VELMOR_STAND_IN_BACKUP_SECONDS", "2", 1);
+        ::setenv("VELMOR_STAND_IN_BACKUP_SECONDS", "3", 1);
         ASSERT_EQ(run({STAND_INS "/backup-tool", "prepare"}).status, 0);
         write(preferencesFile(), PropertyList::encode(Value::Dictionary{{"backupFirst", true},
                                                                         {"ejectDrives", true}}));
@@ -136,7 +138,7 @@ TEST_F(AfterQuit, ALetterThatIsNotSavedKeepsTheComputerOn) {
     type("not saved");
     EXPECT_EQ(control({"quit-all", "--then", "shutDown", "--yes"}).status, 0);
     linger(8000);
-    EXPECT_EQ(calls().back(), "UDisks2 Eject") << "it is asked about, and waited for";
+    EXPECT_THAT(calls(), Not(Contains(HasSubstr("login1")))) << "it is asked about, and waited for";
     EXPECT_TRUE(editor.isRunning());
     EXPECT_EQ(control({"cancel"}).status, 0);
 }
