@@ -246,7 +246,7 @@ TEST_F(DriveReleaseTest, TwoAttemptsAtADriveTakeTurns) {
     auto second = beginToEject("/mnt/b");
     EXPECT_TRUE(waitUntil([&] { return held.has_value(); }));
     linger(100);
-    bus.connect("theirs").send(held->createReply());
+    theirs.send(held->createReply());
     EXPECT_TRUE(resultOf(first));
     EXPECT_TRUE(resultOf(second));
     EXPECT_EQ(disks.calls.size(), 3) << disks.calls.join(", ").toStdString();
@@ -255,8 +255,7 @@ TEST_F(DriveReleaseTest, TwoAttemptsAtADriveTakeTurns) {
 TEST_F(DriveReleaseTest, TheDeathOfUDisksIsAFailure) {
     mount("sdb1", "8:17", {"/mnt/a"});
     disks.onCall = [this](const QString&, const QDBusMessage&) {
-        QDBusConnection::disconnectFromBus("theirs");
-        bus.end();
+        bus.stop();
         return true;
     };
     startAll();
@@ -276,8 +275,7 @@ TEST_F(DriveReleaseTest, AnAttemptOutlastsTheAdapter) {
     auto attempt = beginToEject("/mnt/a");
     EXPECT_TRUE(waitUntil([&] { return held.has_value(); }));
     volumes.reset();
-    bus.connect("theirs").send(
-        held->createErrorReply("org.freedesktop.UDisks2.Error.DeviceBusy", "no"));
+    theirs.send(held->createErrorReply("org.freedesktop.UDisks2.Error.DeviceBusy", "no"));
     EXPECT_FALSE(resultOf(attempt));
     linger(50);
     EXPECT_THAT(log.lines, IsEmpty());

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "support/Child.h"
 #include "support/Waiting.h"
 
 #include <QDBusArgument>
@@ -9,7 +8,6 @@
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
-#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -20,30 +18,6 @@ namespace velmorquit {
 
 using Interfaces = QMap<QString, QVariantMap>;
 using Objects = QMap<QDBusObjectPath, Interfaces>;
-
-/// A bus of its own; it ends with this object.
-class PrivateBus {
-public:
-    PrivateBus() {
-        EXPECT_TRUE(waitUntil([this] { return !address().isEmpty(); })) << server_.output();
-    }
-
-    QDBusConnection connect(const QString& name) {
-        return QDBusConnection::connectToBus(address(), name);
-    }
-    void end() const { server_.send(SIGKILL); }
-
-private:
-    /// Among what it has to say of its surroundings.
-    QString address() {
-        const QStringList lines = QString::fromStdString(server_.output()).split('\n');
-        const auto found = lines.filter(QRegularExpression("^unix:.*guid="));
-        return found.value(0);
-    }
-
-    Child server_{{"dbus-daemon", "--session", "--nofork", "--nopidfile", "--nosyslog",
-                   "--print-address=1", "--address=unix:tmpdir=/tmp"}};
-};
 
 /// Stands in for UDisks2 on a bus: tells of the objects that it is given, and of their changes.
 /// Keeps a line for each thing that it was asked to do, and does so, unless `onCall` answers first.

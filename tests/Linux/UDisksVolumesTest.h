@@ -4,6 +4,7 @@
 #include "Linux/QtMainLoop.h"
 #include "Linux/StandInDisks.h"
 #include "Linux/Volumes/UDisksVolumes.h"
+#include "support/PrivateBus.h"
 
 #include <gmock/gmock.h>
 
@@ -48,11 +49,6 @@ protected:
         disks.onUnmounted = [this](const QByteArray& path) { kernel.unmount(path.toStdString()); };
         mount("sda1", "8:1", {"/"});
     }
-    ~UDisksVolumesTest() override {
-        volumes.reset();
-        QDBusConnection::disconnectFromBus("ours");
-        QDBusConnection::disconnectFromBus("theirs");
-    }
 
     /// In the kernel and with UDisks2.
     void mount(const QString& block, const std::string& number, const QByteArrayList& paths) {
@@ -73,8 +69,8 @@ protected:
         EXPECT_TRUE(waitUntil([&] { return isTold; }));
     }
     void startVolumes(DriveRelease::Patience patience = {}) {
-        volumes = std::make_unique<UDisksVolumes>(loop, log, bus.connect("ours"), kernel.root(),
-                                                  patience);
+        volumes =
+            std::make_unique<UDisksVolumes>(loop, log, bus.connect(), kernel.root(), patience);
     }
 
     [[nodiscard]] std::vector<std::string> paths() const {
@@ -113,7 +109,8 @@ protected:
     QtMainLoop loop;
     Log log;
     PrivateBus bus;
-    StandInDisks disks{bus.connect("theirs")};
+    QDBusConnection theirs{bus.connect()};
+    StandInDisks disks{theirs};
     std::unique_ptr<UDisksVolumes> volumes;
 };
 

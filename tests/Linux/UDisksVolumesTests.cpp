@@ -109,7 +109,7 @@ TEST_F(UDisksVolumesTest, SignalsKeepTheAccountFreshWithoutAskingAgain) {
 TEST_F(UDisksVolumesTest, NobodyElseCanSpeakForUDisks) {
     mount("sdb1", "8:17", {"/mnt/a"});
     startAll();
-    StandInDisks liar(bus.connect("liar"));
+    StandInDisks liar(bus.connect());
     liar.mount("sdb1", {});
     liar.signal("/org/freedesktop/UDisks2", "org.freedesktop.DBus.ObjectManager",
                 "InterfacesRemoved",
@@ -153,11 +153,11 @@ TEST_F(UDisksVolumesTest, AnAnswerThatIsLateOrDamagedIsNeverStale) {
     mount("sdb1", "8:17", {"/mnt/a"});
     linger(50);
     EXPECT_THAT(paths(), IsEmpty());
-    bus.connect("theirs").send(held->createReply(QVariant::fromValue(disks.objects)));
+    theirs.send(held->createReply(QVariant::fromValue(disks.objects)));
     EXPECT_TRUE(becomes({"/", "/mnt/a"}));
 
     disks.onAccount = [&](const QDBusMessage& message) {
-        bus.connect("theirs").send(message.createReply(QStringList{"odd"}));
+        theirs.send(message.createReply(QStringList{"odd"}));
         return true;
     };
     disks.stop();
@@ -171,7 +171,7 @@ TEST_F(UDisksVolumesTest, AnAnswerThatIsLateOrDamagedIsNeverStale) {
 
 TEST_F(UDisksVolumesTest, TheEndOfTheBusIsTheEndOfTheAccount) {
     startAll();
-    bus.end();
+    bus.stop();
     EXPECT_TRUE(becomes({}));
     EXPECT_TRUE(eject("/mnt/never")) << "the kernel says that nothing is mounted there";
     EXPECT_FALSE(eject("/"));

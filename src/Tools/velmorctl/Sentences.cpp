@@ -69,10 +69,12 @@ std::string backupFailedText(const QJsonObject& state, const Formats& formats) {
     const std::string reason = state["reason"].toString().toStdString();
     const auto until = state["continuesAt"];
     if (until.isNull())
-        return localized("Backup non riuscito: %@", reason);
+        return localized("Backup non riuscito: %@ (decidi tu: velmorctl backup continue o stop)",
+                         reason);
     const WallTime date{std::chrono::seconds(until.toInteger())};
-    return localized("Backup non riuscito: %@ (vado avanti alle %@)", reason,
-                     formats.shortTime(date));
+    return localized("Backup non riuscito: %@ (vado avanti alle %@, o decidi tu: velmorctl backup "
+                     "continue o stop)",
+                     reason, formats.shortTime(date));
 }
 
 std::string phaseText(const QJsonObject& state, const Formats& formats) {
