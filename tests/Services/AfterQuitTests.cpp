@@ -57,56 +57,124 @@ TEST_F(AfterQuit, TheResultIsToldAndTheResetsComeWithTheEnd) {
     EXPECT_TRUE(controller->timeMachine->lastBackup);
 }
 
-TEST_F(AfterQuit, ASkippedBackupIsFollowedByTheRestAndACancelledOneByNothing) {
-    desktop.volumes.mountStick("one");
-    for (const auto& [stop, noted] : {std::pair(Stop::skip, "Backup saltato · 1 disco espulso"),
-                                      std::pair(Stop::cancel, "Backup annullato")}) {
-        begin(PowerAction::restart);
-        desktop.advance(2s);
-        // The first request counts, whatever is said while the tool stops.
-        desktop.backupTool.onStop = [this] { controller->stopBackup(Stop::skip); };
-        controller->stopBackup(stop);
-        desktop.advance(4s);
-        EXPECT_EQ(note(), noted);
-        EXPECT_EQ(controller->runningAction.get(), PowerAction::none);
-        const bool isFollowed = desktop.log().find("restart") != std::string::npos;
-        EXPECT_EQ(isFollowed, stop == Stop::skip);
-        EXPECT_EQ(desktop.log().find("backupFinished"), std::string::npos);
-        EXPECT_EQ(desktop.log().find("quitDone") != std::string::npos, stop == Stop::skip);
-        desktop.volumes.mountStick("one");
-    }
-}
+/// How a backup may go, by what is in the log of it; then what follows begins.
+struct BackupStory {
+    const char* name;
+    void (*arrange)(SimulatedDesktop& desktop);
+    /// What the user does half a second after the backup has begun.
+    void (*answer)(QuitController& controller);
+    bool isUnattended;
+    std::string log;
+    Duration end;
+    const char* note;
+    bool isFollowed;
+};
 
-TEST_F(AfterQuit, AFailedBackupAsksAndOnlyAnAnswerGoesOn) {
+const std::string begun = Lines("0.25 backingUp", "0.25 start backup", "0.25 event backupStarted");
+const std::string failedAtOnce =
+    Lines("0.25 backingUp", "0.25 event backupFinished badly", "0.25 backupFailed: no such tool");
+
+void failToStart(SimulatedDesktop& desktop) { desktop.backupTool.launchError = "no such tool"; }
+void failOnTheWay(SimulatedDesktop& desktop) {
     desktop.backupTool.exitStatus = 1;
     desktop.backupTool.errorOutput = "first\n  The disk is full.\t\n\n";
-    for (const Choice choice : {Choice::stop, Choice::goOn}) {
-        begin(PowerAction::shutDown);
-        desktop.advance(1h);
-        EXPECT_NE(desktop.log().find("backupFailed: Time Machine: The disk is full."),
-                  std::string::npos);
-        EXPECT_FALSE(controller->autoContinueAt.get());
-        controller->resolveBackupFailure(choice);
-        controller->resolveBackupFailure(Choice::goOn);
-        desktop.advance(2s);
-        EXPECT_EQ(note(), "Backup non riuscito");
-        EXPECT_EQ(desktop.log().find("shut down") != std::string::npos, choice == Choice::goOn);
-    }
 }
 
-TEST_F(AfterQuit, NobodyAttendingItGoesOnAfterAMinute) {
+const BackupStory backupStories[]{
+    {"Completed", [](SimulatedDesktop&) {}, [](QuitController&) {}, false,
+     begun + Lines("2.25 event backupFinished"), 2250ms, "Backup Time Machine completato", true},
+    {"Skipped", [](SimulatedDesktop&) {},
+     [](QuitController& controller) { controller.stopBackup(Stop::skip); }, false,
+     begun + Lines("1.25 stop backup"), 1250ms, "Backup saltato", true},
+    {"Cancelled", [](SimulatedDesktop&) {},
+     [](QuitController& controller) { controller.stopBackup(Stop::cancel); }, false,
+     begun + Lines("1.25 stop backup"), 1250ms, "Backup annullato", false},
+    {"FailedAndGoneOn", failToStart,
+     [](QuitController& controller) { controller.resolveBackupFailure(Choice::goOn); }, false,
+     failedAtOnce, 750ms, "Backup non riuscito", true},
+    {"FailedAndStopped", failToStart,
+     [](QuitController& controller) {
+         controller.resolveBackupFailure(Choice::stop);
+         controller.resolveBackupFailure(Choice::goOn);
+     },
+     false, failedAtOnce, 750ms, "Backup non riuscito", false},
+    {"FailedUnattended", failOnTheWay, [](QuitController&) {}, true,
+     begun + Lines("2.25 event backupFinished badly",
+                   "2.25 backupFailed: Time Machine: The disk is full."),
+     62250ms, "Backup non riuscito", true},
+};
+
+class EveryBackup : public AfterQuit,
+                    public testing::WithParamInterface<std::tuple<BackupStory, bool, bool>> {
+public:
+    static std::string nameOf(const testing::TestParamInfo<ParamType>& info) {
+        const auto& [story, hasDrive, hasAction] = info.param;
+        return std::string(story.name) + (hasDrive ? "WithADrive" : "") +
+               (hasAction ? "BeforeARestart" : "");
+    }
+
+protected:
+    static std::string at(Duration time, std::string_view what) {
+        const auto hundredths = time / 10ms;
+        const std::string digits = std::to_string(100 + hundredths % 100).substr(1);
+        return std::to_string(hundredths / 100) + '.' + digits + ' ' + std::string(what) + '\n';
+    }
+
+    static std::string expected(const BackupStory& story, bool hasDrive, bool hasAction) {
+        std::string log = Lines("0.00 quit A", "0.00 quitting 1", "0.00 ended A") + story.log;
+        if (story.isFollowed && hasDrive)
+            log += at(story.end, "ejecting") + at(story.end, "eject /media/one") +
+                   at(story.end, "event disksEjected 1");
+        if (story.isFollowed)
+            log += at(story.end, "event quitDone 1");
+        log += at(story.end, "done 1 5");
+        if (story.isFollowed && hasAction)
+            log += at(story.end + 1200ms, "restart");
+        return log + at(story.end + 8s, "idle");
+    }
+};
+
+TEST_P(EveryBackup, IsFollowedByWhatWasAskedForOrByNothing) {
+    const auto& [story, hasDrive, hasAction] = GetParam();
+    if (hasDrive)
+        desktop.volumes.mountStick("one");
+    desktop.backupTool.duration = 2s;
+    desktop.backupTool.progress = [](Duration) { return -1; };
+    story.arrange(desktop);
+    begin(hasAction ? PowerAction::restart : PowerAction::none);
+    controller->unattended = story.isUnattended;
+    desktop.advance(750ms);
+    story.answer(*controller);
+    desktop.advance(story.end + 250ms);
+    EXPECT_EQ(note(),
+              std::string(story.note) + (story.isFollowed && hasDrive ? " · 1 disco espulso" : ""));
+    desktop.advance(1min);
+    EXPECT_EQ(desktop.log(), expected(story, hasDrive, hasAction));
+    EXPECT_EQ(controller->runningAction.get(), PowerAction::none);
+    EXPECT_FALSE(controller->unattended.get());
+    EXPECT_FALSE(controller->autoContinueAt.get());
+}
+
+INSTANTIATE_TEST_SUITE_P(, EveryBackup,
+                         testing::Combine(testing::ValuesIn(backupStories), testing::Bool(),
+                                          testing::Bool()),
+                         EveryBackup::nameOf);
+
+TEST_F(AfterQuit, NobodyAttendingItSaysWhenItGoesOn) {
     desktop.backupTool.launchError = "no such tool";
-    begin(PowerAction::restart);
+    begin();
     controller->unattended = true;
     desktop.advance(1s);
     EXPECT_EQ(controller->autoContinueAt.get(), desktop.loop.now() - 750ms + 60s);
-    desktop.advance(59s);
-    EXPECT_EQ(desktop.log().find("restart"), std::string::npos);
+}
+
+TEST_F(AfterQuit, TheRequestThatWasNoticedCounts) {
+    begin(PowerAction::restart);
     desktop.advance(2s);
-    EXPECT_NE(desktop.log().find("0.25 backupFailed: no such tool\n"), std::string::npos);
-    EXPECT_NE(desktop.log().find("61.45 restart\n"), std::string::npos) << desktop.log();
-    EXPECT_FALSE(controller->unattended.get());
-    EXPECT_FALSE(controller->autoContinueAt.get());
+    desktop.backupTool.onStop = [this] { controller->stopBackup(Stop::skip); };
+    controller->stopBackup(Stop::cancel);
+    desktop.advance(4s);
+    EXPECT_EQ(note(), "Backup annullato");
 }
 
 TEST_F(AfterQuit, AnAnswerEndsTheWaitForThatQuestionAlone) {
