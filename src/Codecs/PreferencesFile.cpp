@@ -32,6 +32,10 @@ fs::path defaultPreferencesFile() {
     return directory / "velmorquit" / "preferences.plist";
 }
 
+fs::path defaultBackupDestinationsFile() {
+    return defaultPreferencesFile().replace_filename("backups.plist");
+}
+
 fs::path previousPreferencesFile(const fs::path& file) {
     fs::path previous = file;
     previous += "~";

@@ -13,6 +13,9 @@ namespace velmorquit {
 /// `/.config`).
 [[nodiscard]] std::filesystem::path defaultPreferencesFile();
 
+/// Where it is written down where backups go: `backups.plist` in the same folder.
+[[nodiscard]] std::filesystem::path defaultBackupDestinationsFile();
+
 /// The earlier state that is kept beside such a file, or where a link there leads: `<file>~`.
 [[nodiscard]] std::filesystem::path previousPreferencesFile(const std::filesystem::path& file);
 

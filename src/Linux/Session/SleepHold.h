@@ -1,0 +1,70 @@
+#pragma once
+
+#include "Linux/Session/PowerBus.h"
+
+#include <QDBusMessage>
+#include <QDBusUnixFileDescriptor>
+#include <QObject>
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace velmorquit {
+
+/// Holds off the computer's sleep: at login1, and at the session's own manager of power, which may
+/// send the computer to sleep without asking login1 for what is idle.
+///
+/// Nobody has to be there, and whoever is there may refuse: then there is no such hold. All of it
+/// ends with the object, and with the process.
+class SleepHold final : public QObject {
+public:
+    enum class Against {
+        idleSleep, ///< only sleep that comes because nobody uses the computer
+        anySleep,  ///< also one that somebody asks for
+    };
+
+    /// Both buses outlive it.
+    SleepHold(const PowerBus& session, const PowerBus& system)
+        : session_(session), system_(system) {}
+    ~SleepHold() override;
+
+    /// Asks for the hold and returns at once; who doesn't answer within three seconds is given up.
+    /// `reason` is told to a user who wants the computer to sleep. A hold from before ends.
+    void begin(const std::string& reason, Against against);
+    /// What is answered after this is given back.
+    void end();
+
+    [[nodiscard]] bool isHeldBySystem() const { return lock_.isValid(); }
+    [[nodiscard]] bool isHeldBySession() const { return grant_.has_value(); }
+
+private:
+    struct Manager;
+    /// What a manager of the session has granted.
+    struct Grant {
+        const Manager* manager;
+        QString owner; ///< the connection that has granted it
+        uint cookie;
+    };
+    using Answer = std::function<void(const QDBusMessage&)>;
+
+    void call(const PowerBus& bus, const QDBusMessage& message, const Answer& answer);
+    void askSystem();
+    /// Asks the managers from this one on, until one grants it.
+    void askSession(const Manager* manager);
+    void giveBack(const Grant& grant);
+
+    static const Manager managers[2];
+
+    const PowerBus& session_;
+    const PowerBus& system_;
+    std::string reason_;
+    Against against_ = Against::idleSleep;
+    /// Counts begins and ends: an answer to a call from before another one is too late.
+    std::uint64_t round_ = 0;
+    QDBusUnixFileDescriptor lock_;
+    std::optional<Grant> grant_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "Problem.h"
+#include "Restic.h"
+#include "Settings.h"
+
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// A backup as the repository has it.
+struct Snapshot {
+    std::string id;
+    WallTime date; ///< whole seconds, rounded up
+    std::string host;
+    std::vector<std::string> paths;
+    bool isOurs = false; ///< made by this tool
+};
+
+/// A restic repository in a folder.
+class Repository {
+public:
+    /// What this tool's own snapshots are marked with.
+    static constexpr const char* tag = "velmorquit";
+
+    Repository(Restic& restic, std::string path, std::string passwordFile);
+
+    /// Whether a folder holds one, as far as can be seen without its password.
+    [[nodiscard]] static bool isAt(const std::string& path);
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+    /// Runs restic on it.
+    [[nodiscard]] ResticEnd run(std::vector<std::string> arguments,
+                                const Restic::Listeners& listeners = {}) const;
+
+    /// What hindered such a call, as a sentence that names the destination.
+    [[nodiscard]] Problem problem(const ResticEnd& end) const;
+
+    /// Makes it.
+    [[nodiscard]] std::optional<Problem> create() const;
+
+    /// Its identity, which tells as well that the password opens it.
+    [[nodiscard]] Outcome<std::string> id() const;
+
+    /// All that is in it, oldest first. Changes nothing there.
+    [[nodiscard]] Outcome<std::vector<Snapshot>> snapshots() const;
+
+    /// Removes the locks of processes that have ended without doing so. Quick where there is no
+    /// lock at all.
+    void removeStaleLocks() const;
+
+    void interrupt() const { restic_.interrupt(); }
+    [[nodiscard]] bool isInterrupted() const { return restic_.isInterrupted(); }
+
+private:
+    enum class LockHolder { hasEnded, elsewhere, unknown };
+    [[nodiscard]] LockHolder holderOf(const std::string& lock) const;
+
+    Restic& restic_;
+    std::string path_;
+    std::string passwordFile_;
+};
+
+/// A path as a pattern of restic's that means nothing else.
+[[nodiscard]] std::string escapedPattern(const std::string& path);
+
+/// The name of this computer.
+[[nodiscard]] std::string hostName();
+
+} // namespace velmorquit

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "CommandLine.h"
+#include "Restic.h"
+
+namespace velmorquit {
+
+/// Gets a backup, or one path of it, back into a folder that is new or empty. Everything keeps its
+/// path below that folder.
+[[nodiscard]] ExitStatus restore(const CommandLine& line, Restic& restic);
+
+} // namespace velmorquit

@@ -1,0 +1,183 @@
+#include "Settings.h"
+
+#include "Codecs/PreferencesFile.h"
+#include "Codecs/PropertyList.h"
+#include "Folders.h"
+#include "Linux/Descriptor.h"
+#include "Texts/Localized.h"
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+namespace velmorquit {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+template <class Type> const Type* entry(const Value::Dictionary& fields, const char* key) {
+    const auto found = fields.find(key);
+    return found == fields.end() ? nullptr : found->second.as<Type>();
+}
+
+std::string text(const Value::Dictionary& fields, const char* key) {
+    const auto* found = entry<std::string>(fields, key);
+    return found ? *found : std::string();
+}
+
+std::int64_t number(const Value::Dictionary& fields, const char* key) {
+    const auto* found = entry<std::int64_t>(fields, key);
+    return found ? std::max<std::int64_t>(*found, 0) : 0;
+}
+
+template <class Type> std::vector<Type> elements(const Value::Dictionary& fields, const char* key) {
+    std::vector<Type> list;
+    if (const auto* array = entry<Value::Array>(fields, key)) {
+        for (const Value& element : *array) {
+            if (const auto* value = element.as<Type>())
+                list.push_back(*value);
+        }
+    }
+    return list;
+}
+
+Value::Array array(const std::vector<std::string>& texts) { return {texts.begin(), texts.end()}; }
+
+Destination destinationOf(const Value::Dictionary& fields) {
+    Destination destination{.path = text(fields, "Path"),
+                            .id = text(fields, "Repository"),
+                            .host = text(fields, "Host"),
+                            .passwordFile = text(fields, "PasswordFile"),
+                            .sources = elements<std::string>(fields, "Sources"),
+                            .excludes = elements<std::string>(fields, "Excludes"),
+                            .keep = {.last = number(fields, "KeepLast"),
+                                     .daily = number(fields, "KeepDaily"),
+                                     .weekly = number(fields, "KeepWeekly"),
+                                     .monthly = number(fields, "KeepMonthly")},
+                            .snapshots = {}};
+    auto ids = elements<std::string>(fields, "SnapshotIds");
+    const auto dates = elements<WallTime>(fields, "SnapshotDates");
+    ids.resize(dates.size());
+    for (std::size_t index = 0; index < dates.size(); ++index)
+        destination.snapshots.push_back({ids[index], dates[index]});
+    return destination;
+}
+
+Value valueOf(const Destination& destination) {
+    Value::Array ids;
+    Value::Array dates;
+    for (const SnapshotRecord& snapshot : destination.snapshots) {
+        ids.emplace_back(snapshot.id);
+        dates.emplace_back(snapshot.date);
+    }
+    return Value::Dictionary{{"Path", destination.path},
+                             {"Repository", destination.id},
+                             {"Host", destination.host},
+                             {"PasswordFile", destination.passwordFile},
+                             {"Sources", array(destination.sources)},
+                             {"Excludes", array(destination.excludes)},
+                             {"KeepLast", destination.keep.last},
+                             {"KeepDaily", destination.keep.daily},
+                             {"KeepWeekly", destination.keep.weekly},
+                             {"KeepMonthly", destination.keep.monthly},
+                             {"SnapshotIds", ids},
+                             {"SnapshotDates", dates}};
+}
+
+/// None when this is no list of destinations.
+std::optional<std::vector<Destination>> destinationsIn(const std::string& content) {
+    const auto list = PropertyList::decode(content);
+    const auto* root = list ? list->as<Value::Dictionary>() : nullptr;
+    const auto* places = root ? entry<Value::Array>(*root, "Destinations") : nullptr;
+    if (!places)
+        return std::nullopt;
+    std::vector<Destination> destinations;
+    for (const Value& place : *places) {
+        const auto* fields = place.as<Value::Dictionary>();
+        if (!fields)
+            return std::nullopt;
+        destinations.push_back(destinationOf(*fields));
+        const Destination& last = destinations.back();
+        if (last.path.empty() || last.id.empty() || last.passwordFile.empty())
+            return std::nullopt;
+    }
+    return destinations;
+}
+
+/// Held while the file is read and written anew.
+Descriptor lockFile() {
+    const fs::path folder = Folders::runtime();
+    if (!Folders::makePrivate(folder))
+        return Descriptor(-1);
+    Descriptor file(::open((folder / "settings.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    if (file)
+        ::flock(file.get(), LOCK_EX);
+    return file;
+}
+
+} // namespace
+
+std::optional<WallTime> Destination::latest() const {
+    std::optional<WallTime> latest;
+    for (const SnapshotRecord& snapshot : snapshots)
+        latest = std::max(latest, std::optional(snapshot.date));
+    return latest;
+}
+
+Outcome<std::vector<Destination>> Settings::load() {
+    const fs::path file = defaultBackupDestinationsFile();
+    std::error_code error;
+    if (fs::status(file, error).type() == fs::file_type::not_found)
+        return std::vector<Destination>();
+    std::ifstream stream;
+    // Anything else than an ordinary file might have to be waited for.
+    if (fs::is_regular_file(file, error))
+        stream.open(file, std::ios::binary);
+    if (!stream.is_open())
+        return Problem{
+            localized("Non posso leggere il file delle destinazioni %@.", file.string())};
+    auto destinations = destinationsIn(std::string(std::istreambuf_iterator<char>(stream), {}));
+    if (!destinations)
+        return Problem{localized("Il file delle destinazioni %@ è danneggiato. Resta com’è: "
+                                 "spostalo e ripeti setup, oppure ripristinalo.",
+                                 file.string())};
+    return *std::move(destinations);
+}
+
+std::optional<Problem>
+Settings::change(const std::function<void(std::vector<Destination>&)>& edit) {
+    const fs::path file = defaultBackupDestinationsFile();
+    const Descriptor lock = lockFile();
+    auto loaded = load();
+    if (const auto* problem = problemOf(loaded))
+        return *problem;
+    auto& destinations = std::get<std::vector<Destination>>(loaded);
+    edit(destinations);
+    Value::Array places;
+    for (const Destination& destination : destinations)
+        places.push_back(valueOf(destination));
+    const std::string list =
+        PropertyList::encode(Value::Dictionary{{"Destinations", std::move(places)}});
+    const bool isWritten = Folders::makePrivate(file.parent_path()) &&
+                           Folders::replace(file, list, Folders::Durability::onDisk);
+    if (!isWritten)
+        return Problem{
+            localized("Non posso scrivere il file delle destinazioni %@.", file.string())};
+    return std::nullopt;
+}
+
+std::optional<Problem> Settings::change(const std::string& id,
+                                        const std::function<void(Destination&)>& edit) {
+    return change([&](std::vector<Destination>& destinations) {
+        for (Destination& destination : destinations) {
+            if (destination.id == id)
+                edit(destination);
+        }
+    });
+}
+
+} // namespace velmorquit
