@@ -23,6 +23,7 @@
 
 #include <QApplication>
 #include <QSessionManager>
+#include <QStandardPaths>
 #include <QThreadPool>
 
 #include <csignal>
@@ -111,13 +112,23 @@ struct FinishedWork {
     }
 };
 
-/// There is no tool for this system yet: a virtual desktop may have one that stands in for it.
-BackupTool standInBackupTool() {
-    if (!qEnvironmentVariableIsSet("VELMOR_VIRTUAL_DESKTOP"))
+/// The one that was installed or built together with this program, else the one in PATH. A virtual
+/// desktop may have one that stands in for it.
+BackupTool backupTool() {
+    if (qEnvironmentVariableIsSet("VELMOR_VIRTUAL_DESKTOP") &&
+        qEnvironmentVariableIsSet("VELMOR_STAND_IN_BACKUP_TOOL"))
+        return {.program = qEnvironmentVariable("VELMOR_STAND_IN_BACKUP_TOOL").toStdString(),
+                .destinations =
+                    qEnvironmentVariable("VELMOR_STAND_IN_BACKUP_DESTINATIONS").toStdString()};
+    const QString name = QStringLiteral("velmorquit-tmutil");
+    QString program = QStandardPaths::findExecutable(
+        name, {QString::fromStdString(ownExecutable().parent_path().string())});
+    if (program.isEmpty())
+        program = QStandardPaths::findExecutable(name);
+    if (program.isEmpty())
         return {};
-    return {.program = qEnvironmentVariable("VELMOR_STAND_IN_BACKUP_TOOL").toStdString(),
-            .destinations =
-                qEnvironmentVariable("VELMOR_STAND_IN_BACKUP_DESTINATIONS").toStdString()};
+    return {.program = program.toStdString(),
+            .destinations = defaultBackupDestinationsFile().string()};
 }
 
 int run(int argc, char** argv) {
@@ -190,8 +201,7 @@ int run(int argc, char** argv) {
     UDisksVolumes volumes(loop, log, systemBus.connection());
     const FinishedWork finishedWork;
     AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program,
-                          language.formats(), volumes, sessionEnd, children, files,
-                          standInBackupTool()});
+                          language.formats(), volumes, sessionEnd, children, files, backupTool()});
     endSignals.onAsked = [&delegate] { delegate.end(); };
     return QApplication::exec();
 }

@@ -193,22 +193,12 @@ void BackupRun::tell(const Destination& destination, const SnapshotRecord& made)
                   formats_.bytes(report_.added())));
 }
 
-/// The destinations, when there are any.
-Outcome<std::vector<Destination>> destinationsToUse() {
-    auto loaded = Settings::load();
-    const auto* destinations = std::get_if<std::vector<Destination>>(&loaded);
-    if (destinations && destinations->empty())
-        return Problem{localized("Non c’è ancora una destinazione per i backup: "
-                                 "velmorquit-tmutil setup CARTELLA")};
-    return loaded;
-}
-
 Problem alreadyRunning() { return {localized("Un backup è già in corso.")}; }
 
 } // namespace
 
 ExitStatus backUp(Restic& restic, const Formats& formats) {
-    auto destinations = destinationsToUse();
+    auto destinations = Settings::loadSome();
     if (const auto* problem = problemOf(destinations))
         return fail(*problem);
     auto running = RunningBackup::begin();
@@ -220,7 +210,7 @@ ExitStatus backUp(Restic& restic, const Formats& formats) {
 }
 
 ExitStatus backUpInBackground() {
-    const auto destinations = destinationsToUse();
+    const auto destinations = Settings::loadSome();
     if (const auto* problem = problemOf(destinations))
         return fail(*problem);
     if (RunningBackup::process())

@@ -4,6 +4,7 @@
 #include "Texts/Localized.h"
 
 #include <QRandomGenerator>
+#include <QUuid>
 
 #include <array>
 #include <csignal>
@@ -105,7 +106,8 @@ Outcome<std::string> read(const std::string& file) {
 Outcome<fs::path> keep(const std::string& password) {
     const fs::path folder = Folders::configuration() / "passwords";
     const bool isPrivate = Folders::makePrivate(folder) && ::chmod(folder.c_str(), 0700) == 0;
-    const fs::path file = folder / (make() + ".txt");
+    const fs::path file =
+        folder / (QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString() + ".txt");
     if (!isPrivate || !Folders::replace(file, password + '\n', Folders::Durability::onDisk))
         return Problem{localized("Non posso scrivere nella cartella %@.", folder.string())};
     return file;

@@ -204,7 +204,7 @@ Outcome<std::vector<Snapshot>> snapshotsIn(const Destination& destination, Resti
 }
 
 ExitStatus listSnapshots(Restic& restic) {
-    const auto loaded = Settings::load();
+    const auto loaded = Settings::loadSome();
     if (const auto* problem = problemOf(loaded))
         return fail(*problem);
     ExitStatus status = ExitStatus::success;
@@ -227,7 +227,7 @@ ExitStatus listSnapshots(Restic& restic) {
 }
 
 ExitStatus checkDestinations(const CommandLine& line, Restic& restic) {
-    const auto loaded = Settings::load();
+    const auto loaded = Settings::loadSome();
     if (const auto* problem = problemOf(loaded))
         return fail(*problem);
     ExitStatus status = ExitStatus::success;

@@ -40,6 +40,20 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return list;
 }
 
+/// Turns a new process into restic. Done here, since Qt's own arguments can't hold every file's
+/// name. It shares its memory with its parent until then, where a sanitizer would leave its marks.
+__attribute__((no_sanitize("address", "undefined"))) void
+become(char* const* words, char* const* variables, pid_t parent) {
+    ::prctl(PR_SET_PDEATHSIG, SIGINT);
+    if (::getppid() != parent)
+        ::_exit(EXIT_FAILURE);
+    // A group of its own: Ctrl+C is passed on to it once, by its parent.
+    ::setpgid(0, 0);
+    ::signal(SIGINT, SIG_DFL);
+    ::signal(SIGTERM, SIG_DFL);
+    ::execve(words[0], words, variables);
+}
+
 /// Hands out whole lines of what arrives in pieces.
 class Lines {
 public:
@@ -108,17 +122,9 @@ ResticEnd Restic::run(const std::vector<std::string>& arguments, const Listeners
     QProcess process;
     process.setProgram(QFile::decodeName(program_.c_str()));
     process.setStandardInputFile(QProcess::nullDevice());
-    // Executed from here, since Qt's own arguments can't hold every file's name. A group of its
-    // own: Ctrl+C is passed on once, by this process.
     process.setChildProcessModifier(
         [words = pointers(words), variables = pointers(variables), parent = ::getpid()] {
-            ::prctl(PR_SET_PDEATHSIG, SIGINT);
-            if (::getppid() != parent)
-                ::_exit(EXIT_FAILURE);
-            ::setpgid(0, 0);
-            ::signal(SIGINT, SIG_DFL);
-            ::signal(SIGTERM, SIG_DFL);
-            ::execve(words.front(), words.data(), variables.data());
+            become(words.data(), variables.data(), parent);
         });
 
     QEventLoop loop;

@@ -41,7 +41,7 @@ bool isNamed(const Snapshot& snapshot, const std::string& name) {
 }
 
 Outcome<Found> find(const std::string& name, Restic& restic) {
-    const auto loaded = Settings::load();
+    const auto loaded = Settings::loadSome();
     if (const auto* problem = problemOf(loaded))
         return *problem;
     std::optional<Found> best;
@@ -64,6 +64,8 @@ Outcome<Found> find(const std::string& name, Restic& restic) {
         return *best;
     if (obstacle)
         return *obstacle;
+    if (name == "latest")
+        return Problem{localized("Non c’è ancora nessun backup.")};
     return Problem{localized("Non c’è un backup %@: velmorquit-tmutil list li elenca.", name)};
 }
 

@@ -170,6 +170,15 @@ Settings::change(const std::function<void(std::vector<Destination>&)>& edit) {
     return std::nullopt;
 }
 
+Outcome<std::vector<Destination>> Settings::loadSome() {
+    auto loaded = load();
+    const auto* destinations = std::get_if<std::vector<Destination>>(&loaded);
+    if (destinations && destinations->empty())
+        return Problem{localized("Non c’è ancora una destinazione per i backup: "
+                                 "velmorquit-tmutil setup CARTELLA")};
+    return loaded;
+}
+
 std::optional<Problem> Settings::change(const std::string& id,
                                         const std::function<void(Destination&)>& edit) {
     return change([&](std::vector<Destination>& destinations) {

@@ -50,6 +50,9 @@ namespace Settings {
 /// problem, and nothing here ever writes over it.
 [[nodiscard]] Outcome<std::vector<Destination>> load();
 
+/// The same, and it is a problem when there are none.
+[[nodiscard]] Outcome<std::vector<Destination>> loadSome();
+
 /// Changes the list as it is on the disk now, whoever else is changing it, and writes it.
 [[nodiscard]] std::optional<Problem>
 change(const std::function<void(std::vector<Destination>&)>& edit);
