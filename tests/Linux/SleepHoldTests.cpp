@@ -1,0 +1,137 @@
+#include "Linux/Session/SleepHold.h"
+#include "support/PrivateBus.h"
+#include "support/Waiting.h"
+
+#include <QDBusVirtualObject>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace velmorquit {
+namespace {
+
+/// Stands for whoever keeps a computer awake when asked.
+class Manager final : public QDBusVirtualObject {
+public:
+    Manager(QDBusConnection bus, const QString& name, const QString& path) : bus_(std::move(bus)) {
+        EXPECT_TRUE(bus_.registerVirtualObject(path, this));
+        EXPECT_TRUE(bus_.registerService(name));
+    }
+
+    [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override {
+        QStringList words{message.member()};
+        for (const QVariant& argument : message.arguments())
+            words << argument.toString();
+        log << words.join(" | ");
+        if (message.member() != "Inhibit")
+            return true;
+        pending = message;
+        if (!isSlow)
+            answer();
+        return true;
+    }
+
+    void answer() {
+        if (doesRefuse)
+            bus_.send(pending.createErrorReply("org.test.No", "no"));
+        else if (pending.interface() != "org.freedesktop.login1.Manager")
+            bus_.send(pending.createReply(QVariant(42U)));
+        else
+            giveLock();
+    }
+
+    /// Whether somebody still has the lock that was given.
+    [[nodiscard]] bool isLocked() const {
+        pollfd wait{.fd = reading_, .events = POLLIN, .revents = 0};
+        return reading_ >= 0 && ::poll(&wait, 1, 0) == 0;
+    }
+
+    bool isSlow = false;
+    bool doesRefuse = false;
+    QDBusMessage pending;
+    QStringList log;
+
+private:
+    void giveLock() {
+        std::array<int, 2> ends{};
+        ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
+        reading_ = ends[0];
+        bus_.send(pending.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))));
+        ::close(ends[1]);
+        pending = {};
+    }
+
+    QDBusConnection bus_;
+    int reading_ = -1;
+};
+
+class SleepHoldTest : public testing::Test {
+protected:
+    void settleAll() { settle({session.connection(), system.connection(), gnome->bus()}); }
+
+    PrivateBus bus;
+    PowerBus session = PowerBus::standIn(bus.address(), bus.folder());
+    PowerBus system = PowerBus::standIn(bus.address(), bus.folder());
+    Manager login1{bus.connect(), "org.freedesktop.login1", "/org/freedesktop/login1"};
+    std::unique_ptr<Manager> gnome = std::make_unique<Manager>(
+        bus.connect(), "org.gnome.SessionManager", "/org/gnome/SessionManager");
+    Manager power{bus.connect(), "org.freedesktop.PowerManagement",
+                  "/org/freedesktop/PowerManagement/Inhibit"};
+    std::optional<SleepHold> hold{std::in_place, session, system};
+};
+
+TEST_F(SleepHoldTest, HoldsAtLogin1AndAtTheSessionsManagerUntilItGoes) {
+    hold->begin("Backup", SleepHold::Against::anySleep);
+    ASSERT_TRUE(waitUntil([&] { return hold->isHeldBySystem() && hold->isHeldBySession(); }));
+    EXPECT_EQ(login1.log, QStringList{"Inhibit | sleep:idle | Velmor Quit | Backup | block"});
+    EXPECT_EQ(gnome->log, QStringList{"Inhibit | Velmor Quit | 0 | Backup | 12"});
+    EXPECT_TRUE(login1.isLocked());
+    hold.reset();
+    EXPECT_TRUE(waitUntil([&] { return !login1.isLocked(); }));
+    settleAll();
+    EXPECT_EQ(gnome->log.value(1), "Uninhibit | 42");
+    EXPECT_EQ(power.log, QStringList());
+}
+
+TEST_F(SleepHoldTest, WhatIsGrantedTooLateIsGivenBack) {
+    login1.isSlow = gnome->isSlow = true;
+    hold->begin("Plan", SleepHold::Against::idleSleep);
+    ASSERT_TRUE(waitUntil([&] { return !login1.log.isEmpty() && !gnome->log.isEmpty(); }));
+    EXPECT_EQ(login1.log, QStringList{"Inhibit | idle | Velmor Quit | Plan | block"});
+    EXPECT_EQ(gnome->log, QStringList{"Inhibit | Velmor Quit | 0 | Plan | 8"});
+    hold->end();
+    login1.answer();
+    gnome->answer();
+    EXPECT_TRUE(waitUntil([&] { return gnome->log.size() == 2 && !login1.isLocked(); }));
+    EXPECT_FALSE(hold->isHeldBySystem() || hold->isHeldBySession());
+}
+
+TEST_F(SleepHoldTest, TheNextManagerIsAskedWhereOneRefusesAndNobodyIsMissed) {
+    gnome->doesRefuse = login1.doesRefuse = true;
+    hold->begin("Backup", SleepHold::Against::anySleep);
+    ASSERT_TRUE(waitUntil([&] { return hold->isHeldBySession(); }));
+    EXPECT_FALSE(hold->isHeldBySystem());
+    hold->begin("Again", SleepHold::Against::anySleep);
+    ASSERT_TRUE(waitUntil([&] { return hold->isHeldBySession(); }));
+    settleAll();
+    EXPECT_EQ(power.log, (QStringList{"Inhibit | Velmor Quit | Backup", "UnInhibit | 42",
+                                      "Inhibit | Velmor Quit | Again"}));
+
+    const PowerBus none = PowerBus::standIn("", bus.folder());
+    SleepHold alone(none, none);
+    alone.begin("Backup", SleepHold::Against::anySleep);
+    linger(20);
+    EXPECT_FALSE(alone.isHeldBySystem() || alone.isHeldBySession());
+}
+
+} // namespace
+} // namespace velmorquit
