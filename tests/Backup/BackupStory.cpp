@@ -71,8 +71,8 @@ BackupStory::End BackupStory::tool(const std::vector<std::string>& words) {
 }
 
 BackupStory::End BackupStory::restic(const fs::path& place, std::vector<std::string> words) {
-    const auto* file = destination().at("PasswordFile").as<std::string>();
-    words.insert(words.begin(), {"/usr/bin/restic", "--repo", place, "--password-file", *file});
+    words.insert(words.begin(),
+                 {"/usr/bin/restic", "--repo", place, "--password-file", passwordFile()});
     Child child(words);
     return wait(child);
 }
@@ -120,7 +120,7 @@ void BackupStory::makeMixedFiles() {
     write(home / "docs/-dash", "dash");
     fs::create_directory(home / "docs/no files");
     fs::create_symlink("note.txt", home / "docs/link");
-    fs::create_symlink("\xff nowhere", home / "docs/broken");
+    fs::create_symlink("nowhere", home / "docs/broken");
     fs::create_hard_link(home / "docs/note.txt", home / "docs/hard");
     writeRandom(home / "docs/large", 3 << 20);
 }
@@ -149,6 +149,11 @@ Value::Dictionary BackupStory::destination(std::size_t index) const {
     const auto& root = *list.value().as<Value::Dictionary>();
     const auto& all = *root.at("Destinations").as<Value::Array>();
     return *all.at(index).as<Value::Dictionary>();
+}
+
+std::string BackupStory::passwordFile() const {
+    const auto fields = destination();
+    return *fields.at("PasswordFile").as<std::string>();
 }
 
 std::vector<WallTime> BackupStory::dates(std::size_t index) const {

@@ -55,6 +55,7 @@ protected:
     bool comesTo(double percent);
 
     Value::Dictionary destination(std::size_t index = 0) const;
+    std::string passwordFile() const;
     std::vector<WallTime> dates(std::size_t index = 0) const;
     std::size_t locksIn(const fs::path& place) const;
 

@@ -64,10 +64,10 @@ TEST_F(BackupStory, BacksUpAndGivesBackEveryKindOfFile) {
     write(home / "films/left out.iso", "iso");
     const fs::path place = home / "Backup";
     setUp(place, {"--exclude", "*.iso"});
-    const std::string passwordFile = *destination().at("PasswordFile").as<std::string>();
+    const std::string file = passwordFile();
     EXPECT_EQ(modeOf(settings), 0600U);
-    EXPECT_EQ(modeOf(passwordFile), 0600U);
-    EXPECT_EQ(modeOf(fs::path(passwordFile).parent_path()), 0700U);
+    EXPECT_EQ(modeOf(file), 0600U);
+    EXPECT_EQ(modeOf(fs::path(file).parent_path()), 0700U);
     EXPECT_EQ(tool({"latestbackup"}).status, 1);
 
     const auto before = std::chrono::system_clock::now();
@@ -104,8 +104,7 @@ TEST_F(BackupStory, ProgressRisesOverAllDestinationsAndAStopLeavesNothingBehind)
     setUp(root / "one/Backup");
     setUp(root / "two/Backup");
     limit(static_cast<int>(bytesToBackUp() / 1024 / 4));
-    const std::string password =
-        contentOf(*destination().at("PasswordFile").as<std::string>()).substr(0, 29);
+    const std::string password = contentOf(passwordFile()).substr(0, 29);
 
     const auto backup = start({"startbackup", "--block"});
     double last = -1;
@@ -176,7 +175,7 @@ TEST_F(BackupStory, SomebodyElsesBackupsSurvive) {
     makeMixedFiles();
     const fs::path place = root / "disk/Backup";
     fs::create_directories(place.parent_path());
-    write(root / "password", "a password\n");
+    write(root / "password", "correct horse\n");
     const auto plain = [&](std::vector<std::string> words) {
         words.insert(words.begin(), {"/usr/bin/restic", "-r", place, "-p", root / "password"});
         Child child(words);
@@ -195,7 +194,7 @@ TEST_F(BackupStory, SomebodyElsesBackupsSurvive) {
     const End joined =
         tool({"setup", place, "--password-file", root / "password", "--keep-last", "1"});
     ASSERT_EQ(joined.status, 0) << joined.output;
-    EXPECT_THAT(joined.output, Not(HasSubstr("a password")));
+    EXPECT_THAT(joined.output, Not(HasSubstr("correct horse")));
 
     for (int count = 0; count < 2; ++count)
         ASSERT_EQ(tool({"startbackup", "--block"}).status, 0);
@@ -206,9 +205,9 @@ TEST_F(BackupStory, SomebodyElsesBackupsSurvive) {
     EXPECT_THAT(tool({"list"}).output, HasSubstr("elsewhere"));
 
     // Forgotten, its files and the way into them stay.
-    const std::string passwordFile = *destination().at("PasswordFile").as<std::string>();
-    EXPECT_THAT(tool({"remove", place}).output, HasSubstr(passwordFile));
-    EXPECT_TRUE(fs::exists(passwordFile) && fs::exists(place / "config"));
+    const std::string file = passwordFile();
+    EXPECT_THAT(tool({"remove", place}).output, HasSubstr(file));
+    EXPECT_TRUE(fs::exists(file) && fs::exists(place / "config"));
     EXPECT_EQ(tool({"remove", place}).status, 1);
 }
 
@@ -284,7 +283,7 @@ TEST_F(BackupStory, EachObstacleIsToldInOneSentence) {
     EXPECT_THAT(end.output, HasSubstr("non ho potuto leggere"));
     EXPECT_EQ(dates().size(), 1U);
 
-    write(*destination().at("PasswordFile").as<std::string>(), "wrong");
+    write(passwordFile(), "wrong");
     end = tool({"startbackup", "--block"});
     EXPECT_EQ(end.status, 1);
     EXPECT_THAT(end.lastLine(), HasSubstr("La password della destinazione"));

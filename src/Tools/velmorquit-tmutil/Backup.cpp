@@ -60,14 +60,18 @@ public:
           destinations_(std::move(destinations)) {}
 
     ExitStatus run() {
-        ExitStatus status = ExitStatus::success;
+        std::vector<Problem> problems;
         for (const Destination& destination : destinations_) {
             if (const auto problem = backUpTo(destination))
-                status = fail(*problem);
+                problems.push_back(*problem);
             ++done_;
             if (restic_.isInterrupted())
                 return fail({localized("Il backup è stato fermato.")});
         }
+        // Last, after all that others had to say.
+        ExitStatus status = ExitStatus::success;
+        for (const Problem& problem : problems)
+            status = fail(problem);
         return status;
     }
 
@@ -129,6 +133,9 @@ std::optional<Problem> BackupRun::backUpTo(const Destination& destination) {
     repository.removeStaleLocks();
     report_ = {};
     SnapshotRecord made{.id = {}, .date = wholeSecondFromNow()};
+    // Each has a name of its own.
+    if (const auto latest = destination.latest(); latest && made.date <= *latest)
+        made.date = *latest + 1s;
     const ResticEnd end =
         repository.run(arguments(destination, destinations_, sources),
                        {.output =

@@ -226,6 +226,19 @@ ExitStatus listSnapshots(Restic& restic) {
     return status;
 }
 
+namespace {
+
+/// Reads all of a small repository and a part of a large one, another one each time.
+ResticEnd check(const Repository& repository, bool readsData) {
+    ResticEnd end = repository.run({"check", readsData ? "--read-data" : "--read-data-subset=1G"});
+    // There is nothing to read before the first backup.
+    if (end.errors.find("repository having size 0") != end.errors.npos)
+        end = repository.run({"check"});
+    return end;
+}
+
+} // namespace
+
 ExitStatus checkDestinations(const CommandLine& line, Restic& restic) {
     const auto loaded = Settings::loadSome();
     if (const auto* problem = problemOf(loaded))
@@ -235,9 +248,7 @@ ExitStatus checkDestinations(const CommandLine& line, Restic& restic) {
         const Repository repository(restic, destination.path, destination.passwordFile);
         if (Repository::isAt(destination.path))
             repository.removeStaleLocks();
-        // All of a small repository and a part of a large one, another one each time.
-        const ResticEnd end =
-            repository.run({"check", line.readsData ? "--read-data" : "--read-data-subset=1G"});
+        const ResticEnd end = check(repository, line.readsData);
         const bool isDamaged = end.errors.find("repository contains errors") != end.errors.npos;
         if (end.isGood())
             say(localized("%@: in ordine", destination.path));

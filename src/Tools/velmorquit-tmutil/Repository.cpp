@@ -74,7 +74,7 @@ qint64 bootTime() {
 /// would hit whoever has the id now.
 bool hasEnded(int process, qint64 time) {
     const auto stat = readProcessStat(process);
-    if (!stat)
+    if (!stat || stat->state == 'Z' || stat->state == 'X')
         return true;
     const auto ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
     const qint64 started = bootTime() + static_cast<qint64>(stat->startTime / ticks);

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <utility>
 
+#include <fcntl.h>
 #include <sys/prctl.h>
 #include <unistd.h>
 
@@ -51,6 +52,10 @@ become(char* const* words, char* const* variables, pid_t parent) {
     ::setpgid(0, 0);
     ::signal(SIGINT, SIG_DFL);
     ::signal(SIGTERM, SIG_DFL);
+    // Readers of its own for what it writes: when its parent dies it says so, which would end it
+    // before it has removed its lock.
+    for (const char* output : {"/proc/self/fd/1", "/proc/self/fd/2"})
+        static_cast<void>(::open(output, O_RDONLY | O_NONBLOCK));
     ::execve(words[0], words, variables);
 }
 

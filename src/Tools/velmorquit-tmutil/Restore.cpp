@@ -29,7 +29,7 @@ bool isBetterLatest(const Found& candidate, const Found& best) {
     };
     if (isOwn(candidate) != isOwn(best))
         return isOwn(candidate);
-    return candidate.snapshot.date > best.snapshot.date;
+    return candidate.snapshot.date >= best.snapshot.date;
 }
 
 /// What the user calls a snapshot: a stamp, a path that ends with one, or the beginning of its id.
