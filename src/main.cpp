@@ -1,6 +1,8 @@
 #include "AppDelegate.h"
 #include "Codecs/PreferencesFile.h"
 #include "Language/InstalledLanguage.h"
+#include "Linux/Applications/ApplicationLauncher.h"
+#include "Linux/Applications/DesktopEntryStart.h"
 #include "Linux/Applications/LinuxWorkspace.h"
 #include "Linux/Autostart/AutostartEntry.h"
 #include "Linux/DBus/BusCommands.h"
@@ -32,6 +34,7 @@
 #include <iostream>
 #include <optional>
 #include <set>
+#include <string_view>
 
 namespace velmorquit {
 namespace {
@@ -131,7 +134,12 @@ BackupTool backupTool() {
             .destinations = defaultBackupDestinationsFile().string()};
 }
 
+/// With it and the path of a desktop entry the program does nothing but start that entry.
+constexpr const char* startEntrySwitch = "--start-entry";
+
 int run(int argc, char** argv) {
+    if (argc == 3 && std::string_view(argv[1]) == startEntrySwitch)
+        return startDesktopEntry(argv[2]) ? EXIT_SUCCESS : EXIT_FAILURE;
     JournalLog log;
     const InstalledLanguage language(forcedLanguage(
         storedPreference(defaultPreferencesFile(), std::string(languagePreference))));
@@ -177,9 +185,11 @@ int run(int argc, char** argv) {
     PropertyListPreferences preferences(loop, log, defaultPreferencesFile());
     X11Toplevels toplevels(loop, log, std::move(*connection));
     BusQuit busQuit(QDBusConnection::sessionBus());
+    ApplicationLauncher launcher({"/proc/self/exe", startEntrySwitch}, log);
     LinuxWorkspace workspace(
         loop, log, toplevels,
-        {.askWithoutWindows = [&busQuit](ProcessId process) { busQuit.quit(process); }});
+        {.askWithoutWindows = [&busQuit](ProcessId process) { busQuit.quit(process); },
+         .launch = [&launcher](const std::string& path) { launcher.launch(path); }});
     kernel.setWindowOwners([&toplevels] {
         std::set<ProcessId> owners;
         for (const Toplevel& toplevel : toplevels.toplevels()) {

@@ -33,6 +33,10 @@ public:
     /// Calls `told` on the main loop after each event of that kind.
     [[nodiscard]] virtual Handle observe(WorkspaceEvent event, std::function<void()> told) = 0;
 
+    /// Starts the application of that file in the background: it is not brought to the front.
+    /// Returns at once; a failure is not told.
+    virtual void open(const std::string& path) = 0;
+
     /// Exclusion keys that this system's own essential applications have, such as its file
     /// managers: left running until the user says otherwise.
     [[nodiscard]] virtual std::vector<std::string> defaultExclusions() const = 0;

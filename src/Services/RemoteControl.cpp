@@ -88,6 +88,10 @@ RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
         return eject();
     if (verb == "cancel" && count == 0)
         return cancel();
+    if (verb == "reopen" && count == 0)
+        return reopen();
+    if (verb == "forget" && count == 0)
+        return forget();
     if ((verb == "exclude" || verb == "include") && count == 1)
         return setExcluded(arguments.front(), verb == "exclude");
     if (verb == "show" && count <= 1) {
@@ -113,6 +117,7 @@ RemoteAnswer RemoteControl::status() {
     json["backups"] = {{"configured", backups.isConfigured},
                        {"last", backups.lastBackup ? Json(seconds(*backups.lastBackup)) : Json()}};
     json["drives"] = describeDrives();
+    json["reopenable"] = describeSaved(controller_.reopenable());
     json["note"] = controller_.resultNote.get() ? Json(*controller_.resultNote.get()) : Json();
     return done(json);
 }
@@ -175,6 +180,31 @@ RemoteAnswer RemoteControl::eject() {
 RemoteAnswer RemoteControl::cancel() {
     controller_.cancelPowerAction();
     return done(describePhase());
+}
+
+RemoteAnswer RemoteControl::reopen() {
+    const std::vector<SavedApp> apps = controller_.reopenable();
+    Json json{{"reopened", describeSaved(apps)}};
+    if (apps.empty()) {
+        json["text"] = localized("Non ci sono app da riaprire.");
+        return done(json);
+    }
+    controller_.reopenLastSession();
+    json["text"] =
+        apps.size() == 1 ? localized("Riapro 1 app.") : localized("Riapro %lld app.", apps.size());
+    return done(json);
+}
+
+RemoteAnswer RemoteControl::forget() {
+    controller_.forgetLastSession();
+    return done({{"reopenable", Json::array()}});
+}
+
+RemoteControl::Json RemoteControl::describeSaved(const std::vector<SavedApp>& apps) {
+    Json list = Json::array();
+    for (const SavedApp& app : apps)
+        list.push_back({{"name", app.name}, {"path", app.path}});
+    return list;
 }
 
 RemoteControl::Json RemoteControl::describeDrives() const {

@@ -16,10 +16,11 @@ namespace velmorquit {
 ///
 /// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
 /// `include NAME`, `backup skip|cancel|continue|stop`, `eject`, `cancel` (a power action that has
-/// not happened yet), `show [TOKEN]`. Changes are announced as objects with a field `change`:
-/// `phase`, `stubborn`, `opened`, `closed`, `windowless` (it lives on), `excluded`, `included`,
-/// `event`. A stubborn application has a `reason`: `asking`, `windowless`, `cannotBeAsked`,
-/// `busyTerminal`, `notResponding`, or null when nothing is known.
+/// not happened yet), `reopen` and `forget` (what the last run closed), `show [TOKEN]`. Changes are
+/// announced as objects with a field `change`: `phase`, `stubborn`, `opened`, `closed`,
+/// `windowless` (it lives on), `excluded`, `included`, `event`. A stubborn application has a
+/// `reason`: `asking`, `windowless`, `cannotBeAsked`, `busyTerminal`, `notResponding`, or null when
+/// nothing is known.
 class RemoteControl {
 public:
     RemoteControl(QuitController& controller, RemoteCommands& remote, Workspace& workspace);
@@ -41,7 +42,10 @@ private:
     RemoteAnswer backup(const std::string& word);
     RemoteAnswer eject();
     RemoteAnswer cancel();
+    RemoteAnswer reopen();
+    RemoteAnswer forget();
     [[nodiscard]] Json describeDrives() const;
+    [[nodiscard]] static Json describeSaved(const std::vector<SavedApp>& apps);
     RemoteAnswer setExcluded(const std::string& name, bool isExcluded);
 
     [[nodiscard]] std::vector<OpenApp> named(const std::string& name) const;

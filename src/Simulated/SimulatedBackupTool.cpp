@@ -74,9 +74,7 @@ SimulatedBackupTool::launch(const std::string& /*program*/,
     return std::make_shared<Backup>(*this);
 }
 
-bool SimulatedBackupTool::exists(const std::string& /*path*/) const { return isConfigured_; }
-
-std::optional<std::string> SimulatedBackupTool::read(const std::string& /*path*/) const {
+std::optional<std::string> SimulatedBackupTool::destinations() const {
     if (!isConfigured_)
         return std::nullopt;
     std::string dates;

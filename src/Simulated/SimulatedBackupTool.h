@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Platform/ChildProcesses.h"
-#include "Platform/Files.h"
 #include "Platform/MainLoop.h"
 
 #include <functional>
@@ -12,7 +11,7 @@
 namespace velmorquit {
 
 /// The backup tool of the simulated desktop, as a program that is run and a file that it keeps.
-class SimulatedBackupTool final : public ChildProcesses, public Files {
+class SimulatedBackupTool final : public ChildProcesses {
 public:
     SimulatedBackupTool(MainLoop& loop, std::function<void(std::string_view)> log)
         : loop_(loop), log_(std::move(log)) {}
@@ -39,8 +38,8 @@ public:
                              const std::vector<std::string>& arguments) override;
     [[nodiscard]] std::variant<std::shared_ptr<ChildProcess>, std::string>
     launch(const std::string& program, const std::vector<std::string>& arguments) override;
-    [[nodiscard]] bool exists(const std::string& path) const override;
-    [[nodiscard]] std::optional<std::string> read(const std::string& path) const override;
+    /// What is in the file that tells where its backups go; none while there is no such file.
+    [[nodiscard]] std::optional<std::string> destinations() const;
 
 private:
     class Backup;

@@ -50,8 +50,8 @@ Desktop SimulatedDesktop::ports() {
             volumes,
             loginWindow,
             backupTool,
-            backupTool,
-            {.program = "/tool", .destinations = "/destinations"}};
+            files,
+            {.program = "/tool", .destinations = SimulatedFiles::destinations}};
 }
 
 } // namespace velmorquit

@@ -2,6 +2,7 @@
 
 #include "Platform/Desktop.h"
 #include "Simulated/SimulatedBackupTool.h"
+#include "Simulated/SimulatedFiles.h"
 #include "Simulated/SimulatedFormats.h"
 #include "Simulated/SimulatedPorts.h"
 #include "Simulated/SimulatedPreferences.h"
@@ -39,7 +40,7 @@ public:
 
     VirtualLoop loop;
     SimulatedPreferences preferences{loop};
-    SimulatedWorkspace workspace;
+    SimulatedWorkspace workspace{[this](std::string_view what) { write(what); }};
     SimulatedKernel kernel{workspace};
     SimulatedSystemLog systemLog;
     SimulatedAudioProcesses audio{loop};
@@ -49,6 +50,7 @@ public:
     SimulatedVolumes volumes{[this](std::string_view what) { write(what); }};
     SimulatedLoginWindow loginWindow{[this](std::string_view what) { write(what); }};
     SimulatedBackupTool backupTool{loop, [this](std::string_view what) { write(what); }};
+    SimulatedFiles files{backupTool};
 
 private:
     std::vector<std::string> lines_;

@@ -9,6 +9,12 @@ void SimulatedWorkspace::add(std::shared_ptr<SimulatedApplication> application) 
     tell(WorkspaceEvent::launched);
 }
 
+void SimulatedWorkspace::open(const std::string& path) {
+    log_("open " + path);
+    if (onOpen)
+        onOpen(path);
+}
+
 std::optional<std::uint64_t> SimulatedWorkspace::memoryOf(ProcessId id) const {
     for (const auto& application : applications_) {
         if (application->processId() == id && !application->isTerminated())

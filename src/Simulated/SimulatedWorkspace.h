@@ -5,12 +5,15 @@
 #include "Simulated/SimulatedApplication.h"
 
 #include <array>
+#include <string_view>
 
 namespace velmorquit {
 
 /// The applications of the simulated desktop.
 class SimulatedWorkspace final : public Workspace {
 public:
+    explicit SimulatedWorkspace(std::function<void(std::string_view)> log) : log_(std::move(log)) {}
+
     void add(std::shared_ptr<SimulatedApplication> application);
     void tell(WorkspaceEvent event) { observers_.at(static_cast<std::size_t>(event)).tell(); }
     void setDefaultExclusions(std::vector<std::string> keys) { exclusions_ = std::move(keys); }
@@ -24,11 +27,16 @@ public:
     [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {
         return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));
     }
+    void open(const std::string& path) override;
     [[nodiscard]] std::vector<std::string> defaultExclusions() const override {
         return exclusions_;
     }
 
+    /// Called with the path of what is to be opened; nothing comes by itself.
+    std::function<void(const std::string& path)> onOpen;
+
 private:
+    std::function<void(std::string_view)> log_;
     std::vector<std::shared_ptr<SimulatedApplication>> applications_;
     std::vector<std::string> exclusions_;
     std::array<Subscribers, 4> observers_;

@@ -11,7 +11,7 @@ LinuxWorkspace::LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& s
                                const Means& means)
     : loop_(loop), log_(log), source_(source),
       windows_(std::make_shared<WorkspaceWindows>(loop, source, means.askWithoutWindows)),
-      proc_(means.proc) {
+      launch_(means.launch), proc_(means.proc) {
     readToplevels();
     watching_ = source_.observe([this] { update(); });
 }
@@ -33,6 +33,13 @@ std::vector<std::shared_ptr<RunningApplication>> LinuxWorkspace::runningApplicat
 std::shared_ptr<RunningApplication> LinuxWorkspace::frontmostApplication() const {
     const auto frontmost = frontmost_.lock();
     return frontmost && !frontmost->isTerminated() ? frontmost : nullptr;
+}
+
+void LinuxWorkspace::open(const std::string& path) {
+    if (!launch_)
+        return;
+    starts_.expect(path, source_.activeWindow(), loop_.uptime());
+    launch_(path);
 }
 
 std::vector<std::string> LinuxWorkspace::defaultExclusions() const {
@@ -64,7 +71,10 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
     const std::vector<Toplevel> toplevels = source_.toplevels();
     std::set<ProcessId> owners;
     std::set<ProcessId> ownersOfAny;
+    ProcessId activeProcess = 0;
     for (const Toplevel& toplevel : toplevels) {
+        if (toplevel.window == source_.activeWindow())
+            activeProcess = toplevel.process;
         if (toplevel.process == ::getpid())
             continue;
         if (toplevel.isOrdinary && admit(toplevel))
@@ -80,8 +90,18 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
             events.insert(WorkspaceEvent::activated);
         }
     }
+    keepInBackground(activeProcess);
     events.merge(updatePolicies(owners, ownersOfAny));
     return events;
+}
+
+/// In a later turn: whoever asks what is running changes nothing by that.
+void LinuxWorkspace::keepInBackground(ProcessId activeProcess) {
+    const auto window =
+        starts_.windowToRestore(source_.activeWindow(), activeProcess, loop_.uptime());
+    if (window != 0)
+        restoring_ =
+            loop_.after(Duration::zero(), [this, window] { source_.bringToFront(window); });
 }
 
 /// `owners` have ordinary windows, `ownersOfAny` these or dialogs.
@@ -150,6 +170,7 @@ bool LinuxWorkspace::admit(const Toplevel& toplevel) {
         std::make_shared<LinuxApplication>(std::move(process), identity, origin,
                                            needsPicture ? source_.icon(toplevel.window) : Image(),
                                            LinuxApplication::Surroundings{loop_, log_, windows_});
+    starts_.noteAppearance(identity.path, id, loop_.uptime());
     // What the window says of itself counts beside what its process was started from.
     const Identity stated = entries_.identify(toplevel.identity, id, {});
     if (stated.id)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Linux/Applications/BackgroundStarts.h"
 #include "Linux/Applications/LinuxApplication.h"
 #include "Linux/Applications/ToplevelSource.h"
 #include "Linux/Applications/WorkspaceWindows.h"
@@ -25,6 +26,9 @@ public:
     struct Means {
         /// Asks a process without windows to quit; may be empty.
         std::function<void(ProcessId)> askWithoutWindows;
+        /// Starts the application of a desktop entry, given its path, and returns at once; may be
+        /// empty.
+        std::function<void(const std::string&)> launch;
         /// Where the processes are looked at.
         std::string proc = "/proc";
     };
@@ -38,6 +42,7 @@ public:
     [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {
         return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));
     }
+    void open(const std::string& path) override;
     /// The usual file managers: the session's own windows on the disk.
     [[nodiscard]] std::vector<std::string> defaultExclusions() const override;
 
@@ -55,6 +60,7 @@ private:
     std::set<WorkspaceEvent> readToplevels();
     bool admit(const Toplevel& toplevel);
     bool hasClosed(Member& member, bool hasWindows);
+    void keepInBackground(ProcessId activeProcess);
     [[nodiscard]] std::set<ProcessId> windowOwners();
     std::set<WorkspaceEvent> updatePolicies(const std::set<ProcessId>& owners,
                                             const std::set<ProcessId>& ownersOfAny);
@@ -68,6 +74,9 @@ private:
     ToplevelSource& source_;
     DesktopEntries entries_;
     std::shared_ptr<WorkspaceWindows> windows_;
+    std::function<void(const std::string&)> launch_;
+    BackgroundStarts starts_;
+    Handle restoring_;
     ProcDirectory proc_;
     /// In the order in which they appeared.
     std::vector<Member> members_;

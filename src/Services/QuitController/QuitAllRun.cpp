@@ -124,8 +124,9 @@ void QuitController::finish(AfterSteps steps) {
     ++pollNumber_;
     pollTask_.cancel();
     const RunResult result = countClosed();
-    // What was closed has to be remembered here: the refresh and all that follows may take long,
-    // and may be the last thing that this session sees.
+    // Before the refresh: that and all that follows may take long, and may be the last thing that
+    // this session sees.
+    rememberSession(closedTargets());
     stubborn = {};
     stayReasons = {};
     targets_.clear();
@@ -143,13 +144,18 @@ void QuitController::finish(AfterSteps steps) {
 
 QuitController::RunResult QuitController::countClosed() const {
     RunResult result;
-    for (const OpenApp& target : targets_) {
-        if (!target.app->isTerminated())
-            continue;
+    for (const OpenApp& target : closedTargets()) {
         ++result.closed;
         result.freed += target.memory;
     }
     return result;
+}
+
+std::vector<OpenApp> QuitController::closedTargets() const {
+    std::vector<OpenApp> closed;
+    std::ranges::copy_if(targets_, std::back_inserter(closed),
+                         [](const OpenApp& target) { return target.app->isTerminated(); });
+    return closed;
 }
 
 void QuitController::showResult(RunResult result, std::optional<std::string> note) {

@@ -11,8 +11,10 @@ QuitController::QuitController(const Desktop& desktop)
       afterQuit(desktop.loop), backupFirst(desktop.loop), ejectDrives(desktop.loop),
       timeMachine(desktop.loop, TimeMachine::info(desktop.files, desktop.backupTool)),
       externalDrives(desktop.loop), resultNote(desktop.loop), unattended(desktop.loop),
-      autoContinueAt(desktop.loop), runningAction(desktop.loop), desktop_(desktop) {
+      autoContinueAt(desktop.loop), runningAction(desktop.loop), lastSession(desktop.loop),
+      desktop_(desktop) {
     loadPreferences();
+    loadLastSession();
     observeWorkspace();
     refresh();
 }

@@ -10,6 +10,7 @@
 #include "Services/QuitController/Event.h"
 #include "Services/QuitController/OpenApp.h"
 #include "Services/QuitController/Phase.h"
+#include "Services/QuitController/SavedApp.h"
 #include "Services/TimeMachine.h"
 
 #include <map>
@@ -35,6 +36,8 @@ public:
     static constexpr Duration refreshInterval = 2500ms;
     static constexpr Duration resultTime = 8s;
     static constexpr Duration unattendedGrace = 60s;
+    /// What was closed so long ago is not offered any more to a program that starts.
+    static constexpr Duration lastSessionAge = 7 * 24h;
 
     /// How the user stops a running backup.
     enum class BackupStop {
@@ -72,6 +75,8 @@ public:
     Published<std::optional<WallTime>> autoContinueAt;
     /// What the running sequence ends with; `none` outside one.
     Published<PowerAction> runningAction;
+    /// What the last run that closed anything has closed, most memory first.
+    Published<std::vector<SavedApp>> lastSession;
 
     /// Hears of events the moment they happen; it may call any operation.
     std::function<void(const Event&)> onEvent;
@@ -135,6 +140,16 @@ public:
     /// Answers the question after a failed backup. Without one nothing happens.
     void resolveBackupFailure(FailureChoice choice);
 
+    /// Those of the last session that don't run now and that can still be started.
+    [[nodiscard]] std::vector<SavedApp> reopenable() const;
+
+    /// Starts all that is `reopenable` in the background, and forgets the last session. Returns at
+    /// once; whether they come is not told.
+    void reopenLastSession();
+
+    /// Forgets the last session, in the preferences too.
+    void forgetLastSession();
+
     [[nodiscard]] MainLoop& mainLoop() const { return desktop_.loop; }
 
 private:
@@ -151,6 +166,7 @@ private:
     };
 
     void loadPreferences();
+    void loadLastSession();
     void observeWorkspace();
     void storeExclusions(std::set<std::string> keys);
 
@@ -162,6 +178,8 @@ private:
     reasonsOf(const std::vector<OpenApp>& running);
     void finish(AfterSteps steps);
     [[nodiscard]] RunResult countClosed() const;
+    [[nodiscard]] std::vector<OpenApp> closedTargets() const;
+    void rememberSession(const std::vector<OpenApp>& closed);
     Task afterApps(RunResult result, PowerAction action);
     Task runBackup();
     Task continueUnattended();

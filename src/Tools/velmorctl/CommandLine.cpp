@@ -16,7 +16,8 @@ const QMap<QString, Command>& commands() {
         {"status", Command::status},   {"watch", Command::watch},   {"quit-all", Command::quitAll},
         {"force", Command::force},     {"leave", Command::leave},   {"exclude", Command::exclude},
         {"include", Command::include}, {"show", Command::show},     {"backup", Command::backup},
-        {"eject", Command::eject},     {"cancel", Command::cancel},
+        {"eject", Command::eject},     {"cancel", Command::cancel}, {"reopen", Command::reopen},
+        {"forget", Command::forget},
     };
     return words;
 }
@@ -93,6 +94,8 @@ std::string usage() {
         "  backup continue|stop dopo un backup non riuscito: va avanti, o si ferma\n"
         "  eject                espelle i dischi esterni\n"
         "  cancel               rinuncia a spegnere, riavviare o uscire\n"
+        "  reopen               riapre in secondo piano le app dell'ultima chiusura\n"
+        "  forget               dimentica quali erano\n"
         "  show                 fa mostrare Velmor Quit\n"
         "\n"
         "Stato d'uscita: 0 fatto, 1 rifiutato o qualcosa è rimasto aperto, 2 uso sbagliato,\n"

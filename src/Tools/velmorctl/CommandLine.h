@@ -30,7 +30,9 @@ struct CommandLine {
         show,
         backup,
         eject,
-        cancel
+        cancel,
+        reopen,
+        forget
     };
 
     Command command = Command::help;

@@ -141,6 +141,17 @@ std::string eventText(const QJsonObject& change) {
     return localized("Ancora collegati: %@", failed.join(", ").toStdString());
 }
 
+/// What can be brought back, as a line; empty while a run is in progress or when there is nothing.
+std::string reopenableText(const QJsonObject& status) {
+    const QString phase = status["phase"].toString();
+    std::string names;
+    for (const auto& application : status["reopenable"].toArray())
+        names += (names.empty() ? "" : ", ") + nameOf(application);
+    if (names.empty() || (phase != "idle" && phase != "done"))
+        return {};
+    return localized("Da riaprire: %@", names) + '\n';
+}
+
 } // namespace
 
 std::string statusText(const QJsonObject& status, const Formats& formats) {
@@ -153,7 +164,7 @@ std::string statusText(const QJsonObject& status, const Formats& formats) {
     }
     const std::string phase = phaseText(status, formats) + '\n';
     if (applications.isEmpty())
-        return phase + localized("Nessuna app aperta") + '\n';
+        return phase + localized("Nessuna app aperta") + '\n' + reopenableText(status);
     Table table({Table::Align::left, Table::Align::right, Table::Align::right, Table::Align::left,
                  Table::Align::left});
     for (const auto& application : applications)
@@ -161,7 +172,7 @@ std::string statusText(const QJsonObject& status, const Formats& formats) {
     const auto count = applications.size();
     return phase +
            (count == 1 ? localized("1 app aperta:") : localized("%lld app aperte:", count)) + '\n' +
-           table.text();
+           table.text() + reopenableText(status);
 }
 
 std::string changeText(const QJsonObject& change, const Formats& formats) {

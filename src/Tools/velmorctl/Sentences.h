@@ -9,7 +9,8 @@
 
 namespace velmorquit {
 
-/// The answer to `status` for a person: a line on the run, then a table.
+/// The answer to `status` for a person: a line on the run, a table, and what can be
+/// reopened.
 [[nodiscard]] std::string statusText(const QJsonObject& status, const Formats& formats);
 
 /// A change for a person; empty for one that says nothing that another doesn't.

@@ -108,6 +108,15 @@ void Session::start() {
     case Command::cancel:
         report("cancel", {});
         break;
+    case Command::reopen:
+        perform("reopen", {}, [](const QString& json) {
+            print(parsed(json)["text"].toString().toStdString() + '\n');
+            end(ExitStatus::success);
+        });
+        break;
+    case Command::forget:
+        report("forget", {});
+        break;
     case Command::show:
         show();
         break;
