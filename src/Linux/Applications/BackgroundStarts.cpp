@@ -2,9 +2,9 @@
 
 namespace velmorquit {
 
-void BackgroundStarts::expect(const std::string& path, std::uint64_t activeWindow, Uptime now) {
+void BackgroundStarts::expect(const std::string& path, std::uint64_t focusedWindow, Uptime now) {
     if (expected_.empty() && appeared_.empty())
-        formerWindow_ = activeWindow;
+        formerWindow_ = focusedWindow;
     expected_[path] = now + patience;
 }
 
@@ -13,15 +13,16 @@ void BackgroundStarts::noteAppearance(const std::string& path, ProcessId process
         appeared_[process] = now + settling;
 }
 
-std::uint64_t BackgroundStarts::windowToRestore(std::uint64_t activeWindow, ProcessId owner,
+std::uint64_t BackgroundStarts::windowToRestore(std::uint64_t focusedWindow, ProcessId owner,
                                                 Uptime now) {
     const auto isOver = [now](const auto& start) { return now >= start.second; };
     std::erase_if(expected_, isOver);
     std::erase_if(appeared_, isOver);
     if (appeared_.contains(owner))
         return formerWindow_;
-    if (activeWindow != 0)
-        formerWindow_ = activeWindow;
+    // Between one window and the next there may be none.
+    if (focusedWindow != 0)
+        formerWindow_ = focusedWindow;
     return 0;
 }
 

@@ -18,16 +18,16 @@ public:
     /// the user.
     static constexpr Duration settling = 1s;
 
-    /// The application of that desktop entry is being started, while `activeWindow` has the
-    /// keyboard.
-    void expect(const std::string& path, std::uint64_t activeWindow, Uptime now);
+    /// The application of that desktop entry is being started, while `focusedWindow` has the
+    /// keyboard; where none has, windows of the application may well have it.
+    void expect(const std::string& path, std::uint64_t focusedWindow, Uptime now);
 
     /// An application of that desktop entry has shown its first window.
     void noteAppearance(const std::string& path, ProcessId process, Uptime now);
 
     /// Takes note of the window that has the keyboard now, and of its process. The window that is
     /// to have it again; 0 when things are as they should be.
-    [[nodiscard]] std::uint64_t windowToRestore(std::uint64_t activeWindow, ProcessId owner,
+    [[nodiscard]] std::uint64_t windowToRestore(std::uint64_t focusedWindow, ProcessId owner,
                                                 Uptime now);
 
 private:

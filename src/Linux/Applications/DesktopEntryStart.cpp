@@ -45,6 +45,9 @@ bool activateOverBus(const std::string& path) {
 } // namespace
 
 bool startDesktopEntry(const std::string& path) {
+    // What hangs, such as a file of a server that has gone, is given up. The alarm is not
+    // inherited.
+    ::alarm(60);
     // Otherwise it would keep the folder busy in which this program was started.
     [[maybe_unused]] const int unchanged = ::chdir(g_get_home_dir());
     const Owned<GDesktopAppInfo> entry(g_desktop_app_info_new_from_filename(path.c_str()));

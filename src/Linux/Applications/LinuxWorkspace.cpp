@@ -38,7 +38,7 @@ std::shared_ptr<RunningApplication> LinuxWorkspace::frontmostApplication() const
 void LinuxWorkspace::open(const std::string& path) {
     if (!launch_)
         return;
-    starts_.expect(path, source_.activeWindow(), loop_.uptime());
+    starts_.expect(path, source_.focusedWindow(), loop_.uptime());
     launch_(path);
 }
 
@@ -71,10 +71,10 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
     const std::vector<Toplevel> toplevels = source_.toplevels();
     std::set<ProcessId> owners;
     std::set<ProcessId> ownersOfAny;
-    ProcessId activeProcess = 0;
+    ProcessId focusedProcess = 0;
     for (const Toplevel& toplevel : toplevels) {
-        if (toplevel.window == source_.activeWindow())
-            activeProcess = toplevel.process;
+        if (toplevel.window == source_.focusedWindow())
+            focusedProcess = toplevel.process;
         if (toplevel.process == ::getpid())
             continue;
         if (toplevel.isOrdinary && admit(toplevel))
@@ -90,15 +90,15 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
             events.insert(WorkspaceEvent::activated);
         }
     }
-    keepInBackground(activeProcess);
+    keepInBackground(focusedProcess);
     events.merge(updatePolicies(owners, ownersOfAny));
     return events;
 }
 
 /// In a later turn: whoever asks what is running changes nothing by that.
-void LinuxWorkspace::keepInBackground(ProcessId activeProcess) {
+void LinuxWorkspace::keepInBackground(ProcessId focusedProcess) {
     const auto window =
-        starts_.windowToRestore(source_.activeWindow(), activeProcess, loop_.uptime());
+        starts_.windowToRestore(source_.focusedWindow(), focusedProcess, loop_.uptime());
     if (window != 0)
         restoring_ =
             loop_.after(Duration::zero(), [this, window] { source_.bringToFront(window); });

@@ -28,7 +28,7 @@ public:
         std::function<void(ProcessId)> askWithoutWindows;
         /// Starts the application of a desktop entry, given its path, and returns at once; may be
         /// empty.
-        std::function<void(const std::string&)> launch;
+        std::function<void(const std::string&)> launch = {};
         /// Where the processes are looked at.
         std::string proc = "/proc";
     };
@@ -60,7 +60,7 @@ private:
     std::set<WorkspaceEvent> readToplevels();
     bool admit(const Toplevel& toplevel);
     bool hasClosed(Member& member, bool hasWindows);
-    void keepInBackground(ProcessId activeProcess);
+    void keepInBackground(ProcessId focusedProcess);
     [[nodiscard]] std::set<ProcessId> windowOwners();
     std::set<WorkspaceEvent> updatePolicies(const std::set<ProcessId>& owners,
                                             const std::set<ProcessId>& ownersOfAny);

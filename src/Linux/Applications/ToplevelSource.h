@@ -53,6 +53,9 @@ public:
     /// The window that the user worked with last; 0 when there was none.
     [[nodiscard]] virtual std::uint64_t activeWindow() const = 0;
 
+    /// The window that has the keyboard now; 0 when none has, as on an empty virtual desktop.
+    [[nodiscard]] virtual std::uint64_t focusedWindow() const = 0;
+
     /// Asks a window of `toplevels` to close as its own close button would. Returns at once.
     virtual void askToClose(std::uint64_t window) = 0;
 

@@ -148,9 +148,9 @@ bool X11Toplevels::hasWindowManager() {
 }
 
 void X11Toplevels::readActiveWindow() {
-    const auto window = connection_.number(connection_.root(), "_NET_ACTIVE_WINDOW").value_or(0);
-    if (window != 0)
-        active_ = window;
+    focused_ = connection_.number(connection_.root(), "_NET_ACTIVE_WINDOW").value_or(0);
+    if (focused_ != 0)
+        active_ = focused_;
 }
 
 bool X11Toplevels::belongsTo(std::uint64_t window, ProcessId id) {

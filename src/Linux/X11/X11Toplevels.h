@@ -26,6 +26,7 @@ public:
         return shellProcesses_;
     }
     [[nodiscard]] std::uint64_t activeWindow() const override { return active_; }
+    [[nodiscard]] std::uint64_t focusedWindow() const override { return focused_; }
     void askToClose(std::uint64_t window) override;
     void bringToFront(std::uint64_t window) override;
     void ping(std::uint64_t window) override;
@@ -56,6 +57,7 @@ private:
     std::vector<Toplevel> toplevels_;
     std::set<ProcessId> shellProcesses_;
     std::uint64_t active_ = 0;
+    std::uint64_t focused_ = 0;
     bool isOutdated_ = true;
     Uptime scannedAt_;
     Handle gathering_;

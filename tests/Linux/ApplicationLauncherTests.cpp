@@ -1,0 +1,214 @@
+#include "Linux/Applications/ApplicationLauncher.h"
+#include "Simulated/SimulatedPorts.h"
+#include "support/PrivateBus.h"
+#include "support/Waiting.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <optional>
+#include <set>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace velmorquit {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+
+/// A variable of this process, which has its former value again when this goes.
+class Variable {
+public:
+    Variable(std::string name, const std::string& value) : name_(std::move(name)) {
+        if (const char* former = std::getenv(name_.c_str()))
+            former_ = former;
+        ::setenv(name_.c_str(), value.c_str(), 1);
+    }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+    ~Variable() {
+        former_ ? ::setenv(name_.c_str(), former_->c_str(), 1) : ::unsetenv(name_.c_str());
+    }
+
+private:
+    std::string name_;
+    std::optional<std::string> former_;
+};
+
+/// Starts a program that reports what it is and then stays for a while.
+class ApplicationLauncherTest : public testing::Test {
+protected:
+    ApplicationLauncherTest() {
+        std::string name = "/tmp/velmor-launcher.XXXXXX";
+        folder = ::mkdtemp(name.data());
+        write("program",
+              "#!/bin/sh\n"
+              "d=" +
+                  folder.string() +
+                  "/report\n"
+                  "env >$d.part; echo ARGUMENTS=$* >>$d.part; echo PROCESS=$$ >>$d.part\n"
+                  "mv $d.part $d\n"
+                  "exec sleep 100\n");
+        fs::permissions(folder / "program", fs::perms::owner_all);
+    }
+
+    ~ApplicationLauncherTest() override {
+        for (const pid_t process : programs)
+            ::kill(process, SIGKILL);
+        fs::remove_all(folder);
+    }
+
+    fs::path write(const std::string& name, const std::string& text) {
+        std::ofstream(folder / name) << text;
+        return folder / name;
+    }
+
+    /// An entry for the program, without a command unless `lines` have one.
+    fs::path entry(const std::string& name, const std::string& lines) {
+        return write(name, "[Desktop Entry]\nType=Application\nName=Program\n" + lines);
+    }
+    std::string command() const { return "Exec=" + (folder / "program").string(); }
+
+    /// Waits for what the program tells of itself, by name. Empty when it tells nothing.
+    std::map<std::string, std::string> report() {
+        EXPECT_TRUE(waitUntil([this] { return fs::exists(folder / "report"); }));
+        std::map<std::string, std::string> values;
+        std::ifstream lines(folder / "report");
+        for (std::string line; std::getline(lines, line);)
+            values[line.substr(0, line.find('='))] = line.substr(line.find('=') + 1);
+        fs::remove(folder / "report");
+        if (values.contains("PROCESS"))
+            programs.insert(std::stoi(values["PROCESS"]));
+        return values;
+    }
+
+    /// Lets go of what was started on the way.
+    static bool hasNoChildren() {
+        return waitUntil([] { return ::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD; });
+    }
+
+    static std::string statusLine(pid_t process, const std::string& field) {
+        std::ifstream lines("/proc/" + std::to_string(process) + "/status");
+        for (std::string line; std::getline(lines, line);) {
+            if (line.starts_with(field + ":\t"))
+                return line.substr(field.size() + 2);
+        }
+        return {};
+    }
+
+    fs::path folder;
+    std::set<pid_t> programs;
+    SimulatedSystemLog log;
+    ApplicationLauncher launcher{{VELMORQUIT, "--start-entry"}, log};
+};
+
+TEST_F(ApplicationLauncherTest, WhatIsStartedHasNothingOfThisProgram) {
+    const fs::path path = entry("a program.desktop", command() + " %U a%%b\nStartupNotify=true\n");
+    {
+        const Variable startup("DESKTOP_STARTUP_ID", "id_TIME1"),
+            token("XDG_ACTIVATION_TOKEN", "t");
+        const Variable stream("JOURNAL_STREAM", "1:2"), shared("SHARED", "yes");
+        const Variable bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere");
+        sigset_t blocked, former;
+        ::sigemptyset(&blocked);
+        ::sigaddset(&blocked, SIGUSR1);
+        ::pthread_sigmask(SIG_BLOCK, &blocked, &former);
+        const auto formerAction = std::signal(SIGUSR2, SIG_IGN);
+        launcher.launch(path);
+        std::signal(SIGUSR2, formerAction);
+        ::pthread_sigmask(SIG_SETMASK, &former, nullptr);
+    }
+    auto told = report();
+    EXPECT_EQ(told["ARGUMENTS"], "a%b");
+    EXPECT_EQ(told["SHARED"], "yes");
+    EXPECT_EQ(told["DBUS_SESSION_BUS_ADDRESS"], "unix:path=/nowhere");
+    EXPECT_EQ(told["GIO_LAUNCHED_DESKTOP_FILE"], path);
+    EXPECT_EQ(told["GIO_LAUNCHED_DESKTOP_FILE_PID"], told["PROCESS"]);
+    for (const char* name : {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN", "JOURNAL_STREAM"})
+        EXPECT_FALSE(told.contains(name)) << name;
+
+    ASSERT_TRUE(told.contains("PROCESS"));
+    const pid_t process = std::stoi(told["PROCESS"]);
+    const fs::path proc = "/proc/" + std::to_string(process);
+    EXPECT_TRUE(hasNoChildren()) << "neither the program nor what started it";
+    EXPECT_NE(::getsid(process), ::getsid(0));
+    EXPECT_NE(::getpgid(process), ::getpgid(0));
+    for (const char* stream : {"fd/0", "fd/1", "fd/2"})
+        EXPECT_EQ(fs::read_symlink(proc / stream), "/dev/null") << stream;
+    EXPECT_EQ(fs::read_symlink(proc / "cwd"), fs::canonical(std::getenv("HOME")));
+    // The C library keeps those above for itself.
+    constexpr unsigned long long ordinary = 0x7fffffff;
+    for (const char* set : {"SigIgn", "SigBlk"})
+        EXPECT_EQ(std::stoull(statusLine(process, set), nullptr, 16) & ordinary, 0U) << set;
+    EXPECT_TRUE(log.lines.empty());
+}
+
+TEST_F(ApplicationLauncherTest, WhatCannotBeStartedIsALineInTheLog) {
+    const std::vector<std::string> paths{
+        folder / "vanished.desktop",
+        folder,
+        write("empty.desktop", ""),
+        write("bytes.desktop", std::string("\0\xff[Desktop Entry", 16)),
+        entry("commandless.desktop", ""),
+        entry("link.desktop", "Type=Link\nURL=/\n"),
+        entry("uninstalled.desktop", "Exec=/nonexistent/program\n"),
+        entry("quote.desktop", command() + " \"unfinished\n"),
+    };
+    for (const std::string& path : paths) {
+        log.lines.clear();
+        launcher.launch(path);
+        EXPECT_TRUE(waitUntil([this] { return !log.lines.empty(); })) << path;
+        EXPECT_THAT(log.lines, testing::ElementsAre("Velmor Quit: non riesco a riaprire " + path));
+    }
+    EXPECT_TRUE(hasNoChildren());
+    EXPECT_FALSE(fs::exists(folder / "report"));
+
+    log.lines.clear();
+    ApplicationLauncher({"/nonexistent/starter"}, log).launch(folder);
+    EXPECT_EQ(log.lines.size(), 1U);
+}
+
+TEST_F(ApplicationLauncherTest, AProgramThatTheBusCouldStartIsStartedWithoutIt) {
+    sockaddr_un address{AF_UNIX, {}};
+    (folder / "hanging").string().copy(address.sun_path, sizeof address.sun_path - 1);
+    const int hanging = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    ASSERT_EQ(::bind(hanging, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    ASSERT_EQ(::listen(hanging, 8), 0);
+    const Variable bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (folder / "hanging").string());
+    launcher.launch(entry("org.example.Both.desktop", command() + "\nDBusActivatable=true\n"));
+    EXPECT_EQ(report()["DBUS_SESSION_BUS_ADDRESS"], "unix:path=" + (folder / "hanging").string());
+    EXPECT_TRUE(hasNoChildren());
+    ::close(hanging);
+}
+
+TEST_F(ApplicationLauncherTest, OneWithoutACommandIsStartedByTheBus) {
+    PrivateBus server;
+    std::ofstream(server.services() / "org.example.Only.service")
+        << "[D-BUS Service]\nName=org.example.Only\n"
+        << command() << '\n';
+    const Variable bus("DBUS_SESSION_BUS_ADDRESS", server.address());
+    launcher.launch(entry("org.example.Only.desktop", "DBusActivatable=true\n"));
+    EXPECT_TRUE(report().contains("DBUS_STARTER_ADDRESS"));
+    server.stop();
+    EXPECT_TRUE(waitUntil([this] { return !log.lines.empty(); })) << "the bus went";
+}
+
+TEST_F(ApplicationLauncherTest, OneForATerminalGetsOne) {
+    fs::copy(folder / "program", folder / "gnome-terminal");
+    const Variable path("PATH", folder.string() + ':' + std::getenv("PATH"));
+    launcher.launch(entry("inside.desktop", "Exec=cat\nTerminal=true\n"));
+    EXPECT_THAT(report()["ARGUMENTS"], testing::EndsWith("cat"));
+}
+
+} // namespace
+} // namespace velmorquit
