@@ -21,6 +21,7 @@
 #include "Linux/Session/SessionEnd.h"
 #include "Linux/Volumes/UDisksVolumes.h"
 #include "Linux/X11/X11Toplevels.h"
+#include "Platform/SleepHold.h"
 #include "Services/LaunchAtLogin.h"
 
 #include <QApplication>
@@ -137,6 +138,10 @@ BackupTool backupTool() {
 /// With it and the path of a desktop entry the program does nothing but start that entry.
 constexpr const char* startEntrySwitch = "--start-entry";
 
+struct NoHold final : SleepHold {
+    Handle begin(const std::string&) override { return {}; }
+};
+
 int run(int argc, char** argv) {
     if (argc == 3 && std::string_view(argv[1]) == startEntrySwitch)
         return startDesktopEntry(argv[2]) ? EXIT_SUCCESS : EXIT_FAILURE;
@@ -208,10 +213,12 @@ int run(int argc, char** argv) {
                              {qEnvironmentVariable("XDG_SESSION_ID").toStdString()});
     BusNotice notice(sessionBus);
     SessionEnd sessionEnd({loop, log, workspace, endService, notice, ::getpid()});
+    NoHold sleepHold;
     UDisksVolumes volumes(loop, log, systemBus.connection());
     const FinishedWork finishedWork;
     AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program,
-                          language.formats(), volumes, sessionEnd, children, files, backupTool()});
+                          language.formats(), volumes, sessionEnd, sleepHold, children, files,
+                          backupTool()});
     endSignals.onAsked = [&delegate] { delegate.end(); };
     return QApplication::exec();
 }

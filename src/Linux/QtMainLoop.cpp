@@ -70,6 +70,7 @@ void QtMainLoop::armTimer() {
 // Those that fall due while others run wait for the next turn, so that the loop keeps its breath.
 // The timer is armed meanwhile, since a callback may run an event loop of its own (a dialog does).
 void QtMainLoop::runDueTimers() {
+    clock_.look();
     const Uptime reached = uptime();
     timer_.start(0);
     while (timers_.fireNext(reached)) {

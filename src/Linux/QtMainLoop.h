@@ -3,6 +3,8 @@
 #include "Platform/MainLoop.h"
 #include "Platform/TimerQueue.h"
 
+#include "Linux/ClockWatch.h"
+
 #include <QObject>
 #include <QTimer>
 
@@ -24,6 +26,9 @@ public:
     [[nodiscard]] Handle every(Duration interval, std::function<void()> work) override;
     [[nodiscard]] Handle background(std::function<void()> work,
                                     std::function<void()> done) override;
+    [[nodiscard]] Handle observe(ClockEvent event, std::function<void()> told) override {
+        return clock_.observe(event, std::move(told));
+    }
 
 private:
     /// What is called when work elsewhere is done.
@@ -36,6 +41,7 @@ private:
     void armTimer();
     void runDueTimers();
 
+    ClockWatch clock_;
     TimerQueue timers_;
     QTimer timer_;
     std::shared_ptr<Pending> pending_ = std::make_shared<Pending>();

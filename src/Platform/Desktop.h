@@ -13,6 +13,7 @@ class LoginWindow;
 class MainLoop;
 class Preferences;
 class RemoteCommands;
+class SleepHold;
 class SystemLog;
 class Volumes;
 class Workspace;
@@ -29,6 +30,7 @@ struct Desktop {
     const Formats& formats;
     Volumes& volumes;
     LoginWindow& loginWindow;
+    SleepHold& sleepHold;
     ChildProcesses& children;
     const Files& files;
     BackupTool backupTool;

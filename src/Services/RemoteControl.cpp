@@ -383,6 +383,9 @@ void RemoteControl::announce(const Event& event) {
                        return Json{{"event", "disksEjected"},
                                    {"count", ejected.count},
                                    {"failed", ejected.failed}};
+                   },
+                   [](events::ConfirmationNeeded) {
+                       return Json{{"event", "confirmationNeeded"}};
                    }},
         event);
     Json told = {{"change", "event"}};

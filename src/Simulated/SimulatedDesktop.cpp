@@ -49,6 +49,7 @@ Desktop SimulatedDesktop::ports() {
             formats,
             volumes,
             loginWindow,
+            sleepHold,
             backupTool,
             files,
             {.program = "/tool", .destinations = SimulatedFiles::destinations}};

@@ -46,6 +46,7 @@ public:
     SimulatedAudioProcesses audio{loop};
     SimulatedRemoteCommands remote;
     SimulatedProgram program;
+    SimulatedSleepHold sleepHold;
     SimulatedFormats formats;
     SimulatedVolumes volumes{[this](std::string_view what) { write(what); }};
     SimulatedLoginWindow loginWindow{[this](std::string_view what) { write(what); }};

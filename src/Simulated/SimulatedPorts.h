@@ -6,10 +6,12 @@
 #include "Platform/LoginItem.h"
 #include "Platform/MainLoop.h"
 #include "Platform/RemoteCommands.h"
+#include "Platform/SleepHold.h"
 #include "Platform/SystemLog.h"
 #include "Simulated/SimulatedWorkspace.h"
 
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -108,6 +110,32 @@ private:
             state = wanted;
         return failure;
     }
+};
+
+/// Knows what keeps the computer awake.
+class SimulatedSleepHold final : public SleepHold {
+public:
+    [[nodiscard]] Handle begin(const std::string& reason) override {
+        held_->reasons.emplace(++lastId_, reason);
+        return {held_, lastId_};
+    }
+
+    /// In the order in which they began, separated by commas.
+    [[nodiscard]] std::string reasons() const {
+        std::string text;
+        for (const auto& [id, reason] : held_->reasons)
+            text += (text.empty() ? "" : ", ") + reason;
+        return text;
+    }
+
+private:
+    struct Held final : Handle::Source {
+        void cancel(std::uint64_t id) noexcept override { reasons.erase(id); }
+        std::map<std::uint64_t, std::string> reasons;
+    };
+
+    std::shared_ptr<Held> held_ = std::make_shared<Held>();
+    std::uint64_t lastId_ = 0;
 };
 
 class SimulatedProgram final : public Application {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Platform/MainLoop.h"
+#include "Platform/Subscribers.h"
 #include "Platform/TimerQueue.h"
 
 #include <deque>
+#include <map>
 
 namespace velmorquit {
 
@@ -18,6 +20,9 @@ public:
     /// `work` is done in a later turn, `done` is called in the one after that.
     [[nodiscard]] Handle background(std::function<void()> work,
                                     std::function<void()> done) override;
+    [[nodiscard]] Handle observe(ClockEvent event, std::function<void()> told) override {
+        return clockEvents_[event].add(std::move(told));
+    }
 
     /// Lets `time` pass and everything happen that falls due in it, its end included.
     void advance(Duration time);
@@ -26,7 +31,16 @@ public:
     void settle() { advance(Duration::zero()); }
 
     /// Corrects the clock on the wall; running time knows nothing of it.
-    void moveWallClock(Duration by) { epoch_ += by; }
+    void moveWallClock(Duration by) {
+        epoch_ += by;
+        clockEvents_[ClockEvent::corrected].tell();
+    }
+
+    /// Lets the computer sleep for so long: nothing happens in that time.
+    void fallAsleep(Duration time) {
+        epoch_ += time;
+        clockEvents_[ClockEvent::woke].tell();
+    }
 
 private:
     void runPosted();
@@ -35,6 +49,7 @@ private:
     Uptime uptime_;
     std::deque<std::function<void()>> posted_;
     TimerQueue timers_;
+    std::map<ClockEvent, Subscribers> clockEvents_;
 };
 
 } // namespace velmorquit

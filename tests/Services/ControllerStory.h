@@ -58,6 +58,8 @@ private:
                           joined(ejected->failed));
         else if (std::holds_alternative<events::BackupStarted>(event))
             desktop.write("event backupStarted");
+        else if (std::holds_alternative<events::ConfirmationNeeded>(event))
+            desktop.write("event confirmationNeeded");
         else
             desktop.write("event stubbornApps: " + names(controller->stubborn));
         if (onEvent)

@@ -62,8 +62,10 @@ Task QuitController::afterApps(RunResult result, PowerAction action) {
                 autoContinueAt = desktop_.loop.now() + unattendedGrace;
                 unattendedTask_ = continueUnattended();
             }
+            letSleepWhileAsking();
             const FailureChoice choice = co_await failureChoice_;
             unattendedTask_.cancel();
+            holdSleepForRun();
             if (choice == FailureChoice::stop) {
                 showResult(result, localized("Backup non riuscito"));
                 resetSequence(number);
@@ -91,8 +93,12 @@ Task QuitController::afterApps(RunResult result, PowerAction action) {
     if (action != PowerAction::none) {
         co_await sleep(beforePowerAction);
         // A run that has begun meanwhile brings its own action.
-        if (number == runNumber_ && !isActionDropped_)
+        if (number == runNumber_ && !isActionDropped_) {
+            // A pending schedule takes its own hold again if the session doesn't end.
+            runActivity_.reset();
+            sleepActivity_.reset();
             perform(action, desktop_.loginWindow, desktop_.log);
+        }
     }
     resetSequence(number);
 }
@@ -104,6 +110,7 @@ void QuitController::resetSequence(int number) {
     unattended = false;
     autoContinueAt = std::nullopt;
     runningAction = PowerAction::none;
+    runActivity_.reset();
 }
 
 Task QuitController::continueUnattended() {

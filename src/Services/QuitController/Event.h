@@ -31,9 +31,13 @@ struct DisksEjected {
     std::vector<std::string> failed;
 };
 
+/// The moment of a scheduled quit has come, and it waits for the user's word.
+struct ConfirmationNeeded {};
+
 } // namespace events
 
 using Event = std::variant<events::QuitDone, events::StubbornApps, events::BackupStarted,
-                           events::BackupProgress, events::BackupFinished, events::DisksEjected>;
+                           events::BackupProgress, events::BackupFinished, events::DisksEjected,
+                           events::ConfirmationNeeded>;
 
 } // namespace velmorquit

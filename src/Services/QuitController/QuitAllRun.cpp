@@ -1,5 +1,7 @@
 #include "Platform/LoginWindow.h"
+#include "Platform/SleepHold.h"
 #include "Services/QuitController/QuitController.h"
+#include "Texts/Localized.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,6 +17,7 @@ void QuitController::quitAll(PowerAction action) {
     resetSequence(runNumber_);
     ++runNumber_;
     desktop_.loginWindow.cancel();
+    holdSleepForRun();
     refresh();
     targets_ = quittable();
     pendingAction_ = action;
@@ -56,8 +59,20 @@ Task QuitController::pollTargets(Uptime deadline) {
             if (number != pollNumber_)
                 co_return;
             phase = phases::Waiting{};
+            letSleepWhileAsking();
         }
     }
+}
+
+// Nobody is there at night: the computer would fall asleep in the middle of the run.
+void QuitController::holdSleepForRun() {
+    if (!runActivity_.isSet())
+        runActivity_ = desktop_.sleepHold.begin(localized("Velmor Quit sta chiudendo le app"));
+}
+
+void QuitController::letSleepWhileAsking() {
+    if (!unattended)
+        runActivity_.reset();
 }
 
 std::vector<OpenApp> QuitController::targetsStillRunning() const {
@@ -115,6 +130,7 @@ void QuitController::leaveStubbornOpen() {
         postTask_.cancel();
         showResult(*std::exchange(unfollowedResult_, std::nullopt), std::nullopt);
         unattended = false;
+        runActivity_.reset();
         return;
     }
     finish(AfterSteps::skip);
@@ -136,8 +152,10 @@ void QuitController::finish(AfterSteps steps) {
     if (steps == AfterSteps::skip) {
         showResult(result, std::nullopt);
         unattended = false;
+        runActivity_.reset();
         return;
     }
+    holdSleepForRun();
     unfollowedResult_ = result;
     postTask_ = afterApps(result, action);
 }

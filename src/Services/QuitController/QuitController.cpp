@@ -12,10 +12,12 @@ QuitController::QuitController(const Desktop& desktop)
       timeMachine(desktop.loop, TimeMachine::info(desktop.files, desktop.backupTool)),
       externalDrives(desktop.loop), resultNote(desktop.loop), unattended(desktop.loop),
       autoContinueAt(desktop.loop), runningAction(desktop.loop), lastSession(desktop.loop),
-      desktop_(desktop) {
+      schedule(desktop.loop), awaitingConfirmation(desktop.loop), confirmScheduled(desktop.loop),
+      scheduleNote(desktop.loop), desktop_(desktop) {
     loadPreferences();
     loadLastSession();
     observeWorkspace();
+    observeClock();
     refresh();
 }
 
@@ -33,6 +35,7 @@ void QuitController::loadPreferences() {
     afterQuit = powerActionFromRaw(action).value_or(PowerAction::none);
     backupFirst = desktop_.preferences.boolean("backupFirst", false);
     ejectDrives = desktop_.preferences.boolean("ejectDrives", false);
+    confirmScheduled = desktop_.preferences.boolean("confirmScheduled", true);
 }
 
 void QuitController::chooseBackupFirst(bool isChosen) {

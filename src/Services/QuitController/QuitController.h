@@ -11,6 +11,7 @@
 #include "Services/QuitController/OpenApp.h"
 #include "Services/QuitController/Phase.h"
 #include "Services/QuitController/SavedApp.h"
+#include "Services/QuitController/ScheduledQuit.h"
 #include "Services/TimeMachine.h"
 
 #include <map>
@@ -78,8 +79,19 @@ public:
     /// What the last run that closed anything has closed, most memory first.
     Published<std::vector<SavedApp>> lastSession;
 
+    /// The run that is to begin later; it isn't kept across starts.
+    Published<std::optional<ScheduledQuit>> schedule;
+    /// Its moment has come, and the user is asked whether it is to begin.
+    Published<bool> awaitingConfirmation;
+    /// Whether the user wants to be asked then.
+    Published<bool> confirmScheduled;
+    /// What the user should know of a schedule that came to nothing.
+    Published<std::optional<std::string>> scheduleNote;
+
     /// Hears of events the moment they happen; it may call any operation.
     std::function<void(const Event&)> onEvent;
+    /// Calls the user to the computer, before a scheduled run begins; it may call any operation.
+    std::function<void()> onNeedsAttention;
 
     /// Lists anew what is open.
     void refresh();
@@ -150,6 +162,17 @@ public:
     /// Forgets the last session, in the preferences too.
     void forgetLastSession();
 
+    /// Sets the run for later, in place of one that was set before. A date that has passed is one
+    /// second from now. The computer doesn't fall asleep by itself until then.
+    void scheduleQuit(WallTime date, PowerAction action);
+    /// Sets it for so many minutes later than it was to be, or than now when that has passed.
+    void postponeSchedule(int minutes);
+    /// Lets the run begin that waits for the user's word.
+    void confirmScheduledQuit();
+    void cancelSchedule();
+    /// Chooses whether the next schedule asks, and stores the choice.
+    void chooseConfirmScheduled(bool isChosen);
+
     [[nodiscard]] MainLoop& mainLoop() const { return desktop_.loop; }
 
 private:
@@ -191,6 +214,18 @@ private:
     Task resetResult();
     void emit(const Event& event);
 
+    void observeClock();
+    void holdSleepForSchedule();
+    void tickAtNextSecond();
+    void tickWhenNeeded(Duration remaining);
+    void tickAfter(int ticks);
+    void scheduleTick();
+    [[nodiscard]] bool isAttentionDue(Duration remaining);
+    void meetDeadline();
+    void checkMissedSchedule();
+    void holdSleepForRun();
+    void letSleepWhileAsking();
+
     Desktop desktop_;
     PowerAction pendingAction_ = PowerAction::none;
     std::vector<OpenApp> targets_;
@@ -217,6 +252,14 @@ private:
     bool isActionDropped_ = false;
     Task resetTask_;
     Handle refreshTimer_;
+    /// Counts what is done to the schedule, so that a tick sees when a callback has replaced it.
+    int scheduleNumber_ = 0;
+    Uptime scheduledAt_;
+    Handle scheduleTimer_;
+    int scheduleWarnings_ = 0; ///< marks that were told
+    std::optional<std::int64_t> lastBeepSecond_;
+    Handle sleepActivity_;
+    Handle runActivity_;
     std::vector<Handle> observers_;
 };
 

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Platform/Time.h"
+#include "Services/PowerAction.h"
+
+namespace velmorquit {
+
+/// A run that is to begin at a later moment.
+struct ScheduledQuit {
+    WallTime date;                          ///< when it begins
+    PowerAction action = PowerAction::none; ///< what follows it
+    WallTime created;                       ///< when it was set, or postponed last
+    /// Whether the user is asked first, when the moment has come.
+    bool needsConfirmation = true;
+
+    friend bool operator==(const ScheduledQuit&, const ScheduledQuit&) = default;
+};
+
+} // namespace velmorquit
