@@ -1,8 +1,12 @@
 #pragma once
 
 #include "Platform/Desktop.h"
+#include "Platform/Notice.h"
+#include "Services/Actions/ActionRunner.h"
 #include "Services/QuitController/QuitController.h"
 #include "Services/RemoteControl.h"
+#include "Services/ScheduleNotice.h"
+#include "Views/ConfirmDialog.h"
 #include "Views/TrayItem.h"
 
 namespace velmorquit {
@@ -10,16 +14,30 @@ namespace velmorquit {
 /// Owns the long-lived objects and wires them, in the order in which they start.
 class AppDelegate {
 public:
-    explicit AppDelegate(const Desktop& desktop);
+    /// What it tells the user in notices of the desktop's; they outlive it.
+    struct Notices {
+        Notice& schedule;
+        Notice& answers; ///< what published actions have to say
+    };
+
+    AppDelegate(const Desktop& desktop, const Notices& notices);
+    AppDelegate(const AppDelegate&) = delete;
+    AppDelegate& operator=(const AppDelegate&) = delete;
+    ~AppDelegate();
 
     /// Ends the program in a later turn of the loop. A run that is under way ends first, so that
     /// whoever waits for it hears of that.
     void end();
 
 private:
+    void hear(const Event& event);
+
+    ActionRunner actions_;
     QuitController controller_;
     RemoteControl remoteControl_;
+    ScheduleNotice scheduleNotice_;
     Application& application_;
+    ConfirmDialog confirmDialog_;
     TrayItem trayItem_;
 };
 

@@ -6,6 +6,7 @@
 #include "Linux/Applications/LinuxWorkspace.h"
 #include "Linux/Autostart/AutostartEntry.h"
 #include "Linux/DBus/BusCommands.h"
+#include "Linux/DBus/BusNotice.h"
 #include "Linux/DBus/BusQuit.h"
 #include "Linux/EndSignals.h"
 #include "Linux/Files/LinuxFiles.h"
@@ -16,12 +17,12 @@
 #include "Linux/QtMainLoop.h"
 #include "Linux/QtProgram.h"
 #include "Linux/Session/BusEndService.h"
-#include "Linux/Session/BusNotice.h"
+#include "Linux/Session/BusSleepHolds.h"
+#include "Linux/Session/DesktopEndNotice.h"
 #include "Linux/Session/PowerBus.h"
 #include "Linux/Session/SessionEnd.h"
 #include "Linux/Volumes/UDisksVolumes.h"
 #include "Linux/X11/X11Toplevels.h"
-#include "Platform/SleepHold.h"
 #include "Services/LaunchAtLogin.h"
 
 #include <QApplication>
@@ -138,10 +139,6 @@ BackupTool backupTool() {
 /// With it and the path of a desktop entry the program does nothing but start that entry.
 constexpr const char* startEntrySwitch = "--start-entry";
 
-struct NoHold final : SleepHold {
-    Handle begin(const std::string&) override { return {}; }
-};
-
 int run(int argc, char** argv) {
     if (argc == 3 && std::string_view(argv[1]) == startEntrySwitch)
         return startDesktopEntry(argv[2]) ? EXIT_SUCCESS : EXIT_FAILURE;
@@ -211,14 +208,18 @@ int run(int argc, char** argv) {
     PowerBus systemBus = PowerBus::system(environment);
     BusEndService endService(sessionBus, systemBus,
                              {qEnvironmentVariable("XDG_SESSION_ID").toStdString()});
-    BusNotice notice(sessionBus);
-    SessionEnd sessionEnd({loop, log, workspace, endService, notice, ::getpid()});
-    NoHold sleepHold;
+    BusNotice endBusNotice(sessionBus.connection());
+    DesktopEndNotice endNotice(endBusNotice);
+    SessionEnd sessionEnd({loop, log, workspace, endService, endNotice, ::getpid()});
+    BusSleepHolds sleepHold(sessionBus, systemBus);
     UDisksVolumes volumes(loop, log, systemBus.connection());
     const FinishedWork finishedWork;
+    BusNotice scheduleNotice(sessionBus.connection());
+    BusNotice answerNotice(sessionBus.connection());
     AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program,
                           language.formats(), volumes, sessionEnd, sleepHold, children, files,
-                          backupTool()});
+                          backupTool()},
+                         {scheduleNotice, answerNotice});
     endSignals.onAsked = [&delegate] { delegate.end(); };
     return QApplication::exec();
 }

@@ -65,7 +65,12 @@ LocaleFormats::LocaleFormats(Language language, const QLocale& locale)
 LocaleFormats::~LocaleFormats() = default;
 
 std::string LocaleFormats::shortTime(WallTime date) const {
-    return locale_.toString(LocalTime::at(date).time(), QLocale::ShortFormat).toStdString();
+    const QTime time = LocalTime::at(date).time();
+    // The short form of no locale at all has seconds.
+    const QString text = locale_.language() == QLocale::C
+                             ? time.toString(QStringLiteral("HH:mm"))
+                             : locale_.toString(time, QLocale::ShortFormat);
+    return text.toStdString();
 }
 
 std::string LocaleFormats::relativeDate(WallTime date, WallTime now) const {
@@ -97,6 +102,11 @@ std::string LocaleFormats::bytes(std::uint64_t count) const {
     while (number.contains(point) && (number.endsWith(plain.zeroDigit()) || number.endsWith(point)))
         number.chop(1);
     return number.toStdString() + (isLarge ? " GB" : " MB");
+}
+
+std::string LocaleFormats::lowerCase(const std::string& text) const {
+    const QLocale locale(language_ == Language::italian ? QLocale::Italian : QLocale::English);
+    return locale.toLower(QString::fromStdString(text)).toStdString();
 }
 
 ClockTime LocaleFormats::clockTime(WallTime date) const {

@@ -19,6 +19,7 @@ public:
     [[nodiscard]] std::string shortTime(WallTime date) const override;
     [[nodiscard]] std::string relativeDate(WallTime date, WallTime now) const override;
     [[nodiscard]] std::string bytes(std::uint64_t count) const override;
+    [[nodiscard]] std::string lowerCase(const std::string& text) const override;
     [[nodiscard]] ClockTime clockTime(WallTime date) const override;
     [[nodiscard]] WallTime nextOccurrence(ClockTime time, WallTime now) const override;
     [[nodiscard]] WallTime today(ClockTime time, WallTime now) const override;

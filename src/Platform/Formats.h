@@ -38,6 +38,9 @@ public:
     /// without any other. Rounding doesn't change the unit: 2^30 - 1 bytes are "1024 MB".
     [[nodiscard]] virtual std::string bytes(std::uint64_t count) const = 0;
 
+    /// The text in lower case, by the rules of the interface's language.
+    [[nodiscard]] virtual std::string lowerCase(const std::string& text) const = 0;
+
     /// The local time of day at an instant, what is beyond the minute left out.
     [[nodiscard]] virtual ClockTime clockTime(WallTime date) const = 0;
 

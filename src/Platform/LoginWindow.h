@@ -19,8 +19,8 @@ public:
     /// waiting is replaced by the next.
     virtual std::optional<std::string> request(LoginRequest request) = 0;
 
-    /// Gives up a request that is still waiting. Without one nothing happens.
-    virtual void cancel() = 0;
+    /// Gives up a request that is still waiting; false when there was none.
+    virtual bool cancel() = 0;
 };
 
 } // namespace velmorquit

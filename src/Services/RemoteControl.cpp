@@ -61,14 +61,16 @@ bool holds(const std::vector<OpenApp>& apps, const OpenApp& wanted) {
 
 } // namespace
 
-RemoteControl::RemoteControl(QuitController& controller, RemoteCommands& remote,
-                             Workspace& workspace)
-    : controller_(controller), remote_(remote), knownApps_(controller.apps),
-      knownExclusions_(controller.excluded) {
+RemoteControl::RemoteControl(QuitController& controller, ActionRunner& actions,
+                             const Desktop& desktop)
+    : controller_(controller), remote_(desktop.remote),
+      schedule_({controller, actions, desktop.formats, desktop.kernel},
+                [this](const Json& change) { announce(change); }),
+      knownApps_(controller.apps), knownExclusions_(controller.excluded) {
     remote_.serve([this](const RemoteCommand& command) { return answer(command); });
     announceChanges();
     subscriptions_.push_back(
-        workspace.observe(WorkspaceEvent::terminated, [this] { announceEnds(); }));
+        desktop.workspace.observe(WorkspaceEvent::terminated, [this] { announceEnds(); }));
 }
 
 RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
@@ -86,8 +88,6 @@ RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
         return backup(arguments.front());
     if (verb == "eject" && count == 0)
         return eject();
-    if (verb == "cancel" && count == 0)
-        return cancel();
     if (verb == "reopen" && count == 0)
         return reopen();
     if (verb == "forget" && count == 0)
@@ -99,6 +99,8 @@ RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
             onShow(arguments.empty() ? std::string() : arguments.front());
         return done(Json::object());
     }
+    if (const auto answer = schedule_.answer(command))
+        return *answer;
     return {RemoteAnswer::Status::unknown, localized("Comando sconosciuto: %@", verb)};
 }
 
@@ -117,6 +119,9 @@ RemoteAnswer RemoteControl::status() {
     json["backups"] = {{"configured", backups.isConfigured},
                        {"last", backups.lastBackup ? Json(seconds(*backups.lastBackup)) : Json()}};
     json["drives"] = describeDrives();
+    json["schedule"] = schedule_.describe();
+    const auto& scheduleNote = controller_.scheduleNote.get();
+    json["scheduleNote"] = scheduleNote ? Json(*scheduleNote) : Json();
     json["reopenable"] = describeSaved(controller_.reopenable());
     json["note"] = controller_.resultNote.get() ? Json(*controller_.resultNote.get()) : Json();
     return done(json);
@@ -175,11 +180,6 @@ RemoteAnswer RemoteControl::eject() {
         return refused(localized("Nessun disco esterno collegato."));
     controller_.ejectNow();
     return done({{"drives", describeDrives()}});
-}
-
-RemoteAnswer RemoteControl::cancel() {
-    controller_.cancelPowerAction();
-    return done(describePhase());
 }
 
 RemoteAnswer RemoteControl::reopen() {
@@ -368,25 +368,24 @@ void RemoteControl::announceExclusions() {
 
 void RemoteControl::announce(const Event& event) {
     Json change = std::visit(
-        Overloaded{[](events::QuitDone quit) {
-                       return Json{{"event", "quitDone"}, {"closed", quit.closed}};
-                   },
-                   [](events::StubbornApps) { return Json{{"event", "stubbornApps"}}; },
-                   [](events::BackupStarted) { return Json{{"event", "backupStarted"}}; },
-                   [](events::BackupProgress progress) {
-                       return Json{{"event", "backupProgress"}, {"fraction", progress.fraction}};
-                   },
-                   [](events::BackupFinished finished) {
-                       return Json{{"event", "backupFinished"}, {"success", finished.success}};
-                   },
-                   [](const events::DisksEjected& ejected) {
-                       return Json{{"event", "disksEjected"},
-                                   {"count", ejected.count},
-                                   {"failed", ejected.failed}};
-                   },
-                   [](events::ConfirmationNeeded) {
-                       return Json{{"event", "confirmationNeeded"}};
-                   }},
+        Overloaded{
+            [](events::QuitDone quit) {
+                return Json{{"event", "quitDone"}, {"closed", quit.closed}};
+            },
+            [](events::StubbornApps) { return Json{{"event", "stubbornApps"}}; },
+            [](events::BackupStarted) { return Json{{"event", "backupStarted"}}; },
+            [](events::BackupProgress progress) {
+                return Json{{"event", "backupProgress"}, {"fraction", progress.fraction}};
+            },
+            [](events::BackupFinished finished) {
+                return Json{{"event", "backupFinished"}, {"success", finished.success}};
+            },
+            [](const events::DisksEjected& ejected) {
+                return Json{{"event", "disksEjected"},
+                            {"count", ejected.count},
+                            {"failed", ejected.failed}};
+            },
+            [](events::ConfirmationNeeded) { return Json{{"event", "confirmationNeeded"}}; }},
         event);
     Json told = {{"change", "event"}};
     told.update(change);

@@ -2,6 +2,7 @@
 
 #include "Platform/RemoteCommands.h"
 #include "Services/QuitController/QuitController.h"
+#include "Services/RemoteSchedule.h"
 
 #include <nlohmann/json.hpp>
 
@@ -15,15 +16,18 @@ namespace velmorquit {
 /// What other processes of the user can do with the controller and hear of it.
 ///
 /// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
-/// `include NAME`, `backup skip|cancel|continue|stop`, `eject`, `cancel` (a power action that has
-/// not happened yet), `reopen` and `forget` (what the last run closed), `show [TOKEN]`. Changes are
-/// announced as objects with a field `change`: `phase`, `stubborn`, `opened`, `closed`,
-/// `windowless` (it lives on), `excluded`, `included`, `event`. A stubborn application has a
-/// `reason`: `asking`, `windowless`, `cannotBeAsked`, `busyTerminal`, `notResponding`, or null when
-/// nothing is known.
+/// `include NAME`, `backup skip|cancel|continue|stop`, `eject`, `reopen` and `forget` (what the
+/// last run closed), `show [TOKEN]`, and those of `RemoteSchedule`. Changes are announced as
+/// objects with a field `change`: `phase`, `stubborn`, `opened`, `closed`, `windowless` (it lives
+/// on), `excluded`, `included`, `event`. A stubborn application has a `reason`: `asking`,
+/// `windowless`, `cannotBeAsked`, `busyTerminal`, `notResponding`, or null when nothing is known.
 class RemoteControl {
 public:
-    RemoteControl(QuitController& controller, RemoteCommands& remote, Workspace& workspace);
+    /// What it is handed outlives it.
+    RemoteControl(QuitController& controller, ActionRunner& actions, const Desktop& desktop);
+
+    /// The part that is about the schedule and the published actions.
+    [[nodiscard]] RemoteSchedule& schedule() { return schedule_; }
 
     /// Shows the program to its user. The token lets a window come to the front; it may be empty.
     std::function<void(const std::string& activationToken)> onShow;
@@ -41,7 +45,6 @@ private:
     RemoteAnswer leave();
     RemoteAnswer backup(const std::string& word);
     RemoteAnswer eject();
-    RemoteAnswer cancel();
     RemoteAnswer reopen();
     RemoteAnswer forget();
     [[nodiscard]] Json describeDrives() const;
@@ -63,6 +66,7 @@ private:
 
     QuitController& controller_;
     RemoteCommands& remote_;
+    RemoteSchedule schedule_;
     std::vector<OpenApp> knownApps_;
     /// Those told as windowless, whose end nobody has heard of yet.
     std::vector<OpenApp> windowless_;

@@ -39,20 +39,13 @@ std::string SimulatedDesktop::log() const {
 }
 
 Desktop SimulatedDesktop::ports() {
-    return {loop,
-            preferences,
-            workspace,
-            kernel,
-            systemLog,
-            remote,
-            program,
-            formats,
-            volumes,
-            loginWindow,
-            sleepHold,
-            backupTool,
-            files,
-            {.program = "/tool", .destinations = SimulatedFiles::destinations}};
+    return {loop,      preferences,
+            workspace, kernel,
+            systemLog, remote,
+            program,   formats,
+            volumes,   loginWindow,
+            sleepHold, backupTool,
+            files,     {.program = "/tool", .destinations = SimulatedFiles::destinations}};
 }
 
 } // namespace velmorquit

@@ -22,6 +22,15 @@ std::string SimulatedFormats::bytes(std::uint64_t count) const {
     return std::to_string(count >> 20) + " MB";
 }
 
+std::string SimulatedFormats::lowerCase(const std::string& text) const {
+    std::string lowered = text;
+    for (char& letter : lowered) {
+        if (letter >= 'A' && letter <= 'Z')
+            letter = static_cast<char>(letter - 'A' + 'a');
+    }
+    return lowered;
+}
+
 ClockTime SimulatedFormats::clockTime(WallTime date) const {
     const auto sinceMidnight = date - std::chrono::floor<std::chrono::days>(date);
     const auto minutes = std::chrono::floor<std::chrono::minutes>(sinceMidnight).count();

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <string_view>
+#include <utility>
 
 namespace velmorquit {
 
@@ -69,10 +70,10 @@ public:
             onRequest();
         return refusal;
     }
-    void cancel() override {
+    bool cancel() override {
         if (isWaiting_)
             log_("cancel request");
-        isWaiting_ = false;
+        return std::exchange(isWaiting_, false);
     }
 
     std::optional<std::string> refusal;

@@ -1,4 +1,6 @@
-#include "Linux/Session/BusNotice.h"
+#include "Linux/DBus/BusNotice.h"
+#include "Linux/Session/DesktopEndNotice.h"
+#include "Linux/Session/PowerBus.h"
 #include "support/PrivateBus.h"
 
 #include <QDBusArgument>
@@ -64,10 +66,18 @@ private:
     uint last_ = 6;
 };
 
+/// What a session's end is told with.
+struct ShownNotice {
+    explicit ShownNotice(const PowerBus& session) : notice(session.connection()) {}
+
+    BusNotice notice;
+    DesktopEndNotice end{notice};
+};
+
 class BusNoticeTest : public testing::Test {
 protected:
     BusNoticeTest() {
-        notice->onCancel = [this] { ++cancelled; };
+        notice->end.onCancel = [this] { ++cancelled; };
     }
 
     void settleAll() { settle({session.connection(), service.bus()}); }
@@ -81,54 +91,54 @@ protected:
     PrivateBus bus;
     PowerBus session = PowerBus::standIn(bus.address(), bus.folder());
     Service service{bus.connect()};
-    std::unique_ptr<BusNotice> notice = std::make_unique<BusNotice>(session);
+    std::unique_ptr<ShownNotice> notice = std::make_unique<ShownNotice>(session);
     int cancelled = 0;
 };
 
 TEST_F(BusNoticeTest, SaysWhatItWaitsForAndWhatHasCome) {
-    notice->showWaiting(LoginRequest::shutDown, {"R&D <Note>"});
+    notice->end.showWaiting(LoginRequest::shutDown, {"R&D <Note>"});
     EXPECT_EQ(heard(), QStringList{"show | Sto per spegnere il computer | Aspetto che si chiuda "
                                    "R&amp;D &lt;Note&gt;. | cancel=Annulla | 0"});
-    notice->showWaiting(LoginRequest::restart, {"Note", "Mail"});
+    notice->end.showWaiting(LoginRequest::restart, {"Note", "Mail"});
     EXPECT_EQ(heard(), QStringList{"replace 7 | Sto per riavviare il computer | Aspetto che si "
                                    "chiudano 2 app: Note, Mail. | cancel=Annulla | 0"});
-    notice->showGivenUp(LoginRequest::logOut, {"Note"});
+    notice->end.showGivenUp(LoginRequest::logOut, {"Note"});
     EXPECT_EQ(heard(), QStringList{"replace 7 | La sessione non è stata chiusa | Note è rimasta "
                                    "aperta. |  | -1"});
-    notice->showGivenUp(LoginRequest::restart, {"Note", "Mail"});
+    notice->end.showGivenUp(LoginRequest::restart, {"Note", "Mail"});
     EXPECT_EQ(heard(), QStringList{"replace 7 | Il computer non è stato riavviato | 2 app sono "
                                    "rimaste aperte: Note, Mail. |  | -1"});
-    notice->showFailure(LoginRequest::shutDown);
+    notice->end.showFailure(LoginRequest::shutDown);
     EXPECT_EQ(heard(), QStringList{"replace 7 | Il computer non è stato spento | Il sistema ha "
                                    "rifiutato o non ha risposto. |  | -1"});
-    notice->withdraw();
+    notice->end.withdraw();
     EXPECT_EQ(heard(), QStringList{"close 7"});
-    notice->withdraw();
+    notice->end.withdraw();
     notice.reset();
     EXPECT_EQ(heard(), QStringList());
 }
 
 TEST_F(BusNoticeTest, WhatComesWhileTheServiceIsSlowIsToldWhenItHasAnswered) {
     service.isSlow = true;
-    notice->showWaiting(LoginRequest::shutDown, {"Note"});
+    notice->end.showWaiting(LoginRequest::shutDown, {"Note"});
     EXPECT_EQ(heard().size(), 1);
-    notice->showWaiting(LoginRequest::shutDown, {"Mail"});
-    notice->withdraw();
+    notice->end.showWaiting(LoginRequest::shutDown, {"Mail"});
+    notice->end.withdraw();
     EXPECT_EQ(heard(), QStringList());
     service.answer();
     EXPECT_EQ(heard(), QStringList{"close 7"});
 
-    notice->showWaiting(LoginRequest::shutDown, {"Note"});
+    notice->end.showWaiting(LoginRequest::shutDown, {"Note"});
     EXPECT_EQ(heard().size(), 1);
-    notice->showWaiting(LoginRequest::shutDown, {"Mail"});
-    notice->showGivenUp(LoginRequest::shutDown, {"Mail"});
+    notice->end.showWaiting(LoginRequest::shutDown, {"Mail"});
+    notice->end.showGivenUp(LoginRequest::shutDown, {"Mail"});
     service.answer();
     EXPECT_EQ(heard(), QStringList{"replace 8 | Il computer non è stato spento | Mail è rimasta "
                                    "aperta. |  | -1"});
 }
 
 TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndOnlyHere) {
-    notice->showWaiting(LoginRequest::shutDown, {"Note"});
+    notice->end.showWaiting(LoginRequest::shutDown, {"Note"});
     heard();
     service.emitSignal("ActionInvoked", 9, "cancel");
     service.emitSignal("ActionInvoked", 7, "default");
@@ -141,7 +151,7 @@ TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndOnlyHere) {
     service.emitSignal("ActionInvoked", 7, "cancel");
     settleAll();
     EXPECT_EQ(cancelled, 1);
-    notice->showGivenUp(LoginRequest::shutDown, {"Note"});
+    notice->end.showGivenUp(LoginRequest::shutDown, {"Note"});
     settleAll();
     service.emitSignal("ActionInvoked", 7, "cancel");
     settleAll();
@@ -149,24 +159,24 @@ TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndOnlyHere) {
 }
 
 TEST_F(BusNoticeTest, WhatTheUserPutAwayIsNeitherReplacedNorWithdrawn) {
-    notice->showWaiting(LoginRequest::shutDown, {"Note", "Mail"});
+    notice->end.showWaiting(LoginRequest::shutDown, {"Note", "Mail"});
     heard();
     service.emitSignal("NotificationClosed", 7, 2U);
     settleAll();
-    notice->withdraw();
+    notice->end.withdraw();
     EXPECT_EQ(heard(), QStringList());
     EXPECT_EQ(cancelled, 0);
-    notice->showGivenUp(LoginRequest::shutDown, {"Note"});
+    notice->end.showGivenUp(LoginRequest::shutDown, {"Note"});
     EXPECT_TRUE(heard().value(0).startsWith("show | "));
 }
 
 TEST_F(BusNoticeTest, GoingTakesAwayOnlyWhatWaits) {
-    notice->showWaiting(LoginRequest::shutDown, {"Note"});
+    notice->end.showWaiting(LoginRequest::shutDown, {"Note"});
     heard();
     notice.reset();
     EXPECT_EQ(heard(), QStringList{"close 7"});
-    notice = std::make_unique<BusNotice>(session);
-    notice->showGivenUp(LoginRequest::shutDown, {"Note"});
+    notice = std::make_unique<ShownNotice>(session);
+    notice->end.showGivenUp(LoginRequest::shutDown, {"Note"});
     heard();
     notice.reset();
     EXPECT_EQ(heard(), QStringList());
@@ -177,11 +187,11 @@ TEST_F(BusNoticeTest, WithoutAServiceOrABusNothingHappens) {
     const PowerBus empty = PowerBus::standIn(other.address(), other.folder());
     const PowerBus none = PowerBus::standIn("", other.folder());
     for (const PowerBus* session : {&empty, &none}) {
-        BusNotice silent(*session);
-        silent.showWaiting(LoginRequest::shutDown, {"Note"});
+        ShownNotice silent(*session);
+        silent.end.showWaiting(LoginRequest::shutDown, {"Note"});
         settle({session->connection()});
-        silent.showGivenUp(LoginRequest::shutDown, {"Note"});
-        silent.withdraw();
+        silent.end.showGivenUp(LoginRequest::shutDown, {"Note"});
+        silent.end.withdraw();
     }
 }
 

@@ -70,6 +70,8 @@ struct BackupStory {
     bool isFollowed;
 };
 
+void PrintTo(const BackupStory& story, std::ostream* stream) { *stream << story.name; }
+
 const std::string begun = Lines("0.25 backingUp", "0.25 start backup", "0.25 event backupStarted");
 const std::string failedAtOnce =
     Lines("0.25 backingUp", "0.25 event backupFinished badly", "0.25 backupFailed: no such tool");

@@ -200,7 +200,8 @@ TEST_F(LastSession, IsReopenedAndForgottenByOthers) {
     openInstalled("one");
     openInstalled("two");
     start();
-    RemoteControl control(*controller, desktop.remote, desktop.workspace);
+    ActionRunner actions(desktop.loop, desktop.kernel, desktop.formats);
+    RemoteControl control(*controller, actions, desktop.ports());
     const auto give = [this](const char* verb) {
         return json::parse(desktop.remote.give(verb).text);
     };

@@ -13,7 +13,7 @@ class RemoteControlTest : public ControllerStory {
 protected:
     void serve() {
         start();
-        control = std::make_unique<RemoteControl>(*controller, desktop.remote, desktop.workspace);
+        control = std::make_unique<RemoteControl>(*controller, actions, desktop.ports());
         onEvent = [this](const Event& event) { control->announce(event); };
         desktop.loop.settle();
         desktop.remote.changes.clear();
@@ -28,6 +28,7 @@ protected:
         return kinds;
     }
 
+    ActionRunner actions{desktop.loop, desktop.kernel, desktop.formats};
     std::unique_ptr<RemoteControl> control;
 };
 

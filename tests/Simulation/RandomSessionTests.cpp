@@ -22,7 +22,7 @@ public:
     }
 
     void step() {
-        switch (pick(18)) {
+        switch (pick(23)) {
         case 0:
         case 1:
             openOne();
@@ -75,6 +75,18 @@ public:
             if (pick(3) == 0)
                 controller_->cancelPowerAction();
             break;
+        case 17:
+        case 18:
+            changeSchedule();
+            break;
+        case 19:
+            if (pick(6) == 0)
+                desktop_.loop.fallAsleep(std::chrono::seconds(pick(600)));
+            break;
+        case 20:
+            pick(2) == 0 ? controller_->reopenLastSession() : controller_->forgetLastSession();
+            EXPECT_TRUE(controller_->lastSession->empty());
+            break;
         default:
             break;
         }
@@ -86,6 +98,7 @@ public:
     /// Every run comes to an end when all that is open is gone.
     void finish() {
         controller_->onEvent = nullptr;
+        controller_->cancelSchedule();
         for (SimulatedApplication* app : apps_)
             app->end();
         // A backup and its record, three attempts at each drive, a question, the result.
@@ -110,8 +123,7 @@ private:
         watch_.reset();
         control_.reset();
         controller_ = std::make_unique<QuitController>(desktop_.ports());
-        control_ =
-            std::make_unique<RemoteControl>(*controller_, desktop_.remote, desktop_.workspace);
+        control_ = std::make_unique<RemoteControl>(*controller_, actions_, desktop_.ports());
         controller_->onEvent = [this](const Event& event) { react(event); };
         watch_ = controller_->phase.subscribe([this] { check(); });
         hasStubbornEvent_ = false;
@@ -137,6 +149,26 @@ private:
         };
         desktop_.loginWindow.refusal =
             pick(3) == 0 ? std::optional<std::string>("refused") : std::nullopt;
+    }
+
+    void changeSchedule() {
+        switch (pick(6)) {
+        case 0:
+            controller_->postponeSchedule(1);
+            break;
+        case 1:
+            controller_->confirmScheduledQuit();
+            break;
+        case 2:
+            controller_->cancelSchedule();
+            break;
+        case 3:
+            controller_->chooseConfirmScheduled(pick(2) == 0);
+            break;
+        default:
+            controller_->scheduleQuit(desktop_.loop.now() + std::chrono::seconds(pick(90) - 5),
+                                      PowerAction::none);
+        }
     }
 
     int pick(int below) { return std::uniform_int_distribution(0, below - 1)(random_); }
@@ -243,11 +275,27 @@ private:
         const Phase& phase = controller_->phase;
         if (!is<phases::BackingUp>(phase))
             isBackupUnderWay_ = false;
+        // A scheduled run begins without anybody starting it.
+        if (!is<phases::Quitting>(phase) && !is<phases::Waiting>(phase))
+            hasStubbornEvent_ = false;
         if (controller_->autoContinueAt.get()) {
             EXPECT_TRUE(isBusy(phase) || is<phases::Done>(phase));
         }
         if (is<phases::Idle>(phase)) {
             EXPECT_FALSE(controller_->resultNote.get());
+        }
+        if (controller_->awaitingConfirmation) {
+            EXPECT_TRUE(controller_->schedule.get());
+        }
+        // A hold for the schedule, and one for the run; none outlives its reason.
+        const std::string held = desktop_.sleepHold.reasons();
+        const bool isPending =
+            controller_->schedule.get() && !controller_->awaitingConfirmation.get();
+        if (!isPending) {
+            EXPECT_EQ(held.find("programmata"), std::string::npos);
+        }
+        if (is<phases::Idle>(phase) && !controller_->isRunning()) {
+            EXPECT_EQ(held.find("chiudendo"), std::string::npos);
         }
     }
 
@@ -278,6 +326,7 @@ private:
 
     std::mt19937 random_;
     SimulatedDesktop desktop_;
+    ActionRunner actions_{desktop_.loop, desktop_.kernel, desktop_.formats};
     std::unique_ptr<QuitController> controller_;
     std::unique_ptr<RemoteControl> control_;
     std::vector<SimulatedApplication*> apps_;

@@ -1,7 +1,8 @@
 #include "Linux/Applications/LinuxWorkspace.h"
+#include "Linux/DBus/BusNotice.h"
 #include "Linux/QtMainLoop.h"
 #include "Linux/Session/BusEndService.h"
-#include "Linux/Session/BusNotice.h"
+#include "Linux/Session/DesktopEndNotice.h"
 #include "Linux/Session/SessionEnd.h"
 #include "Linux/X11/X11Toplevels.h"
 #include "Simulated/SimulatedPorts.h"
@@ -102,7 +103,8 @@ protected:
     PowerBus session = PowerBus::session(PowerBus::Environment::ofThisProcess());
     PowerBus system = PowerBus::system(PowerBus::Environment::ofThisProcess());
     BusEndService service{session, system, {}};
-    BusNotice notice{session};
+    BusNotice busNotice{session.connection()};
+    DesktopEndNotice notice{busNotice};
     SessionEnd end{{loop, log, workspace, service, notice, ::getpid()}};
     std::unique_ptr<Child> manager;
 };

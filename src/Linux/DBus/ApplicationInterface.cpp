@@ -1,7 +1,5 @@
 #include "Linux/DBus/ApplicationInterface.h"
 
-#include "Texts/Localized.h"
-
 #include <QDBusConnection>
 #include <QDBusError>
 
@@ -41,11 +39,22 @@ void ApplicationInterface::Open(const QStringList& /*files*/, const QVariantMap&
     Activate(platformData, call);
 }
 
-void ApplicationInterface::ActivateAction(const QString& action, const QVariantList& /*parameters*/,
+void ApplicationInterface::ActivateAction(const QString& action, const QVariantList& parameters,
                                           const QVariantMap& /*platformData*/,
                                           const QDBusMessage& call) {
-    fail(call, QDBusError::InvalidArgs,
-         QString::fromStdString(localized("Azione sconosciuta: %@", action.toStdString())));
+    RemoteCommand command{"action", {action.toStdString()}};
+    for (const QVariant& parameter : parameters) {
+        if (parameter.canConvert<int>() && parameter.typeId() != QMetaType::QString)
+            command.arguments.push_back("minutes=" + parameter.toString().toStdString());
+        for (const QString& text : parameter.toStringList())
+            command.arguments.push_back(text.toStdString());
+    }
+    const RemoteAnswer answer = perform_(command);
+    if (answer.status == RemoteAnswer::Status::done)
+        return;
+    const bool isUnknown = answer.status == RemoteAnswer::Status::unknown;
+    fail(call, isUnknown ? QDBusError::InvalidArgs : QDBusError::Failed,
+         QString::fromStdString(answer.text));
 }
 
 QVariantMap takePlatformData() {

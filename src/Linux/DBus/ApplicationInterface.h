@@ -27,7 +27,9 @@ public Q_SLOTS:
     void Activate(const QVariantMap& platformData, const QDBusMessage& call);
     /// As `Activate`: the program opens no files.
     void Open(const QStringList& files, const QVariantMap& platformData, const QDBusMessage& call);
-    /// There are no actions: always an error.
+    /// Is the command `action` with that name; of the parameters a number is the minutes, and a
+    /// text or a list of texts is passed on as it is ("minutes=30", "then=shutDown"). A fault in
+    /// them is an error at once; what comes of the action is shown to the user.
     void ActivateAction(const QString& action, const QVariantList& parameters,
                         const QVariantMap& platformData, const QDBusMessage& call);
 

@@ -62,12 +62,13 @@ std::optional<std::string> SessionEnd::request(LoginRequest request) {
     return std::nullopt;
 }
 
-void SessionEnd::cancel() {
+bool SessionEnd::cancel() {
     if (!waiting_.isActive())
-        return;
+        return false;
     waiting_.cancel();
     applications_.forget();
     surroundings_.notice.withdraw();
+    return true;
 }
 
 Task SessionEnd::waitAndEnd(LoginRequest request) {

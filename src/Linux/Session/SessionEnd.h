@@ -41,7 +41,7 @@ public:
     /// Refused as well while the system is being asked for an earlier request. A request that is
     /// refused leaves one that waits as it is.
     std::optional<std::string> request(LoginRequest request) override;
-    void cancel() override;
+    bool cancel() override;
 
     [[nodiscard]] MainLoop& mainLoop() { return surroundings_.loop; }
 

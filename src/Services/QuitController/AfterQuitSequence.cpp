@@ -35,8 +35,7 @@ void noteEjected(std::vector<std::string>& notes, const ExternalDrives::Ejected&
 Task QuitController::afterApps(RunResult result, PowerAction action) {
     const int number = runNumber_;
     unfollowedResult_.reset();
-    isActionDropped_ = false;
-    runningAction = action;
+    runningAction = isActionDropped_ ? PowerAction::none : action;
     std::vector<std::string> notes;
 
     if (backupFirst && timeMachine->isConfigured) {
@@ -135,9 +134,14 @@ Task QuitController::ejectByThemselves() {
     emit(events::DisksEjected{ejected.count, ejected.failed});
 }
 
-void QuitController::cancelPowerAction() {
+bool QuitController::cancelPowerAction() {
+    const bool isToFollow =
+        pendingAction_ != PowerAction::none || runningAction.get() != PowerAction::none;
+    pendingAction_ = PowerAction::none;
+    runningAction = PowerAction::none;
     isActionDropped_ = true;
-    desktop_.loginWindow.cancel();
+    const bool wasAskedFor = desktop_.loginWindow.cancel();
+    return isToFollow || wasAskedFor;
 }
 
 void QuitController::stopBackup(BackupStop how) { backupStop_ = how; }

@@ -16,6 +16,7 @@ void QuitController::quitAll(PowerAction action) {
     // one.
     resetSequence(runNumber_);
     ++runNumber_;
+    isActionDropped_ = false;
     desktop_.loginWindow.cancel();
     holdSleepForRun();
     refresh();

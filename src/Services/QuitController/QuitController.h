@@ -146,8 +146,9 @@ public:
         return ejectTask_.isActive() || ejectNowTask_.isActive();
     }
 
-    /// Drops a power action that has not happened yet.
-    void cancelPowerAction();
+    /// Drops a power action that has not happened yet; false when there was none. The run itself
+    /// goes on.
+    bool cancelPowerAction();
 
     /// Answers the question after a failed backup. Without one nothing happens.
     void resolveBackupFailure(FailureChoice choice);

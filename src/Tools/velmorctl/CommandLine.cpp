@@ -4,6 +4,9 @@
 
 #include <QMap>
 
+#include <optional>
+#include <utility>
+
 namespace velmorquit {
 
 namespace {
@@ -12,21 +15,39 @@ using Command = CommandLine::Command;
 
 const QMap<QString, Command>& commands() {
     static const QMap<QString, Command> words{
-        {"help", Command::help},       {"--help", Command::help},   {"-h", Command::help},
-        {"status", Command::status},   {"watch", Command::watch},   {"quit-all", Command::quitAll},
-        {"force", Command::force},     {"leave", Command::leave},   {"exclude", Command::exclude},
-        {"include", Command::include}, {"show", Command::show},     {"backup", Command::backup},
-        {"eject", Command::eject},     {"cancel", Command::cancel}, {"reopen", Command::reopen},
-        {"forget", Command::forget},
+        {"help", Command::help},         {"--help", Command::help},
+        {"-h", Command::help},           {"status", Command::status},
+        {"watch", Command::watch},       {"quit-all", Command::quitAll},
+        {"force", Command::force},       {"leave", Command::leave},
+        {"exclude", Command::exclude},   {"include", Command::include},
+        {"show", Command::show},         {"backup", Command::backup},
+        {"eject", Command::eject},       {"cancel", Command::cancel},
+        {"reopen", Command::reopen},     {"forget", Command::forget},
+        {"schedule", Command::schedule}, {"postpone", Command::postpone},
+        {"confirm", Command::confirm},   {"memory", Command::memory},
+        {"action", Command::action},
     };
     return words;
+}
+
+/// Takes what follows an option that says when.
+std::optional<std::string> takeMoment(CommandLine& line, const QString& option, QStringList& rest) {
+    if (!line.moment.isEmpty())
+        return localized("schedule vuole --minutes oppure --at, una volta sola");
+    if (rest.isEmpty())
+        return localized("%@ vuole un valore", option.toStdString());
+    line.moment = option.mid(2);
+    line.time = rest.takeFirst();
+    return std::nullopt;
 }
 
 /// Takes the option at the front of `rest`; a text says what is wrong with it.
 std::optional<std::string> takeOption(CommandLine& line, QStringList& rest) {
     const QString option = rest.takeFirst();
     const bool isQuitAll = line.command == Command::quitAll;
-    const bool isReport = line.command == Command::status || line.command == Command::watch;
+    const bool isSchedule = line.command == Command::schedule;
+    const bool isReport = line.command == Command::status || line.command == Command::watch ||
+                          line.command == Command::memory;
     if (option == "--json" && isReport) {
         line.wantsJson = true;
         return std::nullopt;
@@ -35,12 +56,35 @@ std::optional<std::string> takeOption(CommandLine& line, QStringList& rest) {
         line.isConfirmed = true;
         return std::nullopt;
     }
-    if (option != "--then" || !isQuitAll)
+    if ((option == "--minutes" || option == "--at") && isSchedule)
+        return takeMoment(line, option, rest);
+    if (option != "--then" || !(isQuitAll || isSchedule))
         return localized("opzione sconosciuta: %@", option.toStdString());
     static const QStringList choices{"nothing", "shutDown", "restart", "logOut"};
     if (rest.isEmpty() || !choices.contains(rest.first()))
         return localized("--then vuole una di queste parole: %@", choices.join(", ").toStdString());
     line.then = rest.takeFirst();
+    return std::nullopt;
+}
+
+/// Takes the words that belong to the command itself; a text says what is wrong with them.
+std::optional<std::string> takeWords(CommandLine& line, QStringList& rest) {
+    if (line.command == Command::backup) {
+        static const QStringList words{"skip", "cancel", "continue", "stop"};
+        if (rest.size() != 1 || !words.contains(rest.first()))
+            return localized("backup vuole una di queste parole: %@",
+                             words.join(", ").toStdString());
+        line.word = rest.takeFirst();
+    }
+    if (line.command == Command::postpone)
+        line.time = rest.isEmpty() ? QStringLiteral("10") : rest.takeFirst();
+    if (line.command == Command::schedule)
+        line.then = QStringLiteral("shutDown");
+    if (line.command == Command::action) {
+        if (rest.isEmpty())
+            return localized("action vuole il nome di un'azione");
+        line.arguments = std::exchange(rest, {});
+    }
     return std::nullopt;
 }
 
@@ -64,17 +108,14 @@ std::variant<CommandLine, std::string> parseCommandLine(const QStringList& argum
             return localized("%@ vuole il nome di un'app", word.toStdString());
         return line;
     }
-    if (line.command == Command::backup) {
-        static const QStringList words{"skip", "cancel", "continue", "stop"};
-        if (rest.size() != 1 || !words.contains(rest.first()))
-            return localized("backup vuole una di queste parole: %@",
-                             words.join(", ").toStdString());
-        line.word = rest.takeFirst();
-    }
+    if (const auto wrong = takeWords(line, rest))
+        return *wrong;
     while (!rest.isEmpty()) {
         if (const auto wrong = takeOption(line, rest))
             return *wrong;
     }
+    if (line.command == Command::schedule && line.moment.isEmpty())
+        return localized("schedule vuole --minutes oppure --at, una volta sola");
     return line;
 }
 
@@ -93,7 +134,16 @@ std::string usage() {
         "  backup skip|cancel   ferma il backup e va avanti, o chiude qui\n"
         "  backup continue|stop dopo un backup non riuscito: va avanti, o si ferma\n"
         "  eject                espelle i dischi esterni\n"
-        "  cancel               rinuncia a spegnere, riavviare o uscire\n"
+        "  schedule --minutes N|--at HH:MM [--then nothing|shutDown|restart|logOut]\n"
+        "                       programma la chiusura; poi spegne, se non dici altro\n"
+        "  postpone [N]         la rimanda di N minuti, o di 10\n"
+        "  confirm              la fa partire, quando aspetta una conferma\n"
+        "  cancel               la annulla; rinuncia anche a spegnere, riavviare o uscire\n"
+        "  memory [--json]      quanta memoria è in uso\n"
+        "  action NOME [minutes=N] [then=SCELTA]\n"
+        "                       come da un lanciatore: domande e risposte sullo schermo "
+        "(quit-all,\n"
+        "                       schedule-quit, cancel-schedule, reopen-apps, memory)\n"
         "  reopen               riapre in secondo piano le app dell'ultima chiusura\n"
         "  forget               dimentica quali erano\n"
         "  show                 fa mostrare Velmor Quit\n"

@@ -32,12 +32,20 @@ struct CommandLine {
         eject,
         cancel,
         reopen,
-        forget
+        forget,
+        schedule,
+        postpone,
+        confirm,
+        memory,
+        action
     };
 
     Command command = Command::help;
     QString name;                             ///< of an application
     QString word;                             ///< what is said to a backup
+    QString moment;                           ///< "minutes" or "at", of a schedule
+    QString time;                             ///< a number of minutes, or a time of day
+    QStringList arguments;                    ///< name and parameters of a published action
     QString then = QStringLiteral("nothing"); ///< what is to follow a run
     bool isConfirmed = false;                 ///< no question is to be asked first
     bool wantsJson = false;

@@ -65,16 +65,19 @@ std::string doneText(const QJsonObject& state, const Formats& formats) {
                : localized("Finito: %lld app chiuse, %@ liberati", closed, formats.bytes(freed));
 }
 
+std::string shortTime(const QJsonValue& seconds, const Formats& formats) {
+    return formats.shortTime(WallTime{std::chrono::seconds(seconds.toInteger())});
+}
+
 std::string backupFailedText(const QJsonObject& state, const Formats& formats) {
     const std::string reason = state["reason"].toString().toStdString();
     const auto until = state["continuesAt"];
     if (until.isNull())
         return localized("Backup non riuscito: %@ (decidi tu: velmorctl backup continue o stop)",
                          reason);
-    const WallTime date{std::chrono::seconds(until.toInteger())};
     return localized("Backup non riuscito: %@ (vado avanti alle %@, o decidi tu: velmorctl backup "
                      "continue o stop)",
-                     reason, formats.shortTime(date));
+                     reason, shortTime(until, formats));
 }
 
 std::string phaseText(const QJsonObject& state, const Formats& formats) {
@@ -141,6 +144,27 @@ std::string eventText(const QJsonObject& change) {
     return localized("Ancora collegati: %@", failed.join(", ").toStdString());
 }
 
+std::string scheduleTitle(const QString& then) {
+    if (then == "shutDown")
+        return localized("Spegni");
+    if (then == "restart")
+        return localized("Riavvia");
+    return then == "logOut" ? localized("Esci utente") : localized("Chiudi tutto");
+}
+
+/// What is set for later, without a full stop; empty without a schedule.
+std::string scheduleText(const QJsonValue& schedule, const Formats& formats) {
+    if (schedule.isNull())
+        return {};
+    const std::string time = shortTime(schedule["date"], formats);
+    const std::string title = scheduleTitle(schedule["then"].toString());
+    if (schedule["awaiting"].toBool())
+        return localized("La chiusura delle %@ (%@) aspetta una conferma: velmorctl confirm, "
+                         "postpone o cancel",
+                         time, title);
+    return localized("Chiusura programmata alle %@ (%@)", time, title);
+}
+
 /// What can be brought back, as a line; empty while a run is in progress or when there is nothing.
 std::string reopenableText(const QJsonObject& status) {
     const QString phase = status["phase"].toString();
@@ -162,7 +186,9 @@ std::string statusText(const QJsonObject& status, const Formats& formats) {
         if (find(applications, application.toObject()).isUndefined())
             applications.append(application);
     }
-    const std::string phase = phaseText(status, formats) + '\n';
+    std::string phase = phaseText(status, formats) + '\n';
+    if (const std::string schedule = scheduleText(status["schedule"], formats); !schedule.empty())
+        phase += schedule + '\n';
     if (applications.isEmpty())
         return phase + localized("Nessuna app aperta") + '\n' + reopenableText(status);
     Table table({Table::Align::left, Table::Align::right, Table::Align::right, Table::Align::left,
@@ -183,6 +209,17 @@ std::string changeText(const QJsonObject& change, const Formats& formats) {
         return phaseText(change, formats);
     if (kind == "event")
         return eventText(change);
+    if (kind == "schedule") {
+        const std::string text = scheduleText(change["schedule"], formats);
+        return text.empty() ? localized("Nessuna chiusura programmata") : text;
+    }
+    if (kind == "attention") {
+        const int seconds = change["seconds"].toInt();
+        return seconds == 1 ? localized("Chiusura programmata tra 1 secondo")
+                            : localized("Chiusura programmata tra %lld secondi", seconds);
+    }
+    if (kind == "scheduleNote")
+        return change["note"].toString().toStdString();
     if (kind == "stubborn") {
         const QJsonArray applications = change["applications"].toArray();
         if (applications.isEmpty())

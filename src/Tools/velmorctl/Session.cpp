@@ -12,6 +12,8 @@
 #include <QTextStream>
 #include <QTime>
 
+#include <algorithm>
+#include <array>
 #include <iostream>
 #include <utility>
 
@@ -38,9 +40,17 @@ bool isNobodyThere(const QDBusError& error) {
            error.name() == "org.freedesktop.DBus.Error.NameHasNoOwner";
 }
 
+/// The bus was to start it.
+bool hasFailedToStart(const QDBusError& error) {
+    return error.name().startsWith("org.freedesktop.DBus.Error.Spawn.");
+}
+
 QString saidBy(const QDBusError& error) {
     return error.message().isEmpty() ? error.name() : error.message();
 }
+
+/// As the program calls it.
+QString actionValue(const QString& then) { return then == "nothing" ? "none" : then; }
 
 qsizetype countToQuit(const QJsonObject& status) {
     qsizetype count = 0;
@@ -106,13 +116,25 @@ void Session::start() {
         perform("eject", {}, [](const QString&) {});
         break;
     case Command::cancel:
-        report("cancel", {});
+        relay("cancel", {});
+        break;
+    case Command::schedule:
+        relay("schedule", {line_.moment, line_.time, actionValue(line_.then)});
+        break;
+    case Command::postpone:
+        relay("postpone", {line_.time});
+        break;
+    case Command::confirm:
+        relay("confirm", {});
+        break;
+    case Command::memory:
+        relay("memory", {});
+        break;
+    case Command::action:
+        report("action", line_.arguments);
         break;
     case Command::reopen:
-        perform("reopen", {}, [](const QString& json) {
-            print(parsed(json)["text"].toString().toStdString() + '\n');
-            end(ExitStatus::success);
-        });
+        relay("reopen", {});
         break;
     case Command::forget:
         report("forget", {});
@@ -131,7 +153,11 @@ void Session::perform(const QString& verb, const QStringList& arguments,
 }
 
 void Session::send(QDBusMessage call, std::function<void(const QString& answer)> done) {
-    call.setAutoStartService(false);
+    // The others are about a program that runs.
+    using Command = CommandLine::Command;
+    constexpr std::array starting{Command::quitAll, Command::schedule, Command::reopen,
+                                  Command::memory, Command::action};
+    call.setAutoStartService(std::ranges::find(starting, line_.command) != starting.end());
     auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(call, patience), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [this, pending, done = std::move(done)] {
@@ -141,6 +167,10 @@ void Session::send(QDBusMessage call, std::function<void(const QString& answer)>
                     done(reply.arguments().value(0).toString());
                 else if (isNobodyThere(pending->error()))
                     fail(localized("Velmor Quit non è in esecuzione."), ExitStatus::notRunning);
+                else if (hasFailedToStart(pending->error()))
+                    fail(localized("Velmor Quit non si avvia (%@).",
+                                   saidBy(pending->error()).toStdString()),
+                         ExitStatus::notRunning);
                 else if (pending->error().type() == QDBusError::NoReply)
                     fail(localized("Velmor Quit non risponde."), ExitStatus::failure);
                 else
@@ -182,8 +212,7 @@ void Session::askThenQuitAll() {
 
 void Session::quitAll() {
     bus_.connect(service, path, interface, "Changed", this, SLOT(hear(QString)));
-    const QString action = line_.then == "nothing" ? "none" : line_.then;
-    perform("quitAll", {action}, [this](const QString& json) {
+    perform("quitAll", {actionValue(line_.then)}, [this](const QString& json) {
         elapsed_.start();
         const QJsonArray asked = parsed(json)["asked"].toArray();
         if (asked.isEmpty())
@@ -243,6 +272,13 @@ void Session::report(const QString& verb, const QStringList& arguments) {
             fail(localized("il sistema non permette di forzare: %@.",
                            refused.join(", ").toStdString()),
                  ExitStatus::failure);
+    });
+}
+
+void Session::relay(const QString& verb, const QStringList& arguments) {
+    perform(verb, arguments, [this](const QString& json) {
+        print((line_.wantsJson ? json : parsed(json)["text"].toString()).toStdString() + '\n');
+        end(ExitStatus::success);
     });
 }
 

@@ -40,6 +40,8 @@ private:
     void quitAll();
     void watchRun(const QJsonObject& change);
     void report(const QString& verb, const QStringList& arguments);
+    /// Prints what the program says to it.
+    void relay(const QString& verb, const QStringList& arguments);
     void fail(const std::string& why, ExitStatus status);
     static void end(ExitStatus status);
 

@@ -2,8 +2,8 @@
 
 #include "Folders.h"
 #include "Language/LocalTime.h"
+#include "Linux/Session/BusSleepHold.h"
 #include "Linux/Session/PowerBus.h"
-#include "Linux/Session/SleepHold.h"
 #include "Repository.h"
 #include "ResticReport.h"
 #include "Retention.h"
@@ -41,14 +41,14 @@ public:
         const auto environment = PowerBus::Environment::ofThisProcess();
         session_ = std::make_unique<PowerBus>(PowerBus::session(environment));
         system_ = std::make_unique<PowerBus>(PowerBus::system(environment));
-        hold_ = std::make_unique<SleepHold>(*session_, *system_);
-        hold_->begin(localized("Backup in corso"), SleepHold::Against::anySleep);
+        hold_ = std::make_unique<BusSleepHold>(*session_, *system_);
+        hold_->begin(localized("Backup in corso"), BusSleepHold::Against::anySleep);
     }
 
 private:
     std::unique_ptr<PowerBus> session_;
     std::unique_ptr<PowerBus> system_;
-    std::unique_ptr<SleepHold> hold_;
+    std::unique_ptr<BusSleepHold> hold_;
 };
 
 /// One backup to all destinations.

@@ -5,9 +5,11 @@
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
 #include <QObject>
+#include <QStringList>
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -18,7 +20,7 @@ namespace velmorquit {
 ///
 /// Nobody has to be there, and whoever is there may refuse: then there is no such hold. All of it
 /// ends with the object, and with the process.
-class SleepHold final : public QObject {
+class BusSleepHold final : public QObject {
 public:
     enum class Against {
         idleSleep, ///< only sleep that comes because nobody uses the computer
@@ -26,15 +28,19 @@ public:
     };
 
     /// Both buses outlive it.
-    SleepHold(const PowerBus& session, const PowerBus& system)
+    BusSleepHold(const PowerBus& session, const PowerBus& system)
         : session_(session), system_(system) {}
-    ~SleepHold() override;
+    ~BusSleepHold() override;
 
     /// Asks for the hold and returns at once; who doesn't answer within three seconds is given up.
     /// `reason` is told to a user who wants the computer to sleep. A hold from before ends.
     void begin(const std::string& reason, Against against);
     /// What is answered after this is given back.
     void end();
+
+    /// Names of those who are asked.
+    [[nodiscard]] static QStringList sessionServices();
+    [[nodiscard]] static QString systemService();
 
     [[nodiscard]] bool isHeldBySystem() const { return lock_.isValid(); }
     [[nodiscard]] bool isHeldBySession() const { return grant_.has_value(); }
@@ -53,7 +59,7 @@ private:
     void askSystem();
     /// Asks the managers from this one on, until one grants it.
     void askSession(const Manager* manager);
-    void giveBack(const Grant& grant);
+    static void giveBack(const QDBusConnection& bus, const Grant& grant);
 
     static const Manager managers[2];
 
@@ -65,6 +71,8 @@ private:
     std::uint64_t round_ = 0;
     QDBusUnixFileDescriptor lock_;
     std::optional<Grant> grant_;
+    /// Tells an answer whether there is still anybody to hear it.
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
 } // namespace velmorquit

@@ -1,4 +1,5 @@
-#include "Linux/Session/SleepHold.h"
+#include "Linux/Session/BusSleepHold.h"
+#include "Linux/Session/BusSleepHolds.h"
 #include "support/PrivateBus.h"
 #include "support/Waiting.h"
 
@@ -74,7 +75,7 @@ private:
     int reading_ = -1;
 };
 
-class SleepHoldTest : public testing::Test {
+class BusSleepHoldTest : public testing::Test {
 protected:
     void settleAll() { settle({session.connection(), system.connection(), gnome->bus()}); }
 
@@ -86,11 +87,11 @@ protected:
         bus.connect(), "org.gnome.SessionManager", "/org/gnome/SessionManager");
     Manager power{bus.connect(), "org.freedesktop.PowerManagement",
                   "/org/freedesktop/PowerManagement/Inhibit"};
-    std::optional<SleepHold> hold{std::in_place, session, system};
+    std::optional<BusSleepHold> hold{std::in_place, session, system};
 };
 
-TEST_F(SleepHoldTest, HoldsAtLogin1AndAtTheSessionsManagerUntilItGoes) {
-    hold->begin("Backup", SleepHold::Against::anySleep);
+TEST_F(BusSleepHoldTest, HoldsAtLogin1AndAtTheSessionsManagerUntilItGoes) {
+    hold->begin("Backup", BusSleepHold::Against::anySleep);
     ASSERT_TRUE(waitUntil([&] { return hold->isHeldBySystem() && hold->isHeldBySession(); }));
     EXPECT_EQ(login1.log, QStringList{"Inhibit | sleep:idle | Velmor Quit | Backup | block"});
     EXPECT_EQ(gnome->log, QStringList{"Inhibit | Velmor Quit | 0 | Backup | 12"});
@@ -102,9 +103,9 @@ TEST_F(SleepHoldTest, HoldsAtLogin1AndAtTheSessionsManagerUntilItGoes) {
     EXPECT_EQ(power.log, QStringList());
 }
 
-TEST_F(SleepHoldTest, WhatIsGrantedTooLateIsGivenBack) {
+TEST_F(BusSleepHoldTest, WhatIsGrantedTooLateIsGivenBack) {
     login1.isSlow = gnome->isSlow = true;
-    hold->begin("Plan", SleepHold::Against::idleSleep);
+    hold->begin("Plan", BusSleepHold::Against::idleSleep);
     ASSERT_TRUE(waitUntil([&] { return !login1.log.isEmpty() && !gnome->log.isEmpty(); }));
     EXPECT_EQ(login1.log, QStringList{"Inhibit | idle | Velmor Quit | Plan | block"});
     EXPECT_EQ(gnome->log, QStringList{"Inhibit | Velmor Quit | 0 | Plan | 8"});
@@ -115,22 +116,39 @@ TEST_F(SleepHoldTest, WhatIsGrantedTooLateIsGivenBack) {
     EXPECT_FALSE(hold->isHeldBySystem() || hold->isHeldBySession());
 }
 
-TEST_F(SleepHoldTest, TheNextManagerIsAskedWhereOneRefusesAndNobodyIsMissed) {
+TEST_F(BusSleepHoldTest, TheNextManagerIsAskedWhereOneRefusesAndNobodyIsMissed) {
     gnome->doesRefuse = login1.doesRefuse = true;
-    hold->begin("Backup", SleepHold::Against::anySleep);
+    hold->begin("Backup", BusSleepHold::Against::anySleep);
     ASSERT_TRUE(waitUntil([&] { return hold->isHeldBySession(); }));
     EXPECT_FALSE(hold->isHeldBySystem());
-    hold->begin("Again", SleepHold::Against::anySleep);
+    hold->begin("Again", BusSleepHold::Against::anySleep);
     ASSERT_TRUE(waitUntil([&] { return hold->isHeldBySession(); }));
     settleAll();
     EXPECT_EQ(power.log, (QStringList{"Inhibit | Velmor Quit | Backup", "UnInhibit | 42",
                                       "Inhibit | Velmor Quit | Again"}));
 
     const PowerBus none = PowerBus::standIn("", bus.folder());
-    SleepHold alone(none, none);
-    alone.begin("Backup", SleepHold::Against::anySleep);
+    BusSleepHold alone(none, none);
+    alone.begin("Backup", BusSleepHold::Against::anySleep);
     linger(20);
     EXPECT_FALSE(alone.isHeldBySystem() || alone.isHeldBySession());
+}
+
+TEST_F(BusSleepHoldTest, WhoComesBackIsAskedAgainForWhatIsStillHeld) {
+    hold.reset();
+    BusSleepHolds holds(session, system);
+    Handle plan = holds.begin("Plan");
+    const Handle run = holds.begin("Run");
+    EXPECT_TRUE(waitUntil([&] { return gnome->log.size() == 2; }));
+    plan.reset();
+    EXPECT_TRUE(waitUntil([&] { return gnome->log.size() == 3; }));
+    EXPECT_EQ(gnome->log.last(), "Uninhibit | 42");
+    QDBusConnection old = gnome->bus();
+    EXPECT_TRUE(old.unregisterService("org.gnome.SessionManager"));
+    gnome = std::make_unique<Manager>(bus.connect(), "org.gnome.SessionManager",
+                                      "/org/gnome/SessionManager");
+    EXPECT_TRUE(waitUntil([&] { return gnome->log.size() == 1; }));
+    EXPECT_EQ(gnome->log, QStringList{"Inhibit | Velmor Quit | 0 | Run | 8"});
 }
 
 } // namespace

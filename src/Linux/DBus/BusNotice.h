@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Linux/Session/EndNotice.h"
-#include "Linux/Session/PowerBus.h"
+#include "Platform/Notice.h"
 
+#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
 #include <QString>
@@ -11,19 +11,18 @@
 
 namespace velmorquit {
 
-/// Notices by the desktop's notification service.
-class BusNotice final : public QObject, public EndNotice {
+/// A notice of the desktop's notification service. What the user put away doesn't come back by
+/// itself.
+class BusNotice final : public QObject, public Notice {
     Q_OBJECT
 
 public:
-    /// `session` outlives it.
-    explicit BusNotice(const PowerBus& session) : session_(session) {}
-    /// Leaves what has come of a request where the user can still read it.
+    /// Nothing is shown over a bus that isn't connected.
+    explicit BusNotice(const QDBusConnection& bus) : bus_(bus) {}
+    /// Withdraws what would stay; the rest is left where the user can still read it.
     ~BusNotice() override;
 
-    void showWaiting(LoginRequest request, const std::vector<std::string>& names) override;
-    void showGivenUp(LoginRequest request, const std::vector<std::string>& names) override;
-    void showFailure(LoginRequest request) override;
+    void show(const Content& content) override;
     void withdraw() override;
 
 private Q_SLOTS:
@@ -31,23 +30,16 @@ private Q_SLOTS:
     void hearClosed(const QDBusMessage& signal);
 
 private:
-    struct Notice {
-        std::string title;
-        std::string text;
-        bool canBeCancelled = false;
-    };
-
-    void show(Notice notice);
     /// Brings what the service shows in line with `wanted_`.
     void update();
-    void send(const Notice& notice);
+    void send(const Content& content);
     void close();
     void hearReply(const QDBusMessage& reply);
     [[nodiscard]] bool isOurs(const QDBusMessage& signal) const;
     void listen();
 
-    const PowerBus& session_;
-    std::optional<Notice> wanted_;
+    QDBusConnection bus_;
+    std::optional<Content> wanted_;
     /// Whether the service was told of `wanted_`.
     bool isTold_ = true;
     /// Whether the service hasn't said yet what number a notice has.

@@ -1,0 +1,116 @@
+#include "Linux/DBus/BusNotice.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QVariantMap>
+
+#include <algorithm>
+#include <utility>
+
+namespace velmorquit {
+
+namespace {
+
+const QString service = QStringLiteral("org.freedesktop.Notifications");
+const QString path = QStringLiteral("/org/freedesktop/Notifications");
+const QString applicationId = QStringLiteral("org.velmorquit.VelmorQuit");
+
+QDBusMessage message(const QString& method) {
+    return QDBusMessage::createMethodCall(service, path, service, method);
+}
+
+} // namespace
+
+BusNotice::~BusNotice() {
+    if (wanted_ && wanted_->stays)
+        withdraw();
+}
+
+void BusNotice::show(const Content& content) {
+    wanted_ = content;
+    isTold_ = false;
+    update();
+}
+
+void BusNotice::withdraw() {
+    wanted_.reset();
+    isTold_ = false;
+    update();
+}
+
+// While a notice is on its way, its number isn't known, without which it can be neither replaced
+// nor withdrawn.
+void BusNotice::update() {
+    if (isTold_ || isSending_ || !bus_.isConnected())
+        return;
+    isTold_ = true;
+    if (wanted_)
+        send(*wanted_);
+    else if (shown_ != 0)
+        close();
+}
+
+void BusNotice::send(const Content& content) {
+    listen();
+    QStringList actions;
+    for (const Button& button : content.buttons)
+        actions << QString::fromStdString(button.id) << QString::fromStdString(button.caption);
+    // For ever, or for as long as the service thinks right.
+    const int expiry = content.stays ? 0 : -1;
+    const QVariantMap hints{{QStringLiteral("desktop-entry"), applicationId}};
+    QDBusMessage call = message(QStringLiteral("Notify"));
+    call << QStringLiteral("Velmor Quit") << shown_ << applicationId
+         << QString::fromStdString(content.title)
+         << QString::fromStdString(content.text).toHtmlEscaped() << actions << hints << expiry;
+    isSending_ = true;
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                hearReply(finished->reply());
+            });
+}
+
+void BusNotice::hearReply(const QDBusMessage& reply) {
+    isSending_ = false;
+    shown_ = reply.type() == QDBusMessage::ReplyMessage ? reply.arguments().value(0).toUInt() : 0;
+    shownBy_ = reply.service();
+    update();
+}
+
+void BusNotice::close() {
+    QDBusMessage call = message(QStringLiteral("CloseNotification"));
+    call.setAutoStartService(false);
+    call << std::exchange(shown_, 0);
+    bus_.send(call);
+}
+
+// Not by the service's name, since Qt would wait for the bus to say who has it.
+void BusNotice::listen() {
+    if (std::exchange(isListening_, true))
+        return;
+    bus_.connect({}, path, service, "ActionInvoked", this, SLOT(hearAction(QDBusMessage)));
+    bus_.connect({}, path, service, "NotificationClosed", this, SLOT(hearClosed(QDBusMessage)));
+}
+
+bool BusNotice::isOurs(const QDBusMessage& signal) const {
+    return shown_ != 0 && signal.service() == shownBy_ &&
+           signal.arguments().value(0).toUInt() == shown_;
+}
+
+void BusNotice::hearAction(const QDBusMessage& signal) {
+    const std::string id = signal.arguments().value(1).toString().toStdString();
+    const bool isThere =
+        wanted_ && std::ranges::find(wanted_->buttons, id, &Button::id) != wanted_->buttons.end();
+    // A copy: the callback may replace itself.
+    const auto pressed = onButton;
+    if (isOurs(signal) && isThere && pressed)
+        pressed(id);
+}
+
+// What the user put away doesn't come back by itself, but a number that has gone can't be replaced.
+void BusNotice::hearClosed(const QDBusMessage& signal) {
+    if (isOurs(signal))
+        shown_ = 0;
+}
+
+} // namespace velmorquit

@@ -1,0 +1,33 @@
+#include "Linux/Session/BusSleepHolds.h"
+
+namespace velmorquit {
+
+BusSleepHolds::BusSleepHolds(const PowerBus& session, const PowerBus& system)
+    : session_(session), system_(system) {
+    watch(sessionWatcher_, session_, BusSleepHold::sessionServices());
+    watch(systemWatcher_, system_, {BusSleepHold::systemService()});
+}
+
+void BusSleepHolds::watch(QDBusServiceWatcher& watcher, const PowerBus& bus,
+                          const QStringList& services) const {
+    if (!bus.problem().empty())
+        return;
+    watcher.setConnection(bus.connection());
+    watcher.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+    watcher.setWatchedServices(services);
+    // All anew: a moment without a hold lets no computer fall asleep.
+    QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &watcher,
+                     [holds = holds_.get()] {
+                         for (auto& [id, held] : holds->byId)
+                             held.hold.begin(held.reason, BusSleepHold::Against::idleSleep);
+                     });
+}
+
+Handle BusSleepHolds::begin(const std::string& reason) {
+    const std::uint64_t id = ++holds_->lastId;
+    const auto [entry, isNew] = holds_->byId.try_emplace(id, reason, session_, system_);
+    entry->second.hold.begin(reason, BusSleepHold::Against::idleSleep);
+    return {holds_, id};
+}
+
+} // namespace velmorquit

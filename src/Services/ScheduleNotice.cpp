@@ -1,0 +1,79 @@
+#include "Services/ScheduleNotice.h"
+
+#include "Platform/MainLoop.h"
+#include "Texts/Localized.h"
+
+#include <algorithm>
+
+namespace velmorquit {
+
+ScheduleNotice::ScheduleNotice(QuitController& controller, Notice& notice, const Formats& formats)
+    : controller_(controller), notice_(notice), formats_(formats) {
+    notice_.onButton = [this](const std::string& button) { answer(button); };
+    subscriptions_.push_back(controller_.schedule.subscribe([this] { follow(); }));
+    subscriptions_.push_back(controller_.awaitingConfirmation.subscribe([this] { follow(); }));
+    subscriptions_.push_back(controller_.scheduleNote.subscribe([this] { follow(); }));
+}
+
+ScheduleNotice::~ScheduleNotice() { notice_.onButton = nullptr; }
+
+void ScheduleNotice::callAttention() {
+    const auto& schedule = controller_.schedule.get();
+    if (!schedule)
+        return;
+    const auto left =
+        std::chrono::ceil<std::chrono::seconds>(schedule->date - controller_.mainLoop().now());
+    const std::int64_t seconds = std::max<std::int64_t>(left.count(), 0);
+    isQuestion_ = false;
+    show(localized("Chiusura programmata alle %@", formats_.shortTime(schedule->date)),
+         seconds == 1 ? localized("Tra 1 secondo: %@", buttonTitle(schedule->action))
+                      : localized("Tra %lld secondi: %@", seconds, buttonTitle(schedule->action)),
+         {{"postpone", localized("+10 min")}, {"cancel", localized("Annulla")}});
+}
+
+void ScheduleNotice::ask() {
+    const auto& schedule = controller_.schedule.get();
+    if (!schedule)
+        return;
+    isQuestion_ = true;
+    show(localized("È l'ora della chiusura programmata"), helpText(schedule->action),
+         {{"confirm", buttonTitle(schedule->action)},
+          {"postpone", localized("+10 min")},
+          {"cancel", localized("Annulla")}});
+}
+
+void ScheduleNotice::show(std::string title, std::string text,
+                          std::vector<Notice::Button> buttons) {
+    told_ = controller_.schedule;
+    notice_.show({.title = std::move(title),
+                  .text = std::move(text),
+                  .buttons = std::move(buttons),
+                  .stays = true});
+}
+
+// Whatever the user did elsewhere, or time, has made what is shown untrue.
+void ScheduleNotice::follow() {
+    const bool isTrue =
+        told_ == controller_.schedule.get() && isQuestion_ == controller_.awaitingConfirmation;
+    if (told_ && !isTrue) {
+        told_.reset();
+        notice_.withdraw();
+    }
+    const auto& note = controller_.scheduleNote.get();
+    if (note && note != toldNote_)
+        notice_.show({.title = localized("Chiusura programmata"), .text = *note});
+    toldNote_ = note;
+}
+
+void ScheduleNotice::answer(const std::string& button) {
+    if (!told_ || told_ != controller_.schedule.get())
+        return;
+    if (button == "confirm")
+        controller_.confirmScheduledQuit();
+    else if (button == "postpone")
+        controller_.postponeSchedule(postponement);
+    else
+        controller_.cancelSchedule();
+}
+
+} // namespace velmorquit

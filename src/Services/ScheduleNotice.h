@@ -1,0 +1,43 @@
+#pragma once
+
+#include "Platform/Formats.h"
+#include "Platform/Notice.h"
+#include "Services/QuitController/QuitController.h"
+
+#include <vector>
+
+namespace velmorquit {
+
+/// Tells the user of a scheduled quit by a notice of the desktop's: when it is about to begin, when
+/// it waits for an answer, and when it came to nothing.
+class ScheduleNotice {
+public:
+    static constexpr int postponement = 10; ///< in minutes
+
+    /// `notice` is its own to listen to.
+    ScheduleNotice(QuitController& controller, Notice& notice, const Formats& formats);
+    ScheduleNotice(const ScheduleNotice&) = delete;
+    ScheduleNotice& operator=(const ScheduleNotice&) = delete;
+    ~ScheduleNotice();
+
+    /// Says how many seconds are left.
+    void callAttention();
+    /// Asks whether the run is to begin.
+    void ask();
+
+private:
+    void answer(const std::string& button);
+    void follow();
+    void show(std::string title, std::string text, std::vector<Notice::Button> buttons);
+
+    QuitController& controller_;
+    Notice& notice_;
+    const Formats& formats_;
+    /// What the notice on show is about; none when there is none that could be out of date.
+    std::optional<ScheduledQuit> told_;
+    bool isQuestion_ = false;
+    std::optional<std::string> toldNote_;
+    std::vector<Handle> subscriptions_;
+};
+
+} // namespace velmorquit
