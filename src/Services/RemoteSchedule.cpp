@@ -80,6 +80,8 @@ std::optional<RemoteAnswer> RemoteSchedule::answer(const RemoteCommand& command)
         return cancel();
     if (verb == "memory" && count == 0)
         return memory();
+    if (verb == "actions" && count == 0)
+        return listActions();
     if (verb == "action" && count >= 1)
         return act(arguments);
     return std::nullopt;
@@ -170,6 +172,36 @@ RemoteAnswer RemoteSchedule::memory() {
                  {"used", memory.used},
                  {"total", memory.total},
                  {"percent", answer.value.value_or(0)}});
+}
+
+RemoteAnswer RemoteSchedule::listActions() {
+    Json list = Json::array();
+    for (const ActionDescription& action : allActions()) {
+        Json described = {{"name", action.name},
+                          {"title", action.title},
+                          {"shortTitle", action.shortTitle},
+                          {"summary", action.summary},
+                          {"phrases", action.phrases},
+                          {"symbol", action.symbol},
+                          {"parameters", Json::object()}};
+        if (const auto& minutes = action.minutes) {
+            described["parameters"]["minutes"] = {{"title", minutes->title},
+                                                  {"default", minutes->fallback},
+                                                  {"lowest", minutes->lowest},
+                                                  {"highest", minutes->highest}};
+        }
+        if (const auto& then = action.then) {
+            Json choices = Json::object();
+            for (const AfterQuit choice : allAfterQuits)
+                choices[std::string(rawValue(choice))] = displayTitle(choice);
+            described["parameters"]["then"] = {{"title", then->title},
+                                               {"type", localized("Dopo la chiusura")},
+                                               {"default", rawValue(then->fallback)},
+                                               {"choices", choices}};
+        }
+        list.push_back(std::move(described));
+    }
+    return done({{"actions", list}});
 }
 
 RemoteAnswer RemoteSchedule::act(const std::vector<std::string>& arguments) {

@@ -18,9 +18,10 @@ namespace velmorquit {
 ///
 /// Verbs: `schedule minutes N ACTION` and `schedule at HH:MM ACTION` (the next time the clock shows
 /// that; ACTION as the power action's raw value), `postpone N` (minutes), `confirm`, `cancel` (the
-/// schedule, and a power action that has not happened yet), `memory`, `action NAME [minutes=N]
-/// [then=CHOICE]` (as published: a question and the answer are shown on the screen). Changes:
-/// `schedule` (with the `schedule`, or null), `attention` (`seconds` left), `scheduleNote`.
+/// schedule, and a power action that has not happened yet), `memory`, `actions` (those that are
+/// published, with their texts and parameters), `action NAME [minutes=N] [then=CHOICE]` (as
+/// published: a question and the answer are shown on the screen). Changes: `schedule` (with the
+/// `schedule`, or null), `attention` (`seconds` left), `scheduleNote`.
 class RemoteSchedule {
 public:
     using Json = nlohmann::ordered_json;
@@ -55,6 +56,7 @@ private:
     RemoteAnswer confirm();
     RemoteAnswer cancel();
     RemoteAnswer memory();
+    [[nodiscard]] static RemoteAnswer listActions();
     RemoteAnswer act(const std::vector<std::string>& arguments);
 
     Surroundings surroundings_;

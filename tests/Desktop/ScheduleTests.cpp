@@ -55,6 +55,12 @@ TEST_F(Schedule, AnActionStartsTheProgramAndAsksOnTheScreen) {
     ask();
     run({"xdotool", "key", "Tab", "Return"});
     await("the end of the application", [&] { return !application.isRunning(); });
+    EXPECT_THAT(control({"actions"}).text, HasSubstr("reopen-apps"));
+    EXPECT_EQ(control({"action", "schedule-quit", "minutes=7"}).status, 0);
+    await("the schedule", [] { return !status()["schedule"].isNull(); });
+    EXPECT_EQ(control({"action", "cancel-schedule"}).status, 0);
+    await("its end", [] { return status()["schedule"].isNull(); });
+    EXPECT_EQ(control({"action", "reopen-apps"}).status, 0);
     EXPECT_EQ(
         run({"gdbus", "call", "--session", "--dest", "org.velmorquit.VelmorQuit", "--object-path",
              "/org/velmorquit/VelmorQuit", "--method", "org.freedesktop.Application.ActivateAction",

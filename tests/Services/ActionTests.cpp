@@ -252,6 +252,10 @@ TEST_F(RemoteScheduleTest, PublishedActionsAreShownOnTheScreen) {
     for (const char* argument : {"then=never", "minutes", "minutes=", "hours=1", "="})
         EXPECT_EQ(give("action", {"quit-all", argument}).substr(0, 8), "unknown:");
     EXPECT_EQ(give("action", {"explode"}).substr(0, 8), "unknown:");
+    const json actions = json::parse(desktop.remote.give("actions").text)["actions"];
+    EXPECT_EQ(actions.size(), 5U);
+    EXPECT_EQ(actions[1]["parameters"]["minutes"]["highest"], 600);
+    EXPECT_EQ(actions[1]["parameters"]["then"]["choices"]["logOut"], "Esci utente");
     EXPECT_EQ(give("action", {"quit-all", "then=restart"}), "");
     desktop.advance(1min);
     EXPECT_FALSE(said("quit A")) << "nobody could be asked";

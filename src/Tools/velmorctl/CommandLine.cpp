@@ -24,8 +24,8 @@ const QMap<QString, Command>& commands() {
         {"eject", Command::eject},       {"cancel", Command::cancel},
         {"reopen", Command::reopen},     {"forget", Command::forget},
         {"schedule", Command::schedule}, {"postpone", Command::postpone},
-        {"confirm", Command::confirm},   {"memory", Command::memory},
-        {"action", Command::action},
+        {"confirm", Command::confirm},   {"actions", Command::actions},
+        {"memory", Command::memory},     {"action", Command::action},
     };
     return words;
 }
@@ -47,7 +47,7 @@ std::optional<std::string> takeOption(CommandLine& line, QStringList& rest) {
     const bool isQuitAll = line.command == Command::quitAll;
     const bool isSchedule = line.command == Command::schedule;
     const bool isReport = line.command == Command::status || line.command == Command::watch ||
-                          line.command == Command::memory;
+                          line.command == Command::memory || line.command == Command::actions;
     if (option == "--json" && isReport) {
         line.wantsJson = true;
         return std::nullopt;
@@ -140,10 +140,9 @@ std::string usage() {
         "  confirm              la fa partire, quando aspetta una conferma\n"
         "  cancel               la annulla; rinuncia anche a spegnere, riavviare o uscire\n"
         "  memory [--json]      quanta memoria è in uso\n"
+        "  actions [--json]     le azioni che si possono chiedere da fuori\n"
         "  action NOME [minutes=N] [then=SCELTA]\n"
-        "                       come da un lanciatore: domande e risposte sullo schermo "
-        "(quit-all,\n"
-        "                       schedule-quit, cancel-schedule, reopen-apps, memory)\n"
+        "                       una di quelle: domande e risposte sullo schermo\n"
         "  reopen               riapre in secondo piano le app dell'ultima chiusura\n"
         "  forget               dimentica quali erano\n"
         "  show                 fa mostrare Velmor Quit\n"

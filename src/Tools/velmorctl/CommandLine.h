@@ -37,6 +37,7 @@ struct CommandLine {
         postpone,
         confirm,
         memory,
+        actions,
         action
     };
 

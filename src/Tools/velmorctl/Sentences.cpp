@@ -201,6 +201,18 @@ std::string statusText(const QJsonObject& status, const Formats& formats) {
            table.text() + reopenableText(status);
 }
 
+std::string actionsText(const QJsonObject& answer) {
+    Table table({Table::Align::left, Table::Align::left, Table::Align::left});
+    for (const auto& action : answer["actions"].toArray()) {
+        const QJsonObject described = action.toObject();
+        const QStringList parameters = described["parameters"].toObject().keys();
+        table.add({described["name"].toString().toStdString(),
+                   described["title"].toString().toStdString(),
+                   parameters.join(", ").toStdString()});
+    }
+    return table.text();
+}
+
 std::string changeText(const QJsonObject& change, const Formats& formats) {
     const QString kind = change["change"].toString();
     const std::string name = nameOf(change["application"]);

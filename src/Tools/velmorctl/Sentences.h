@@ -13,6 +13,9 @@ namespace velmorquit {
 /// reopened.
 [[nodiscard]] std::string statusText(const QJsonObject& status, const Formats& formats);
 
+/// The answer to `actions` for a person.
+[[nodiscard]] std::string actionsText(const QJsonObject& answer);
+
 /// A change for a person; empty for one that says nothing that another doesn't.
 [[nodiscard]] std::string changeText(const QJsonObject& change, const Formats& formats);
 

@@ -130,6 +130,12 @@ void Session::start() {
     case Command::memory:
         relay("memory", {});
         break;
+    case Command::actions:
+        perform("actions", {}, [this](const QString& json) {
+            print(line_.wantsJson ? json.toStdString() + '\n' : actionsText(parsed(json)));
+            end(ExitStatus::success);
+        });
+        break;
     case Command::action:
         report("action", line_.arguments);
         break;
