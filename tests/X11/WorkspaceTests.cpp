@@ -1,86 +1,11 @@
-#include "Linux/Applications/LinuxWorkspace.h"
-#include "Linux/QtMainLoop.h"
-#include "Linux/X11/X11Toplevels.h"
-#include "Simulated/SimulatedPorts.h"
-#include "support/Child.h"
-#include "support/Waiting.h"
+#include "X11/WorkspaceTest.h"
 
 #include <QThread>
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <map>
-#include <memory>
 
 namespace velmorquit {
 namespace {
-
-/// The applications of a real X server with a real window manager.
-class WorkspaceTest : public testing::Test {
-protected:
-    WorkspaceTest()
-        : toplevels(loop, log, *X11Connection::open()), workspace(loop, log, toplevels, {}) {
-        for (const auto event : {WorkspaceEvent::launched, WorkspaceEvent::terminated,
-                                 WorkspaceEvent::activated, WorkspaceEvent::policyChanged})
-            watches.push_back(workspace.observe(event, [this, event] { events.push_back(event); }));
-    }
-
-    Child& start(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), RUDE_CLIENT);
-        children.push_back(std::make_unique<Child>(arguments));
-        Child& child = *children.back();
-        EXPECT_TRUE(waitUntil([&] { return child.output().starts_with("ready"); }));
-        return child;
-    }
-
-    /// Starts a client and waits until the workspace knows it.
-    std::shared_ptr<RunningApplication> open(std::vector<std::string> arguments = {}) {
-        const pid_t id = start(std::move(arguments)).id();
-        EXPECT_TRUE(waitUntil([&] { return find(id) != nullptr; }));
-        return find(id);
-    }
-
-    std::shared_ptr<RunningApplication> find(ProcessId id) {
-        for (auto& application : workspace.runningApplications()) {
-            if (application->processId() == id)
-                return application;
-        }
-        return nullptr;
-    }
-
-    std::size_t count(WorkspaceEvent event) const {
-        return static_cast<std::size_t>(std::ranges::count(events, event));
-    }
-
-    static std::size_t timesAsked(Child& child) {
-        const std::string& output = child.output();
-        std::size_t times = 0;
-        for (auto at = output.find("asked"); at != std::string::npos;
-             at = output.find("asked", at + 1))
-            ++times;
-        return times;
-    }
-
-    static void installEntry(const std::string& id, const std::string& lines) {
-        const std::filesystem::path folder =
-            std::filesystem::path(std::getenv("XDG_DATA_HOME")) / "applications";
-        std::filesystem::create_directories(folder);
-        std::ofstream(folder / (id + ".desktop"))
-            << "[Desktop Entry]\nType=Application\nExec=true\n"
-            << lines;
-    }
-
-    QtMainLoop loop;
-    SimulatedSystemLog log;
-    X11Toplevels toplevels;
-    LinuxWorkspace workspace;
-    std::vector<WorkspaceEvent> events;
-    std::vector<Handle> watches;
-    std::vector<std::unique_ptr<Child>> children;
-};
 
 TEST_F(WorkspaceTest, TellsOfLaunchesEndsAndWindows) {
     const auto app = open({"--stay"});
@@ -222,86 +147,6 @@ TEST_F(WorkspaceTest, HasIconsByNameByFileAndFromTheWindowAndKnowsWhenItBegan) {
     EXPECT_EQ(image.pixels, std::vector<std::uint32_t>(64 * 64, 0xFF000040));
     ASSERT_TRUE(plain->launchDate());
     EXPECT_LT(std::chrono::abs(loop.now() - *plain->launchDate()), 60s);
-}
-
-/// The processes are real, and what they were started from is made up.
-class StartedWorkspaceTest : public WorkspaceTest {
-protected:
-    StartedWorkspaceTest() {
-        for (const char* id : {"mailer", "org.example.term", "firebox_firebox"})
-            installEntry(id, std::string("Name=") + id + "\n");
-        writeFile("stat", "cpu 0\nbtime 1000\n");
-    }
-
-    void writeFile(const std::string& file, const std::string& content) {
-        std::filesystem::create_directories((proc / file).parent_path());
-        std::ofstream(proc / file) << content;
-    }
-
-    ProcessId begin(const std::string& unit, std::vector<std::string> arguments,
-                    int startTime = 500) {
-        const pid_t id = start(std::move(arguments)).id();
-        const std::string folder = std::to_string(id);
-        writeFile(folder + "/cgroup", "0::/user.slice/user@1000.service/" + unit + "\n");
-        writeFile(folder + "/stat", folder + " (x) S 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 " +
-                                        std::to_string(startTime) + " 0\n");
-        return id;
-    }
-
-    static std::shared_ptr<RunningApplication> findIn(LinuxWorkspace& somewhere, ProcessId id) {
-        for (auto& application : somewhere.runningApplications()) {
-            if (application->processId() == id)
-                return application;
-        }
-        return nullptr;
-    }
-
-    std::filesystem::path proc = std::filesystem::path(std::getenv("XDG_RUNTIME_DIR")) / "proc";
-};
-
-TEST_F(StartedWorkspaceTest, AUnitNamesTheProgramItWasMadeForAndNotThoseStartedFromThere) {
-    const std::string unit = "app-maker-org.example.term-12.scope";
-    const ProcessId terminal = begin(unit, {"--class", "Odd"});
-    const ProcessId guest = begin(unit, {"--class", "Mailer"}, 600);
-    const ProcessId snap = begin("snap.firebox.firebox-0a1b2c3d-0a1b-0a1b-0a1b-0a1b2c3d4e5f.scope",
-                                 {"--class", "Mailer"});
-    linger(200);
-    LinuxWorkspace other(loop, log, toplevels, {.askWithoutWindows = {}, .proc = proc});
-    EXPECT_EQ(findIn(other, terminal)->bundleIdentifier(), "org.example.term");
-    EXPECT_EQ(findIn(other, guest)->bundleIdentifier(), "mailer");
-    EXPECT_EQ(findIn(other, snap)->bundleIdentifier(), "firebox_firebox");
-    EXPECT_EQ(findIn(other, snap)->otherIdentities(), std::vector<std::string>{"mailer"});
-    EXPECT_EQ(findIn(other, guest)->launchDate(), WallTime(1006s));
-}
-
-TEST_F(StartedWorkspaceTest, AServiceHasEndedWithItsLastWindowAndAnyOtherIsAskedOnceMore) {
-    const std::string unit = "dbus-:1.2-org.example@0.service";
-    const ProcessId service = begin(unit, {"--stay"});
-    const ProcessId opened = begin(unit, {"--stay", "--class", "Opened"}, 600);
-    const ProcessId player = begin("app-player-1.scope", {"--stay", "--class", "Player"});
-    linger(200);
-    std::vector<ProcessId> asked;
-    LinuxWorkspace other(
-        loop, log, toplevels,
-        {.askWithoutWindows = [&](ProcessId id) { asked.push_back(id); }, .proc = proc});
-    int ends = 0;
-    const Handle watch = other.observe(WorkspaceEvent::terminated, [&] { ++ends; });
-    const auto serving = findIn(other, service);
-    const auto playing = findIn(other, player);
-    const auto begun = findIn(other, opened);
-    EXPECT_TRUE(serving->terminate());
-    EXPECT_TRUE(playing->terminate());
-    EXPECT_TRUE(begun->terminate());
-    EXPECT_TRUE(waitUntil([&] { return serving->isTerminated() && ends == 1; }));
-    EXPECT_TRUE(
-        waitUntil([&] { return playing->activationPolicy() == ActivationPolicy::accessory; }));
-    EXPECT_EQ(findIn(other, service), nullptr);
-    EXPECT_FALSE(playing->isTerminated());
-    EXPECT_FALSE(begun->isTerminated()) << "what a service has started is none";
-    EXPECT_TRUE(asked.empty());
-    EXPECT_TRUE(playing->terminate());
-    EXPECT_FALSE(serving->terminate());
-    EXPECT_EQ(asked, std::vector<ProcessId>{player});
 }
 
 TEST_F(WorkspaceTest, KeepsTheFirstIdentityOfAProcessAndRemembersTheOthers) {

@@ -1,0 +1,87 @@
+#include "X11/WorkspaceTest.h"
+
+namespace velmorquit {
+namespace {
+
+/// The processes are real, and what they were started from is made up.
+class StartedWorkspaceTest : public WorkspaceTest {
+protected:
+    StartedWorkspaceTest() {
+        for (const char* id : {"mailer", "org.example.term", "firebox_firebox"})
+            installEntry(id, std::string("Name=") + id + "\n");
+        writeFile("stat", "cpu 0\nbtime 1000\n");
+    }
+
+    void writeFile(const std::string& file, const std::string& content) {
+        std::filesystem::create_directories((proc / file).parent_path());
+        std::ofstream(proc / file) << content;
+    }
+
+    ProcessId begin(const std::string& unit, std::vector<std::string> arguments,
+                    int startTime = 500) {
+        const pid_t id = start(std::move(arguments)).id();
+        const std::string folder = std::to_string(id);
+        writeFile(folder + "/cgroup", "0::/user.slice/user@1000.service/" + unit + "\n");
+        writeFile(folder + "/stat", folder + " (x) S 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 " +
+                                        std::to_string(startTime) + " 0\n");
+        return id;
+    }
+
+    static std::shared_ptr<RunningApplication> findIn(LinuxWorkspace& somewhere, ProcessId id) {
+        for (auto& application : somewhere.runningApplications()) {
+            if (application->processId() == id)
+                return application;
+        }
+        return nullptr;
+    }
+
+    std::filesystem::path proc = std::filesystem::path(std::getenv("XDG_RUNTIME_DIR")) / "proc";
+};
+
+TEST_F(StartedWorkspaceTest, AUnitNamesTheProgramItWasMadeForAndNotThoseStartedFromThere) {
+    const std::string unit = "app-maker-org.example.term-12.scope";
+    const ProcessId terminal = begin(unit, {"--class", "Odd"});
+    const ProcessId guest = begin(unit, {"--class", "Mailer"}, 600);
+    const ProcessId snap = begin("snap.firebox.firebox-0a1b2c3d-0a1b-0a1b-0a1b-0a1b2c3d4e5f.scope",
+                                 {"--class", "Mailer"});
+    linger(200);
+    LinuxWorkspace other(loop, log, toplevels, {.askWithoutWindows = {}, .proc = proc});
+    EXPECT_EQ(findIn(other, terminal)->bundleIdentifier(), "org.example.term");
+    EXPECT_EQ(findIn(other, guest)->bundleIdentifier(), "mailer");
+    EXPECT_EQ(findIn(other, snap)->bundleIdentifier(), "firebox_firebox");
+    EXPECT_EQ(findIn(other, snap)->otherIdentities(), std::vector<std::string>{"mailer"});
+    EXPECT_EQ(findIn(other, guest)->launchDate(), WallTime(1006s));
+}
+
+TEST_F(StartedWorkspaceTest, AServiceHasEndedWithItsLastWindowAndAnyOtherIsAskedOnceMore) {
+    const std::string unit = "dbus-:1.2-org.example@0.service";
+    const ProcessId service = begin(unit, {"--stay"});
+    const ProcessId opened = begin(unit, {"--stay", "--class", "Opened"}, 600);
+    const ProcessId player = begin("app-player-1.scope", {"--stay", "--class", "Player"});
+    linger(200);
+    std::vector<ProcessId> asked;
+    LinuxWorkspace other(
+        loop, log, toplevels,
+        {.askWithoutWindows = [&](ProcessId id) { asked.push_back(id); }, .proc = proc});
+    int ends = 0;
+    const Handle watch = other.observe(WorkspaceEvent::terminated, [&] { ++ends; });
+    const auto serving = findIn(other, service);
+    const auto playing = findIn(other, player);
+    const auto begun = findIn(other, opened);
+    EXPECT_TRUE(serving->terminate());
+    EXPECT_TRUE(playing->terminate());
+    EXPECT_TRUE(begun->terminate());
+    EXPECT_TRUE(waitUntil([&] { return serving->isTerminated() && ends == 1; }));
+    EXPECT_TRUE(
+        waitUntil([&] { return playing->activationPolicy() == ActivationPolicy::accessory; }));
+    EXPECT_EQ(findIn(other, service), nullptr);
+    EXPECT_FALSE(playing->isTerminated());
+    EXPECT_FALSE(begun->isTerminated()) << "what a service has started is none";
+    EXPECT_TRUE(asked.empty());
+    EXPECT_TRUE(playing->terminate());
+    EXPECT_FALSE(serving->terminate());
+    EXPECT_EQ(asked, std::vector<ProcessId>{player});
+}
+
+} // namespace
+} // namespace velmorquit
