@@ -159,10 +159,11 @@ RemoteAnswer RemoteSchedule::cancel() {
     const bool hadSchedule = controller.schedule.get().has_value();
     controller.cancelSchedule();
     const bool hadAction = controller.cancelPowerAction();
-    if (hadSchedule)
-        return said(localized("Annullata: non chiudo niente."));
-    return said(hadAction ? localized("Annullato: non spengo, non riavvio e non esco.")
-                          : localized("Non c'è nessuna chiusura programmata."));
+    // A run that has begun goes on.
+    if (hadAction)
+        return said(localized("Annullato: non spengo, non riavvio e non esco."));
+    return said(hadSchedule ? localized("Annullata: non chiudo niente.")
+                            : localized("Non c'è nessuna chiusura programmata."));
 }
 
 RemoteAnswer RemoteSchedule::memory() {
