@@ -1,0 +1,17 @@
+#pragma once
+
+namespace velmorquit {
+
+class Appearance;
+class TrayHosts;
+class WindowSystem;
+
+/// What the program's own windows and its icon ask of a desktop. Whoever makes it outlives whoever
+/// is handed it.
+struct DesktopFace {
+    WindowSystem& windows;
+    const Appearance& appearance;
+    const TrayHosts& trayHosts;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,15 @@
+#pragma once
+
+namespace velmorquit {
+
+/// A rectangle on the screen, in the toolkit's units, from the top left of the whole desktop.
+struct ScreenRect {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+
+    friend bool operator==(const ScreenRect&, const ScreenRect&) = default;
+};
+
+} // namespace velmorquit
