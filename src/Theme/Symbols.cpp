@@ -1,0 +1,131 @@
+#include "Theme/Symbols.h"
+
+#include <QCache>
+#include <QFile>
+#include <QIconEngine>
+#include <QImage>
+#include <QPainter>
+#include <QPixmap>
+#include <QSvgRenderer>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <utility>
+
+namespace velmorquit::Symbols {
+namespace {
+
+constexpr double boxPerTextSize = 1.2;
+constexpr double disabledOpacity = 0.45;
+/// Room for all symbols of the panel; the sizes that only an animation passes through push one
+/// another out.
+constexpr int cacheBytes = 512 * 1024;
+
+struct Drawn {
+    QString name;
+    int side; ///< pixels
+    QRgb colour;
+
+    friend bool operator==(const Drawn&, const Drawn&) = default;
+    friend size_t qHash(const Drawn& drawn, size_t seed) {
+        return qHashMulti(seed, drawn.name, drawn.side, drawn.colour);
+    }
+};
+
+/// A null image for an unknown symbol.
+QImage drawnAnew(const Drawn& drawn) {
+    const QString path = QStringLiteral(":/symbols/%1.svg").arg(drawn.name);
+    if (!QFile::exists(path)) {
+        return {};
+    }
+    QImage image(drawn.side, drawn.side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    QSvgRenderer(path).render(&painter, QRectF(image.rect()));
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), QColor::fromRgba(drawn.colour));
+    return image;
+}
+
+QImage symbolImage(const Drawn& drawn) {
+    static QCache<Drawn, QImage> cache(cacheBytes);
+    if (const QImage* known = cache.object(drawn)) {
+        return *known;
+    }
+    QImage image = drawnAnew(drawn);
+    cache.insert(drawn, std::make_unique<QImage>(image).release(),
+                 std::max(1, static_cast<int>(image.sizeInBytes())));
+    return image;
+}
+
+/// The symbol drawn again at each size that is asked for, instead of scaled.
+class SymbolIconEngine : public QIconEngine {
+public:
+    SymbolIconEngine(QString name, const QColor& colour)
+        : name_(std::move(name)), colour_(colour) {}
+
+    void paint(QPainter* painter, const QRect& area, QIcon::Mode mode, QIcon::State) override {
+        const int side = std::min(area.width(), area.height());
+        QRect box(0, 0, side, side);
+        box.moveCenter(area.center());
+        QColor colour = colour_;
+        if (mode == QIcon::Disabled) {
+            colour.setAlphaF(colour.alphaF() * static_cast<float>(disabledOpacity));
+        }
+        draw(*painter, name_, box, colour);
+    }
+
+    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+        QPixmap pixmap(size);
+        pixmap.fill(Qt::transparent);
+        QPainter painter(&pixmap);
+        paint(&painter, pixmap.rect(), mode, state);
+        return pixmap;
+    }
+
+    [[nodiscard]] QIconEngine* clone() const override {
+        return std::make_unique<SymbolIconEngine>(name_, colour_).release();
+    }
+
+private:
+    QString name_;
+    QColor colour_;
+};
+
+} // namespace
+
+int boxSize(double textSize) { return static_cast<int>(std::lround(boxPerTextSize * textSize)); }
+
+void draw(QPainter& painter, const QString& name, const QRectF& box, const QColor& colour) {
+    const QTransform& toDevice = painter.deviceTransform();
+    const double scale = std::sqrt(std::abs(toDevice.determinant()));
+    const int side = static_cast<int>(std::ceil(std::min(box.width(), box.height()) * scale));
+    if (side <= 0) {
+        return;
+    }
+    const QImage image = symbolImage({name, side, colour.rgba()});
+    if (image.isNull()) {
+        return;
+    }
+    QRectF target(0, 0, side / scale, side / scale);
+    target.moveCenter(box.center());
+    // Between two pixels its lines would be blurred.
+    if (toDevice.type() <= QTransform::TxScale) {
+        const QPointF corner = toDevice.map(target.topLeft());
+        const QPointF nearest(std::round(corner.x()), std::round(corner.y()));
+        target.translate((nearest.x() - corner.x()) / toDevice.m11(),
+                         (nearest.y() - corner.y()) / toDevice.m22());
+    }
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(target, image);
+    painter.restore();
+}
+
+QIcon icon(const QString& name, const QColor& colour) {
+    return QIcon(std::make_unique<SymbolIconEngine>(name, colour).release());
+}
+
+} // namespace velmorquit::Symbols
