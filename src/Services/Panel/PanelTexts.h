@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Platform/Formats.h"
+#include "Platform/RunningApplication.h"
+#include "Services/QuitController/QuitController.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+/// What the panel says, in the interface's language, and the names of the symbols beside it.
+namespace velmorquit::PanelTexts {
+
+/// How many applications are open, excluded ones among them.
+[[nodiscard]] std::string appCount(std::size_t count);
+
+/// What stands below the round button.
+struct StatusLine {
+    enum class Kind {
+        quiet,    ///< there is nothing to do
+        ordinary, ///< what a run would close, or what one is doing
+        result,   ///< what the run that has just ended has done
+    };
+
+    Kind kind = Kind::ordinary;
+    std::string text;
+    std::optional<std::string> badge; ///< how much memory came free; none when none did
+    std::optional<std::string> note;  ///< what else is to be known of the result
+
+    friend bool operator==(const StatusLine&, const StatusLine&) = default;
+};
+
+[[nodiscard]] StatusLine statusLine(const QuitController& controller, const Formats& formats);
+
+/// "11,24 GB di 16 GB".
+[[nodiscard]] std::string memory(const MemoryMonitor::SystemMemory& memory, const Formats& formats);
+
+/// What a row of the list says about itself, and its button.
+[[nodiscard]] std::string rowHelp(const OpenApp& app, bool isExcluded);
+[[nodiscard]] std::string rowQuitHelp(const OpenApp& app);
+
+/// Why an application that was asked to quit is still open; none when nobody knows.
+[[nodiscard]] std::optional<std::string> stayHelp(StayReason reason);
+[[nodiscard]] std::string forceHelp(const OpenApp& app);
+
+/// In the list of choices, and in the round button.
+[[nodiscard]] std::string_view choiceSymbol(PowerAction action);
+[[nodiscard]] std::string_view buttonSymbol(PowerAction action);
+
+} // namespace velmorquit::PanelTexts

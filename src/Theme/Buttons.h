@@ -1,0 +1,61 @@
+#pragma once
+
+#include "Theme/Shadow.h"
+
+#include <QColor>
+#include <QPushButton>
+
+#include <optional>
+
+namespace velmorquit {
+
+/// A button with a gradient and a shadow in its colour.
+class PrimaryButton : public QPushButton, public ShadowCaster {
+public:
+    /// Without a tint it has the main gradient and a purple shadow.
+    explicit PrimaryButton(const QString& text, std::optional<QColor> tint = std::nullopt,
+                           QWidget* parent = nullptr);
+
+    /// A symbol before the text; an empty name for none.
+    void setSymbol(const QString& name);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+    [[nodiscard]] RoundedShape shape() const override;
+    [[nodiscard]] Shadow shadow() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    [[nodiscard]] double symbolWidth() const;
+
+    std::optional<QColor> tint_;
+    QString symbol_;
+};
+
+/// A button that shows a symbol alone, such as the cross that puts a notice away. Its accessible
+/// name is its tool tip.
+class SymbolButton : public QPushButton {
+public:
+    /// The symbol goes with text of `textSize`; the button reaches `margin` beyond it.
+    SymbolButton(const QString& symbol, double textSize, const QColor& colour, int margin,
+                 const QString& help, QWidget* parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString symbol_;
+    QColor colour_;
+    int size_;
+    int margin_;
+};
+
+/// One of several things of which the user chooses some, such as what follows a run: filled more
+/// strongly when it is chosen.
+void drawChoice(QPainter& painter, const QRectF& area, bool isSelected);
+
+} // namespace velmorquit

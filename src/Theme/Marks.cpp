@@ -1,0 +1,37 @@
+#include "Theme/Marks.h"
+
+#include "Theme/AppTheme.h"
+
+#include <QPainter>
+
+namespace velmorquit {
+
+Badge::Badge(const QString& text, const Style& style, QWidget* parent)
+    : Label(style.font, AppTheme::text(), parent), ground_(style.ground),
+      cornerRadius_(style.cornerRadius) {
+    setContentsMargins(style.horizontalPadding, style.verticalPadding, style.horizontalPadding,
+                       style.verticalPadding);
+    setText(text);
+}
+
+void Badge::paintEvent(QPaintEvent* event) {
+    {
+        QPainter painter(this);
+        fillRounded(painter, rect(), cornerRadius_ > 0 ? cornerRadius_ : height() / 2.0, ground_);
+    }
+    Label::paintEvent(event);
+}
+
+Badge::Style successBadge() {
+    return {AppTheme::calloutFont(QFont::Bold), 7, 2, AppTheme::successGreen()};
+}
+
+WarningText::WarningText(const QString& text, QWidget* parent)
+    : Badge(text,
+            {AppTheme::captionFont(QFont::DemiBold), 8, 4,
+             AppTheme::withOpacity(AppTheme::warningOrange(), 0.22), 6},
+            parent) {
+    wrap();
+}
+
+} // namespace velmorquit

@@ -1,0 +1,154 @@
+#include "Views/AppList.h"
+
+#include "Texts/Localized.h"
+#include "Theme/AppTheme.h"
+#include "Theme/Label.h"
+#include "Views/AppRow.h"
+#include "Views/Layouts.h"
+#include "Views/ThinScrollArea.h"
+
+#include <QCursor>
+#include <QEvent>
+#include <QFontMetricsF>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <cmath>
+
+namespace velmorquit {
+namespace {
+
+constexpr int margin = 6;
+constexpr int gap = 2;
+
+int rowHeight() {
+    constexpr double icon = 22;
+    const double content = std::max(icon, QFontMetricsF(AppTheme::bodyFont()).height());
+    return static_cast<int>(std::ceil(content)) + 2 * 5;
+}
+
+int heightOf(int count) { return count * rowHeight() + std::max(0, count - 1) * gap; }
+
+} // namespace
+
+AppList::AppList(QuitController& controller, const Formats& formats, QWidget* parent)
+    : GlassCard(AppTheme::cardCornerRadius, std::nullopt, parent), controller_(controller),
+      formats_(formats), empty_(new Label(AppTheme::calloutFont(), AppTheme::text(0.75))),
+      area_(new ThinScrollArea), rows_(new QWidget) {
+    setObjectName(QStringLiteral("AppList"));
+    auto* title = new Label(AppTheme::sectionFont(), AppTheme::text());
+    title->setText(toQt(localized("App aperte")));
+    auto* hint = new Label(AppTheme::smallCaptionFont(), AppTheme::text(0.6));
+    hint->setText(toQt(localized("clic per escludere")));
+    empty_->setObjectName(QStringLiteral("emptyList"));
+    empty_->setText(toQt(localized("Tutto chiuso. La memoria è libera.")));
+    empty_->setAlignment(Qt::AlignCenter);
+    empty_->setContentsMargins(12, 18, 12, 18);
+    empty_->wrap();
+
+    QVBoxLayout& lines = column(*this, 0);
+    QHBoxLayout& head = rowIn(lines, gap);
+    head.setContentsMargins(12, 10, 12, 6);
+    head.addWidget(title);
+    head.addStretch();
+    head.addWidget(hint);
+    lines.addWidget(empty_);
+    area_->setObjectName(QStringLiteral("rows"));
+    area_->setWidget(rows_);
+    rows_->setAutoFillBackground(false);
+    lines.addWidget(area_);
+    area_->viewport()->installEventFilter(this);
+    connect(area_->verticalScrollBar(), &QScrollBar::valueChanged, this, [this] { updateHover(); });
+}
+
+int AppList::leastHeight() { return heightOf(3); }
+
+void AppList::setRoom(int height) {
+    const int room = std::clamp(height, std::min(leastHeight(), mostHeight), mostHeight);
+    if (std::exchange(room_, room) != room)
+        layOut();
+}
+
+int AppList::contentHeight() const { return heightOf(static_cast<int>(order_.size())); }
+
+AppRow& AppList::rowOf(ProcessId id) {
+    AppRow*& row = rowOf_[id];
+    if (!row) {
+        row = new AppRow(formats_, rows_);
+        row->onToggle = [this](const OpenApp& app) {
+            controller_.toggleExclusion(app);
+            render();
+        };
+        // Whether it goes is seen in the list.
+        row->onQuit = [](const OpenApp& app) { app.app->terminate(); };
+        row->show();
+    }
+    return *row;
+}
+
+void AppList::render() {
+    const std::vector<OpenApp>& apps = controller_.apps;
+    std::vector<ProcessId> order;
+    for (const OpenApp& app : apps) {
+        rowOf(app.id).render(app, controller_.isExcluded(app));
+        order.push_back(app.id);
+    }
+    for (auto next = rowOf_.begin(); next != rowOf_.end();) {
+        const auto row = next++;
+        if (std::find(order.begin(), order.end(), row->first) != order.end())
+            continue;
+        // It may be its own click that is being handled.
+        row->second->hide();
+        row->second->deleteLater();
+        rowOf_.erase(row);
+    }
+    empty_->setVisible(apps.empty());
+    area_->setVisible(!apps.empty());
+    if (std::exchange(order_, order) != order || area_->height() == 0)
+        layOut();
+}
+
+void AppList::layOut() {
+    const int shown = std::min(contentHeight(), room_);
+    constexpr int width = 324 - 2 * margin;
+    // Keyboard order is the order on the screen.
+    AppRow* previous = nullptr;
+    int y = 0;
+    for (const ProcessId id : order_) {
+        AppRow* row = rowOf_[id];
+        row->setGeometry(margin, y, width, rowHeight());
+        y += rowHeight() + gap;
+        if (previous)
+            QWidget::setTabOrder(previous, row);
+        previous = row;
+    }
+    rows_->resize(width + margin, contentHeight());
+    area_->setFixedHeight(shown);
+    auto* lines = static_cast<QVBoxLayout*>(layout());
+    lines->setContentsMargins(0, 0, 0, order_.empty() ? 0 : margin);
+    updateHover();
+}
+
+// Rows that move under a pointer that rests are told nothing by the toolkit.
+void AppList::updateHover() {
+    const bool isInside = area_->viewport()->underMouse() || rows_->underMouse() ||
+                          std::any_of(rowOf_.begin(), rowOf_.end(),
+                                      [](const auto& row) { return row.second->isHovering(); });
+    if (!isInside)
+        return;
+    const QPoint pointer = QCursor::pos();
+    const QWidget* viewport = area_->viewport();
+    const bool isOver = viewport->rect().contains(viewport->mapFromGlobal(pointer));
+    for (const auto& [id, row] : rowOf_)
+        row->setHovering(isOver && row->rect().contains(row->mapFromGlobal(pointer)));
+}
+
+bool AppList::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Leave) {
+        for (const auto& [id, row] : rowOf_)
+            row->setHovering(false);
+    }
+    return GlassCard::eventFilter(watched, event);
+}
+
+} // namespace velmorquit

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QWidget>
+
+#include <string>
+
+namespace velmorquit {
+
+class Label;
+
+/// One line on the computer, at the panel's foot.
+class FooterView : public QWidget {
+public:
+    explicit FooterView(QWidget* parent = nullptr);
+
+    void setMacLine(const std::string& line);
+
+private:
+    Label* line_;
+};
+
+} // namespace velmorquit

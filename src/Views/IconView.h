@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Platform/Icon.h"
+
+#include <QPixmap>
+#include <QWidget>
+
+#include <memory>
+
+namespace velmorquit {
+
+/// The icon of an application.
+class IconView : public QWidget {
+public:
+    IconView(std::shared_ptr<const Icon> icon, int size, QWidget* parent = nullptr);
+    /// The icon of this program.
+    explicit IconView(int size, QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    std::shared_ptr<const Icon> icon_;
+    QPixmap pixmap_;
+    double scale_ = 0;
+};
+
+} // namespace velmorquit

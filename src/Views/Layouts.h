@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QBoxLayout>
+#include <QMargins>
+#include <QWidget>
+
+#include <string>
+
+namespace velmorquit {
+
+/// A layout of `widget`, one below the other or side by side, with that many points in between.
+inline QVBoxLayout& column(QWidget& widget, int spacing, const QMargins& margins = {}) {
+    auto* layout = new QVBoxLayout(&widget);
+    layout->setSpacing(spacing);
+    layout->setContentsMargins(margins);
+    return *layout;
+}
+
+inline QHBoxLayout& row(QWidget& widget, int spacing, const QMargins& margins = {}) {
+    auto* layout = new QHBoxLayout(&widget);
+    layout->setSpacing(spacing);
+    layout->setContentsMargins(margins);
+    return *layout;
+}
+
+/// A row that lies within `column`.
+inline QHBoxLayout& rowIn(QVBoxLayout& column, int spacing) {
+    auto* layout = new QHBoxLayout();
+    layout->setSpacing(spacing);
+    column.addLayout(layout);
+    return *layout;
+}
+
+inline QMargins allSides(int margin) { return {margin, margin, margin, margin}; }
+
+inline QString toQt(const std::string& text) { return QString::fromStdString(text); }
+
+} // namespace velmorquit

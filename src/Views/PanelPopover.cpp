@@ -1,0 +1,236 @@
+#include "Views/PanelPopover.h"
+
+#include "Platform/Appearance.h"
+#include "Platform/WindowSystem.h"
+#include "Theme/Shadow.h"
+#include "Views/PanelFrame.h"
+#include "Views/PopoverPlace.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QRegion>
+#include <QScreen>
+
+#include <utility>
+
+namespace velmorquit {
+namespace {
+
+/// Around the panel, for its shadow.
+constexpr int shadowMargin = 48;
+/// How long before the news of a press a window may have lost the keyboard because of it.
+constexpr Duration samePress = 300ms;
+constexpr int fadeTime = 140;
+
+Shadow windowShadow() { return {AppTheme::withOpacity(Qt::black, 0.5), 22, QPointF(0, 12)}; }
+
+} // namespace
+
+class PanelPopover::Window : public QWidget {
+public:
+    explicit Window(PanelPopover& popover)
+        : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                               Qt::NoDropShadowWindowHint),
+          popover_(popover) {
+        setAttribute(Qt::WA_TranslucentBackground);
+        setObjectName(QStringLiteral("PanelPopover"));
+        setWindowTitle(QStringLiteral("Velmor Quit"));
+    }
+
+    void setPanelArea(const QRect& area) {
+        panelArea_ = area;
+        update();
+    }
+    [[nodiscard]] QRect panelOnScreen() const { return panelArea_.translated(pos()); }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        if (!popover_.face_.windows.isCompositing())
+            return;
+        QPainter painter(this);
+        drawShadow(painter, {panelArea_, AppTheme::windowCornerRadius}, windowShadow());
+    }
+
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Escape)
+            popover_.close();
+        else
+            QWidget::keyPressEvent(event);
+    }
+
+    bool event(QEvent* event) override {
+        if (event->type() == QEvent::WindowDeactivate)
+            popover_.leaveFocus();
+        return QWidget::event(event);
+    }
+
+    // By the window manager, or by the keys that close a window.
+    void closeEvent(QCloseEvent* event) override {
+        event->ignore();
+        popover_.close();
+    }
+
+private:
+    PanelPopover& popover_;
+    QRect panelArea_;
+};
+
+PanelPopover::PanelPopover(MainLoop& loop, const DesktopFace& face,
+                           std::function<std::unique_ptr<PanelView>()> makePanel,
+                           std::function<bool()> isKept)
+    : loop_(loop), face_(face), makePanel_(std::move(makePanel)), isKept_(std::move(isKept)) {
+    QObject::connect(&fade_, &QPropertyAnimation::finished, &fade_, [this] {
+        if (!isShown_ && window_)
+            window_->hide();
+    });
+    compositing_ = face_.windows.observeCompositing([this] {
+        if (window_)
+            fit();
+    });
+    appearance_ = face_.appearance.observe([this] {
+        // What is on the screen keeps its look: it would close under the user's hands.
+        if (!isShown_ && AppTheme::look() != wantedLook())
+            window_.reset();
+    });
+}
+
+PanelPopover::~PanelPopover() = default;
+
+AppTheme::Look PanelPopover::wantedLook() const {
+    return {face_.appearance.isHighContrast(), face_.appearance.isMotionReduced(),
+            AppTheme::textScaleFor(QApplication::font())};
+}
+
+void PanelPopover::makeWindow() {
+    AppTheme::setLook(wantedLook());
+    window_ = std::make_unique<Window>(*this);
+    auto panel = makePanel_();
+    panel->onResize = [this] {
+        if (isShown_)
+            fit();
+    };
+    frame_ = new PanelFrame(panel.release(), window_.get());
+    fade_.setTargetObject(window_.get());
+    fade_.setPropertyName("windowOpacity");
+}
+
+void PanelPopover::show(const std::optional<ScreenRect>& anchor) {
+    if (isShown_)
+        return;
+    if (window_ && AppTheme::look() != wantedLook())
+        window_.reset();
+    if (!window_)
+        makeWindow();
+    anchor_ = anchor;
+    isShown_ = true;
+    wasClosedByLastPress_ = false;
+    leftAt_.reset();
+    frame_->panel().render();
+    fit();
+    window_->setAttribute(Qt::WA_KeyboardFocusChange, false);
+    fade(0, 1);
+    window_->show();
+    window_->raise();
+    face_.windows.activate(window_->winId());
+    if (QWidget* first = frame_->panel().firstFocus())
+        first->setFocus(Qt::PopupFocusReason);
+    presses_ = face_.windows.observePresses([this] { hearPress(); });
+}
+
+void PanelPopover::close() {
+    if (!std::exchange(isShown_, false))
+        return;
+    fade(window_->windowOpacity(), 0);
+    if (onClose)
+        onClose();
+}
+
+void PanelPopover::fade(double from, double to) {
+    fade_.stop();
+    const bool isPlain = !face_.windows.isCompositing() || face_.appearance.isMotionReduced();
+    if (isPlain) {
+        window_->setWindowOpacity(1);
+        window_->setVisible(to > 0);
+        return;
+    }
+    fade_.setDuration(fadeTime);
+    fade_.setStartValue(from);
+    fade_.setEndValue(to);
+    fade_.setEasingCurve(QEasingCurve::OutQuad);
+    window_->setWindowOpacity(from);
+    fade_.start();
+}
+
+ScreenRect PanelPopover::workArea() const {
+    const QPoint place =
+        anchor_ ? QPoint(anchor_->x + anchor_->width / 2, anchor_->y + anchor_->height / 2)
+                : QCursor::pos();
+    const QScreen* screen = QGuiApplication::screenAt(place);
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    const QRect area = screen->availableGeometry();
+    return {area.x(), area.y(), area.width(), area.height()};
+}
+
+void PanelPopover::fit() {
+    const ScreenRect room = workArea();
+    frame_->fit(mostPopoverHeight(room));
+    const PopoverPlace place = placePopover(anchor_, room, frame_->width(), frame_->height());
+    const int margin = face_.windows.isCompositing() ? shadowMargin : 0;
+    const QRect panel(QPoint(margin, margin), frame_->size());
+    frame_->move(panel.topLeft());
+    window_->setPanelArea(panel);
+    window_->setGeometry(place.x - margin, place.y - margin, panel.width() + 2 * margin,
+                         panel.height() + 2 * margin);
+    applyShape();
+}
+
+// Where nothing blends windows, what is transparent would be black.
+void PanelPopover::applyShape() {
+    if (face_.windows.isCompositing()) {
+        window_->clearMask();
+        return;
+    }
+    QPainterPath outline;
+    constexpr double radius = AppTheme::windowCornerRadius;
+    outline.addRoundedRect(QRectF(QPointF(), QSizeF(frame_->size())), radius, radius);
+    window_->setMask(QRegion(outline.toFillPolygon().toPolygon()));
+}
+
+void PanelPopover::leaveFocus() {
+    // Its own menus and questions come to the front as well.
+    const bool isOwn = QApplication::activeWindow() || QApplication::activePopupWidget();
+    if (!isShown_ || isOwn || isKept_())
+        return;
+    close();
+    leftAt_ = loop_.uptime();
+}
+
+void PanelPopover::hearPress() {
+    if (!isShown_) {
+        const bool isSame = leftAt_ && loop_.uptime() - *leftAt_ < samePress;
+        leftAt_.reset();
+        wasClosedByLastPress_ = isSame;
+        if (!isSame)
+            presses_.reset();
+        return;
+    }
+    const QPoint pointer = QCursor::pos();
+    const QWidget* below = QApplication::topLevelAt(pointer);
+    const bool isOther = below && below != window_.get();
+    const bool isInside =
+        isOther || QApplication::activePopupWidget() || window_->panelOnScreen().contains(pointer);
+    // What a press on the icon does is told by the icon.
+    const bool isOnIcon =
+        anchor_ && anchor_->width > 1 &&
+        QRect(anchor_->x, anchor_->y, anchor_->width, anchor_->height).contains(pointer);
+    if (isInside || isOnIcon)
+        return;
+    close();
+    wasClosedByLastPress_ = true;
+}
+
+} // namespace velmorquit

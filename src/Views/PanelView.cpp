@@ -1,0 +1,167 @@
+#include "Views/PanelView.h"
+
+#include "Services/MacInfo.h"
+#include "Services/Panel/PanelTexts.h"
+#include "Texts/Localized.h"
+#include "Theme/AppTheme.h"
+#include "Theme/CircleActionButton.h"
+#include "Views/AppList.h"
+#include "Views/FooterView.h"
+#include "Views/HeaderView.h"
+#include "Views/Layouts.h"
+#include "Views/MemoryBar.h"
+#include "Views/PowerActionPicker.h"
+#include "Views/StatusLineView.h"
+#include "Views/StubbornAppsCard.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+
+#include <utility>
+
+namespace velmorquit {
+namespace {
+
+constexpr int blockGap = 14;
+constexpr int itemGap = 10;
+constexpr int buttonDiameter = 124;
+
+/// In a box of its own, with 4 points above and below.
+QWidget* framed(QWidget* content, Qt::Alignment alignment) {
+    constexpr int verticalPadding = 4;
+    auto* box = new QWidget;
+    column(*box, 0, {0, verticalPadding, 0, verticalPadding}).addWidget(content, 0, alignment);
+    return box;
+}
+
+} // namespace
+
+PanelView::PanelView(QuitController& controller, AppUpdater& updater, const Desktop& desktop,
+                     SettingsButton::Actions actions, QWidget* parent)
+    : QWidget(parent), controller_(controller), updater_(updater), desktop_(desktop),
+      header_(new HeaderView(controller, updater, desktop.preferences, std::move(actions))),
+      memory_(new MemoryBar(desktop.formats)), normal_(new QWidget),
+      quit_(new CircleActionButton(buttonDiameter, AppTheme::primaryPink())),
+      status_(new StatusLineView), picker_(new PowerActionPicker),
+      list_(new AppList(controller, desktop.formats)), stubborn_(new StubbornAppsCard(controller)),
+      footer_(new FooterView) {
+    setObjectName(QStringLiteral("PanelView"));
+    setFixedWidth(width);
+    makeNormalContent();
+    QVBoxLayout& blocks = column(*this, blockGap, allSides(padding));
+    blocks.addWidget(header_);
+    blocks.addWidget(memory_);
+    blocks.addWidget(normal_);
+    blocks.addWidget(stubborn_);
+    blocks.addWidget(footer_);
+    blocks.addStretch();
+    observe();
+}
+
+void PanelView::makeNormalContent() {
+    normal_->setObjectName(QStringLiteral("normalContent"));
+    QVBoxLayout& items = column(*normal_, itemGap);
+    quit_->setObjectName(QStringLiteral("quitAll"));
+    quit_->setToolTip(toQt(localized("Chiude tutte le app non escluse")));
+    connect(quit_, &QPushButton::clicked, this,
+            [this] { controller_.quitAll(controller_.afterQuit); });
+    items.addWidget(framed(quit_, Qt::AlignHCenter));
+    items.addWidget(framed(status_, {}));
+    picker_->onChoose = [this](PowerAction action) { controller_.chooseAfterQuit(action); };
+    items.addWidget(picker_);
+    items.addWidget(list_);
+}
+
+void PanelView::observe() {
+    const auto onChange = [this](auto&... fields) {
+        (observers_.push_back(fields.subscribe([this] { renderLater(); })), ...);
+    };
+    onChange(controller_.apps, controller_.phase, controller_.stubborn, controller_.stayReasons,
+             controller_.systemMemory, controller_.excluded, controller_.afterQuit,
+             controller_.backupFirst, controller_.ejectDrives, controller_.timeMachine,
+             controller_.externalDrives, controller_.resultNote, controller_.autoContinueAt,
+             controller_.runningAction, controller_.lastSession, controller_.schedule,
+             controller_.awaitingConfirmation, controller_.confirmScheduled,
+             controller_.scheduleNote, updater_.updateAvailable);
+}
+
+// Several fields change in one turn: that is one picture.
+void PanelView::renderLater() {
+    if (!isVisible() || std::exchange(isRenderPending_, true))
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            isRenderPending_ = false;
+            render();
+        },
+        Qt::QueuedConnection);
+}
+
+void PanelView::render() {
+    const Phase& phase = controller_.phase;
+    const bool isNormal = !is<phases::BackingUp>(phase) && !is<phases::Waiting>(phase) &&
+                          !is<phases::BackupFailed>(phase);
+    header_->render();
+    memory_->render(controller_.systemMemory);
+    normal_->setVisible(isNormal);
+    stubborn_->setVisible(is<phases::Waiting>(phase));
+    if (isNormal)
+        renderNormalContent(isBusy(phase));
+    else if (is<phases::Waiting>(phase))
+        stubborn_->render();
+}
+
+void PanelView::renderNormalContent(bool isBusy) {
+    const PowerAction action = controller_.afterQuit;
+    quit_->setEnabled(!isBusy);
+    quit_->setBusy(isBusy);
+    quit_->setSymbol(toQt(std::string(PanelTexts::buttonSymbol(action))));
+    quit_->setText(toQt(buttonTitle(action)));
+    status_->render(PanelTexts::statusLine(controller_, desktop_.formats));
+    picker_->render(action);
+    picker_->setEnabled(!isBusy);
+    list_->render();
+}
+
+int PanelView::heightFor(int listHeight) {
+    list_->setRoom(listHeight);
+    // Of nested layouts only those that are asked learn that something in them has changed.
+    for (QWidget* block : findChildren<QWidget*>()) {
+        if (QLayout* inner = block->layout())
+            inner->activate();
+    }
+    layout()->activate();
+    return layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width)
+                                         : layout()->totalSizeHint().height();
+}
+
+QWidget* PanelView::firstFocus() const { return quit_; }
+
+bool PanelView::event(QEvent* event) {
+    const bool isHandled = QWidget::event(event);
+    if (event->type() == QEvent::LayoutRequest && onResize)
+        onResize();
+    return isHandled;
+}
+
+void PanelView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    paintShadows(painter, *this);
+}
+
+void PanelView::keyPressEvent(QKeyEvent* event) {
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (isReturn && !event->isAutoRepeat() && quit_->isVisible() && quit_->isEnabled())
+        quit_->click();
+    else
+        QWidget::keyPressEvent(event);
+}
+
+void PanelView::showEvent(QShowEvent*) {
+    macLine_ = MacInfo::load(desktop_.loop, desktop_.kernel,
+                             [this](const std::string& line) { footer_->setMacLine(line); });
+    render();
+}
+
+} // namespace velmorquit

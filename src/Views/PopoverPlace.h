@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Platform/ScreenRect.h"
+
+#include <optional>
+
+namespace velmorquit {
+
+/// Where a popover of some size goes.
+struct PopoverPlace {
+    int x = 0;
+    int y = 0;
+    /// Whether it hangs below its anchor; else it stands above it, and keeps its lower edge when it
+    /// grows.
+    bool hangs = true;
+};
+
+/// Room that there is for a popover's height, in a work area.
+[[nodiscard]] int mostPopoverHeight(const ScreenRect& workArea);
+
+/// Below the anchor, or above it when that lies in the lower half of the screen; in the upper right
+/// corner without one. Always within the work area.
+[[nodiscard]] PopoverPlace placePopover(const std::optional<ScreenRect>& anchor,
+                                        const ScreenRect& workArea, int width, int height);
+
+} // namespace velmorquit

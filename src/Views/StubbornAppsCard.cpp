@@ -1,0 +1,111 @@
+#include "Views/StubbornAppsCard.h"
+
+#include "Services/Panel/PanelTexts.h"
+#include "Texts/Localized.h"
+#include "Theme/AppTheme.h"
+#include "Theme/Buttons.h"
+#include "Theme/Label.h"
+#include "Theme/Marks.h"
+#include "Theme/SymbolLabel.h"
+#include "Views/IconView.h"
+#include "Views/Layouts.h"
+
+#include <utility>
+
+namespace velmorquit {
+namespace {
+
+Label* caption(const char* key, double opacity) {
+    auto* label = new Label(AppTheme::captionFont(), AppTheme::text(opacity));
+    label->setText(toQt(localized(key)));
+    label->wrap();
+    return label;
+}
+
+} // namespace
+
+StubbornAppsCard::StubbornAppsCard(QuitController& controller, QWidget* parent)
+    : GlassCard(AppTheme::cardCornerRadius, AppTheme::warningOrange(), parent),
+      controller_(controller) {
+    setObjectName(QStringLiteral("StubbornAppsCard"));
+    QVBoxLayout& lines = column(*this, 10, allSides(14));
+    QHBoxLayout& head = rowIn(lines, 6);
+    head.addWidget(new SymbolLabel(QStringLiteral("exclamationmark.triangle.fill"), 14,
+                                   AppTheme::warningOrange()));
+    auto* title = new Label(AppTheme::sectionFont(), AppTheme::warningOrange());
+    title->setText(toQt(localized("Alcune app non si sono chiuse")));
+    head.addWidget(title, 1);
+    lines.addWidget(caption(textKey("Di solito stanno chiedendo se salvare un documento. Mostrale "
+                                    "per rispondere, oppure forza la chiusura."),
+                            0.8));
+    rows_ = new QVBoxLayout();
+    rows_->setSpacing(8);
+    lines.addLayout(rows_);
+    lines.addWidget(new WarningText(
+        toQt(localized("Forzare la chiusura fa perdere le modifiche non salvate."))));
+
+    QHBoxLayout& buttons = rowIn(lines, 8);
+    auto* leave = new PrimaryButton(toQt(localized("Annulla")));
+    leave->setObjectName(QStringLiteral("leaveOpen"));
+    leave->setToolTip(toQt(localized("Lascia aperte queste app e non spegnere/riavviare")));
+    connect(leave, &QPushButton::clicked, this, [this] { controller_.leaveStubbornOpen(); });
+    auto* force = new PrimaryButton(toQt(localized("Forza tutte")), AppTheme::dangerRed());
+    force->setObjectName(QStringLiteral("forceAll"));
+    connect(force, &QPushButton::clicked, this, [this] { controller_.forceQuitStubborn(); });
+    buttons.addWidget(leave);
+    buttons.addWidget(force);
+    buttons.addStretch();
+}
+
+QWidget* StubbornAppsCard::makeRow(const OpenApp& app) {
+    auto* widget = new QWidget;
+    widget->setObjectName(QStringLiteral("stubborn"));
+    QHBoxLayout& line = row(*widget, 8);
+    line.addWidget(new IconView(app.icon, 22));
+    auto* name = new Label(AppTheme::bodyFont(), AppTheme::text());
+    name->setText(toQt(app.name));
+    line.addWidget(name, 1);
+    auto* show = new PrimaryButton(toQt(localized("Mostra")));
+    show->setObjectName(QStringLiteral("show"));
+    show->setAccessibleName(toQt(localized("Mostra %@", app.name)));
+    connect(show, &QPushButton::clicked, this, [shown = app.app] { shown->activate(); });
+    auto* force = new PrimaryButton(toQt(localized("Forza")), AppTheme::dangerRed());
+    force->setObjectName(QStringLiteral("force"));
+    const QString help = toQt(PanelTexts::forceHelp(app));
+    force->setToolTip(help);
+    force->setAccessibleName(toQt(localized("Forza la chiusura di %@", app.name)));
+    connect(force, &QPushButton::clicked, this, [forced = app.app] { forced->forceTerminate(); });
+    line.addWidget(show);
+    line.addWidget(force);
+    return widget;
+}
+
+void StubbornAppsCard::render() {
+    std::vector<ProcessId> order;
+    for (const OpenApp& app : controller_.stubborn.get()) {
+        order.push_back(app.id);
+        QWidget*& widget = rowOf_[app.id];
+        if (!widget)
+            widget = makeRow(app);
+        const auto& reasons = controller_.stayReasons.get();
+        const auto reason = reasons.find(app.id);
+        const auto help =
+            reason == reasons.end() ? std::nullopt : PanelTexts::stayHelp(reason->second);
+        widget->setToolTip(toQt(help.value_or(std::string())));
+    }
+    if (std::exchange(order_, order) == order)
+        return;
+    for (auto next = rowOf_.begin(); next != rowOf_.end();) {
+        const auto gone = next++;
+        if (std::find(order.begin(), order.end(), gone->first) != order.end())
+            continue;
+        gone->second->hide();
+        gone->second->deleteLater();
+        rows_->removeWidget(gone->second);
+        rowOf_.erase(gone);
+    }
+    for (std::size_t at = 0; at < order.size(); ++at)
+        rows_->insertWidget(static_cast<int>(at), rowOf_[order[at]]);
+}
+
+} // namespace velmorquit

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "Services/QuitController/QuitController.h"
+#include "Theme/GlassCard.h"
+
+#include <map>
+#include <vector>
+
+class QVBoxLayout;
+
+namespace velmorquit {
+
+/// The applications that did not quit when they were asked, and what can be done about them.
+class StubbornAppsCard : public GlassCard {
+public:
+    explicit StubbornAppsCard(QuitController& controller, QWidget* parent = nullptr);
+
+    void render();
+
+private:
+    QWidget* makeRow(const OpenApp& app);
+
+    QuitController& controller_;
+    QVBoxLayout* rows_;
+    std::map<ProcessId, QWidget*> rowOf_;
+    std::vector<ProcessId> order_;
+};
+
+} // namespace velmorquit
