@@ -99,8 +99,7 @@ private:
 int boxSize(double textSize) { return static_cast<int>(std::lround(boxPerTextSize * textSize)); }
 
 void draw(QPainter& painter, const QString& name, const QRectF& box, const QColor& colour) {
-    const QTransform& toDevice = painter.deviceTransform();
-    const double scale = std::sqrt(std::abs(toDevice.determinant()));
+    const double scale = std::sqrt(std::abs(painter.deviceTransform().determinant()));
     const int side = static_cast<int>(std::ceil(std::min(box.width(), box.height()) * scale));
     if (side <= 0) {
         return;
@@ -111,13 +110,6 @@ void draw(QPainter& painter, const QString& name, const QRectF& box, const QColo
     }
     QRectF target(0, 0, side / scale, side / scale);
     target.moveCenter(box.center());
-    // Between two pixels its lines would be blurred.
-    if (toDevice.type() <= QTransform::TxScale) {
-        const QPointF corner = toDevice.map(target.topLeft());
-        const QPointF nearest(std::round(corner.x()), std::round(corner.y()));
-        target.translate((nearest.x() - corner.x()) / toDevice.m11(),
-                         (nearest.y() - corner.y()) / toDevice.m22());
-    }
     painter.save();
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(target, image);
