@@ -37,6 +37,10 @@ public:
     /// Returns at once; a failure is not told.
     virtual void open(const std::string& path) = 0;
 
+    /// The icon of the application that this file starts; an empty one when it has none. Never
+    /// null. Reads the file.
+    [[nodiscard]] virtual std::shared_ptr<const Icon> icon(const std::string& path) const = 0;
+
     /// Exclusion keys that this system's own essential applications have, such as its file
     /// managers: left running until the user says otherwise.
     [[nodiscard]] virtual std::vector<std::string> defaultExclusions() const = 0;

@@ -28,12 +28,19 @@ public:
         return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));
     }
     void open(const std::string& path) override;
+    [[nodiscard]] std::shared_ptr<const Icon> icon(const std::string& path) const override {
+        const auto found = icons.find(path);
+        return found == icons.end() ? std::make_shared<Icon>() : found->second;
+    }
     [[nodiscard]] std::vector<std::string> defaultExclusions() const override {
         return exclusions_;
     }
 
     /// Called with the path of what is to be opened; nothing comes by itself.
     std::function<void(const std::string& path)> onOpen;
+
+    /// By the path of what they belong to.
+    std::map<std::string, std::shared_ptr<const Icon>> icons;
 
 private:
     std::function<void(std::string_view)> log_;

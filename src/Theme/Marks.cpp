@@ -4,6 +4,8 @@
 
 #include <QPainter>
 
+#include <cmath>
+
 namespace velmorquit {
 
 Badge::Badge(const QString& text, const Style& style, QWidget* parent)
@@ -32,6 +34,9 @@ WarningText::WarningText(const QString& text, QWidget* parent)
              AppTheme::withOpacity(AppTheme::warningOrange(), 0.22), 6},
             parent) {
     wrap();
+    const QMargins margins = contentsMargins();
+    setMaximumWidth(static_cast<int>(std::ceil(textWidth(font(), text))) + margins.left() +
+                    margins.right() + 1);
 }
 
 } // namespace velmorquit

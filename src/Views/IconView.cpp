@@ -1,5 +1,7 @@
 #include "Views/IconView.h"
 
+#include "Theme/AppTheme.h"
+#include "Theme/Shadow.h"
 #include "Views/AppIcons.h"
 
 #include <QPainter>
@@ -20,6 +22,9 @@ void IconView::paintEvent(QPaintEvent*) {
     if (std::exchange(scale_, scale) != scale)
         pixmap_ = icon_ ? AppIcons::pixmap(*icon_, width(), scale) : AppIcons::own(width(), scale);
     QPainter painter(this);
+    if (edge_ == Edge::shaded)
+        drawShadow(painter, {QRectF(rect()).adjusted(2, 2, -2, -2), 5},
+                   {AppTheme::withOpacity(Qt::black, 0.5), 1.5, QPointF(0, 0.5)});
     AppIcons::draw(painter, rect(), pixmap_);
 }
 

@@ -16,6 +16,12 @@ public:
     /// The icon of this program.
     explicit IconView(int size, QWidget* parent = nullptr);
 
+    enum class Edge {
+        plain,
+        shaded ///< so that it stands out from another one below it
+    };
+    void setEdge(Edge edge) { edge_ = edge; }
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
@@ -23,6 +29,7 @@ private:
     std::shared_ptr<const Icon> icon_;
     QPixmap pixmap_;
     double scale_ = 0;
+    Edge edge_ = Edge::plain;
 };
 
 } // namespace velmorquit

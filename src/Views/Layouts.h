@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Theme/Marks.h"
+
 #include <QBoxLayout>
 #include <QMargins>
 #include <QWidget>
@@ -34,5 +36,12 @@ inline QHBoxLayout& rowIn(QVBoxLayout& column, int spacing) {
 inline QMargins allSides(int margin) { return {margin, margin, margin, margin}; }
 
 inline QString toQt(const std::string& text) { return QString::fromStdString(text); }
+
+/// A warning in `column`, only as wide as its text.
+inline void addWarning(QVBoxLayout& column, const std::string& text) {
+    QHBoxLayout& line = rowIn(column, 0);
+    line.addWidget(new WarningText(toQt(text)), 1);
+    line.addStretch();
+}
 
 } // namespace velmorquit

@@ -6,11 +6,18 @@
 #include "Theme/AppTheme.h"
 #include "Theme/CircleActionButton.h"
 #include "Views/AppList.h"
+#include "Views/BackupCard.h"
+#include "Views/BackupFailedCard.h"
+#include "Views/ExtrasRow.h"
 #include "Views/FooterView.h"
 #include "Views/HeaderView.h"
 #include "Views/Layouts.h"
 #include "Views/MemoryBar.h"
+#include "Views/NoteCard.h"
 #include "Views/PowerActionPicker.h"
+#include "Views/ReopenCard.h"
+#include "Views/ScheduleCard.h"
+#include "Views/SchedulerCard.h"
 #include "Views/StatusLineView.h"
 #include "Views/StubbornAppsCard.h"
 
@@ -44,7 +51,11 @@ PanelView::PanelView(QuitController& controller, AppUpdater& updater, const Desk
       quit_(new CircleActionButton(buttonDiameter, AppTheme::primaryPink())),
       status_(new StatusLineView), picker_(new PowerActionPicker),
       list_(new AppList(controller, desktop.formats)), stubborn_(new StubbornAppsCard(controller)),
-      footer_(new FooterView) {
+      footer_(new FooterView), extras_(new ExtrasRow(controller, desktop.formats)),
+      schedule_(new ScheduleCard(controller, desktop.formats)),
+      scheduler_(new SchedulerCard(controller, desktop.formats)), note_(new NoteCard),
+      reopen_(new ReopenCard(controller, desktop.workspace)), backup_(new BackupCard(controller)),
+      backupFailed_(new BackupFailedCard(controller)) {
     setObjectName(QStringLiteral("PanelView"));
     setFixedWidth(width);
     makeNormalContent();
@@ -52,7 +63,9 @@ PanelView::PanelView(QuitController& controller, AppUpdater& updater, const Desk
     blocks.addWidget(header_);
     blocks.addWidget(memory_);
     blocks.addWidget(normal_);
+    blocks.addWidget(backup_);
     blocks.addWidget(stubborn_);
+    blocks.addWidget(backupFailed_);
     blocks.addWidget(footer_);
     blocks.addStretch();
     observe();
@@ -69,6 +82,17 @@ void PanelView::makeNormalContent() {
     items.addWidget(framed(status_, {}));
     picker_->onChoose = [this](PowerAction action) { controller_.chooseAfterQuit(action); };
     items.addWidget(picker_);
+    extras_->onToggleScheduler = [this] {
+        showsScheduler_ = !showsScheduler_;
+        render();
+    };
+    items.addWidget(extras_);
+    items.addWidget(schedule_);
+    scheduler_->onScheduled = [this] { showsScheduler_ = false; };
+    items.addWidget(scheduler_);
+    note_->onDismiss = [this] { controller_.scheduleNote = std::nullopt; };
+    items.addWidget(note_);
+    items.addWidget(reopen_);
     items.addWidget(list_);
 }
 
@@ -104,15 +128,24 @@ void PanelView::render() {
                           !is<phases::BackupFailed>(phase);
     header_->render();
     memory_->render(controller_.systemMemory);
+    const auto* backingUp = std::get_if<phases::BackingUp>(&phase);
+    const auto* failed = std::get_if<phases::BackupFailed>(&phase);
+    if (isNormal)
+        renderNormalContent();
+    if (is<phases::Waiting>(phase))
+        stubborn_->render();
+    if (backingUp)
+        backup_->render(backingUp->fraction);
+    if (failed)
+        backupFailed_->render(failed->reason);
     normal_->setVisible(isNormal);
     stubborn_->setVisible(is<phases::Waiting>(phase));
-    if (isNormal)
-        renderNormalContent(isBusy(phase));
-    else if (is<phases::Waiting>(phase))
-        stubborn_->render();
+    backup_->setVisible(backingUp);
+    backupFailed_->setVisible(failed);
 }
 
-void PanelView::renderNormalContent(bool isBusy) {
+void PanelView::renderNormalContent() {
+    const bool isBusy = velmorquit::isBusy(controller_.phase);
     const PowerAction action = controller_.afterQuit;
     quit_->setEnabled(!isBusy);
     quit_->setBusy(isBusy);
@@ -121,16 +154,41 @@ void PanelView::renderNormalContent(bool isBusy) {
     status_->render(PanelTexts::statusLine(controller_, desktop_.formats));
     picker_->render(action);
     picker_->setEnabled(!isBusy);
+    extras_->render(showsScheduler_);
+    extras_->setEnabled(!isBusy);
+    renderCards();
     list_->render();
+}
+
+void PanelView::renderCards() {
+    const bool isSet = controller_.schedule->has_value();
+    schedule_->render();
+    schedule_->setVisible(isSet);
+    scheduler_->render();
+    scheduler_->setVisible(!isSet && showsScheduler_);
+    const std::optional<std::string>& note = controller_.scheduleNote;
+    note_->setVisible(note.has_value());
+    if (note)
+        note_->render(*note);
+    const std::vector<SavedApp> apps =
+        isBusy(controller_.phase) ? std::vector<SavedApp>() : controller_.reopenable();
+    reopen_->setVisible(!apps.empty());
+    if (!apps.empty())
+        reopen_->render(apps);
 }
 
 int PanelView::heightFor(int listHeight) {
     list_->setRoom(listHeight);
-    // Of nested layouts only those that are asked learn that something in them has changed.
-    for (QWidget* block : findChildren<QWidget*>()) {
-        if (QLayout* inner = block->layout())
+    // From the inside out, since a layout remembers what those within it wanted when it was asked
+    // last. Children come after their parents in the list.
+    const QList<QWidget*> blocks = findChildren<QWidget*>();
+    for (auto block = blocks.rbegin(); block != blocks.rend(); ++block) {
+        if (QLayout* inner = (*block)->layout()) {
+            inner->invalidate();
             inner->activate();
+        }
     }
+    layout()->invalidate();
     layout()->activate();
     return layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width)
                                          : layout()->totalSizeHint().height();

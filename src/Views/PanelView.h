@@ -58,7 +58,8 @@ private:
     void makeNormalContent();
     void observe();
     void renderLater();
-    void renderNormalContent(bool isBusy);
+    void renderNormalContent();
+    void renderCards();
 
     QuitController& controller_;
     AppUpdater& updater_;
@@ -72,6 +73,14 @@ private:
     AppList* list_;
     StubbornAppsCard* stubborn_;
     FooterView* footer_;
+    ExtrasRow* extras_;
+    ScheduleCard* schedule_;
+    SchedulerCard* scheduler_;
+    NoteCard* note_;
+    ReopenCard* reopen_;
+    BackupCard* backup_;
+    BackupFailedCard* backupFailed_;
+    bool showsScheduler_ = false;
     bool isRenderPending_ = false;
     Handle macLine_;
     std::vector<Handle> observers_;

@@ -41,8 +41,7 @@ StubbornAppsCard::StubbornAppsCard(QuitController& controller, QWidget* parent)
     rows_ = new QVBoxLayout();
     rows_->setSpacing(8);
     lines.addLayout(rows_);
-    lines.addWidget(new WarningText(
-        toQt(localized("Forzare la chiusura fa perdere le modifiche non salvate."))));
+    addWarning(lines, localized("Forzare la chiusura fa perdere le modifiche non salvate."));
 
     QHBoxLayout& buttons = rowIn(lines, 8);
     auto* leave = new PrimaryButton(toQt(localized("Annulla")));

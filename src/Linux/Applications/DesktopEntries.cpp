@@ -67,6 +67,16 @@ DesktopEntries::DesktopEntries() : monitor_(g_app_info_monitor_get()) {
     g_signal_connect_swapped(monitor_, "changed", G_CALLBACK(changed), &isOutdated_);
 }
 
+Icon DesktopEntries::iconOf(const std::string& path) {
+    GDesktopAppInfo* info = g_desktop_app_info_new_from_filename(path.c_str());
+    if (!info)
+        return {};
+    Identity identity;
+    takeIcon(identity, g_app_info_get_icon(G_APP_INFO(info)));
+    g_object_unref(info);
+    return {identity.iconName, identity.iconFile, {}};
+}
+
 DesktopEntries::~DesktopEntries() {
     g_signal_handlers_disconnect_by_data(monitor_, &isOutdated_);
     g_object_unref(monitor_);

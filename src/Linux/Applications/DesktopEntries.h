@@ -37,6 +37,9 @@ public:
     [[nodiscard]] Identity identify(const ToplevelIdentity& window, ProcessId process,
                                     const std::vector<std::string>& started);
 
+    /// The icon that the entry in that file gives; an empty one when it gives none.
+    [[nodiscard]] static Icon iconOf(const std::string& path);
+
 private:
     struct ClassOwner {
         std::string id;

@@ -35,6 +35,10 @@ std::shared_ptr<RunningApplication> LinuxWorkspace::frontmostApplication() const
     return frontmost && !frontmost->isTerminated() ? frontmost : nullptr;
 }
 
+std::shared_ptr<const Icon> LinuxWorkspace::icon(const std::string& path) const {
+    return std::make_shared<Icon>(DesktopEntries::iconOf(path));
+}
+
 void LinuxWorkspace::open(const std::string& path) {
     if (!launch_)
         return;

@@ -43,6 +43,7 @@ public:
         return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));
     }
     void open(const std::string& path) override;
+    [[nodiscard]] std::shared_ptr<const Icon> icon(const std::string& path) const override;
     /// The usual file managers: the session's own windows on the disk.
     [[nodiscard]] std::vector<std::string> defaultExclusions() const override;
 

@@ -1,0 +1,62 @@
+#include "Theme/Chip.h"
+
+#include "Theme/AppTheme.h"
+#include "Theme/Buttons.h"
+#include "Theme/Drawing.h"
+#include "Theme/Symbols.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+
+#include <cmath>
+
+namespace velmorquit {
+namespace {
+
+constexpr double gap = 5;
+constexpr int horizontalPadding = 4;
+constexpr int verticalPadding = 7;
+constexpr double leastText = 0.75;
+
+} // namespace
+
+Chip::Chip(const QString& title, const QString& symbol, QWidget* parent)
+    : QPushButton(title, parent), symbol_(symbol) {
+    setCheckable(true);
+    setFont(AppTheme::systemFont(11, QFont::DemiBold));
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+}
+
+void Chip::render(bool isSelected, bool isOn, const QString& help) {
+    setChecked(isSelected);
+    setEnabled(isOn);
+    setToolTip(help);
+}
+
+QSize Chip::sizeHint() const {
+    const double text = QFontMetricsF(font()).height();
+    const double symbol = Symbols::boxSize(font().pixelSize());
+    return {0, static_cast<int>(std::ceil(std::max(text, symbol))) + 2 * verticalPadding};
+}
+
+void Chip::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    if (!isEnabled())
+        painter.setOpacity(AppTheme::disabledOpacity);
+    const QRectF area = rect();
+    drawChoice(painter, area, isChecked());
+    const double side = Symbols::boxSize(font().pixelSize());
+    const double room = area.width() - 2 * horizontalPadding - side - gap;
+    const QFont fitting = fittingFont(font(), text(), room, leastText);
+    const QString shown = QFontMetricsF(fitting).elidedText(text(), Qt::ElideRight, room + 1);
+    const double wide = side + gap + textWidth(fitting, shown);
+    const double x = (area.width() - wide) / 2;
+    Symbols::draw(painter, symbol_, {x, (area.height() - side) / 2, side, side}, AppTheme::text());
+    painter.setFont(fitting);
+    painter.setPen(AppTheme::text());
+    drawLine(painter, {x + side + gap, 0, room, area.height()}, shown);
+    if (showsFocus(*this))
+        drawFocus(painter, area, AppTheme::buttonCornerRadius);
+}
+
+} // namespace velmorquit

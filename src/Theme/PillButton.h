@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QColor>
+#include <QPushButton>
+#include <QVariantAnimation>
+
+namespace velmorquit {
+
+/// A button in the shape of a capsule, which springs back when it is let go.
+class PillButton : public QPushButton {
+public:
+    PillButton(const QString& text, const QColor& fill, QWidget* parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    void springTo(double scale);
+
+    QColor fill_;
+    double scale_ = 1;
+    QVariantAnimation animation_;
+};
+
+} // namespace velmorquit

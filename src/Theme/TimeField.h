@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QTimeEdit>
+
+namespace velmorquit {
+
+/// A field for an hour and a minute, in the order and with the separators of its locale. It can be
+/// typed in, and stepped through with the arrow keys, the wheel and its two arrows.
+class TimeField : public QTimeEdit {
+public:
+    explicit TimeField(QWidget* parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+
+private:
+    [[nodiscard]] QRectF arrows() const;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Services/QuitController/QuitController.h"
+#include "Theme/GlassCard.h"
+
+namespace velmorquit {
+
+class Label;
+class ProgressTrack;
+
+/// The backup that is running, and the two ways to stop it.
+class BackupCard : public GlassCard {
+public:
+    explicit BackupCard(QuitController& controller, QWidget* parent = nullptr);
+
+    void render(std::optional<double> fraction);
+
+private:
+    QuitController& controller_;
+    ProgressTrack* track_;
+    Label* progress_;
+    Label* afterwards_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "Services/QuitController/QuitController.h"
+
+#include <QWidget>
+
+namespace velmorquit {
+
+class Label;
+
+/// Asks whether the run that was set for now is to begin.
+class ConfirmScheduleView : public QWidget {
+public:
+    explicit ConfirmScheduleView(QuitController& controller, QWidget* parent = nullptr);
+
+    void render(PowerAction action);
+
+private:
+    QuitController& controller_;
+    Label* question_;
+};
+
+} // namespace velmorquit

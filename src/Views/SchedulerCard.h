@@ -1,0 +1,39 @@
+#pragma once
+
+#include "Services/QuitController/QuitController.h"
+#include "Theme/GlassCard.h"
+
+namespace velmorquit {
+
+class CheckBox;
+class Formats;
+class Label;
+class TimeField;
+
+/// Sets a run for later: after a span, or at a time of day.
+class SchedulerCard : public GlassCard {
+public:
+    static constexpr std::array presets{15, 30, 60, 120}; ///< minutes
+
+    SchedulerCard(QuitController& controller, const Formats& formats, QWidget* parent = nullptr);
+
+    void render();
+
+    /// A run was set: the card has done its work.
+    std::function<void()> onScheduled;
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void schedule(WallTime date);
+    [[nodiscard]] WallTime pickedTime() const;
+
+    QuitController& controller_;
+    const Formats& formats_;
+    Label* title_;
+    TimeField* time_;
+    CheckBox* confirm_;
+};
+
+} // namespace velmorquit
