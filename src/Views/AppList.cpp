@@ -119,7 +119,7 @@ void AppList::layOut() {
         row->setGeometry(margin, y, width, rowHeight());
         y += rowHeight() + gap;
         if (previous)
-            QWidget::setTabOrder(previous, row);
+            QWidget::setTabOrder(previous->lastControl(), row);
         previous = row;
     }
     rows_->resize(width + margin, contentHeight());

@@ -25,6 +25,8 @@ public:
     [[nodiscard]] bool isHovering() const { return isHovering_; }
 
     [[nodiscard]] QSize sizeHint() const override;
+    /// What the keyboard comes to last in it.
+    [[nodiscard]] QWidget* lastControl() { return quitButton_ ? quitButton_ : this; }
 
     std::function<void(const OpenApp&)> onToggle;
     std::function<void(const OpenApp&)> onQuit;

@@ -54,9 +54,11 @@ StubbornAppsCard::StubbornAppsCard(QuitController& controller, QWidget* parent)
     buttons.addWidget(leave);
     buttons.addWidget(force);
     buttons.addStretch();
+    leave_ = leave;
+    forceAll_ = force;
 }
 
-QWidget* StubbornAppsCard::makeRow(const OpenApp& app) {
+StubbornAppsCard::Row StubbornAppsCard::makeRow(const OpenApp& app) {
     auto* widget = new QWidget;
     widget->setObjectName(QStringLiteral("stubborn"));
     QHBoxLayout& line = row(*widget, 8);
@@ -76,21 +78,21 @@ QWidget* StubbornAppsCard::makeRow(const OpenApp& app) {
     connect(force, &QPushButton::clicked, this, [forced = app.app] { forced->forceTerminate(); });
     line.addWidget(show);
     line.addWidget(force);
-    return widget;
+    return {widget, show, force};
 }
 
 void StubbornAppsCard::render() {
     std::vector<ProcessId> order;
     for (const OpenApp& app : controller_.stubborn.get()) {
         order.push_back(app.id);
-        QWidget*& widget = rowOf_[app.id];
-        if (!widget)
-            widget = makeRow(app);
+        Row& row = rowOf_[app.id];
+        if (!row.widget)
+            row = makeRow(app);
         const auto& reasons = controller_.stayReasons.get();
         const auto reason = reasons.find(app.id);
         const auto help =
             reason == reasons.end() ? std::nullopt : PanelTexts::stayHelp(reason->second);
-        widget->setToolTip(toQt(help.value_or(std::string())));
+        row.widget->setToolTip(toQt(help.value_or(std::string())));
     }
     if (std::exchange(order_, order) == order)
         return;
@@ -98,13 +100,30 @@ void StubbornAppsCard::render() {
         const auto gone = next++;
         if (std::find(order.begin(), order.end(), gone->first) != order.end())
             continue;
-        gone->second->hide();
-        gone->second->deleteLater();
-        rows_->removeWidget(gone->second);
+        QWidget* widget = gone->second.widget;
+        widget->hide();
+        widget->deleteLater();
+        rows_->removeWidget(widget);
         rowOf_.erase(gone);
     }
-    for (std::size_t at = 0; at < order.size(); ++at)
-        rows_->insertWidget(static_cast<int>(at), rowOf_[order[at]]);
+    layOut();
+}
+
+// Keyboard order is the order on the screen.
+void StubbornAppsCard::layOut() {
+    QWidget* previous = nullptr;
+    int at = 0;
+    for (const ProcessId id : order_) {
+        const Row& row = rowOf_[id];
+        rows_->insertWidget(at++, row.widget);
+        if (previous)
+            setTabOrder(previous, row.show);
+        setTabOrder(row.show, row.force);
+        previous = row.force;
+    }
+    if (previous)
+        setTabOrder(previous, leave_);
+    setTabOrder(leave_, forceAll_);
 }
 
 } // namespace velmorquit

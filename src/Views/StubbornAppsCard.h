@@ -18,12 +18,21 @@ public:
     void render();
 
 private:
-    QWidget* makeRow(const OpenApp& app);
+    struct Row {
+        QWidget* widget = nullptr;
+        QWidget* show = nullptr;
+        QWidget* force = nullptr;
+    };
+
+    Row makeRow(const OpenApp& app);
+    void layOut();
 
     QuitController& controller_;
     QVBoxLayout* rows_;
-    std::map<ProcessId, QWidget*> rowOf_;
+    std::map<ProcessId, Row> rowOf_;
     std::vector<ProcessId> order_;
+    QWidget* leave_;
+    QWidget* forceAll_;
 };
 
 } // namespace velmorquit

@@ -1,0 +1,106 @@
+#include "Views/AppRow.h"
+#include "Views/PanelStory.h"
+#include "Views/ThinScrollArea.h"
+
+#include <QScrollBar>
+#include <QTest>
+
+#include <algorithm>
+
+namespace velmorquit {
+namespace {
+
+class AppListTest : public PanelStory {
+protected:
+    /// From top to bottom.
+    [[nodiscard]] std::vector<AppRow*> rows() const {
+        std::vector<AppRow*> rows;
+        for (QCheckBox* box : find("rows")->findChildren<QCheckBox*>()) {
+            if (auto* row = dynamic_cast<AppRow*>(box); row && row->isVisible())
+                rows.push_back(row);
+        }
+        std::ranges::sort(rows, {}, [](const AppRow* row) { return row->y(); });
+        return rows;
+    }
+
+    void point(const QWidget* widget) {
+        QCursor::setPos(widget->mapToGlobal(widget->rect().center()));
+        QTest::mouseMove(const_cast<QWidget*>(widget));
+        settle();
+    }
+};
+
+TEST_F(AppListTest, IsAsHighAsItMustBe) {
+    start();
+    EXPECT_TRUE(isShown("emptyList"));
+    EXPECT_FALSE(isShown("rows"));
+    desktop.open("Nota", 10_MiB);
+    settle();
+    EXPECT_FALSE(isShown("emptyList"));
+    EXPECT_EQ(find("rows")->height(), 32);
+    for (int number = 0; number < 7; ++number)
+        desktop.open("App " + std::to_string(number), 5_MiB);
+    settle();
+    EXPECT_EQ(rows().size(), 8U);
+    EXPECT_EQ(find("rows")->height(), 230);
+}
+
+TEST_F(AppListTest, AClickExcludesAndIncludesAtOnce) {
+    desktop.open("Nota", 10_MiB).identified("org.example.Nota");
+    start();
+    AppRow* row = rows().front();
+    EXPECT_TRUE(row->isChecked());
+    EXPECT_EQ(row->toolTip(), "Clic per escludere Nota da «Chiudi tutto»");
+    QTest::mouseClick(row, Qt::LeftButton);
+    EXPECT_FALSE(row->isChecked());
+    EXPECT_EQ(row->toolTip(), "Esclusa: «Chiudi tutto» la lascia aperta. Clic per includerla.");
+    EXPECT_TRUE(controller->excluded->contains("org.example.Nota"));
+    QTest::keyClick(row, Qt::Key_Space);
+    EXPECT_TRUE(row->isChecked());
+    EXPECT_FALSE(controller->excluded->contains("org.example.Nota"));
+}
+
+TEST_F(AppListTest, AnExcludedOneCanStillBeQuitByItself) {
+    desktop.open("Nota", 10_MiB).ignoresAsking();
+    start();
+    controller->toggleExclusion(controller->apps.get().front());
+    settle();
+    AppRow* row = rows().front();
+    EXPECT_FALSE(row->findChild<QWidget*>(QStringLiteral("quitOne")));
+    point(row);
+    auto* quit = row->findChild<QWidget*>(QStringLiteral("quitOne"));
+    ASSERT_TRUE(quit && quit->isVisible());
+    EXPECT_EQ(quit->toolTip(), "Chiudi solo Nota");
+    QTest::mouseClick(quit, Qt::LeftButton);
+    EXPECT_EQ(desktop.log(), Lines("0.00 quit Nota"));
+    EXPECT_FALSE(row->isChecked());
+}
+
+TEST_F(AppListTest, KeepsHoverAndPlaceOverARefresh) {
+    std::vector<SimulatedApplication*> apps;
+    for (int number = 0; number < 300; ++number)
+        apps.push_back(
+            &desktop.open("App " + std::to_string(number), std::uint64_t(900 - number) << 20));
+    start();
+    EXPECT_EQ(rows().size(), 300U);
+    QScrollBar* bar = find<ThinScrollArea>("rows")->verticalScrollBar();
+    bar->setValue(1000);
+    AppRow* row = rows()[32];
+    point(row);
+    EXPECT_TRUE(row->isHovering());
+    apps[250]->setMemory(651_MiB);
+    apps[0]->end();
+    controller->refresh();
+    settle();
+    EXPECT_EQ(bar->value(), 1000);
+    const auto all = rows();
+    EXPECT_EQ(all.size(), 299U);
+    EXPECT_EQ(all.front()->text(), "App 1");
+    // Everything has moved up by one row, the pointer has not.
+    EXPECT_FALSE(row->isHovering());
+    EXPECT_TRUE(all[32]->isHovering());
+    EXPECT_EQ(std::ranges::count_if(all, &AppRow::isHovering), 1);
+}
+
+} // namespace
+} // namespace velmorquit

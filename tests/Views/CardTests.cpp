@@ -1,0 +1,197 @@
+#include "Views/PanelStory.h"
+
+#include <QCheckBox>
+#include <QTest>
+#include <QTimeEdit>
+
+#include <cmath>
+
+namespace velmorquit {
+namespace {
+
+using namespace std::chrono;
+
+class CardTest : public PanelStory {
+protected:
+    /// On the virtual wall clock: hours and minutes of its first days.
+    [[nodiscard]] std::string scheduledIn() const {
+        const auto left = controller->schedule.get()->date - desktop.loop.now();
+        return std::to_string(duration_cast<minutes>(left).count()) + " min";
+    }
+};
+
+TEST_F(CardTest, APresetSchedulesWhatIsChosenThen) {
+    desktop.open("Nota");
+    start();
+    click("showScheduler");
+    EXPECT_TRUE(isShown("SchedulerCard"));
+    EXPECT_EQ(text("schedulerTitle"), "Chiudi tutto tra…");
+    controller->chooseAfterQuit(PowerAction::restart);
+    settle();
+    EXPECT_EQ(text("schedulerTitle"), "Riavvia tra…");
+    click("preset120");
+    EXPECT_EQ(scheduledIn(), "120 min");
+    EXPECT_EQ(controller->schedule.get()->action, PowerAction::restart);
+    EXPECT_FALSE(isShown("SchedulerCard"));
+    EXPECT_EQ(text("scheduleTitle"), "Riavvia");
+    EXPECT_FALSE(find("showScheduler")->isEnabled());
+    EXPECT_TRUE(find<QAbstractButton>("showScheduler")->isChecked());
+    click("cancelSchedule");
+    EXPECT_FALSE(isShown("ScheduleCard"));
+    EXPECT_FALSE(isShown("SchedulerCard"));
+}
+
+TEST_F(CardTest, ATimeOfDayIsTheNextOneAndStartsInTheEvening) {
+    start();
+    const ClockTime now = desktop.formats.clockTime(desktop.loop.now());
+    click("showScheduler");
+    auto* time = find<QTimeEdit>("time");
+    EXPECT_EQ(time->time(), QTime(23, 0));
+    time->setTime(QTime(now.hour, now.minute));
+    click("schedule");
+    EXPECT_EQ(desktop.formats.clockTime(controller->schedule.get()->date), now);
+    EXPECT_GT(controller->schedule.get()->date, desktop.loop.now() + 23h);
+    controller->cancelSchedule();
+    settle();
+    click("showScheduler");
+    EXPECT_EQ(time->time(), QTime(23, 0));
+    QTest::keyClick(time, Qt::Key_Up);
+    EXPECT_EQ(time->time(), QTime(0, 0));
+}
+
+TEST_F(CardTest, TheConfirmationIsAPreferenceAndNothingElse) {
+    start();
+    click("showScheduler");
+    EXPECT_TRUE(find<QCheckBox>("confirmScheduled")->isChecked());
+    QTest::keyClick(find("confirmScheduled"), Qt::Key_Space);
+    EXPECT_FALSE(controller->confirmScheduled.get());
+    EXPECT_FALSE(controller->schedule->has_value());
+}
+
+TEST_F(CardTest, CountsDownWhileItIsSeenAndThenAsks) {
+    desktop.open("Nota");
+    start();
+    controller->scheduleQuit(desktop.loop.now() + 61s, PowerAction::none);
+    settle();
+    EXPECT_EQ(text("remaining"), "tra 2 min");
+    advance(1s);
+    EXPECT_EQ(text("remaining"), "tra 1 min");
+    click("postpone");
+    EXPECT_EQ(text("remaining"), "tra 11 min");
+    frame->hide();
+    advance(10min);
+    EXPECT_EQ(text("remaining"), "tra 11 min");
+    frame->show();
+    settle();
+    advance(30s);
+    EXPECT_EQ(text("remaining"), "tra 30 s");
+    advance(31s);
+    EXPECT_TRUE(isShown("ConfirmScheduleView"));
+    EXPECT_FALSE(isShown("remaining"));
+    EXPECT_EQ(text("scheduleQuestion"), "È ora: Chiudi tutto?");
+    click("askLater");
+    EXPECT_EQ(scheduledIn(), "10 min");
+    advance(10min);
+    desktop.startLog();
+    click("confirmSchedule");
+    EXPECT_EQ(desktop.log(), Lines("0.00 quit Nota", "0.00 ended Nota"));
+}
+
+TEST_F(CardTest, ANoteStaysUntilItIsPutAway) {
+    start();
+    controller->scheduleNote = std::string("Era in stop.");
+    settle();
+    EXPECT_EQ(text("note"), "Era in stop.");
+    click("dismissNote");
+    EXPECT_FALSE(isShown("NoteCard"));
+    EXPECT_FALSE(controller->scheduleNote->has_value());
+}
+
+TEST_F(CardTest, WhatWasClosedCanBeReopenedOrForgotten) {
+    for (const std::string name : {"Uno", "Due", "Tre", "Quattro", "Cinque"}) {
+        desktop.open(name, 10_MiB).identified(name);
+        desktop.files.paths.insert("/applications/" + name + ".desktop");
+    }
+    start();
+    EXPECT_FALSE(isShown("ReopenCard"));
+    click("quitAll");
+    EXPECT_FALSE(isShown("ReopenCard"));
+    advance(1s);
+    EXPECT_EQ(text("reopenTitle"), "5 app di prima");
+    EXPECT_EQ(find("reopenIcons")->width(), 24 + 3 * 12);
+    const auto session = controller->lastSession.get();
+    click("reopen");
+    EXPECT_FALSE(isShown("ReopenCard"));
+    controller->lastSession = session;
+    settle();
+    click("forget");
+    EXPECT_FALSE(isShown("ReopenCard"));
+    EXPECT_TRUE(controller->lastSession->empty());
+}
+
+TEST_F(CardTest, ABackupIsWatchedAndSkippedOrCancelled) {
+    desktop.backupTool.configure();
+    desktop.backupTool.progress = [](Duration time) {
+        return time < 2s ? std::nan("") : 0.004 + duration<double>(time) / 200s;
+    };
+    desktop.backupTool.duration = 200s;
+    start();
+    click("backupFirst");
+    EXPECT_EQ(text("lastBackup"), "Nessun backup ancora fatto");
+    for (const char* stop : {"skipBackup", "cancelBackup"}) {
+        controller->quitAll(PowerAction::shutDown);
+        advance(1s);
+        EXPECT_TRUE(isShown("BackupCard"));
+        EXPECT_FALSE(isShown("normalContent"));
+        EXPECT_EQ(text("backupProgress"), "Time Machine si sta preparando…");
+        EXPECT_EQ(text("afterBackup"), "Al termine: Spegni");
+        advance(20s);
+        EXPECT_EQ(text("backupProgress"), "11 %");
+        click(stop);
+        advance(5s);
+        EXPECT_FALSE(isShown("BackupCard"));
+    }
+    EXPECT_NE(desktop.log().find("shut down"), std::string::npos);
+    EXPECT_EQ(desktop.log().find("shut down"), desktop.log().rfind("shut down"));
+}
+
+TEST_F(CardTest, AFailedBackupAsksAndGoesOnByItselfWhereNobodyIs) {
+    desktop.backupTool.configure();
+    desktop.backupTool.duration = 1s;
+    desktop.backupTool.exitStatus = 1;
+    desktop.backupTool.errorOutput = "Il disco è pieno.";
+    start();
+    controller->chooseBackupFirst(true);
+    controller->quitAll(PowerAction::restart);
+    advance(5s);
+    EXPECT_TRUE(isShown("BackupFailedCard"));
+    EXPECT_EQ(text("failureReason"), "Time Machine: Il disco è pieno.");
+    EXPECT_EQ(text("continue"), "Riavvia lo stesso");
+    EXPECT_FALSE(isShown("continuesIn"));
+    click("stopAfterFailure");
+    advance(10s);
+    EXPECT_TRUE(isShown("normalContent"));
+
+    controller->quitAll(PowerAction::none);
+    controller->unattended = true;
+    advance(5s);
+    EXPECT_EQ(text("continue"), "Continua");
+    ASSERT_TRUE(isShown("continuesIn"));
+    const std::string before = text("continuesIn");
+    EXPECT_NE(before.find("proseguo da solo tra 5"), std::string::npos) << before;
+    advance(2s);
+    EXPECT_NE(text("continuesIn"), before);
+    click("continue");
+    EXPECT_FALSE(isShown("BackupFailedCard"));
+}
+
+TEST_F(CardTest, WithoutAPlaceForBackupsItsChipIsOffWhateverIsStored) {
+    desktop.preferences.set("backupFirst", true);
+    start();
+    EXPECT_FALSE(find("backupFirst")->isEnabled());
+    EXPECT_FALSE(find<QAbstractButton>("backupFirst")->isChecked());
+    EXPECT_FALSE(isShown("lastBackupLine"));
+}
+
+} // namespace
+} // namespace velmorquit
