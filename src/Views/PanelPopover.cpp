@@ -48,6 +48,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent*) override {
+        popover_.isDrawn_ = true;
         if (!popover_.face_.windows.isCompositing())
             return;
         QPainter painter(this);
@@ -126,6 +127,7 @@ void PanelPopover::show(const std::optional<ScreenRect>& anchor) {
         makeWindow();
     anchor_ = anchor;
     isShown_ = true;
+    isDrawn_ = false;
     wasClosedByLastPress_ = false;
     leftAt_.reset();
     frame_->panel().render();

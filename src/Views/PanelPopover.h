@@ -32,6 +32,8 @@ public:
     [[nodiscard]] bool isShown() const override { return isShown_; }
     void show(const std::optional<ScreenRect>& anchor) override;
     void close() override;
+    /// Whether it has been drawn since it was shown.
+    [[nodiscard]] bool isDrawn() const { return isShown_ && isDrawn_; }
     [[nodiscard]] bool wasClosedByLastPress() const override { return wasClosedByLastPress_; }
 
 private:
@@ -55,6 +57,7 @@ private:
     QPropertyAnimation fade_;
     std::optional<ScreenRect> anchor_;
     bool isShown_ = false;
+    bool isDrawn_ = false;
     bool wasClosedByLastPress_ = false;
     std::optional<Uptime> leftAt_;
     Handle presses_;
