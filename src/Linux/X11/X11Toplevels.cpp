@@ -1,5 +1,7 @@
 #include "Linux/X11/X11Toplevels.h"
 
+#include "Linux/X11/X11WindowManager.h"
+
 #include <algorithm>
 #include <string>
 
@@ -81,7 +83,7 @@ const std::vector<Toplevel>& X11Toplevels::toplevels() {
 // them one by one; those that it hasn't come to yet are known by the state that the former one gave
 // them.
 void X11Toplevels::scan() {
-    if (!isOutdated_ || !hasWindowManager())
+    if (!isOutdated_ || !hasWindowManager(connection_))
         return;
     isOutdated_ = false;
     scannedAt_ = loop_.uptime();
@@ -141,12 +143,6 @@ std::set<xcb_window_t> X11Toplevels::shellWindows() {
     return windows;
 }
 
-/// A window manager that died may have left its name behind: its own window tells whether it lives.
-bool X11Toplevels::hasWindowManager() {
-    const auto window = connection_.number(connection_.root(), "_NET_SUPPORTING_WM_CHECK");
-    return window && connection_.number(*window, "_NET_SUPPORTING_WM_CHECK") == window;
-}
-
 void X11Toplevels::readActiveWindow() {
     focused_ = connection_.number(connection_.root(), "_NET_ACTIVE_WINDOW").value_or(0);
     if (focused_ != 0)
@@ -186,13 +182,9 @@ Image X11Toplevels::icon(std::uint64_t window) {
 void X11Toplevels::bringToFront(std::uint64_t window) {
     const auto target = static_cast<xcb_window_t>(window);
     const xcb_window_t root = connection_.root();
-    constexpr std::uint32_t onAllDesktops = 0xFFFFFFFF;
-    const auto desktop = connection_.number(target, "_NET_WM_DESKTOP");
-    if (desktop && *desktop != onAllDesktops)
+    if (const auto desktop = desktopOf(connection_, target))
         connection_.sendMessage(root, root, "_NET_CURRENT_DESKTOP", {*desktop, XCB_CURRENT_TIME});
-    constexpr std::uint32_t onBehalfOfTheUser = 2;
-    connection_.sendMessage(root, target, "_NET_ACTIVE_WINDOW",
-                            {onBehalfOfTheUser, XCB_CURRENT_TIME, 0});
+    askToActivate(connection_, target);
     readEvents();
 }
 

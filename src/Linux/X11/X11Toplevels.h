@@ -44,7 +44,6 @@ private:
     void changed();
     void scan();
     void readActiveWindow();
-    [[nodiscard]] bool hasWindowManager();
     void add(const X11Windows::Facts& facts, const std::vector<xcb_window_t>& all);
     [[nodiscard]] std::set<xcb_window_t> shellWindows();
 

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Platform/MainLoop.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+namespace velmorquit {
+
+/// Knows who on the session bus keeps the list of tray icons for those that draw them, and whether
+/// anybody does draw them.
+class NotifierWatcher final : public QObject {
+    Q_OBJECT
+
+public:
+    /// How long the watcher that was there at the start may take to say whether anybody draws.
+    static constexpr Duration patience = 3s;
+
+    /// Waits for the bus to say who the watcher is, and for nobody else. Calls `changed`, in a turn
+    /// of its own, when `presentOne` does.
+    NotifierWatcher(MainLoop& loop, QDBusConnection bus, std::function<void()> changed);
+
+    /// The watcher, by its unique name; empty while there is none or nobody draws what it lists.
+    /// The one that was there at the start counts as having somebody until it has answered, since
+    /// nearly all have, but not for longer than `patience`. One that came later counts from its
+    /// answer on.
+    [[nodiscard]] const QString& presentOne() const { return present_; }
+
+private Q_SLOTS:
+    void hearOwner(const QDBusMessage& signal);
+    void hearHosts(const QDBusMessage& signal);
+    void hearDisconnected();
+
+private:
+    void listen();
+    [[nodiscard]] QString askOwner() const;
+    void askForHosts();
+    void hearAnswer(const QDBusMessage& answer);
+    void become(const QString& present);
+
+    QDBusConnection bus_;
+    std::function<void()> changed_;
+    QString owner_;
+    QString present_;
+    unsigned question_ = 0; ///< the last one; answers to those before don't count
+    Handle losingPatience_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,125 @@
+#include "Linux/DBus/PortalSettings.h"
+
+#include <QDBusArgument>
+#include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <optional>
+#include <utility>
+
+namespace velmorquit {
+
+namespace {
+
+const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString settings = QStringLiteral("org.freedesktop.portal.Settings");
+
+std::string fullName(const QString& group, const QString& key) {
+    return (group + ' ' + key).toStdString();
+}
+
+/// None for what is neither a number nor a text.
+std::optional<DesktopSettings::mapped_type> settingOf(const QVariant& value) {
+    switch (value.typeId()) {
+    case QMetaType::Bool:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+        return value.toLongLong();
+    case QMetaType::QString:
+        return value.toString().toStdString();
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+PortalSettings::PortalSettings(QDBusConnection bus, std::set<std::string> wanted,
+                               std::function<void()> changed)
+    : bus_(std::move(bus)), wanted_(std::move(wanted)), changed_(std::move(changed)) {
+    if (!bus_.isConnected())
+        return;
+    listen();
+    ask();
+}
+
+std::set<QString> PortalSettings::groups() const {
+    std::set<QString> groups;
+    for (const std::string& name : wanted_)
+        groups.insert(QString::fromStdString(name.substr(0, name.find(' '))));
+    return groups;
+}
+
+// The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
+void PortalSettings::listen() {
+    bus_.connect({}, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged", {service},
+                 {}, this, SLOT(hearOwner(QDBusMessage)));
+    for (const QString& group : groups())
+        bus_.connect({}, path, settings, "SettingChanged", {group}, {}, this,
+                     SLOT(hearChanged(QDBusMessage)));
+}
+
+void PortalSettings::ask() {
+    const unsigned number = ++question_;
+    QDBusMessage question = QDBusMessage::createMethodCall(service, path, settings, "ReadAll");
+    QStringList wanted;
+    for (const QString& group : groups())
+        wanted << group;
+    question << wanted;
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, number](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                if (number == question_)
+                    hearAnswer(finished->reply());
+            });
+}
+
+void PortalSettings::hearAnswer(const QDBusMessage& answer) {
+    if (answer.signature() != "a{sa{sv}}")
+        return;
+    QMap<QString, QVariantMap> groups;
+    answer.arguments().value(0).value<QDBusArgument>() >> groups;
+    DesktopSettings values;
+    for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
+        for (auto entry = group->cbegin(); entry != group->cend(); ++entry) {
+            std::string name = fullName(group.key(), entry.key());
+            const auto setting = settingOf(entry.value());
+            if (setting && wanted_.contains(name))
+                values.emplace(std::move(name), *setting);
+        }
+    }
+    owner_ = answer.service();
+    if (std::exchange(values_, values) != values)
+        changed_();
+}
+
+void PortalSettings::hearOwner(const QDBusMessage& signal) {
+    if (signal.service() != "org.freedesktop.DBus")
+        return;
+    owner_.clear();
+    if (!signal.arguments().value(2).toString().isEmpty())
+        ask();
+}
+
+// What comes before the answer is in the answer.
+void PortalSettings::hearChanged(const QDBusMessage& signal) {
+    if (owner_.isEmpty() || signal.service() != owner_ || signal.signature() != "ssv")
+        return;
+    const QVariantList in = signal.arguments();
+    const std::string name = fullName(in[0].toString(), in[1].toString());
+    const auto setting = settingOf(in[2].value<QDBusVariant>().variant());
+    if (!wanted_.contains(name) || !setting)
+        return;
+    const auto former = values_.find(name);
+    if (former != values_.end() && former->second == *setting)
+        return;
+    values_[name] = *setting;
+    changed_();
+}
+
+} // namespace velmorquit

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "Linux/DesktopSettings.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+
+#include <functional>
+#include <set>
+#include <string>
+
+namespace velmorquit {
+
+/// The settings that the desktop publishes on the session bus for the programs of all desktops.
+class PortalSettings final : public QObject {
+    Q_OBJECT
+
+public:
+    /// `wanted` are the names, each led by its group and a blank. Asks for them at once, without
+    /// waiting, and has the portal started by that where it isn't running but can be. Calls
+    /// `changed`, in a turn of its own, when it says something else.
+    PortalSettings(QDBusConnection bus, std::set<std::string> wanted,
+                   std::function<void()> changed);
+
+    /// Empty until it has answered. When it goes away what it said last stays.
+    [[nodiscard]] const DesktopSettings& values() const { return values_; }
+
+private Q_SLOTS:
+    void hearOwner(const QDBusMessage& signal);
+    void hearChanged(const QDBusMessage& signal);
+
+private:
+    void listen();
+    void ask();
+    void hearAnswer(const QDBusMessage& answer);
+    [[nodiscard]] std::set<QString> groups() const;
+
+    QDBusConnection bus_;
+    std::set<std::string> wanted_;
+    std::function<void()> changed_;
+    DesktopSettings values_;
+    QString owner_;         ///< whose values these are, by its unique name
+    unsigned question_ = 0; ///< the last one; answers to those before don't count
+};
+
+} // namespace velmorquit

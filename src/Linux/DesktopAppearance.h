@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Linux/DBus/PortalSettings.h"
+#include "Linux/DesktopLook.h"
+#include "Linux/X11/XSettings.h"
+#include "Platform/Appearance.h"
+#include "Platform/MainLoop.h"
+#include "Platform/Subscribers.h"
+
+namespace velmorquit {
+
+/// How the user has asked the desktop to look, from what its settings manager says, which is known
+/// at once, and its portal, which is asked without waiting.
+class DesktopAppearance final : public Appearance {
+public:
+    /// `bus` is the session bus, connected or not. The loop and the events outlive it.
+    DesktopAppearance(MainLoop& loop, const QDBusConnection& bus, X11Events& events);
+
+    [[nodiscard]] bool isHighContrast() const override { return look_.isHighContrast; }
+    [[nodiscard]] bool isMotionReduced() const override { return look_.isMotionReduced; }
+    [[nodiscard]] bool isDark() const override { return look_.isDark; }
+    [[nodiscard]] Handle observe(std::function<void()> changed) const override {
+        return observers_.add(std::move(changed));
+    }
+
+private:
+    void update();
+
+    MainLoop& loop_;
+    mutable Subscribers observers_;
+    PortalSettings portal_;
+    XSettings manager_;
+    DesktopLook look_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,58 @@
+#include "Linux/X11/X11Presses.h"
+
+#include <xcb/xinput.h>
+
+#include <utility>
+
+namespace velmorquit {
+
+X11Presses::X11Presses(MainLoop& loop, X11Events& events) : Listener(events), loop_(loop) {}
+
+Handle X11Presses::observe(std::function<void()> pressed) {
+    Observers& observers = *observers_;
+    if (observers.byId.empty())
+        select(Wanted::all);
+    observers.byId.emplace(++observers.lastId, subscribers_.add(std::move(pressed)));
+    return {observers_, observers.lastId};
+}
+
+void X11Presses::Observers::cancel(std::uint64_t id) noexcept {
+    if (byId.erase(id) > 0 && byId.empty())
+        presses.select(Wanted::none);
+}
+
+// Raw events come from all of the screen and leave the press to whoever it is for. To a client that
+// hasn't asked for the version they don't come while another one has grabbed the pointer, as every
+// open menu has.
+void X11Presses::select(Wanted wanted) {
+    xcb_connection_t* connection = events_.connection().get();
+    const auto* extension = xcb_get_extension_data(connection, &xcb_input_id);
+    if (!extension || !extension->present)
+        return;
+    if (std::exchange(extension_, extension->major_opcode) == 0)
+        xcb_discard_reply(connection, xcb_input_xi_query_version(connection, 2, 2).sequence);
+    struct {
+        xcb_input_event_mask_t head;
+        std::uint32_t bits;
+    } mask{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, 0};
+    if (wanted == Wanted::all)
+        mask.bits =
+            XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN;
+    xcb_input_xi_select_events(connection, events_.connection().root(), 1, &mask.head);
+    xcb_flush(connection);
+    events_.read();
+}
+
+void X11Presses::hear(const xcb_generic_event_t& event) {
+    if (extension_ == 0 || (event.response_type & 0x7f) != XCB_GE_GENERIC)
+        return;
+    const auto& raw = reinterpret_cast<const xcb_input_raw_button_press_event_t&>(event);
+    if (raw.extension != extension_)
+        return;
+    const bool isWheel = raw.detail >= 4 && raw.detail <= 7;
+    const bool isPress = raw.event_type == XCB_INPUT_RAW_BUTTON_PRESS && !isWheel;
+    if (isPress || raw.event_type == XCB_INPUT_RAW_TOUCH_BEGIN)
+        subscribers_.tellLater(loop_);
+}
+
+} // namespace velmorquit

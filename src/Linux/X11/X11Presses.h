@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Linux/X11/X11Events.h"
+#include "Platform/MainLoop.h"
+#include "Platform/Subscribers.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+
+namespace velmorquit {
+
+/// The presses of pointer buttons, and the touches, wherever they are. The server tells of them
+/// only while somebody observes.
+class X11Presses final : private X11Events::Listener {
+public:
+    /// The loop outlives it, as the events do.
+    X11Presses(MainLoop& loop, X11Events& events);
+
+    /// Calls `pressed` in a later turn; once for all presses of a turn. The wheel isn't a button.
+    [[nodiscard]] Handle observe(std::function<void()> pressed);
+
+private:
+    enum class Wanted { none, all };
+    struct Observers final : Handle::Source {
+        explicit Observers(X11Presses& whose) : presses(whose) {}
+        void cancel(std::uint64_t id) noexcept override;
+
+        X11Presses& presses;
+        std::map<std::uint64_t, Handle> byId;
+        std::uint64_t lastId = 0;
+    };
+
+    void hear(const xcb_generic_event_t& event) override;
+    void select(Wanted wanted);
+
+    MainLoop& loop_;
+    Subscribers subscribers_;
+    std::shared_ptr<Observers> observers_ = std::make_shared<Observers>(*this);
+    /// The number of the extension that tells of input; 0 before it is needed, and where there is
+    /// none.
+    int extension_ = 0;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,40 @@
+#include "Linux/X11/X11WindowSystem.h"
+
+#include "Linux/X11/X11WindowManager.h"
+
+#include <utility>
+
+namespace velmorquit {
+
+X11WindowSystem::X11WindowSystem(MainLoop& loop, X11Events& events)
+    : loop_(loop), events_(events),
+      compositor_(events, "_NET_WM_CM_S", [this] { noteCompositor(); }), presses_(loop, events),
+      wasCompositing_(isCompositing()) {}
+
+// One compositor may take over from another.
+void X11WindowSystem::noteCompositor() {
+    if (std::exchange(wasCompositing_, isCompositing()) != isCompositing())
+        observers_.tellLater(loop_);
+}
+
+void X11WindowSystem::activate(std::uint64_t window) {
+    X11Connection& connection = events_.connection();
+    const auto target = static_cast<xcb_window_t>(window);
+    if (windowManagerKnows(connection, "_NET_ACTIVE_WINDOW")) {
+        const auto shown = desktopOf(connection, connection.root());
+        const auto own = desktopOf(connection, target);
+        constexpr std::uint32_t onBehalfOfTheUser = 2;
+        if (shown && own && *shown != *own)
+            connection.sendMessage(connection.root(), target, "_NET_WM_DESKTOP",
+                                   {*shown, onBehalfOfTheUser});
+        askToActivate(connection, target);
+    } else {
+        constexpr std::uint32_t above = XCB_STACK_MODE_ABOVE;
+        xcb_configure_window(connection.get(), target, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+        xcb_set_input_focus(connection.get(), XCB_INPUT_FOCUS_PARENT, target, XCB_CURRENT_TIME);
+        xcb_flush(connection.get());
+    }
+    events_.read();
+}
+
+} // namespace velmorquit

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "Linux/X11/X11Events.h"
+#include "Linux/X11/X11Presses.h"
+#include "Linux/X11/X11Selection.h"
+#include "Platform/MainLoop.h"
+#include "Platform/Subscribers.h"
+#include "Platform/WindowSystem.h"
+
+namespace velmorquit {
+
+/// What an X server and its window manager do for the program's own windows.
+class X11WindowSystem final : public WindowSystem {
+public:
+    /// Both outlive it.
+    X11WindowSystem(MainLoop& loop, X11Events& events);
+
+    [[nodiscard]] bool isCompositing() const override {
+        return compositor_.owner() != XCB_WINDOW_NONE;
+    }
+    [[nodiscard]] Handle observeCompositing(std::function<void()> changed) override {
+        return observers_.add(std::move(changed));
+    }
+
+    /// A window of another virtual desktop is moved to the one that the user looks at. Asks the
+    /// display server some short questions.
+    void activate(std::uint64_t window) override;
+
+    /// Calls `pressed` in a later turn, once for all presses of a turn. A touch counts as well.
+    [[nodiscard]] Handle observePresses(std::function<void()> pressed) override {
+        return presses_.observe(std::move(pressed));
+    }
+
+private:
+    void noteCompositor();
+
+    MainLoop& loop_;
+    X11Events& events_;
+    Subscribers observers_;
+    X11Selection compositor_;
+    X11Presses presses_;
+    bool wasCompositing_;
+};
+
+} // namespace velmorquit
