@@ -1,3 +1,4 @@
+#include "X11/OwnWindow.h"
 #include "X11/WorkspaceTest.h"
 
 #include <QThread>
@@ -168,6 +169,22 @@ TEST_F(WorkspaceTest, BringsAnApplicationToTheFront) {
     EXPECT_TRUE(second->activate());
     EXPECT_TRUE(waitUntil([&] { return workspace.frontmostApplication() == second; }));
     EXPECT_GE(count(WorkspaceEvent::activated), 2U);
+}
+
+TEST_F(WorkspaceTest, WhoWasInFrontStaysSoWhileAWindowOfThisProgramIsActive) {
+    const auto first = open({"--class", "First"});
+    const auto second = open({"--class", "Second"});
+    EXPECT_TRUE(first->activate());
+    ASSERT_TRUE(waitUntil([&] { return workspace.frontmostApplication() == first; }));
+    events.clear();
+    OwnWindow own;
+    own.show();
+    ASSERT_TRUE(waitUntil([&] { return toplevels.activeWindow() == own.window; }));
+    linger(100);
+    EXPECT_EQ(workspace.frontmostApplication(), first);
+    EXPECT_EQ(count(WorkspaceEvent::activated), 0U);
+    EXPECT_TRUE(second->activate());
+    EXPECT_TRUE(waitUntil([&] { return workspace.frontmostApplication() == second; }));
 }
 
 TEST_F(WorkspaceTest, MissesNobodyWhoCameThisVeryMoment) {

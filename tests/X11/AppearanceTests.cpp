@@ -1,0 +1,78 @@
+#include "Linux/DesktopAppearance.h"
+#include "X11/FaceTest.h"
+#include "support/StandInPortal.h"
+#include "support/XSettingsBytes.h"
+
+#include <optional>
+
+namespace velmorquit {
+namespace {
+
+/// A settings manager with a theme and a say on animations.
+struct Manager : OwnWindow {
+    void say(const std::string& theme, int animations) {
+        set("_XSETTINGS_SETTINGS", XSettingsBytes()
+                                       .add("Net/ThemeName", theme)
+                                       .add("Gtk/EnableAnimations", animations)
+                                       .bytes());
+    }
+    void begin() { take("_XSETTINGS_S0"); }
+};
+
+using AppearanceTest = FaceTest;
+
+TEST_F(AppearanceTest, FollowsTheSettingsManagerThroughItsLife) {
+    std::optional<Manager> manager(std::in_place);
+    manager->say("HighContrast", 1);
+    manager->begin();
+    ASSERT_TRUE(waitUntil([&] { return ownerOf("_XSETTINGS_S0") == manager->window; }));
+    const DesktopAppearance look(loop, QDBusConnection("no bus"), events);
+    EXPECT_TRUE(look.isHighContrast()) << "known from the start on";
+    int changes = 0;
+    const Handle watch = look.observe([&] { ++changes; });
+    manager->say("Adwaita-dark", 0);
+    EXPECT_TRUE(waitUntil([&] { return changes == 1; }));
+    EXPECT_TRUE(look.isDark() && look.isMotionReduced() && !look.isHighContrast());
+    manager->set("_XSETTINGS_SETTINGS", "damaged");
+    manager->say("Other-dark", 0);
+    linger(50);
+    EXPECT_TRUE(look.isDark());
+    EXPECT_EQ(changes, 1);
+
+    Manager next;
+    next.begin();
+    next.say("Adwaita", 0);
+    EXPECT_TRUE(waitUntil([&] { return changes == 2; }));
+    EXPECT_TRUE(!look.isDark() && look.isMotionReduced());
+    manager.reset();
+    linger(50);
+    EXPECT_TRUE(look.isMotionReduced());
+    xcb_destroy_window(next.connection.get(), next.window);
+    xcb_flush(next.connection.get());
+    EXPECT_TRUE(waitUntil([&] { return changes == 3; }));
+    EXPECT_FALSE(look.isMotionReduced());
+    Manager last;
+    last.begin();
+    last.say("Adwaita-dark", 1);
+    EXPECT_TRUE(waitUntil([&] { return look.isDark(); }));
+}
+
+TEST_F(AppearanceTest, HearsThePortalBeforeTheSettingsManager) {
+    StandInPortal portal(
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, "stand-in portal"));
+    const QString group = "org.freedesktop.appearance";
+    portal.groups[group]["contrast"] = 1U;
+    portal.appear();
+    Manager manager;
+    manager.say("Adwaita-dark", 1);
+    manager.begin();
+    const DesktopAppearance look(loop, QDBusConnection::sessionBus(), events);
+    EXPECT_TRUE(waitUntil([&] { return look.isDark() && look.isHighContrast(); }));
+    portal.change(group, "color-scheme", 2U);
+    EXPECT_TRUE(waitUntil([&] { return !look.isDark(); }));
+    portal.change(group, "reduced-motion", 1U);
+    EXPECT_TRUE(waitUntil([&] { return look.isMotionReduced(); }));
+}
+
+} // namespace
+} // namespace velmorquit
