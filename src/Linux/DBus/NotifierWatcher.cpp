@@ -77,7 +77,6 @@ void NotifierWatcher::hearOwner(const QDBusMessage& signal) {
     if (signal.service() != busName)
         return;
     losingPatience_.reset();
-    ++question_;
     owner_ = signal.arguments().value(2).toString();
     become({});
     if (!owner_.isEmpty())
@@ -92,7 +91,6 @@ void NotifierWatcher::hearHosts(const QDBusMessage& signal) {
 
 void NotifierWatcher::hearDisconnected() {
     losingPatience_.reset();
-    ++question_;
     owner_.clear();
     become({});
 }

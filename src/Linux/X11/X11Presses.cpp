@@ -2,9 +2,21 @@
 
 #include <xcb/xinput.h>
 
-#include <utility>
+#include <string_view>
 
 namespace velmorquit {
+
+namespace {
+
+/// The number by which the server knows the extension that tells of input; 0 where it has none.
+int inputExtension(xcb_connection_t* connection) {
+    constexpr std::string_view name = "XInputExtension";
+    const auto cookie = xcb_query_extension(connection, name.size(), name.data());
+    const auto reply = owned(xcb_query_extension_reply(connection, cookie, nullptr));
+    return reply && reply->present ? reply->major_opcode : 0;
+}
+
+} // namespace
 
 X11Presses::X11Presses(MainLoop& loop, X11Events& events) : Listener(events), loop_(loop) {}
 
@@ -21,16 +33,27 @@ void X11Presses::Observers::cancel(std::uint64_t id) noexcept {
         presses.select(Wanted::none);
 }
 
-// Raw events come from all of the screen and leave the press to whoever it is for. To a client that
-// hasn't asked for the version they don't come while another one has grabbed the pointer, as every
-// open menu has.
-void X11Presses::select(Wanted wanted) {
+// To a client that hasn't asked for the version, presses aren't told while another one has grabbed
+// the pointer, as every open menu has.
+bool X11Presses::begin() {
+    if (extension_ != 0)
+        return true;
+    const auto queryVersion = reinterpret_cast<decltype(&xcb_input_xi_query_version)>(
+        library_.resolve("xcb_input_xi_query_version"));
+    selectEvents_ = library_.resolve("xcb_input_xi_select_events");
+    if (!queryVersion || !selectEvents_)
+        return false;
     xcb_connection_t* connection = events_.connection().get();
-    const auto* extension = xcb_get_extension_data(connection, &xcb_input_id);
-    if (!extension || !extension->present)
+    extension_ = inputExtension(connection);
+    if (extension_ != 0)
+        xcb_discard_reply(connection, queryVersion(connection, 2, 2).sequence);
+    return extension_ != 0;
+}
+
+// Raw events come from all of the screen and leave the press to whoever it is for.
+void X11Presses::select(Wanted wanted) {
+    if (!begin())
         return;
-    if (std::exchange(extension_, extension->major_opcode) == 0)
-        xcb_discard_reply(connection, xcb_input_xi_query_version(connection, 2, 2).sequence);
     struct {
         xcb_input_event_mask_t head;
         std::uint32_t bits;
@@ -38,7 +61,10 @@ void X11Presses::select(Wanted wanted) {
     if (wanted == Wanted::all)
         mask.bits =
             XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_TOUCH_BEGIN;
-    xcb_input_xi_select_events(connection, events_.connection().root(), 1, &mask.head);
+    xcb_connection_t* connection = events_.connection().get();
+    const auto selectEvents =
+        reinterpret_cast<decltype(&xcb_input_xi_select_events)>(selectEvents_);
+    selectEvents(connection, events_.connection().root(), 1, &mask.head);
     xcb_flush(connection);
     events_.read();
 }

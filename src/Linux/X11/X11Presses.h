@@ -4,6 +4,8 @@
 #include "Platform/MainLoop.h"
 #include "Platform/Subscribers.h"
 
+#include <QLibrary>
+
 #include <functional>
 #include <map>
 #include <memory>
@@ -32,13 +34,16 @@ private:
     };
 
     void hear(const xcb_generic_event_t& event) override;
+    [[nodiscard]] bool begin();
     void select(Wanted wanted);
 
     MainLoop& loop_;
     Subscribers subscribers_;
     std::shared_ptr<Observers> observers_ = std::make_shared<Observers>(*this);
-    /// The number of the extension that tells of input; 0 before it is needed, and where there is
-    /// none.
+    /// Loaded when it is needed: most of the time nobody observes.
+    QLibrary library_{QStringLiteral("xcb-xinput"), 0};
+    QFunctionPointer selectEvents_ = nullptr;
+    /// The number of the extension that tells of input; 0 until it is known.
     int extension_ = 0;
 };
 
