@@ -93,7 +93,7 @@ TEST_F(NotifierWatcherTest, OneThatComesLaterOrTakesOverCountsFromItsAnswerOn) {
     watcher.answer();
     EXPECT_FALSE(isPresent());
     StandInWatcher::tell(watcher.bus, "StatusNotifierHostRegistered");
-    EXPECT_FALSE(isPresent()) << "it isn't the one that keeps the list";
+    EXPECT_FALSE(isPresent()) << "whoever says so, it is the watcher that counts";
     next.setHosts(1);
     settle({session, next.bus});
     EXPECT_EQ(notifier->presentOne(), next.bus.baseService());

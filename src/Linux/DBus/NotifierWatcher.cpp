@@ -38,7 +38,7 @@ void NotifierWatcher::listen() {
     bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
                  this, SLOT(hearDisconnected()));
     for (const char* signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
-        bus_.connect({}, path, service, signal, this, SLOT(hearHosts(QDBusMessage)));
+        bus_.connect({}, path, service, signal, this, SLOT(hearHosts()));
 }
 
 /// Empty when nobody has the name.
@@ -83,9 +83,10 @@ void NotifierWatcher::hearOwner(const QDBusMessage& signal) {
         askForHosts();
 }
 
-// It may be the last one that has gone, or one of several.
-void NotifierWatcher::hearHosts(const QDBusMessage& signal) {
-    if (!owner_.isEmpty() && signal.service() == owner_)
+// It may be the last one that has gone, or one of several. The watcher itself is asked, whoever
+// said so.
+void NotifierWatcher::hearHosts() {
+    if (!owner_.isEmpty())
         askForHosts();
 }
 

@@ -32,7 +32,7 @@ public:
 
 private Q_SLOTS:
     void hearOwner(const QDBusMessage& signal);
-    void hearHosts(const QDBusMessage& signal);
+    void hearHosts();
     void hearDisconnected();
 
 private:

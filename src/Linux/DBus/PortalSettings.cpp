@@ -108,7 +108,7 @@ void PortalSettings::hearOwner(const QDBusMessage& signal) {
 
 // What comes before the answer is in the answer.
 void PortalSettings::hearChanged(const QDBusMessage& signal) {
-    if (owner_.isEmpty() || signal.service() != owner_ || signal.signature() != "ssv")
+    if (signal.service() != owner_ || signal.signature() != "ssv")
         return;
     const QVariantList in = signal.arguments();
     const std::string name = fullName(in[0].toString(), in[1].toString());
