@@ -1,0 +1,107 @@
+#include "Services/MenuBar/MenuBarItem.h"
+
+#include "Platform/Preferences.h"
+#include "Services/AppUpdater.h"
+#include "Services/QuitController/QuitController.h"
+
+#include <utility>
+
+namespace velmorquit {
+
+MenuBarItem::MenuBarItem(const Parts& parts, const Desktop& desktop)
+    : parts_(parts), loop_(desktop.loop), preferences_(desktop.preferences),
+      formats_(desktop.formats) {
+    parts_.icon.onClick = [this](const StatusItem::Click& click) { hear(click); };
+    parts_.icon.onChoose = [this](const QuickMenuEntry& entry) { perform(entry); };
+    parts_.popover.onClose = [this] { popoverDidClose(); };
+    const auto follow = [this](auto& field) {
+        subscriptions_.push_back(field.subscribe([this] { keepMenu(); }));
+    };
+    follow(parts_.controller.apps);
+    follow(parts_.controller.excluded);
+    follow(parts_.controller.schedule);
+    follow(parts_.controller.lastSession);
+    follow(parts_.updater.canCheckForUpdates);
+}
+
+MenuBarItem::~MenuBarItem() {
+    parts_.icon.onClick = nullptr;
+    parts_.icon.onChoose = nullptr;
+    parts_.popover.onClose = nullptr;
+}
+
+void MenuBarItem::hear(const StatusItem::Click& click) {
+    if (click.button == StatusItem::Click::Button::right || click.isControlHeld)
+        parts_.icon.popUp(quickMenu(parts_.controller, parts_.updater, formats_));
+    else if (preferences_.boolean("clickIconQuitsAll", false))
+        quitAll(PowerAction::none);
+    else if (parts_.popover.isShown())
+        parts_.popover.close();
+    else if (!parts_.popover.wasClosedByLastPress())
+        showPopover();
+}
+
+void MenuBarItem::showPopover() {
+    if (parts_.popover.isShown())
+        return;
+    parts_.controller.startLiveUpdates();
+    if (hideCountdown)
+        hideCountdown();
+    parts_.popover.show(parts_.icon.frame());
+}
+
+void MenuBarItem::popoverDidClose() {
+    parts_.controller.stopLiveUpdates();
+    if (onPopoverClose)
+        onPopoverClose();
+}
+
+// It is kept in mind before the panel opens: a start that fails over that isn't tried again.
+void MenuBarItem::welcome() {
+    if (preferences_.boolean("didShowWelcome", false))
+        return;
+    preferences_.set("didShowWelcome", true);
+    welcome_ = loop_.after(welcomeDelay, [this] { showPopover(); });
+}
+
+void MenuBarItem::quitAll(PowerAction then) {
+    parts_.controller.quitAll(then);
+    showPopover();
+}
+
+void MenuBarItem::perform(const QuickMenuEntry& entry) {
+    using Command = QuickMenuEntry::Command;
+    switch (entry.command) {
+    case Command::none:
+        break;
+    case Command::quit:
+        quitAll(entry.then);
+        break;
+    case Command::reopen:
+        parts_.controller.reopenLastSession();
+        break;
+    case Command::cancelSchedule:
+        parts_.controller.cancelSchedule();
+        break;
+    case Command::checkForUpdates:
+        parts_.updater.checkForUpdates();
+        break;
+    case Command::openPanel:
+        showPopover();
+        break;
+    case Command::exit:
+        if (onExit)
+            onExit();
+        break;
+    }
+}
+
+void MenuBarItem::keepMenu() {
+    QuickMenu menu = quickMenu(parts_.controller, parts_.updater, formats_);
+    if (menu == kept_)
+        return;
+    kept_ = std::move(menu);
+    parts_.icon.keepMenu(kept_);
+}
+
+} // namespace velmorquit

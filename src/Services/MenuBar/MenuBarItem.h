@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Platform/Desktop.h"
+#include "Platform/MainLoop.h"
+#include "Services/MenuBar/QuickMenu.h"
+#include "Services/Popover.h"
+#include "Services/StatusItem.h"
+
+#include <functional>
+#include <vector>
+
+namespace velmorquit {
+
+class AppUpdater;
+class QuitController;
+
+/// What the user reaches by the icon: the panel, the menu, and quitting all at once.
+class MenuBarItem {
+public:
+    static constexpr auto welcomeDelay = 300ms;
+
+    /// What it works with; it outlives it, and the callbacks of the icon and of the panel's window
+    /// are its own to hear.
+    struct Parts {
+        QuitController& controller;
+        AppUpdater& updater;
+        StatusItem& icon;
+        Popover& popover;
+    };
+
+    MenuBarItem(const Parts& parts, const Desktop& desktop);
+    MenuBarItem(const MenuBarItem&) = delete;
+    MenuBarItem& operator=(const MenuBarItem&) = delete;
+    ~MenuBarItem();
+
+    /// Opens the panel; one that is open stays as it is.
+    void showPopover();
+
+    /// The first time that the program runs for this user, opens the panel a little later.
+    void welcome();
+
+    /// Ends the program: the user has asked for it.
+    std::function<void()> onExit;
+
+    /// Takes away what counts down at the icon: the panel is about to cover it.
+    std::function<void()> hideCountdown;
+
+    /// The panel has closed.
+    std::function<void()> onPopoverClose;
+
+private:
+    void hear(const StatusItem::Click& click);
+    void perform(const QuickMenuEntry& entry);
+    void quitAll(PowerAction then);
+    void popoverDidClose();
+    void keepMenu();
+
+    Parts parts_;
+    MainLoop& loop_;
+    Preferences& preferences_;
+    const Formats& formats_;
+    QuickMenu kept_;
+    Handle welcome_;
+    std::vector<Handle> subscriptions_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Platform/Formats.h"
+#include "Services/PowerAction.h"
+
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+class AppUpdater;
+class QuitController;
+
+/// One line of the icon's menu.
+struct QuickMenuEntry {
+    enum class Command {
+        none, ///< a line between two groups
+        quit,
+        reopen,
+        cancelSchedule,
+        checkForUpdates,
+        openPanel,
+        exit,
+    };
+
+    Command command = Command::none;
+    std::string title;
+    std::string symbol; ///< its name; empty where there is none
+    bool isEnabled = true;
+    PowerAction then = PowerAction::none; ///< what follows, with `quit`
+    char key = 0; ///< with Control it chooses the entry while the menu is open; 0 for none
+
+    friend bool operator==(const QuickMenuEntry&, const QuickMenuEntry&) = default;
+};
+
+using QuickMenu = std::vector<QuickMenuEntry>;
+
+/// The menu for what is true now.
+[[nodiscard]] QuickMenu quickMenu(const QuitController& controller, const AppUpdater& updater,
+                                  const Formats& formats);
+
+} // namespace velmorquit
