@@ -1,37 +1,50 @@
 #include "AppDelegate.h"
 
 #include "Platform/Application.h"
+#include "Views/PanelView.h"
 
 #include <utility>
 #include <variant>
 
 namespace velmorquit {
 
-AppDelegate::AppDelegate(const Desktop& desktop, const Notices& notices)
-    : actions_(desktop.loop, desktop.kernel, desktop.formats), controller_(desktop),
-      remoteControl_(controller_, actions_, desktop),
-      scheduleNotice_(controller_, notices.schedule, desktop.formats),
-      application_(desktop.application),
-      trayItem_({.quitAll = [this] { controller_.quitAll(PowerAction::none); },
-                 .exit = [this] { end(); }}) {
+AppDelegate::AppDelegate(const Desktop& desktop, const DesktopFace& face, const Notices& notices)
+    : desktop_(desktop), actions_(desktop.loop, desktop.kernel, desktop.formats),
+      controller_(desktop), updater_(desktop.loop), remoteControl_(controller_, actions_, desktop),
+      scheduleNotice_(controller_, notices.schedule, desktop.formats), trayItem_(face),
+      popover_(
+          desktop.loop, face, [this] { return makePanel(); },
+          [this] { return controller_.isRunning(); }),
+      menuBarItem_({controller_, updater_, trayItem_, popover_}, desktop) {
     actions_.setController(&controller_);
-    controller_.onEvent = [this](const Event& event) { hear(event); };
     controller_.onNeedsAttention = [this] {
         remoteControl_.schedule().announceAttention();
         scheduleNotice_.callAttention();
     };
-    remoteControl_.onShow = [this](const std::string&) { trayItem_.sayThatItRuns(); };
+    controller_.onEvent = [this](const Event& event) { hear(event); };
+    menuBarItem_.onExit = [this] { end(); };
+    serveOthers(notices.answers);
+    menuBarItem_.welcome();
+}
+
+AppDelegate::~AppDelegate() { actions_.setController(nullptr); }
+
+void AppDelegate::serveOthers(Notice& answers) {
+    remoteControl_.onShow = [this](const std::string&) { menuBarItem_.showPopover(); };
     RemoteSchedule& published = remoteControl_.schedule();
     published.onConfirm = [this](const std::string& question, const std::string& button,
                                  std::function<void(bool)> answer) {
         confirmDialog_.ask(question, button, std::move(answer));
     };
-    published.onAnswer = [&notice = notices.answers](const ActionAnswer& answer) {
-        notice.show({.title = "Velmor Quit", .text = answer.text});
+    published.onAnswer = [&answers](const ActionAnswer& answer) {
+        answers.show({.title = "Velmor Quit", .text = answer.text});
     };
 }
 
-AppDelegate::~AppDelegate() { actions_.setController(nullptr); }
+std::unique_ptr<PanelView> AppDelegate::makePanel() {
+    return std::make_unique<PanelView>(controller_, updater_, desktop_,
+                                       SettingsButton::Actions{.exit = [this] { end(); }});
+}
 
 void AppDelegate::hear(const Event& event) {
     remoteControl_.announce(event);
@@ -42,7 +55,7 @@ void AppDelegate::hear(const Event& event) {
 // What is told of the run's end is posted before the program's own end is.
 void AppDelegate::end() {
     controller_.leaveStubbornOpen();
-    application_.terminate();
+    desktop_.application.terminate();
 }
 
 } // namespace velmorquit

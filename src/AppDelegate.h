@@ -1,13 +1,19 @@
 #pragma once
 
 #include "Platform/Desktop.h"
+#include "Platform/DesktopFace.h"
 #include "Platform/Notice.h"
 #include "Services/Actions/ActionRunner.h"
+#include "Services/AppUpdater.h"
+#include "Services/MenuBar/MenuBarItem.h"
 #include "Services/QuitController/QuitController.h"
 #include "Services/RemoteControl.h"
 #include "Services/ScheduleNotice.h"
 #include "Views/ConfirmDialog.h"
+#include "Views/PanelPopover.h"
 #include "Views/TrayItem.h"
+
+#include <memory>
 
 namespace velmorquit {
 
@@ -20,7 +26,7 @@ public:
         Notice& answers; ///< what published actions have to say
     };
 
-    AppDelegate(const Desktop& desktop, const Notices& notices);
+    AppDelegate(const Desktop& desktop, const DesktopFace& face, const Notices& notices);
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
     ~AppDelegate();
@@ -31,14 +37,19 @@ public:
 
 private:
     void hear(const Event& event);
+    void serveOthers(Notice& answers);
+    [[nodiscard]] std::unique_ptr<PanelView> makePanel();
 
+    Desktop desktop_;
     ActionRunner actions_;
     QuitController controller_;
+    AppUpdater updater_;
     RemoteControl remoteControl_;
     ScheduleNotice scheduleNotice_;
-    Application& application_;
     ConfirmDialog confirmDialog_;
     TrayItem trayItem_;
+    PanelPopover popover_;
+    MenuBarItem menuBarItem_;
 };
 
 } // namespace velmorquit

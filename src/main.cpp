@@ -8,6 +8,7 @@
 #include "Linux/DBus/BusCommands.h"
 #include "Linux/DBus/BusNotice.h"
 #include "Linux/DBus/BusQuit.h"
+#include "Linux/DesktopAppearance.h"
 #include "Linux/EndSignals.h"
 #include "Linux/Files/LinuxFiles.h"
 #include "Linux/JournalLog.h"
@@ -22,7 +23,9 @@
 #include "Linux/Session/PowerBus.h"
 #include "Linux/Session/SessionEnd.h"
 #include "Linux/Volumes/UDisksVolumes.h"
+#include "Linux/X11/DesktopTrayHosts.h"
 #include "Linux/X11/X11Toplevels.h"
+#include "Linux/X11/X11WindowSystem.h"
 #include "Services/LaunchAtLogin.h"
 
 #include <QApplication>
@@ -155,7 +158,8 @@ int run(int argc, char** argv) {
     const QVariantMap platformData = takePlatformData();
     // Qt would end the program with a crash when there is no server.
     auto connection = X11Connection::open();
-    if (!connection) {
+    auto faceConnection = X11Connection::open();
+    if (!connection || !faceConnection) {
         const char* display = std::getenv("DISPLAY");
         log.write(std::string("Velmor Quit: non trovo un desktop X11 ") +
                   (display ? std::string("(DISPLAY=") + display + " non risponde)"
@@ -216,10 +220,15 @@ int run(int argc, char** argv) {
     const FinishedWork finishedWork;
     BusNotice scheduleNotice(sessionBus.connection());
     BusNotice answerNotice(sessionBus.connection());
+    const QDBusConnection faceBus = QDBusConnection::sessionBus();
+    X11Events faceEvents(std::move(*faceConnection));
+    X11WindowSystem windowSystem(loop, faceEvents);
+    const DesktopAppearance appearance(loop, faceBus, faceEvents);
+    const DesktopTrayHosts trayHosts(loop, faceBus, faceEvents);
     AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program,
                           language.formats(), volumes, sessionEnd, sleepHold, children, files,
                           backupTool()},
-                         {scheduleNotice, answerNotice});
+                         {windowSystem, appearance, trayHosts}, {scheduleNotice, answerNotice});
     endSignals.onAsked = [&delegate] { delegate.end(); };
     return QApplication::exec();
 }

@@ -63,14 +63,15 @@ QImage symbolImage(const Drawn& drawn) {
 /// The symbol drawn again at each size that is asked for, instead of scaled.
 class SymbolIconEngine : public QIconEngine {
 public:
-    SymbolIconEngine(QString name, const QColor& colour)
-        : name_(std::move(name)), colour_(colour) {}
+    SymbolIconEngine(QString name, const QColor& colour, const QColor& selected)
+        : name_(std::move(name)), colour_(colour), selected_(selected) {}
 
     void paint(QPainter* painter, const QRect& area, QIcon::Mode mode, QIcon::State) override {
         const int side = std::min(area.width(), area.height());
         QRect box(0, 0, side, side);
         box.moveCenter(area.center());
-        QColor colour = colour_;
+        const bool isSelected = mode == QIcon::Selected || mode == QIcon::Active;
+        QColor colour = isSelected ? selected_ : colour_;
         if (mode == QIcon::Disabled) {
             colour.setAlphaF(colour.alphaF() * static_cast<float>(disabledOpacity));
         }
@@ -86,12 +87,13 @@ public:
     }
 
     [[nodiscard]] QIconEngine* clone() const override {
-        return std::make_unique<SymbolIconEngine>(name_, colour_).release();
+        return std::make_unique<SymbolIconEngine>(*this).release();
     }
 
 private:
     QString name_;
     QColor colour_;
+    QColor selected_;
 };
 
 } // namespace
@@ -116,8 +118,10 @@ void draw(QPainter& painter, const QString& name, const QRectF& box, const QColo
     painter.restore();
 }
 
-QIcon icon(const QString& name, const QColor& colour) {
-    return QIcon(std::make_unique<SymbolIconEngine>(name, colour).release());
+QIcon icon(const QString& name, const QColor& colour) { return icon(name, colour, colour); }
+
+QIcon icon(const QString& name, const QColor& colour, const QColor& selected) {
+    return QIcon(std::make_unique<SymbolIconEngine>(name, colour, selected).release());
 }
 
 } // namespace velmorquit::Symbols

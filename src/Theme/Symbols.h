@@ -21,4 +21,7 @@ void draw(QPainter& painter, const QString& name, const QRectF& box, const QColo
 /// The symbol for a menu or a button of the toolkit's, sharp at every scale.
 [[nodiscard]] QIcon icon(const QString& name, const QColor& colour);
 
+/// In another colour where the toolkit shows what it stands for as selected.
+[[nodiscard]] QIcon icon(const QString& name, const QColor& colour, const QColor& selected);
+
 } // namespace velmorquit::Symbols

@@ -1,47 +1,196 @@
 #include "Views/TrayItem.h"
 
-#include "Services/PowerAction.h"
-#include "Texts/Localized.h"
+#include "Platform/Appearance.h"
+#include "Platform/TrayHosts.h"
+#include "Views/MenuBarIcon.h"
+#include "Views/ScreenGround.h"
 
-#include <QIcon>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QStandardPaths>
 
+#include <chrono>
 #include <utility>
 
 namespace velmorquit {
 
-TrayItem::TrayItem(Actions actions) : actions_(std::move(actions)) {
-    menu_.addAction(QString::fromStdString(buttonTitle(PowerAction::none)),
-                    [this] { actions_.quitAll(); });
-    menu_.addSeparator();
-    menu_.addAction(QString::fromStdString(localized("Esci da Velmor Quit")),
-                    [this] { actions_.exit(); });
-    icon_.setIcon(QIcon(QStringLiteral(":/icons/org.velmorquit.VelmorQuit.svg")));
-    icon_.setToolTip(QStringLiteral("Velmor Quit"));
-    icon_.setContextMenu(&menu_);
-    icon_.show();
+namespace {
+
+/// A panel takes a moment to take the icon in and to paint itself: so long after that it is looked
+/// at first, then after twice the time, and so on.
+constexpr std::chrono::milliseconds firstLook{100};
+constexpr std::chrono::milliseconds lastLook{800};
+/// Around the pointer at a click: within the smallest icon.
+constexpr int lookReach = 8;
+
+/// Plasma paints icons that it knows by name in the colours of its panel, whichever it has.
+bool panelTints() { return qgetenv("XDG_CURRENT_DESKTOP").split(':').contains("KDE"); }
+
+QString installedName() {
+    const QString name = MenuBarIcon::themedName();
+    const QString file = QStringLiteral("icons/hicolor/symbolic/apps/%1.svg").arg(name);
+    const bool isInstalled =
+        !QStandardPaths::locate(QStandardPaths::GenericDataLocation, file).isEmpty();
+    return isInstalled ? name : QString();
 }
 
-void TrayItem::sayThatItRuns() {
-    const QString title = QString::fromStdString(localized("Velmor Quit è in esecuzione"));
-    if (QSystemTrayIcon::isSystemTrayAvailable() && QSystemTrayIcon::supportsMessages()) {
-        icon_.showMessage(
-            title,
-            QString::fromStdString(localized("Il menu della sua icona chiude tutte le app.")),
-            icon_.icon());
+} // namespace
+
+TrayItem::TrayItem(const DesktopFace& face) : face_(face) {
+    looks_.setSingleShot(true);
+    QObject::connect(&looks_, &QTimer::timeout, &looks_, [this] {
+        look();
+        const auto next = 2 * looks_.intervalAsDuration();
+        if (next <= lastLook)
+            looks_.start(next);
+    });
+    hostChanges_ = face_.trayHosts.observe([this] { remake(); });
+    appearanceChanges_ = face_.appearance.observe([this] {
+        paint();
+        lookLater();
+    });
+    remake();
+}
+
+TrayItem::~TrayItem() = default;
+
+void TrayItem::remake() {
+    const TrayHost host = face_.trayHosts.present();
+    icon_.reset();
+    kept_.reset();
+    clickedAt_.reset();
+    isGroundDark_.reset();
+    if (host == TrayHost::none)
+        return;
+    icon_ = std::make_unique<QSystemTrayIcon>();
+    icon_->setToolTip(QStringLiteral("Velmor Quit"));
+    QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(),
+                     [this](QSystemTrayIcon::ActivationReason reason) { hear(reason); });
+    // The others would have it popped up by Qt as well, in addition to what a click does.
+    if (host == TrayHost::notifier) {
+        kept_ = std::make_unique<KeptMenu>([this](const QuickMenuEntry& entry) { choose(entry); });
+        kept_->setEntries(entries_);
+        kept_->onOpen = [this] { noteMenu(); };
+        icon_->setContextMenu(&kept_->menu());
+    }
+    paint();
+    icon_->show();
+    lookLater();
+}
+
+// On a Wayland desktop the pointer is known only while it is over one of the X server's windows,
+// and a panel is none.
+void TrayItem::noteClick() {
+    if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY") || ScreenGround::isInPanel(QCursor::pos()))
+        clickedAt_ = QCursor::pos();
+}
+
+// Some panels ask for the menu before anybody has clicked.
+void TrayItem::noteMenu() {
+    if (ScreenGround::isInPanel(QCursor::pos()))
+        clickedAt_ = QCursor::pos();
+}
+
+void TrayItem::hear(QSystemTrayIcon::ActivationReason reason) {
+    using Button = Click::Button;
+    noteClick();
+    look();
+    const bool isRight = reason == QSystemTrayIcon::Context;
+    // The second press of two quick ones.
+    const bool isLeft =
+        reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick;
+    // Where Qt embeds the icon all the same, it has opened the kept menu by itself.
+    const bool isAnswered = isRight && kept_ && geometry().isValid();
+    if (!onClick || (!isLeft && !isRight) || isAnswered)
+        return;
+    const bool isControlHeld =
+        QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ControlModifier);
+    onClick({.button = isRight ? Button::right : Button::left, .isControlHeld = isControlHeld});
+}
+
+void TrayItem::choose(const QuickMenuEntry& entry) {
+    if (onChoose)
+        onChoose(entry);
+}
+
+// Before it was taken in, an embedded icon is at the origin.
+QRect TrayItem::geometry() const {
+    const QRect place = icon_ ? icon_->geometry() : QRect();
+    return place.topLeft() == QPoint(0, 0) ? QRect() : place;
+}
+
+std::optional<ScreenRect> TrayItem::frame() const {
+    const QRect place = geometry();
+    if (place.isValid())
+        return ScreenRect{place.x(), place.y(), place.width(), place.height()};
+    if (clickedAt_)
+        return ScreenRect{clickedAt_->x(), clickedAt_->y(), 1, 1};
+    return std::nullopt;
+}
+
+void TrayItem::popUp(const QuickMenu& menu) {
+    closeMenu();
+    open_ = makeMenu(menu, [this](const QuickMenuEntry& entry) { choose(entry); });
+    QObject::connect(open_.get(), &QMenu::aboutToHide, open_.get(), [this] { closeMenu(); });
+    const auto place = frame();
+    if (!place) {
+        open_->popup(QCursor::pos());
         return;
     }
-    if (!notice_) {
-        notice_ = std::make_unique<QMessageBox>();
-        notice_->setWindowTitle(QStringLiteral("Velmor Quit"));
-        notice_->setWindowIcon(icon_.icon());
-        notice_->setText(title);
-        notice_->setInformativeText(QString::fromStdString(
-            localized("Questo desktop non mostra la sua icona: usa velmorctl da un terminale.")));
-        notice_->setModal(false);
-    }
-    notice_->show();
-    notice_->raise();
-    notice_->activateWindow();
+    const QRect icon(place->x, place->y, place->width, place->height);
+    const QScreen* screen = QGuiApplication::screenAt(icon.center());
+    const bool hangs = !screen || icon.center().y() <= screen->geometry().center().y();
+    open_->popup(hangs ? icon.bottomLeft() + QPoint(0, 1)
+                       : icon.topLeft() - QPoint(0, open_->sizeHint().height()));
+}
+
+// In a later turn: what was chosen in it is told after it has gone from the screen.
+void TrayItem::closeMenu() {
+    if (open_)
+        open_.release()->deleteLater();
+}
+
+void TrayItem::keepMenu(const QuickMenu& menu) {
+    entries_ = menu;
+    if (kept_)
+        kept_->setEntries(entries_);
+}
+
+void TrayItem::lookLater() { looks_.start(firstLook); }
+
+// A host that draws the icon itself doesn't say where: it is where it was clicked, and before that
+// somewhere in a panel.
+QRect TrayItem::ground() const {
+    const QRect place = geometry();
+    if (place.isValid() || !icon_)
+        return place;
+    if (!clickedAt_)
+        return ScreenGround::panel();
+    return QRect(*clickedAt_, QSize(1, 1)).adjusted(-lookReach, -lookReach, lookReach, lookReach);
+}
+
+void TrayItem::look() {
+    const auto isDark = ScreenGround::isDark(ground());
+    if (!isDark || isGroundDark_ == isDark)
+        return;
+    isGroundDark_ = isDark;
+    paint();
+}
+
+bool TrayItem::isPanelDark() const {
+    if (isGroundDark_)
+        return *isGroundDark_;
+    // Its panel goes with the rest of the desktop; those of the others are mostly dark whatever
+    // the rest is.
+    return panelTints() ? face_.appearance.isDark() : true;
+}
+
+void TrayItem::paint() {
+    if (!icon_)
+        return;
+    const QString name = panelTints() ? installedName() : QString();
+    icon_->setIcon(MenuBarIcon::icon(isPanelDark() ? Qt::white : Qt::black, name));
 }
 
 } // namespace velmorquit

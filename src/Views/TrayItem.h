@@ -1,33 +1,59 @@
 #pragma once
 
-#include <QMenu>
-#include <QMessageBox>
-#include <QSystemTrayIcon>
+#include "Platform/DesktopFace.h"
+#include "Platform/Handle.h"
+#include "Services/StatusItem.h"
+#include "Views/QuickMenuView.h"
 
-#include <functional>
+#include <QMenu>
+#include <QSystemTrayIcon>
+#include <QTimer>
+
 #include <memory>
+#include <optional>
 
 namespace velmorquit {
 
-/// The program's icon in the tray, with a menu.
-class TrayItem {
+/// The program's icon in the tray, whoever shows it there. It isn't made before there is a host:
+/// Qt finds out which kind there is with the first icon, and stays with that.
+class TrayItem final : public StatusItem {
 public:
-    struct Actions {
-        std::function<void()> quitAll;
-        std::function<void()> exit;
-    };
+    explicit TrayItem(const DesktopFace& face);
+    TrayItem(const TrayItem&) = delete;
+    TrayItem& operator=(const TrayItem&) = delete;
+    ~TrayItem() override;
 
-    explicit TrayItem(Actions actions);
-
-    /// Tells the user that the program runs, by the icon; in a window where there is no tray.
-    void sayThatItRuns();
+    [[nodiscard]] std::optional<ScreenRect> frame() const override;
+    void popUp(const QuickMenu& menu) override;
+    void keepMenu(const QuickMenu& menu) override;
 
 private:
-    Actions actions_;
-    QMenu menu_;
-    QSystemTrayIcon icon_;
-    /// Made when it is needed for the first time.
-    std::unique_ptr<QMessageBox> notice_;
+    void remake();
+    void hear(QSystemTrayIcon::ActivationReason reason);
+    void noteClick();
+    void noteMenu();
+    void choose(const QuickMenuEntry& entry);
+    void closeMenu();
+
+    [[nodiscard]] QRect geometry() const;
+    [[nodiscard]] QRect ground() const;
+    void lookLater();
+    void look();
+    void paint();
+    [[nodiscard]] bool isPanelDark() const;
+
+    DesktopFace face_;
+    std::unique_ptr<QSystemTrayIcon> icon_;
+    QuickMenu entries_;
+    /// Only for hosts that draw it.
+    std::unique_ptr<KeptMenu> kept_;
+    std::unique_ptr<QMenu> open_;
+    std::optional<QPoint> clickedAt_;
+    /// As seen behind the icon; none before it was seen there.
+    std::optional<bool> isGroundDark_;
+    QTimer looks_;
+    Handle hostChanges_;
+    Handle appearanceChanges_;
 };
 
 } // namespace velmorquit

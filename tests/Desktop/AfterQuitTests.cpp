@@ -1,4 +1,3 @@
-#include "Codecs/PropertyList.h"
 #include "Desktop/DesktopStory.h"
 
 #include "support/PrivateBus.h"
@@ -29,8 +28,7 @@ protected:
         ::setenv("VELMOR_STAND_IN_BACKUP_DESTINATIONS", (folder() / "destinations").c_str(), 1);
         ::setenv("VELMOR_STAND_IN_BACKUP_SECONDS", "3", 1);
         ASSERT_EQ(run({STAND_INS "/backup-tool", "prepare"}).status, 0);
-        write(preferencesFile(), PropertyList::encode(Value::Dictionary{{"backupFirst", true},
-                                                                        {"ejectDrives", true}}));
+        prefer({{"backupFirst", true}, {"ejectDrives", true}});
     }
 
     /// So many attempts to unmount the drive fail.

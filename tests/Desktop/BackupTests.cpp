@@ -1,4 +1,3 @@
-#include "Codecs/PropertyList.h"
 #include "Desktop/DesktopStory.h"
 
 namespace velmorquit {
@@ -16,7 +15,7 @@ TEST_F(RealBackup, IsMadeByARunAndGivesTheFilesBack) {
     write(documents / "letter.txt", "The meeting is on Friday at ten.");
     const Outcome setup = run({tool, "setup", disk, "--source", documents});
     ASSERT_EQ(setup.status, 0) << setup.text;
-    write(preferencesFile(), PropertyList::encode(Value::Dictionary{{"backupFirst", true}}));
+    prefer({{"backupFirst", true}});
     startProgram();
     Child& application = openRude();
     const Outcome answer = control({"quit-all"});

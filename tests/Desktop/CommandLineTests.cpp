@@ -1,4 +1,3 @@
-#include "Codecs/PropertyList.h"
 #include "Desktop/DesktopStory.h"
 
 #include <cstdlib>
@@ -70,9 +69,7 @@ TEST_F(CommandLine, DoesNothingThatWasNotConfirmed) {
 }
 
 TEST_F(CommandLine, SpeaksTheLanguageThatThePreferencesForceAndCutsNothing) {
-    const std::string english =
-        PropertyList::encode(Value::Dictionary{{"AppleLanguages", Value::Array{"en"}}});
-    write(preferencesFile(), english);
+    prefer({{"AppleLanguages", Value::Array{"en"}}});
     EXPECT_EQ(control({"status"}).text, "velmorctl: Velmor Quit isn’t running.\n");
     startProgram();
     EXPECT_EQ(control({"leave"}).text, "velmorctl: No apps are being quit at the moment.\n");

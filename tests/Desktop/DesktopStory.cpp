@@ -1,5 +1,6 @@
 #include "Desktop/DesktopStory.h"
 
+#include "Codecs/PropertyList.h"
 #include "support/Waiting.h"
 
 #include <QJsonArray>
@@ -172,6 +173,11 @@ std::string DesktopStory::contents(const std::filesystem::path& file) {
 void DesktopStory::write(const std::filesystem::path& file, const std::string& contents) {
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << contents;
+}
+
+void DesktopStory::prefer(Value::Dictionary settings) {
+    settings.emplace("didShowWelcome", true);
+    write(preferencesFile(), PropertyList::encode(settings));
 }
 
 bool DesktopStory::isAlive(pid_t process) { return process > 0 && ::kill(process, 0) == 0; }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Desktop/Watch.h"
+#include "Platform/Value.h"
 #include "support/Child.h"
 
 #include <QJsonObject>
@@ -26,7 +27,11 @@ struct Outcome {
 /// A desktop of its own, with the whole program on it and what a user does there.
 class DesktopStory : public testing::Test {
 protected:
+    DesktopStory() { prefer({}); }
     ~DesktopStory() override;
+
+    /// Stores settings for the program's next start, which isn't its first one.
+    static void prefer(Value::Dictionary settings);
 
     /// Waits, very patiently, until `isSo`; the test fails and ends when that doesn't happen.
     static void await(const std::string& what, const std::function<bool()>& isSo);

@@ -1,4 +1,3 @@
-#include "Codecs/PropertyList.h"
 #include "Desktop/DesktopStory.h"
 
 #include "support/Waiting.h"
@@ -14,7 +13,7 @@ using testing::StartsWith;
 using Schedule = DesktopStory;
 
 TEST_F(Schedule, ARunBeginsByItselfWhenItsMomentHasCome) {
-    write(preferencesFile(), PropertyList::encode(Value::Dictionary{{"confirmScheduled", false}}));
+    prefer({{"confirmScheduled", false}});
     startProgram();
     Child& application = openRude();
     Child watch({VELMORCTL, "watch"});

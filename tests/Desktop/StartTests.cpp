@@ -127,11 +127,19 @@ protected:
         });
     }
 
+    void click(const std::string& button) const {
+        run({"xdotool", "mousemove", "--window", icon_, "8", "8", "click", button});
+    }
+    static bool isPanelShown() {
+        return run({"xdotool", "search", "--onlyvisible", "--name", "^Velmor Quit$"}).status == 0;
+    }
+
     /// Opens the menu of the icon and moves through it with the keyboard.
     void choose(const std::string& key) {
-        await("the menu", [this] {
-            run({"xdotool", "mousemove", "--window", icon_, "8", "8", "click", "3"});
-            return waitUntil([this] { return windowsNamed("velmorquit") != icon_ + '\n'; }, 3000);
+        const std::string before = windowsNamed("velmorquit");
+        await("the menu", [&] {
+            click("3");
+            return waitUntil([&] { return windowsNamed("velmorquit") != before; }, 3000);
         });
         run({"xdotool", "key", key, "Return"});
     }
@@ -156,22 +164,53 @@ TEST_F(TrayIcon, HasAMenuThatQuitsAllAndOneThatEndsTheProgram) {
     EXPECT_EQ(outcomeOf(*program).status, 0) << program->output();
 }
 
-TEST_F(TrayIcon, SaysThatTheProgramRunsWhenItIsStartedAgain) {
+TEST_F(TrayIcon, OpensThePanelAndClosesItAgainAndItsMenuWithControl) {
     startProgram();
     awaitIcon();
-    EXPECT_EQ(run({VELMORQUIT}).status, 0);
-    await("a message by the icon", [this] { return windowsNamed("velmorquit") != icon() + '\n'; });
+    EXPECT_FALSE(isPanelShown());
+    click("1");
+    await("the panel", isPanelShown);
+    click("1");
+    await("the end of the panel", [] { return !isPanelShown(); });
+    click("1");
+    await("the panel", isPanelShown);
+    run({"xdotool", "mousemove", "20", "700", "click", "1"});
+    await("the end of the panel by a press elsewhere", [] { return !isPanelShown(); });
+    run({"xdotool", "keydown", "ctrl"});
+    click("1");
+    run({"xdotool", "keyup", "ctrl"});
+    await("the menu", [this] { return windowsNamed("velmorquit") != icon() + '\n'; });
+    EXPECT_FALSE(isPanelShown());
+    run({"xdotool", "key", "ctrl+q"});
+    await("the end of the program", [this] { return !program->isRunning(); });
 }
 
-TEST_F(TrayIcon, IsReplacedByAWindowWhereThereIsNoTray) {
+TEST_F(TrayIcon, ThePanelOpensByItselfTheFirstTimeAndWhenTheProgramIsStartedAgain) {
+    std::filesystem::remove(preferencesFile());
+    startProgram();
+    await("the panel", isPanelShown);
+    killProgram();
+    startProgram();
+    linger(1000);
+    EXPECT_FALSE(isPanelShown());
+    EXPECT_EQ(run({VELMORQUIT}).status, 0);
+    await("the panel", isPanelShown);
+}
+
+TEST_F(TrayIcon, IsNotNeededForThePanelAndComesBackWithTheTray) {
     startProgram();
     awaitIcon();
     run({"sh", "-c", "kill $(xdotool search --onlyvisible --class '^tint2$' getwindowpid)"});
-    await("the end of the panel", [] { return windowsNamed("tint2").empty(); });
+    await("the end of the tray", [] { return windowsNamed("tint2").empty(); });
     EXPECT_EQ(control({"show"}).status, 0);
-    await("a window", [] {
-        return run({"xdotool", "search", "--onlyvisible", "--name", "^Velmor Quit$"}).status == 0;
-    });
+    await("the panel", isPanelShown);
+    run({"xdotool", "key", "Escape"});
+    await("the end of the panel", [] { return !isPanelShown(); });
+    const Child tray({"tint2", "-c", home().parent_path() / "tint2rc"});
+    await("another tray", [] { return !windowsNamed("tint2").empty(); });
+    awaitIcon();
+    click("1");
+    await("the panel", isPanelShown);
 }
 
 // Nothing else reaches the program then.

@@ -39,6 +39,15 @@ void MenuBarItem::hear(const StatusItem::Click& click) {
         parts_.popover.close();
     else if (!parts_.popover.wasClosedByLastPress())
         showPopover();
+    else
+        opening_ = loop_.after(pressDelay, [this] { openAfterPress(); });
+}
+
+// The press that closed the panel is either that of the click, which then has had its effect, or
+// one before it.
+void MenuBarItem::openAfterPress() {
+    if (!parts_.popover.wasClosedByLastPress())
+        showPopover();
 }
 
 void MenuBarItem::showPopover() {

@@ -18,6 +18,8 @@ class QuitController;
 class MenuBarItem {
 public:
     static constexpr auto welcomeDelay = 300ms;
+    /// How late the panel may hear of a press that the icon was told of as a click.
+    static constexpr auto pressDelay = 50ms;
 
     /// What it works with; it outlives it, and the callbacks of the icon and of the panel's window
     /// are its own to hear.
@@ -52,6 +54,7 @@ private:
     void hear(const StatusItem::Click& click);
     void perform(const QuickMenuEntry& entry);
     void quitAll(PowerAction then);
+    void openAfterPress();
     void popoverDidClose();
     void keepMenu();
 
@@ -61,6 +64,7 @@ private:
     const Formats& formats_;
     QuickMenu kept_;
     Handle welcome_;
+    Handle opening_;
     std::vector<Handle> subscriptions_;
 };
 

@@ -145,7 +145,7 @@ std::string usage() {
         "                       una di quelle: domande e risposte sullo schermo\n"
         "  reopen               riapre in secondo piano le app dell'ultima chiusura\n"
         "  forget               dimentica quali erano\n"
-        "  show                 fa mostrare Velmor Quit\n"
+        "  show                 apre il pannello\n"
         "\n"
         "Stato d'uscita: 0 fatto, 1 rifiutato o qualcosa è rimasto aperto, 2 uso sbagliato,\n"
         "3 Velmor Quit non è in esecuzione.\n");
