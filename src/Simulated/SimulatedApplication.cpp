@@ -24,6 +24,11 @@ SimulatedApplication& SimulatedApplication::withoutName() {
     return *this;
 }
 
+SimulatedApplication& SimulatedApplication::withIcon(Icon icon) {
+    icon_ = std::make_shared<Icon>(std::move(icon));
+    return *this;
+}
+
 SimulatedApplication& SimulatedApplication::withoutWindows() {
     policy_ = ActivationPolicy::accessory;
     return *this;

@@ -26,6 +26,7 @@ public:
     SimulatedApplication& identified(std::string bundle);
     SimulatedApplication& alsoKnownAs(std::string identity);
     SimulatedApplication& withoutName();
+    SimulatedApplication& withIcon(Icon icon);
     /// Runs without windows from the start.
     SimulatedApplication& withoutWindows();
     /// Shows a window again.

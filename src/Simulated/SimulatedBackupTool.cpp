@@ -78,10 +78,12 @@ std::optional<std::string> SimulatedBackupTool::destinations() const {
     if (!isConfigured_)
         return std::nullopt;
     std::string dates;
+    if (earlierBackup)
+        dates = "<date>" + dateText(*earlierBackup) + "</date>";
     const bool isRecorded = began_ && recordedAt && !isRunning() && !isStopped_ &&
                             sinceBeginning() >= duration + recordDelay;
     if (isRecorded)
-        dates = "<date>" + dateText(*began_ + *recordedAt) + "</date>";
+        dates += "<date>" + dateText(*began_ + *recordedAt) + "</date>";
     return dictionary("<key>Destinations</key><array><dict><key>SnapshotDates</key><array>" +
                       dates + "</array></dict></array>");
 }

@@ -19,6 +19,8 @@ public:
     /// There is a place for backups from now on.
     void configure() { isConfigured_ = true; }
 
+    /// The newest backup from before this story.
+    std::optional<WallTime> earlierBackup;
     std::optional<std::string> launchError;
     Duration duration = 10s;
     int exitStatus = 0;

@@ -38,11 +38,11 @@ std::string SimulatedDesktop::log() const {
     return text;
 }
 
-Desktop SimulatedDesktop::ports() {
+Desktop SimulatedDesktop::ports(const Formats& userFormats) {
     return {loop,      preferences,
             workspace, kernel,
             systemLog, remote,
-            program,   formats,
+            program,   userFormats,
             volumes,   loginWindow,
             sleepHold, backupTool,
             files,     {.program = "/tool", .destinations = SimulatedFiles::destinations}};

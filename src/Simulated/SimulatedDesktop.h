@@ -36,7 +36,9 @@ public:
     void startLog();
     [[nodiscard]] std::string log() const;
 
-    [[nodiscard]] Desktop ports();
+    [[nodiscard]] Desktop ports() { return ports(formats); }
+    /// For a user who writes figures and dates in that way.
+    [[nodiscard]] Desktop ports(const Formats& userFormats);
 
     VirtualLoop loop;
     SimulatedPreferences preferences{loop};

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Simulated/SimulatedDesktop.h"
+#include "Texts/Language.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Applications that nobody has, for pictures.
+namespace velmorquit::DemoApps {
+
+/// Opens those of which the English names are given, all with different figures.
+void open(SimulatedDesktop& desktop, Language language, const std::vector<std::string>& names);
+
+/// Opens so many, of every kind several.
+void openMany(SimulatedDesktop& desktop, Language language, int count);
+
+/// Starts the one of that English name.
+SimulatedApplication& start(SimulatedDesktop& desktop, Language language, std::string_view name);
+
+/// The key by which the exclusions know it.
+[[nodiscard]] std::string key(std::string_view name);
+
+} // namespace velmorquit::DemoApps

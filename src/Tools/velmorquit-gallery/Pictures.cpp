@@ -1,0 +1,15 @@
+#include "Pictures.h"
+
+namespace velmorquit {
+
+const std::vector<Picture>& pictures() {
+    static const std::vector<Picture> all = [] {
+        std::vector<Picture> list;
+        for (const auto& part : {restPictures(), runPictures(), desktopPictures()})
+            list.insert(list.end(), part.begin(), part.end());
+        return list;
+    }();
+    return all;
+}
+
+} // namespace velmorquit

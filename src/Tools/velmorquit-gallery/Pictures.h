@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Screens.h"
+
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+class Stage;
+
+/// A state of the program that is worth looking at.
+struct Picture {
+    std::string name;
+    void (*stage)(Stage& stage);
+    Screens::Kind screen = Screens::Kind::ordinary;
+};
+
+/// All there are.
+[[nodiscard]] const std::vector<Picture>& pictures();
+
+/// While nothing goes on; during a run and after it; on desktops that are set up in other ways.
+[[nodiscard]] std::vector<Picture> restPictures();
+[[nodiscard]] std::vector<Picture> runPictures();
+[[nodiscard]] std::vector<Picture> desktopPictures();
+
+} // namespace velmorquit

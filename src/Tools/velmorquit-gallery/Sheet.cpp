@@ -1,0 +1,58 @@
+#include "Sheet.h"
+
+#include <QFont>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace velmorquit {
+namespace {
+
+/// Of a row, in points; a wider picture has one by itself.
+constexpr int mostWidth = 2400;
+constexpr int nameHeight = 44;
+
+} // namespace
+
+void Sheet::add(const QString& name, const QImage& picture) {
+    entries_.push_back({name, picture, {}});
+}
+
+QSize Sheet::layOut(std::vector<Entry>& entries) const {
+    QPoint next;
+    QSize whole;
+    int rowHeight = 0;
+    for (Entry& entry : entries) {
+        const QSize size = entry.picture.deviceIndependentSize().toSize();
+        if (next.x() > 0 && next.x() + size.width() > mostWidth) {
+            next = {0, next.y() + rowHeight};
+            rowHeight = 0;
+        }
+        entry.place = next;
+        next.rx() += size.width();
+        rowHeight = std::max(rowHeight, size.height() + nameHeight);
+        whole = whole.expandedTo({next.x(), next.y() + rowHeight});
+    }
+    return whole;
+}
+
+QImage Sheet::drawn() const {
+    std::vector<Entry> entries = entries_;
+    QImage image(layOut(entries) * scale_, QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale_);
+    image.fill(QColor(28, 31, 38));
+    QPainter painter(&image);
+    QFont font(QStringLiteral("Inter"));
+    font.setPixelSize(13);
+    painter.setFont(font);
+    painter.setPen(QColor(190, 192, 200));
+    for (const Entry& entry : entries) {
+        painter.drawImage(entry.place, entry.picture);
+        const QSizeF size = entry.picture.deviceIndependentSize();
+        painter.drawText(QRectF(entry.place.x(), entry.place.y() + size.height(), size.width(), 20),
+                         Qt::AlignHCenter | Qt::AlignTop, entry.name);
+    }
+    return image;
+}
+
+} // namespace velmorquit

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "Platform/Formats.h"
+#include "Screens.h"
+#include "Services/AppUpdater.h"
+#include "Services/QuitController/QuitController.h"
+#include "Simulated/SimulatedDesktop.h"
+#include "Simulated/SimulatedFace.h"
+#include "Texts/Language.h"
+#include "Views/PanelPopover.h"
+
+#include <QFont>
+#include <QImage>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+class QWidget;
+
+namespace velmorquit {
+
+/// The simulated desktop for one picture, and the program on it. It begins at the same moment of
+/// virtual time, and nothing on it moves by itself: what is drawn is the same every time.
+class Stage {
+public:
+    struct Setting {
+        Language language;
+        const Formats& formats;
+        Screens::Kind screen;
+        int scale;
+    };
+
+    explicit Stage(const Setting& setting);
+    Stage(const Stage&) = delete;
+    Stage& operator=(const Stage&) = delete;
+    ~Stage();
+
+    [[nodiscard]] Language language() const { return setting_.language; }
+
+    /// Opens the demonstration applications of these English names; without any the usual eight.
+    void open(const std::vector<std::string>& names = {});
+    void exclude(const std::vector<std::string>& names);
+    void useMemory(double gibibytes);
+    /// The user's own type becomes half as large again.
+    void enlargeType();
+
+    /// Lets the program begin, once the desktop is as it is to be.
+    QuitController& start();
+    /// With the usual applications, two of them excluded.
+    QuitController& startUsually();
+    void openPanel();
+    /// Lets the time pass, and all settle that follows from it.
+    void advance(Duration time);
+
+    /// The one of the program's widgets that has this object name.
+    [[nodiscard]] QWidget& widget(const char* name) const;
+    /// Moves the pointer into the middle of the widget.
+    void pointAt(const QWidget& widget);
+    void click(const char* name);
+
+    /// All windows that are open, on a dark ground.
+    [[nodiscard]] QImage photograph() const;
+
+    SimulatedDesktop desktop;
+    SimulatedFace face;
+    AppUpdater updater{desktop.loop};
+
+private:
+    void settle();
+
+    Setting setting_;
+    QFont font_;
+    std::unique_ptr<QuitController> controller_;
+    std::unique_ptr<PanelPopover> popover_;
+};
+
+} // namespace velmorquit
