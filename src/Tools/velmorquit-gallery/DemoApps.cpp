@@ -1,7 +1,11 @@
 #include "DemoApps.h"
 
+#include "Services/QuitController/SavedApp.h"
+
 #include <algorithm>
 #include <array>
+#include <memory>
+#include <span>
 #include <stdexcept>
 
 namespace velmorquit::DemoApps {
@@ -32,12 +36,23 @@ constexpr std::array apps{
 
 std::uint64_t bytes(double mebibytes) { return static_cast<std::uint64_t>(mebibytes * (1 << 20)); }
 
+Icon iconOf(const DemoApp& app) {
+    return {.name = {}, .file = ":/gallery/" + std::string(app.icon) + ".svg", .image = {}};
+}
+
+const DemoApp& find(std::string_view name) {
+    const auto app = std::ranges::find(apps, name, &DemoApp::english);
+    if (app == apps.end())
+        throw std::out_of_range(std::string(name));
+    return *app;
+}
+
 SimulatedApplication& openOne(SimulatedDesktop& desktop, const DemoApp& app, std::string name,
                               std::uint64_t memory) {
-    return desktop.open(std::move(name), memory)
-        .identified(key(app.english))
-        .withIcon({.name = {}, .file = ":/gallery/" + std::string(app.icon) + ".svg", .image = {}});
+    return desktop.open(std::move(name), memory).identified(key(app.english)).withIcon(iconOf(app));
 }
+
+std::string pathOf(const DemoApp& app) { return "/applications/" + key(app.english) + ".desktop"; }
 
 std::string nameOf(const DemoApp& app, Language language) {
     return language == Language::italian ? app.italian : app.english;
@@ -48,10 +63,26 @@ std::string nameOf(const DemoApp& app, Language language) {
 std::string key(std::string_view name) { return "org.example." + std::string(name); }
 
 SimulatedApplication& start(SimulatedDesktop& desktop, Language language, std::string_view name) {
-    const auto app = std::ranges::find(apps, name, &DemoApp::english);
-    if (app == apps.end())
-        throw std::out_of_range(std::string(name));
-    return openOne(desktop, *app, nameOf(*app, language), bytes(app->mebibytes));
+    const DemoApp& app = find(name);
+    return openOne(desktop, app, nameOf(app, language), bytes(app.mebibytes));
+}
+
+void install(SimulatedDesktop& desktop) {
+    for (const DemoApp& app : apps) {
+        desktop.files.paths.insert(pathOf(app));
+        desktop.workspace.icons[pathOf(app)] = std::make_shared<Icon>(iconOf(app));
+    }
+}
+
+void rememberClosed(SimulatedDesktop& desktop, Language language,
+                    const std::vector<std::string>& names) {
+    std::vector<SavedApp> closed;
+    for (const std::string& name : names)
+        closed.push_back({nameOf(find(name), language), pathOf(find(name))});
+    const std::string list = SavedApps::encode(closed);
+    const auto stored = std::as_bytes(std::span(list));
+    desktop.preferences.set("lastSession", Value::Data(stored.begin(), stored.end()));
+    desktop.preferences.set("lastSessionDate", desktop.loop.now() - 3h);
 }
 
 void open(SimulatedDesktop& desktop, Language language, const std::vector<std::string>& names) {

@@ -11,6 +11,9 @@
 /// Applications that nobody has, for pictures.
 namespace velmorquit::DemoApps {
 
+/// Lets the desktop know the files that start them, whether they are open or not.
+void install(SimulatedDesktop& desktop);
+
 /// Opens those of which the English names are given, all with different figures.
 void open(SimulatedDesktop& desktop, Language language, const std::vector<std::string>& names);
 
@@ -19,6 +22,10 @@ void openMany(SimulatedDesktop& desktop, Language language, int count);
 
 /// Starts the one of that English name.
 SimulatedApplication& start(SimulatedDesktop& desktop, Language language, std::string_view name);
+
+/// Has the program believe that the last run has closed those, some hours ago.
+void rememberClosed(SimulatedDesktop& desktop, Language language,
+                    const std::vector<std::string>& names);
 
 /// The key by which the exclusions know it.
 [[nodiscard]] std::string key(std::string_view name);

@@ -19,8 +19,10 @@ struct Picture {
 /// All there are.
 [[nodiscard]] const std::vector<Picture>& pictures();
 
-/// While nothing goes on; during a run and after it; on desktops that are set up in other ways.
+/// While nothing goes on; with a run set for later; during one and after it; on desktops that are
+/// set up in other ways.
 [[nodiscard]] std::vector<Picture> restPictures();
+[[nodiscard]] std::vector<Picture> schedulePictures();
 [[nodiscard]] std::vector<Picture> runPictures();
 [[nodiscard]] std::vector<Picture> desktopPictures();
 

@@ -7,7 +7,11 @@
 namespace velmorquit {
 namespace {
 
+const std::vector<std::string> closedBefore{"Frames", "Chatter", "Jottings", "Atlas", "Console"};
+
 void idle(Stage& stage) {
+    stage.choose("backupFirst");
+    DemoApps::rememberClosed(stage.desktop, stage.language(), closedBefore);
     stage.startUsually();
     stage.openPanel();
     stage.pointAt(*stage.widget("rows").findChildren<QCheckBox*>().at(2));
@@ -44,6 +48,17 @@ void allExcluded(Stage& stage) {
     stage.openPanel();
 }
 
+void extras(Stage& stage) {
+    stage.choose("backupFirst");
+    stage.choose("ejectDrives");
+    stage.desktop.preferences.set("afterQuit", "restart");
+    stage.desktop.volumes.mountStick("Foto");
+    stage.desktop.backupTool.earlierBackup = stage.desktop.loop.now() - 9 * 24h;
+    DemoApps::rememberClosed(stage.desktop, stage.language(), {"Frames"});
+    stage.startUsually();
+    stage.openPanel();
+}
+
 void settings(Stage& stage) {
     stage.startUsually();
     stage.openPanel();
@@ -59,6 +74,7 @@ std::vector<Picture> restPictures() {
         {"panel-idle-many", idleWithMany},
         {"panel-empty", empty},
         {"panel-all-excluded", allExcluded},
+        {"panel-extras", extras},
         {"menu-settings", settings},
     };
 }

@@ -31,7 +31,7 @@ void waiting(Stage& stage) {
 }
 
 void ejecting(Stage& stage) {
-    stage.desktop.preferences.set("ejectDrives", true);
+    stage.choose("ejectDrives");
     constexpr int busyTimes = 2;
     stage.desktop.volumes.mountStick("Backup", busyTimes);
     QuitController& controller = stage.startUsually();
@@ -42,8 +42,8 @@ void ejecting(Stage& stage) {
 }
 
 void done(Stage& stage) {
-    stage.desktop.preferences.set("backupFirst", true);
-    stage.desktop.preferences.set("ejectDrives", true);
+    stage.choose("backupFirst");
+    stage.choose("ejectDrives");
     stage.desktop.volumes.mountStick("Foto");
     stage.desktop.volumes.mountStick("Musica");
     stage.desktop.backupTool.duration = 60s;
@@ -65,7 +65,7 @@ void doneWithOne(Stage& stage) {
 
 /// What is to be shut down is backed up first; the tool needs `duration`.
 QuitController& backUp(Stage& stage, Duration duration) {
-    stage.desktop.preferences.set("backupFirst", true);
+    stage.choose("backupFirst");
     stage.desktop.preferences.set("afterQuit", "shutDown");
     stage.desktop.preferences.set("confirmScheduled", false);
     stage.desktop.backupTool.duration = duration;

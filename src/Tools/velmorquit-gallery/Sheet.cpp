@@ -10,7 +10,9 @@ namespace {
 
 /// Of a row, in points; a wider picture has one by itself.
 constexpr int mostWidth = 2400;
-constexpr int nameHeight = 44;
+/// Pictures have an empty edge, in which it stands as well.
+constexpr int nameHeight = 8;
+constexpr int nameRise = 26;
 
 } // namespace
 
@@ -49,8 +51,9 @@ QImage Sheet::drawn() const {
     for (const Entry& entry : entries) {
         painter.drawImage(entry.place, entry.picture);
         const QSizeF size = entry.picture.deviceIndependentSize();
-        painter.drawText(QRectF(entry.place.x(), entry.place.y() + size.height(), size.width(), 20),
-                         Qt::AlignHCenter | Qt::AlignTop, entry.name);
+        painter.drawText(
+            QRectF(entry.place.x(), entry.place.y() + size.height() - nameRise, size.width(), 20),
+            Qt::AlignHCenter | Qt::AlignTop, entry.name);
     }
     return image;
 }

@@ -41,8 +41,8 @@ Stage::Stage(const Setting& setting) : setting_(setting), font_(QApplication::fo
     useMemory(11.24);
     // An evening, with some time left until the hour for which runs are set.
     desktop.loop.moveWallClock(12h + 36min);
-    desktop.backupTool.configure();
     desktop.backupTool.earlierBackup = desktop.loop.now() - 2h;
+    DemoApps::install(desktop);
     // What moves would be somewhere else every time.
     face.appearance.motionReduced = true;
     const ScreenRect screen = Screens::area(setting.screen, setting.scale);
@@ -84,6 +84,7 @@ void Stage::enlargeType() {
 }
 
 QuitController& Stage::startUsually() {
+    desktop.backupTool.configure();
     open();
     exclude({"Melody", "Archive"});
     return start();

@@ -47,7 +47,7 @@ public:
 
     /// Lets the program begin, once the desktop is as it is to be.
     QuitController& start();
-    /// With the usual applications, two of them excluded.
+    /// With the usual applications, two of them excluded, and a place for backups.
     QuitController& startUsually();
     void openPanel();
     /// Lets the time pass, and all settle that follows from it.
@@ -58,6 +58,7 @@ public:
     /// Moves the pointer into the middle of the widget.
     void pointAt(const QWidget& widget);
     void click(const char* name);
+    void choose(const char* preference) { desktop.preferences.set(preference, true); }
 
     /// All windows that are open, on a dark ground.
     [[nodiscard]] QImage photograph() const;

@@ -41,7 +41,12 @@ void hear(QtMsgType type, const QMessageLogContext& context, const QString& mess
 
 void dress() {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QApplication::setPalette(QPalette(QColor(43, 44, 51)));
+    QPalette palette(QColor(43, 44, 51));
+    palette.setColor(QPalette::Base, QColor(43, 44, 51));
+    for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        palette.setColor(QPalette::Disabled, role, QColor(128, 129, 135));
+    palette.setColor(QPalette::Highlight, QColor(107, 69, 194));
+    QApplication::setPalette(palette);
     QFont font(QStringLiteral("Inter"));
     font.setPointSize(10);
     QApplication::setFont(font);
