@@ -5,8 +5,8 @@ namespace velmorquit {
 const std::vector<Picture>& pictures() {
     static const std::vector<Picture> all = [] {
         std::vector<Picture> list;
-        for (const auto& part :
-             {restPictures(), schedulePictures(), runPictures(), desktopPictures()})
+        for (const auto& part : {restPictures(), schedulePictures(), runPictures(),
+                                 desktopPictures(), menuPictures(), shapePictures()})
             list.insert(list.end(), part.begin(), part.end());
         return list;
     }();

@@ -20,10 +20,12 @@ struct Picture {
 [[nodiscard]] const std::vector<Picture>& pictures();
 
 /// While nothing goes on; with a run set for later; during one and after it; on desktops that are
-/// set up in other ways.
+/// set up in other ways; the menus and what else is the toolkit's; what all of it is drawn with.
 [[nodiscard]] std::vector<Picture> restPictures();
 [[nodiscard]] std::vector<Picture> schedulePictures();
 [[nodiscard]] std::vector<Picture> runPictures();
 [[nodiscard]] std::vector<Picture> desktopPictures();
+[[nodiscard]] std::vector<Picture> menuPictures();
+[[nodiscard]] std::vector<Picture> shapePictures();
 
 } // namespace velmorquit

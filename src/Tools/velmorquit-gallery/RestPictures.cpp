@@ -59,12 +59,6 @@ void extras(Stage& stage) {
     stage.openPanel();
 }
 
-void settings(Stage& stage) {
-    stage.startUsually();
-    stage.openPanel();
-    stage.click("settings");
-}
-
 } // namespace
 
 std::vector<Picture> restPictures() {
@@ -75,7 +69,6 @@ std::vector<Picture> restPictures() {
         {"panel-empty", empty},
         {"panel-all-excluded", allExcluded},
         {"panel-extras", extras},
-        {"menu-settings", settings},
     };
 }
 

@@ -1,8 +1,10 @@
 #include "Stage.h"
 
 #include "DemoApps.h"
+#include "Services/MenuBar/QuickMenu.h"
 #include "Theme/AppTheme.h"
 #include "Views/PanelView.h"
+#include "Views/QuickMenuView.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -12,6 +14,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <utility>
 
 namespace velmorquit {
 namespace {
@@ -51,6 +54,7 @@ Stage::Stage(const Setting& setting) : setting_(setting), font_(QApplication::fo
 
 Stage::~Stage() {
     popover_.reset();
+    window_.reset();
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QApplication::setFont(font_);
     AppTheme::setLook({});
@@ -107,6 +111,43 @@ void Stage::openPanel() {
     const ScreenRect screen = Screens::area(setting_.screen, setting_.scale);
     constexpr int side = 24;
     popover_->show(ScreenRect{screen.x + screen.width / 2, screen.y, side, side});
+    settle();
+}
+
+QPoint Stage::middle() const {
+    const ScreenRect screen = Screens::area(setting_.screen, setting_.scale);
+    return {screen.x + screen.width / 3, screen.y + screen.height / 4};
+}
+
+void Stage::openQuickMenu() {
+    auto menu =
+        makeMenu(quickMenu(*controller_, updater, setting_.formats), [](const QuickMenuEntry&) {});
+    menu->popup(middle());
+    menu->setActiveAction(menu->actions().first());
+    window_ = std::move(menu);
+    settle();
+}
+
+void Stage::askFor(const ActionRequest& request) {
+    actions_ = std::make_unique<ActionRunner>(desktop.loop, desktop.kernel, setting_.formats);
+    actions_->setController(controller_.get());
+    actions_->perform(
+        request,
+        [this](const std::string& question, const std::string& button,
+               std::function<void(bool)> answer) {
+            dialog_.ask(question, button, std::move(answer));
+        },
+        [](const ActionAnswer&) {});
+    settle();
+    for (QWidget* window : openWindows())
+        window->move(middle());
+    settle();
+}
+
+void Stage::show(std::unique_ptr<QWidget> window) {
+    window_ = std::move(window);
+    window_->move(middle());
+    window_->show();
     settle();
 }
 

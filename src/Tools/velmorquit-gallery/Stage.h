@@ -2,11 +2,13 @@
 
 #include "Platform/Formats.h"
 #include "Screens.h"
+#include "Services/Actions/ActionRunner.h"
 #include "Services/AppUpdater.h"
 #include "Services/QuitController/QuitController.h"
 #include "Simulated/SimulatedDesktop.h"
 #include "Simulated/SimulatedFace.h"
 #include "Texts/Language.h"
+#include "Views/ConfirmDialog.h"
 #include "Views/PanelPopover.h"
 
 #include <QFont>
@@ -50,6 +52,12 @@ public:
     /// With the usual applications, two of them excluded, and a place for backups.
     QuitController& startUsually();
     void openPanel();
+    /// The icon's menu, with its first entry chosen.
+    void openQuickMenu();
+    /// Asks the program for that from outside, so that its question is on the screen.
+    void askFor(const ActionRequest& request);
+    /// A window that belongs to no program.
+    void show(std::unique_ptr<QWidget> window);
     /// Lets the time pass, and all settle that follows from it.
     void advance(Duration time);
 
@@ -69,11 +77,16 @@ public:
 
 private:
     void settle();
+    /// Where something stands that is neither at the top nor at the edge.
+    [[nodiscard]] QPoint middle() const;
 
     Setting setting_;
     QFont font_;
     std::unique_ptr<QuitController> controller_;
     std::unique_ptr<PanelPopover> popover_;
+    ConfirmDialog dialog_;
+    std::unique_ptr<ActionRunner> actions_;
+    std::unique_ptr<QWidget> window_;
 };
 
 } // namespace velmorquit

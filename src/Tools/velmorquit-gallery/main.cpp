@@ -41,10 +41,13 @@ void hear(QtMsgType type, const QMessageLogContext& context, const QString& mess
 
 void dress() {
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QPalette palette(QColor(43, 44, 51));
-    palette.setColor(QPalette::Base, QColor(43, 44, 51));
+    const QColor ground(43, 44, 51);
+    QPalette palette(ground);
+    palette.setColor(QPalette::Base, ground);
     for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, QColor(128, 129, 135));
+    // That of the edge that the style gives to texts that are switched off.
+    palette.setColor(QPalette::Disabled, QPalette::Light, ground);
     palette.setColor(QPalette::Highlight, QColor(107, 69, 194));
     QApplication::setPalette(palette);
     QFont font(QStringLiteral("Inter"));
