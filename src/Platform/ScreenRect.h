@@ -2,7 +2,8 @@
 
 namespace velmorquit {
 
-/// A rectangle on the screen, in the toolkit's units, from the top left of the whole desktop.
+/// A rectangle, in the toolkit's units and from the top left of the whole desktop where nothing
+/// else is said.
 struct ScreenRect {
     int x = 0;
     int y = 0;

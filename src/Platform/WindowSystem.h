@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/Handle.h"
+#include "Platform/ScreenRect.h"
 
 #include <cstdint>
 #include <functional>
@@ -23,6 +24,10 @@ public:
     /// Brings that window of this program to the front and gives it the keyboard, whichever other
     /// window the user works with. The window is on the screen already. Returns at once.
     virtual void activate(std::uint64_t window) = 0;
+
+    /// Has what the pointer does in that window of this program outside `area` go to the windows
+    /// below it. The area is in pixels, from the window's top left corner.
+    virtual void limitInput(std::uint64_t window, const ScreenRect& area) = 0;
 
     /// Calls `pressed` whenever a pointer button goes down anywhere on the desktop (the wheel isn't
     /// one), for as long as the handle is held. The press goes where it would have gone: nothing is

@@ -18,6 +18,7 @@ public:
         return compositors_.add(std::move(changed));
     }
     void activate(std::uint64_t window) override { activated = window; }
+    void limitInput(std::uint64_t, const ScreenRect& area) override { inputArea = area; }
     [[nodiscard]] Handle observePresses(std::function<void()> pressed) override {
         return presses_.add(std::move(pressed));
     }
@@ -31,6 +32,7 @@ public:
 
     bool compositing = true;
     std::uint64_t activated = 0;
+    ScreenRect inputArea;
 
 private:
     Subscribers compositors_;

@@ -16,7 +16,9 @@ namespace {
 constexpr double gap = 5;
 constexpr int horizontalPadding = 4;
 constexpr int verticalPadding = 7;
-constexpr double leastText = 0.75;
+
+/// Where all type is larger it may shrink to the same size.
+double leastText() { return 0.75 / AppTheme::look().textScale; }
 
 } // namespace
 
@@ -47,7 +49,7 @@ void Chip::paintEvent(QPaintEvent*) {
     drawChoice(painter, area, isChecked());
     const double side = Symbols::boxSize(font().pixelSize());
     const double room = area.width() - 2 * horizontalPadding - side - gap;
-    const QFont fitting = fittingFont(font(), text(), room, leastText);
+    const QFont fitting = fittingFont(font(), text(), room, leastText());
     const QString shown = QFontMetricsF(fitting).elidedText(text(), Qt::ElideRight, room + 1);
     const double wide = side + gap + textWidth(fitting, shown);
     const double x = (area.width() - wide) / 2;

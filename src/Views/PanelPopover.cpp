@@ -48,7 +48,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent*) override {
-        popover_.isDrawn_ = true;
+        popover_.noteDrawn();
         if (!popover_.face_.windows.isCompositing())
             return;
         QPainter painter(this);
@@ -136,10 +136,19 @@ void PanelPopover::show(const std::optional<ScreenRect>& anchor) {
     fade(0, 1);
     window_->show();
     window_->raise();
-    face_.windows.activate(window_->winId());
     if (QWidget* first = frame_->panel().firstFocus())
         first->setFocus(Qt::PopupFocusReason);
     presses_ = face_.windows.observePresses([this] { hearPress(); });
+}
+
+// Only now the window manager has it among its windows: before, it couldn't bring it to the front.
+void PanelPopover::noteDrawn() {
+    if (std::exchange(isDrawn_, true))
+        return;
+    activation_ = loop_.after(0ms, [this] {
+        if (isShown_)
+            face_.windows.activate(window_->winId());
+    });
 }
 
 void PanelPopover::close() {
@@ -188,6 +197,10 @@ void PanelPopover::fit() {
     window_->setGeometry(place.x - margin, place.y - margin, panel.width() + 2 * margin,
                          panel.height() + 2 * margin);
     applyShape();
+    const double scale = window_->devicePixelRatioF();
+    face_.windows.limitInput(window_->winId(),
+                             {qRound(panel.x() * scale), qRound(panel.y() * scale),
+                              qRound(panel.width() * scale), qRound(panel.height() * scale)});
 }
 
 // Where nothing blends windows, what is transparent would be black.

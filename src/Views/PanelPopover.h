@@ -42,6 +42,7 @@ private:
     void makeWindow();
     void fit();
     void applyShape();
+    void noteDrawn();
     void fade(double from, double to);
     void hearPress();
     void leaveFocus();
@@ -60,6 +61,7 @@ private:
     bool isDrawn_ = false;
     bool wasClosedByLastPress_ = false;
     std::optional<Uptime> leftAt_;
+    Handle activation_;
     Handle presses_;
     Handle compositing_;
     Handle appearance_;

@@ -18,7 +18,9 @@ namespace {
 
 constexpr int verticalPadding = 7;
 constexpr int textGap = 3;
-constexpr double leastText = 0.8;
+
+/// Where all type is larger it may shrink to the same size.
+double leastText() { return 0.8 / AppTheme::look().textScale; }
 
 class Tile : public QRadioButton {
 public:
@@ -48,7 +50,7 @@ protected:
                       {(area.width() - side) / 2, verticalPadding, double(side), double(side)},
                       AppTheme::text());
         const double width = area.width() - 2 * textGap;
-        const QFont fitting = fittingFont(font(), text(), width, leastText);
+        const QFont fitting = fittingFont(font(), text(), width, leastText());
         const QString shown = QFontMetricsF(fitting).elidedText(text(), Qt::ElideRight, width + 1);
         painter.setFont(fitting);
         painter.setPen(AppTheme::text());

@@ -50,7 +50,8 @@ void SettingsButton::openMenu() {
         if (actions_.exit)
             actions_.exit();
     });
-    menu->popup(mapToGlobal(QPoint(0, height() + 4)));
+    constexpr int gap = 4;
+    menu->popup(mapToGlobal(QPoint(width() - menu->sizeHint().width(), height() + gap)));
 }
 
 void SettingsButton::paintEvent(QPaintEvent*) {

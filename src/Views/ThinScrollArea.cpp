@@ -17,7 +17,10 @@ public:
         setFocusPolicy(Qt::NoFocus);
     }
 
-    [[nodiscard]] QSize sizeHint() const override { return {ThinScrollArea::thumbMargin, 0}; }
+    // One with an empty size is never shown.
+    [[nodiscard]] QSize sizeHint() const override {
+        return {ThinScrollArea::thumbMargin, ThinScrollArea::thumbMargin};
+    }
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
 protected:

@@ -1,6 +1,7 @@
 #include "Views/PanelPopover.h"
 #include "Views/PanelStory.h"
 #include "Views/PopoverPlace.h"
+#include "support/Waiting.h"
 
 #include <QApplication>
 #include <QTest>
@@ -50,6 +51,8 @@ protected:
 TEST_F(PopoverTest, IsMadeWhenItIsOpenedAndKept) {
     EXPECT_EQ(panelsMade, 0);
     popover->show(std::nullopt);
+    EXPECT_TRUE(waitUntil([this] { return popover->isDrawn(); }));
+    desktop.loop.settle();
     EXPECT_EQ(face.windows.activated, window()->winId());
     EXPECT_EQ(window()->focusWidget()->objectName(), "quitAll");
     popover->show(std::nullopt);

@@ -43,6 +43,29 @@ protected:
     X11WindowSystem windows{loop, events};
 };
 
+TEST_F(WindowSystemTest, LetsThePointerThroughBesideTheArea) {
+    X11Connection& connection = events.connection();
+    Child& rude = openRude({"--type", "DIALOG"});
+    const std::string line = rude.output().substr(rude.output().rfind(' ') + 1);
+    const auto window = static_cast<xcb_window_t>(std::stoul(line, nullptr, 0));
+    const auto isOver = [&] {
+        xcb_window_t below = connection.root();
+        while (below != XCB_WINDOW_NONE && below != window) {
+            const auto reply = owned(xcb_query_pointer_reply(
+                connection.get(), xcb_query_pointer(connection.get(), below), nullptr));
+            below = reply ? reply->child : xcb_window_t{XCB_WINDOW_NONE};
+        }
+        return below == window;
+    };
+    const std::string id = std::to_string(window);
+    run({"xdotool", "mousemove", "--window", id, "40", "40"});
+    EXPECT_TRUE(waitUntil(isOver));
+    windows.limitInput(window, {0, 0, 20, 20});
+    EXPECT_TRUE(waitUntil([&] { return !isOver(); }));
+    run({"xdotool", "mousemove", "--window", id, "10", "10"});
+    EXPECT_TRUE(waitUntil(isOver));
+}
+
 TEST_F(WindowSystemTest, SeesPressesAnywhereAndTakesThemFromNobody) {
     int presses = 0;
     const Handle watch = windows.observePresses([&] { ++presses; });

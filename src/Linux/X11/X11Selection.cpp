@@ -26,7 +26,8 @@ void X11Selection::watch() {
     if (!extension || !extension->present)
         return;
     notification_ = extension->first_event + XCB_XFIXES_SELECTION_NOTIFY;
-    xcb_discard_reply(connection, xcb_xfixes_query_version(connection, 1, 0).sequence);
+    // Whoever asks for less may not shape windows later.
+    xcb_discard_reply(connection, xcb_xfixes_query_version(connection, 2, 0).sequence);
     xcb_xfixes_select_selection_input(connection, events_.connection().root(), atom_,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
                                           XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |

@@ -2,6 +2,8 @@
 
 #include "Linux/X11/X11WindowManager.h"
 
+#include <xcb/xfixes.h>
+
 #include <utility>
 
 namespace velmorquit {
@@ -35,6 +37,22 @@ void X11WindowSystem::activate(std::uint64_t window) {
         xcb_flush(connection.get());
     }
     events_.read();
+}
+
+void X11WindowSystem::limitInput(std::uint64_t window, const ScreenRect& area) {
+    xcb_connection_t* connection = events_.connection().get();
+    const auto* fixes = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    if (!fixes || !fixes->present)
+        return;
+    const xcb_rectangle_t rectangle{
+        static_cast<std::int16_t>(area.x), static_cast<std::int16_t>(area.y),
+        static_cast<std::uint16_t>(area.width), static_cast<std::uint16_t>(area.height)};
+    const xcb_xfixes_region_t region = xcb_generate_id(connection);
+    xcb_xfixes_create_region(connection, region, 1, &rectangle);
+    xcb_xfixes_set_window_shape_region(connection, static_cast<xcb_window_t>(window),
+                                       XCB_SHAPE_SK_INPUT, 0, 0, region);
+    xcb_xfixes_destroy_region(connection, region);
+    xcb_flush(connection);
 }
 
 } // namespace velmorquit
