@@ -25,6 +25,10 @@ public:
     /// window the user works with. The window is on the screen already. Returns at once.
     virtual void activate(std::uint64_t window) = 0;
 
+    /// Keeps that window of this program out of task bars and lists of windows. It is on the screen
+    /// already.
+    virtual void keepOffLists(std::uint64_t window) = 0;
+
     /// Has what the pointer does in that window of this program outside `area` go to the windows
     /// below it. The area is in pixels, from the window's top left corner.
     virtual void limitInput(std::uint64_t window, const ScreenRect& area) = 0;

@@ -18,6 +18,7 @@ public:
         return compositors_.add(std::move(changed));
     }
     void activate(std::uint64_t window) override { activated = window; }
+    void keepOffLists(std::uint64_t) override {}
     void limitInput(std::uint64_t, const ScreenRect& area) override { inputArea = area; }
     [[nodiscard]] Handle observePresses(std::function<void()> pressed) override {
         return presses_.add(std::move(pressed));

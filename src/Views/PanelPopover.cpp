@@ -68,10 +68,13 @@ protected:
         return QWidget::event(event);
     }
 
-    // By the window manager, or by the keys that close a window.
+    // By the window manager, or by the keys that close a window. At the program's end it is the
+    // toolkit that closes it, and a window that refuses keeps the program from ending.
     void closeEvent(QCloseEvent* event) override {
-        event->ignore();
-        popover_.close();
+        if (event->spontaneous()) {
+            event->ignore();
+            popover_.close();
+        }
     }
 
 private:
@@ -146,6 +149,7 @@ void PanelPopover::noteDrawn() {
     if (std::exchange(isDrawn_, true))
         return;
     activation_ = loop_.after(0ms, [this] {
+        face_.windows.keepOffLists(window_->winId());
         if (isShown_)
             face_.windows.activate(window_->winId());
     });

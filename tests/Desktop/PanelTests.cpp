@@ -72,16 +72,15 @@ TEST_F(PanelOnDesktop, ExcludesWithAClickAndQuitsWithReturn) {
     startProgram();
     Child& application = openRude();
     openPanel();
+    run({"xdotool", "key", "Tab", "Right", "Right"});
+    await("the choice", [] { return status()["afterQuit"] == "restart"; });
+    run({"xdotool", "key", "Left", "Left"});
+    await("the choice", [] { return status()["afterQuit"] == "none"; });
     constexpr int middleOfLastRow = 68;
     clickFromBelow(180, middleOfLastRow);
     await("the exclusion", isExcluded);
     clickFromBelow(180, middleOfLastRow);
     await("its end", [] { return !isExcluded(); });
-
-    run({"xdotool", "key", "Tab", "Right", "Right"});
-    await("the choice", [] { return status()["afterQuit"] == "restart"; });
-    run({"xdotool", "key", "Left", "Left"});
-    await("the choice", [] { return status()["afterQuit"] == "none"; });
     run({"xdotool", "key", "Return"});
     await("the end of the application", [&] { return !application.isRunning(); });
     EXPECT_FALSE(window().empty());

@@ -158,6 +158,7 @@ TEST_F(TrayIcon, HasAMenuThatQuitsAllAndOneThatEndsTheProgram) {
     await("the end of the application", [&] { return !application.isRunning(); });
     EXPECT_THAT(application.output(), HasSubstr("asked"));
     await("the end of the run", [] { return phase() != "quitting"; });
+    await("the panel", isPanelShown);
 
     choose("Up");
     await("the end of the program", [this] { return !program->isRunning(); });

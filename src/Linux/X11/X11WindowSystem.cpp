@@ -39,6 +39,16 @@ void X11WindowSystem::activate(std::uint64_t window) {
     events_.read();
 }
 
+void X11WindowSystem::keepOffLists(std::uint64_t window) {
+    X11Connection& connection = events_.connection();
+    constexpr std::uint32_t add = 1;
+    constexpr std::uint32_t fromAnApplication = 1;
+    connection.sendMessage(connection.root(), static_cast<xcb_window_t>(window), "_NET_WM_STATE",
+                           {add, connection.atom("_NET_WM_STATE_SKIP_TASKBAR"),
+                            connection.atom("_NET_WM_STATE_SKIP_PAGER"), fromAnApplication});
+    events_.read();
+}
+
 void X11WindowSystem::limitInput(std::uint64_t window, const ScreenRect& area) {
     xcb_connection_t* connection = events_.connection().get();
     const auto* fixes = xcb_get_extension_data(connection, &xcb_xfixes_id);

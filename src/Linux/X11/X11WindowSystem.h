@@ -25,6 +25,7 @@ public:
     /// A window of another virtual desktop is moved to the one that the user looks at. Asks the
     /// display server some short questions.
     void activate(std::uint64_t window) override;
+    void keepOffLists(std::uint64_t window) override;
     void limitInput(std::uint64_t window, const ScreenRect& area) override;
 
     /// Calls `pressed` in a later turn, once for all presses of a turn. A touch counts as well.
