@@ -49,6 +49,7 @@ double textScaleFor(const QFont& system) {
 QColor primaryPurple() { return colour(0.42, 0.27, 0.76); }
 QColor primaryPink() { return darkerForContrast(colour(0.93, 0.42, 0.63), 150); }
 QColor successGreen() { return darkerForContrast(colour(0.30, 0.69, 0.42), 140); }
+QColor successMark() { return look().isHighContrast ? colour(0.45, 0.85, 0.58) : successGreen(); }
 QColor warningOrange() { return colour(0.95, 0.62, 0.20); }
 QColor dangerRed() { return darkerForContrast(colour(0.86, 0.27, 0.27), 110); }
 

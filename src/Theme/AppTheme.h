@@ -30,6 +30,8 @@ void setLook(const Look& look);
 [[nodiscard]] QColor primaryPurple();
 [[nodiscard]] QColor primaryPink();
 [[nodiscard]] QColor successGreen();
+/// The same for a mark that is not written on.
+[[nodiscard]] QColor successMark();
 [[nodiscard]] QColor warningOrange();
 [[nodiscard]] QColor dangerRed();
 

@@ -131,7 +131,7 @@ void AppRow::paintEvent(QPaintEvent*) {
         Symbols::draw(painter, QStringLiteral("circle"), check, AppTheme::text(0.45));
     else
         Symbols::draw(painter, QStringLiteral("checkmark.circle.fill"), check,
-                      AppTheme::successGreen());
+                      AppTheme::successMark());
     x += side + gap;
     const double scale = devicePixelRatioF();
     if (icon_.isNull() || iconScale_ != scale) {

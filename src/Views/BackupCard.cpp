@@ -14,7 +14,7 @@ namespace velmorquit {
 
 BackupCard::BackupCard(QuitController& controller, QWidget* parent)
     : GlassCard(AppTheme::cardCornerRadius, std::nullopt, parent), controller_(controller),
-      track_(new ProgressTrack(AppTheme::successGreen())),
+      track_(new ProgressTrack(AppTheme::successMark())),
       progress_(new Label(AppTheme::captionFont(), AppTheme::text(0.8))),
       afterwards_(new Label(AppTheme::captionFont(), AppTheme::text(0.8))) {
     setObjectName(QStringLiteral("BackupCard"));

@@ -20,7 +20,7 @@ ExtrasRow::ExtrasRow(QuitController& controller, const Formats& formats, QWidget
       eject_(new Chip(toQt(localized("Espelli dischi")), QStringLiteral("eject"))),
       scheduler_(new Chip(toQt(localized("Programma")), QStringLiteral("timer"))),
       lastBackup_(new QWidget),
-      lastBackupSymbol_(new SymbolLabel(QString(), 11, AppTheme::successGreen())),
+      lastBackupSymbol_(new SymbolLabel(QString(), 11, AppTheme::successMark())),
       lastBackupText_(new Label(AppTheme::captionFont(), AppTheme::text(0.8))) {
     setObjectName(QStringLiteral("ExtrasRow"));
     backup_->setObjectName(QStringLiteral("backupFirst"));
@@ -67,7 +67,7 @@ void ExtrasRow::renderLastBackup() {
     lastBackupSymbol_->setSymbol(last.isStale ? QStringLiteral("exclamationmark.circle.fill")
                                               : QStringLiteral("checkmark.circle.fill"),
                                  last.isStale ? AppTheme::warningOrange()
-                                              : AppTheme::successGreen());
+                                              : AppTheme::successMark());
     lastBackupText_->setText(toQt(last.text));
 }
 

@@ -88,7 +88,12 @@ void PanelView::makeNormalContent() {
     };
     items.addWidget(extras_);
     items.addWidget(schedule_);
-    scheduler_->onScheduled = [this] { showsScheduler_ = false; };
+    // Else the keyboard would go on to the list, where the same key closes an application.
+    scheduler_->onScheduled = [this] {
+        showsScheduler_ = false;
+        render();
+        schedule_->setFocus();
+    };
     items.addWidget(scheduler_);
     note_->onDismiss = [this] { controller_.scheduleNote = std::nullopt; };
     items.addWidget(note_);

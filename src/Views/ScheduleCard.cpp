@@ -55,6 +55,7 @@ void ScheduleCard::makeCountdown() {
     auto* later = new PrimaryButton(toQt(localized("+10 min")));
     later->setObjectName(QStringLiteral("postpone"));
     later->setToolTip(toQt(localized("Rimanda di 10 minuti")));
+    setFocusProxy(later);
     connect(later, &QPushButton::clicked, this,
             [this] { controller_.postponeSchedule(postponement); });
     auto* cancel = new PrimaryButton(toQt(localized("Annulla")));

@@ -8,8 +8,8 @@
 namespace velmorquit {
 
 StatusLineView::StatusLineView(QWidget* parent)
-    : QWidget(parent), check_(new SymbolLabel(QStringLiteral("checkmark.circle.fill"), 12,
-                                              AppTheme::successGreen())),
+    : QWidget(parent),
+      check_(new SymbolLabel(QStringLiteral("checkmark.circle.fill"), 12, AppTheme::successMark())),
       text_(new Label(AppTheme::calloutFont(), AppTheme::text())),
       badge_(new Badge(QString(), successBadge())),
       note_(new Label(AppTheme::captionFont(), AppTheme::text(0.8))) {

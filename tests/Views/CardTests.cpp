@@ -34,6 +34,7 @@ TEST_F(CardTest, APresetSchedulesWhatIsChosenThen) {
     EXPECT_EQ(controller->schedule.get()->action, PowerAction::restart);
     EXPECT_FALSE(isShown("SchedulerCard"));
     EXPECT_EQ(text("scheduleTitle"), "Riavvia");
+    EXPECT_TRUE(find("postpone")->hasFocus() || frame->focusWidget() == find("postpone"));
     EXPECT_FALSE(find("showScheduler")->isEnabled());
     EXPECT_TRUE(find<QAbstractButton>("showScheduler")->isChecked());
     click("cancelSchedule");
