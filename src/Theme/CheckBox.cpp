@@ -50,11 +50,10 @@ void CheckBox::paintEvent(QPaintEvent*) {
         Symbols::draw(painter, QStringLiteral("checkmark"), box.adjusted(2.5, 2.5, -2.5, -2.5),
                       AppTheme::text());
     const double room = width() - side - gap;
-    const QFont fitting = fittingFont(font(), text(), room, leastText);
-    painter.setFont(fitting);
+    const FittedLine title = fitLine(font(), text(), room, leastText);
+    painter.setFont(title.font);
     painter.setPen(AppTheme::text());
-    drawLine(painter, {side + gap, 0, room, double(height())},
-             QFontMetricsF(fitting).elidedText(text(), Qt::ElideRight, room + 1));
+    drawLine(painter, {side + gap, 0, room, double(height())}, title.text);
     if (showsFocus(*this))
         drawFocus(painter, box.adjusted(-2, -2, 2, 2), cornerRadius + 2);
 }

@@ -49,14 +49,12 @@ void Chip::paintEvent(QPaintEvent*) {
     drawChoice(painter, area, isChecked());
     const double side = Symbols::boxSize(font().pixelSize());
     const double room = area.width() - 2 * horizontalPadding - side - gap;
-    const QFont fitting = fittingFont(font(), text(), room, leastText());
-    const QString shown = QFontMetricsF(fitting).elidedText(text(), Qt::ElideRight, room + 1);
-    const double wide = side + gap + textWidth(fitting, shown);
-    const double x = (area.width() - wide) / 2;
+    const FittedLine title = fitLine(font(), text(), room, leastText());
+    const double x = (area.width() - side - gap - title.width) / 2;
     Symbols::draw(painter, symbol_, {x, (area.height() - side) / 2, side, side}, AppTheme::text());
-    painter.setFont(fitting);
+    painter.setFont(title.font);
     painter.setPen(AppTheme::text());
-    drawLine(painter, {x + side + gap, 0, room, area.height()}, shown);
+    drawLine(painter, {x + side + gap, 0, room, area.height()}, title.text);
     if (showsFocus(*this))
         drawFocus(painter, area, AppTheme::buttonCornerRadius);
 }

@@ -83,16 +83,22 @@ void drawLine(QPainter& painter, const QRectF& area, const QString& text, Figure
     });
 }
 
-QFont fittingFont(const QFont& font, const QString& text, double width, double least,
-                  Figures figures) {
-    const double wanted = textWidth(font, text, figures);
-    if (wanted <= width || wanted <= 0)
-        return font;
-    QFont smaller = font;
-    const int smallest = qRound(font.pixelSize() * least);
-    int size = std::max(smallest, static_cast<int>(font.pixelSize() * width / wanted));
-    smaller.setPixelSize(std::max(1, size));
-    return smaller;
+FittedLine fitLine(const QFont& font, const QString& text, double room, double least,
+                   Figures figures) {
+    // Widths are summed up in fractions of a pixel.
+    constexpr double tolerance = 0.5;
+    FittedLine line{font, text, textWidth(font, text, figures)};
+    if (line.width <= room + tolerance)
+        return line;
+    const int smallest = qRound(font.pixelSize() * std::min(least, 1.0));
+    const int wanted = static_cast<int>(font.pixelSize() * room / line.width);
+    line.font.setPixelSize(std::max({1, smallest, wanted}));
+    line.width = textWidth(line.font, text, figures);
+    if (line.width > room + tolerance) {
+        line.text = QFontMetricsF(line.font).elidedText(text, Qt::ElideRight, room);
+        line.width = textWidth(line.font, line.text, figures);
+    }
+    return line;
 }
 
 bool showsFocus(const QWidget& widget) {

@@ -31,9 +31,17 @@ enum class Figures {
 void drawLine(QPainter& painter, const QRectF& area, const QString& text,
               Figures figures = Figures::proportional);
 
-/// The font in which the text fits into that width, no smaller than `least` times its size.
-[[nodiscard]] QFont fittingFont(const QFont& font, const QString& text, double width, double least,
-                                Figures figures = Figures::proportional);
+/// One line as it can be drawn where there is only so much room.
+struct FittedLine {
+    QFont font;
+    QString text;
+    double width = 0;
+};
+
+/// Makes the text fit into that width: smaller, but no smaller than `least` times its size, and
+/// then with an ellipsis at its end.
+[[nodiscard]] FittedLine fitLine(const QFont& font, const QString& text, double room, double least,
+                                 Figures figures = Figures::proportional);
 
 /// Whether the widget has the keyboard and the user works with it.
 [[nodiscard]] bool showsFocus(const QWidget& widget);

@@ -62,18 +62,15 @@ void Label::paintEvent(QPaintEvent*) {
                          text());
         return;
     }
-    const QFont font = fittingFont(this->font(), text(), area.width(), least_, figures_);
-    painter.setFont(font);
-    QString shown = text();
-    if (textWidth(font, shown, figures_) > area.width() + 0.5)
-        shown = QFontMetricsF(font).elidedText(shown, Qt::ElideRight, area.width());
-    const double free = std::max(0.0, area.width() - textWidth(font, shown, figures_));
+    const FittedLine line = fitLine(font(), text(), area.width(), least_, figures_);
+    painter.setFont(line.font);
+    const double free = std::max(0.0, area.width() - line.width);
     double x = area.left();
     if (alignment() & Qt::AlignRight)
         x += free;
     else if (alignment() & Qt::AlignHCenter)
         x += free / 2;
-    drawLine(painter, {x, area.top(), area.width(), area.height()}, shown, figures_);
+    drawLine(painter, {x, area.top(), area.width(), area.height()}, line.text, figures_);
 }
 
 } // namespace velmorquit

@@ -65,12 +65,10 @@ void PillButton::paintEvent(QPaintEvent*) {
     if (AppTheme::look().isHighContrast)
         strokeInside(painter, area, area.height() / 2, AppTheme::line(1));
     const double room = area.width() - 2 * horizontalPadding;
-    const QFont fitting = fittingFont(font(), text(), room, leastText);
-    const QString shown = QFontMetricsF(fitting).elidedText(text(), Qt::ElideRight, room + 1);
-    painter.setFont(fitting);
+    const FittedLine title = fitLine(font(), text(), room, leastText);
+    painter.setFont(title.font);
     painter.setPen(AppTheme::text());
-    drawLine(painter, {(area.width() - textWidth(fitting, shown)) / 2, 0, room, area.height()},
-             shown);
+    drawLine(painter, {(area.width() - title.width) / 2, 0, room, area.height()}, title.text);
     if (showsFocus(*this))
         drawFocus(painter, area, area.height() / 2);
 }

@@ -12,6 +12,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <cmath>
 
 namespace velmorquit {
 namespace {
@@ -55,7 +56,9 @@ void MemoryBar::render(const MemoryMonitor::SystemMemory& memory) {
         return;
     fraction_ = fraction;
     animation_.stop();
-    if (!isVisible() || AppTheme::look().isMotionReduced) {
+    // What nobody can see move needn't be drawn thirty times.
+    const double pixels = std::abs(fraction - shown_) * track_->width() * devicePixelRatioF();
+    if (!isVisible() || AppTheme::look().isMotionReduced || pixels < 1) {
         shown_ = fraction;
         update(track_->geometry());
         return;

@@ -196,10 +196,13 @@ void PanelPopover::fit() {
     const PopoverPlace place = placePopover(anchor_, room, frame_->width(), frame_->height());
     const int margin = face_.windows.isCompositing() ? shadowMargin : 0;
     const QRect panel(QPoint(margin, margin), frame_->size());
+    const QRect whole(place.x - margin, place.y - margin, panel.width() + 2 * margin,
+                      panel.height() + 2 * margin);
+    if (window_->isVisible() && window_->geometry() == whole && frame_->pos() == panel.topLeft())
+        return;
     frame_->move(panel.topLeft());
     window_->setPanelArea(panel);
-    window_->setGeometry(place.x - margin, place.y - margin, panel.width() + 2 * margin,
-                         panel.height() + 2 * margin);
+    window_->setGeometry(whole);
     applyShape();
     const double scale = window_->devicePixelRatioF();
     face_.windows.limitInput(window_->winId(),

@@ -21,6 +21,7 @@
 #include "Views/StatusLineView.h"
 #include "Views/StubbornAppsCard.h"
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QPainter>
 
@@ -195,6 +196,10 @@ int PanelView::heightFor(int listHeight) {
     }
     layout()->invalidate();
     layout()->activate();
+    // Everything is laid out: what was asked for by that itself would make it begin anew for ever.
+    for (QWidget* block : blocks)
+        QCoreApplication::removePostedEvents(block, QEvent::LayoutRequest);
+    QCoreApplication::removePostedEvents(this, QEvent::LayoutRequest);
     return layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width)
                                          : layout()->totalSizeHint().height();
 }

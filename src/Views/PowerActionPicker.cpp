@@ -50,13 +50,12 @@ protected:
                       {(area.width() - side) / 2, verticalPadding, double(side), double(side)},
                       AppTheme::text());
         const double width = area.width() - 2 * textGap;
-        const QFont fitting = fittingFont(font(), text(), width, leastText());
-        const QString shown = QFontMetricsF(fitting).elidedText(text(), Qt::ElideRight, width + 1);
-        painter.setFont(fitting);
+        const FittedLine title = fitLine(font(), text(), width, leastText());
+        painter.setFont(title.font);
         painter.setPen(AppTheme::text());
         const double top = verticalPadding + side + textGap;
-        const double x = (area.width() - textWidth(fitting, shown)) / 2;
-        drawLine(painter, {x, top, width, area.height() - verticalPadding - top}, shown);
+        const double x = (area.width() - title.width) / 2;
+        drawLine(painter, {x, top, width, area.height() - verticalPadding - top}, title.text);
         if (showsFocus(*this))
             drawFocus(painter, area, AppTheme::buttonCornerRadius);
     }

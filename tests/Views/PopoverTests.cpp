@@ -122,6 +122,32 @@ TEST_F(PopoverTest, GrowsWithWhatItShowsAndStaysOnTheScreen) {
     EXPECT_FALSE(window()->mask().contains(QPoint(0, 0)));
 }
 
+TEST_F(PopoverTest, ComesToRest) {
+    desktop.open("Nota", 10_MiB);
+    desktop.loop.settle();
+    popover->show(std::nullopt);
+    auto* panel = dynamic_cast<PanelView*>(window()->findChild<QWidget*>("PanelView"));
+    int fittings = 0;
+    const auto fit = panel->onResize;
+    panel->onResize = [&] {
+        ++fittings;
+        fit();
+    };
+    for (int turn = 0; turn < 50; ++turn) {
+        desktop.loop.settle();
+        QApplication::processEvents();
+    }
+    EXPECT_LT(fittings, 5);
+    const int before = fittings;
+    controller->scheduleNote = std::string("Era in stop.");
+    for (int turn = 0; turn < 50; ++turn) {
+        desktop.loop.settle();
+        QApplication::processEvents();
+    }
+    EXPECT_GT(fittings, before);
+    EXPECT_LT(fittings, before + 5);
+}
+
 TEST(PopoverPlace, HangsBelowTheIconAndNeverLeavesTheScreen) {
     const ScreenRect area{0, 30, 1280, 770};
     const PopoverPlace below = placePopover(ScreenRect{600, 4, 20, 20}, area, 360, 500);
