@@ -24,7 +24,7 @@ void scaleAround(QPainter& painter, const QRectF& area, double scale) {
 } // namespace
 
 PrimaryButton::PrimaryButton(const QString& text, std::optional<QColor> tint, QWidget* parent)
-    : QPushButton(text, parent), tint_(tint) {
+    : Aimed(text, parent), tint_(tint) {
     setFont(AppTheme::roundedFont(12));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
@@ -85,7 +85,7 @@ void PrimaryButton::paintEvent(QPaintEvent*) {
 
 SymbolButton::SymbolButton(const QString& symbol, double textSize, const QColor& colour, int margin,
                            const QString& help, QWidget* parent)
-    : QPushButton(parent), symbol_(symbol), colour_(colour),
+    : Aimed(parent), symbol_(symbol), colour_(colour),
       size_(Symbols::boxSize(textSize * AppTheme::look().textScale)), margin_(margin) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setToolTip(help);

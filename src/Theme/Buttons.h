@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Theme/Aimed.h"
 #include "Theme/Shadow.h"
 
 #include <QColor>
@@ -10,7 +11,7 @@
 namespace velmorquit {
 
 /// A button with a gradient and a shadow in its colour.
-class PrimaryButton : public QPushButton, public ShadowCaster {
+class PrimaryButton : public Aimed<QPushButton>, public ShadowCaster {
 public:
     /// Without a tint it has the main gradient and a purple shadow.
     explicit PrimaryButton(const QString& text, std::optional<QColor> tint = std::nullopt,
@@ -36,7 +37,7 @@ private:
 
 /// A button that shows a symbol alone, such as the cross that puts a notice away. Its accessible
 /// name is its tool tip.
-class SymbolButton : public QPushButton {
+class SymbolButton : public Aimed<QPushButton> {
 public:
     /// The symbol goes with text of `textSize`; the button reaches `margin` beyond it.
     SymbolButton(const QString& symbol, double textSize, const QColor& colour, int margin,

@@ -23,7 +23,7 @@ double leastText() { return 0.75 / AppTheme::look().textScale; }
 } // namespace
 
 Chip::Chip(const QString& title, const QString& symbol, QWidget* parent)
-    : QPushButton(title, parent), symbol_(symbol) {
+    : Aimed(title, parent), symbol_(symbol) {
     setCheckable(true);
     setFont(AppTheme::systemFont(11, QFont::DemiBold));
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "Theme/Aimed.h"
+
 #include <QPushButton>
 
 namespace velmorquit {
 
 /// A small button that shows whether something is chosen.
-class Chip : public QPushButton {
+class Chip : public Aimed<QPushButton> {
 public:
     Chip(const QString& title, const QString& symbol, QWidget* parent = nullptr);
 

@@ -48,7 +48,7 @@ bool fits(const QStringList& lines, const QFont& font, double width) {
 } // namespace
 
 CircleActionButton::CircleActionButton(int diameter, const QColor& tint, QWidget* parent)
-    : QPushButton(parent), diameter_(diameter), tint_(tint), spinner_(this) {
+    : Aimed(parent), diameter_(diameter), tint_(tint), spinner_(this) {
     setFont(AppTheme::roundedFont(13));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     spinner_.hide();

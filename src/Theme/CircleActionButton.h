@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Theme/Aimed.h"
 #include "Theme/Shadow.h"
 #include "Theme/Spinner.h"
 
@@ -10,7 +11,7 @@
 namespace velmorquit {
 
 /// The large round button: a symbol, or a spinner while something is going on, over its caption.
-class CircleActionButton : public QPushButton, public ShadowCaster {
+class CircleActionButton : public Aimed<QPushButton>, public ShadowCaster {
 public:
     /// Filled with the main gradient; `tint` is the colour of its shadow.
     CircleActionButton(int diameter, const QColor& tint, QWidget* parent = nullptr);

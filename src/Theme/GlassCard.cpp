@@ -3,6 +3,7 @@
 #include "Theme/AppTheme.h"
 #include "Theme/Drawing.h"
 
+#include <QPaintEvent>
 #include <QPainter>
 
 namespace velmorquit {
@@ -23,7 +24,7 @@ Shadow GlassCard::shadow() const {
     return {AppTheme::withOpacity(Qt::black, 0.12), 14, QPointF(0, 8)};
 }
 
-void GlassCard::paintEvent(QPaintEvent*) {
+void GlassCard::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     const QRectF area = rect();
     fillRounded(painter, area, cornerRadius_, AppTheme::cardHaze());
@@ -35,7 +36,7 @@ void GlassCard::paintEvent(QPaintEvent*) {
     }
     strokeInside(painter, area, cornerRadius_,
                  AppTheme::edgeGradient(area, AppTheme::line(0.55), AppTheme::line(0.05)));
-    paintShadows(painter, *this);
+    paintShadows(painter, *this, event->rect());
 }
 
 } // namespace velmorquit

@@ -21,7 +21,7 @@ constexpr Spring spring{0.25, 0.7};
 } // namespace
 
 PillButton::PillButton(const QString& text, const QColor& fill, QWidget* parent)
-    : QPushButton(text, parent), fill_(fill) {
+    : Aimed(text, parent), fill_(fill) {
     setFont(AppTheme::roundedFont(13));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(this, &QPushButton::pressed, this, [this] { springTo(pressedScale); });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Theme/Aimed.h"
+
 #include <QColor>
 #include <QPushButton>
 #include <QVariantAnimation>
@@ -7,7 +9,7 @@
 namespace velmorquit {
 
 /// A button in the shape of a capsule, which springs back when it is let go.
-class PillButton : public QPushButton {
+class PillButton : public Aimed<QPushButton> {
 public:
     PillButton(const QString& text, const QColor& fill, QWidget* parent = nullptr);
 

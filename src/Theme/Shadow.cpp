@@ -93,7 +93,14 @@ const QImage& maskFor(const QSizeF& size, double cornerRadius, const Shadow& sha
     return recent.front().mask;
 }
 
-void paintCasters(QPainter& painter, const QWidget& ground, const QWidget& branch) {
+/// All that a shadow of that shape can cover.
+QRectF covered(const RoundedShape& shape, const Shadow& shadow) {
+    const double margin = reach(shadow) + 1;
+    return shape.area.adjusted(-margin, -margin, margin, margin).translated(shadow.offset);
+}
+
+void paintCasters(QPainter& painter, const QWidget& ground, const QWidget& branch,
+                  const QRect& dirty) {
     for (const QObject* child : branch.children()) {
         const auto* widget = qobject_cast<const QWidget*>(child);
         if (!widget || widget->isHidden() || widget->isWindow())
@@ -101,9 +108,11 @@ void paintCasters(QPainter& painter, const QWidget& ground, const QWidget& branc
         if (const auto* caster = dynamic_cast<const ShadowCaster*>(widget)) {
             RoundedShape shape = caster->shape();
             shape.area.translate(widget->mapTo(&ground, QPoint()));
-            drawShadow(painter, shape, caster->shadow());
+            const Shadow shadow = caster->shadow();
+            if (covered(shape, shadow).intersects(dirty))
+                drawShadow(painter, shape, shadow);
         } else {
-            paintCasters(painter, ground, *widget);
+            paintCasters(painter, ground, *widget, dirty);
         }
     }
 }
@@ -136,8 +145,8 @@ void drawShadow(QPainter& painter, const RoundedShape& shape, const Shadow& shad
     painter.restore();
 }
 
-void paintShadows(QPainter& painter, const QWidget& ground) {
-    paintCasters(painter, ground, ground);
+void paintShadows(QPainter& painter, const QWidget& ground, const QRect& dirty) {
+    paintCasters(painter, ground, ground, dirty);
 }
 
 void updateShadow(QWidget& caster) {

@@ -5,6 +5,7 @@
 #include <QRectF>
 
 class QPainter;
+class QRect;
 class QWidget;
 
 namespace velmorquit {
@@ -38,8 +39,8 @@ public:
 };
 
 /// Draws the shadows of all visible casters that lie on `ground`, also of those in plain containers
-/// on it; a caster is itself the ground of what lies on it.
-void paintShadows(QPainter& painter, const QWidget& ground);
+/// on it, as far as they reach into `dirty`; a caster is itself the ground of what lies on it.
+void paintShadows(QPainter& painter, const QWidget& ground, const QRect& dirty);
 
 /// Has the ground below `caster` drawn anew where its shadow falls.
 void updateShadow(QWidget& caster);

@@ -24,6 +24,7 @@ constexpr int leastHeight = 26;
 TimeField::TimeField(QWidget* parent) : QTimeEdit(parent) {
     setFont(AppTheme::bodyFont());
     setFrame(false);
+    setFocusPolicy(Qt::StrongFocus);
     setButtonSymbols(NoButtons);
     setWrapping(true);
     // The short form of no locale at all has seconds.
@@ -67,6 +68,24 @@ void TimeField::mousePressEvent(QMouseEvent* event) {
     }
     setFocus(Qt::MouseFocusReason);
     stepBy(event->position().y() < height() / 2.0 ? 1 : -1);
+}
+
+// Beyond the field the same key means something else.
+void TimeField::keyPressEvent(QKeyEvent* event) {
+    QTimeEdit::keyPressEvent(event);
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
+        return;
+    event->accept();
+    if (onReturn && !event->isAutoRepeat())
+        onReturn();
+}
+
+// Whoever scrolls past it doesn't mean it.
+void TimeField::wheelEvent(QWheelEvent* event) {
+    if (hasFocus())
+        QTimeEdit::wheelEvent(event);
+    else
+        event->ignore();
 }
 
 void TimeField::paintEvent(QPaintEvent*) {

@@ -2,6 +2,8 @@
 
 #include <QTimeEdit>
 
+#include <functional>
+
 namespace velmorquit {
 
 /// A field for an hour and a minute, in the order and with the separators of its locale. It can be
@@ -10,6 +12,9 @@ class TimeField : public QTimeEdit {
 public:
     explicit TimeField(QWidget* parent = nullptr);
 
+    /// The return key was pressed in it.
+    std::function<void()> onReturn;
+
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
 
@@ -17,6 +22,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     [[nodiscard]] QRectF arrows() const;

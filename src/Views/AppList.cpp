@@ -102,10 +102,31 @@ void AppList::render() {
         row->second->deleteLater();
         rowOf_.erase(row);
     }
+    if (isAimedAt())
+        keepPlaces(order);
     empty_->setVisible(apps.empty());
     area_->setVisible(!apps.empty());
     if (std::exchange(order_, order) != order || area_->height() == 0)
         layOut();
+}
+
+bool AppList::isAimedAt() const {
+    return std::any_of(rowOf_.begin(), rowOf_.end(),
+                       [](const auto& row) { return row.second->isHovering(); });
+}
+
+// What the user aims at stays where it is: a click would hit another application.
+void AppList::keepPlaces(std::vector<ProcessId>& order) const {
+    std::vector<ProcessId> kept;
+    for (const ProcessId id : order_) {
+        if (std::find(order.begin(), order.end(), id) != order.end())
+            kept.push_back(id);
+    }
+    for (const ProcessId id : order) {
+        if (std::find(order_.begin(), order_.end(), id) == order_.end())
+            kept.push_back(id);
+    }
+    order = std::move(kept);
 }
 
 void AppList::layOut() {
@@ -119,7 +140,7 @@ void AppList::layOut() {
         row->setGeometry(margin, y, width, rowHeight());
         y += rowHeight() + gap;
         if (previous)
-            QWidget::setTabOrder(previous->lastControl(), row);
+            row->follow(previous->lastControl());
         previous = row;
     }
     rows_->resize(width + margin, contentHeight());
@@ -131,10 +152,7 @@ void AppList::layOut() {
 
 // Rows that move under a pointer that rests are told nothing by the toolkit.
 void AppList::updateHover() {
-    const bool isInside = area_->viewport()->underMouse() || rows_->underMouse() ||
-                          std::any_of(rowOf_.begin(), rowOf_.end(),
-                                      [](const auto& row) { return row.second->isHovering(); });
-    if (!isInside)
+    if (!area_->viewport()->underMouse() && !rows_->underMouse() && !isAimedAt())
         return;
     const QPoint pointer = QCursor::pos();
     const QWidget* viewport = area_->viewport();
@@ -147,6 +165,7 @@ bool AppList::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Leave) {
         for (const auto& [id, row] : rowOf_)
             row->setHovering(false);
+        QMetaObject::invokeMethod(this, [this] { render(); }, Qt::QueuedConnection);
     }
     return GlassCard::eventFilter(watched, event);
 }

@@ -32,6 +32,8 @@ protected:
 private:
     void layOut();
     void updateHover();
+    [[nodiscard]] bool isAimedAt() const;
+    void keepPlaces(std::vector<ProcessId>& order) const;
     AppRow& rowOf(ProcessId id);
     [[nodiscard]] int contentHeight() const;
 

@@ -36,7 +36,7 @@ QFont badgeFont() { return AppTheme::systemFont(9, QFont::Bold); }
 
 } // namespace
 
-AppRow::AppRow(const Formats& formats, QWidget* parent) : QCheckBox(parent), formats_(formats) {
+AppRow::AppRow(const Formats& formats, QWidget* parent) : Aimed(parent), formats_(formats) {
     setFont(AppTheme::bodyFont());
     // What is true is read back from the engine: a click alone changes nothing here.
     connect(this, &QCheckBox::clicked, this, [this] {
@@ -47,14 +47,16 @@ AppRow::AppRow(const Formats& formats, QWidget* parent) : QCheckBox(parent), for
 }
 
 void AppRow::render(const OpenApp& app, bool isExcluded) {
-    const bool isNew = !app_ || !(*app_ == app) || app_->name != app.name;
-    if (!isNew && isExcluded_ == isExcluded)
-        return;
+    const bool isSame = app_ && *app_ == app && app_->app == app.app && app_->name == app.name &&
+                        app_->icon == app.icon && isExcluded_ == isExcluded;
     if (!app_ || app_->icon != app.icon)
         icon_ = QPixmap();
     app_ = std::make_unique<OpenApp>(app);
     isExcluded_ = isExcluded;
-    setText(toQt(app.name));
+    if (isSame)
+        return;
+    // One of these would make the letter that follows it a key of the whole panel.
+    setText(toQt(app.name).replace(QLatin1Char('&'), QLatin1String("&&")));
     setChecked(!isExcluded);
     setToolTip(toQt(PanelTexts::rowHelp(app, isExcluded)));
     if (quitButton_) {
@@ -63,6 +65,12 @@ void AppRow::render(const OpenApp& app, bool isExcluded) {
         quitButton_->setAccessibleName(help);
     }
     update();
+}
+
+void AppRow::follow(QWidget* previous) {
+    setTabOrder(previous, this);
+    if (quitButton_)
+        setTabOrder(this, quitButton_);
 }
 
 void AppRow::setHovering(bool isHovering) {
@@ -162,7 +170,7 @@ void AppRow::paintTexts(QPainter& painter, double left) const {
     const QString badge = isExcluded_ ? toQt(localized("esclusa")) : QString();
     const double badgeWidth = isExcluded_ ? textWidth(badgeFont(), badge) + 2 * badgePadding : 0;
     const double room = right - left - (isExcluded_ ? badgeWidth + gap : 0);
-    const QString name = QFontMetricsF(font()).elidedText(text(), Qt::ElideRight, room);
+    const QString name = QFontMetricsF(font()).elidedText(toQt(app_->name), Qt::ElideRight, room);
     painter.setFont(font());
     painter.setPen(AppTheme::text());
     drawLine(painter, {left, 0, room, double(height())}, name);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Services/QuitController/OpenApp.h"
+#include "Theme/Aimed.h"
 
 #include <QCheckBox>
 #include <QPixmap>
@@ -14,7 +15,7 @@ class Formats;
 
 /// One open application in the list: checked means that a run asks it to quit. Where the pointer is
 /// or the keyboard, a button quits it by itself.
-class AppRow : public QCheckBox {
+class AppRow : public Aimed<QCheckBox> {
 public:
     AppRow(const Formats& formats, QWidget* parent);
 
@@ -27,6 +28,8 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     /// What the keyboard comes to last in it.
     [[nodiscard]] QWidget* lastControl() { return quitButton_ ? quitButton_ : this; }
+    /// Has the keyboard come to it after `previous`.
+    void follow(QWidget* previous);
 
     std::function<void(const OpenApp&)> onToggle;
     std::function<void(const OpenApp&)> onQuit;

@@ -139,8 +139,8 @@ void PanelPopover::show(const std::optional<ScreenRect>& anchor) {
     fade(0, 1);
     window_->show();
     window_->raise();
-    if (QWidget* first = frame_->panel().firstFocus())
-        first->setFocus(Qt::PopupFocusReason);
+    // On no button: a key that was meant for another window would press it.
+    frame_->panel().setFocus(Qt::PopupFocusReason);
     presses_ = face_.windows.observePresses([this] { hearPress(); });
 }
 
@@ -150,14 +150,14 @@ void PanelPopover::noteDrawn() {
         return;
     activation_ = loop_.after(0ms, [this] {
         face_.windows.keepOffLists(window_->winId());
-        if (isShown_)
-            face_.windows.activate(window_->winId());
+        face_.windows.activate(window_->winId());
     });
 }
 
 void PanelPopover::close() {
     if (!std::exchange(isShown_, false))
         return;
+    activation_.reset();
     fade(window_->windowOpacity(), 0);
     if (onClose)
         onClose();
@@ -229,6 +229,11 @@ void PanelPopover::leaveFocus() {
         return;
     close();
     leftAt_ = loop_.uptime();
+}
+
+// The press that has moved the keyboard elsewhere is told a little later.
+bool PanelPopover::wasClosedByLastPress() const {
+    return wasClosedByLastPress_ || (leftAt_ && loop_.uptime() - *leftAt_ < samePress);
 }
 
 void PanelPopover::hearPress() {

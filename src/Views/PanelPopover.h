@@ -34,7 +34,7 @@ public:
     void close() override;
     /// Whether it has been drawn since it was shown.
     [[nodiscard]] bool isDrawn() const { return isShown_ && isDrawn_; }
-    [[nodiscard]] bool wasClosedByLastPress() const override { return wasClosedByLastPress_; }
+    [[nodiscard]] bool wasClosedByLastPress() const override;
 
 private:
     class Window;

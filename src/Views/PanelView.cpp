@@ -5,6 +5,7 @@
 #include "Texts/Localized.h"
 #include "Theme/AppTheme.h"
 #include "Theme/CircleActionButton.h"
+#include "Theme/Drawing.h"
 #include "Views/AppList.h"
 #include "Views/BackupCard.h"
 #include "Views/BackupFailedCard.h"
@@ -33,6 +34,7 @@ namespace {
 constexpr int blockGap = 14;
 constexpr int itemGap = 10;
 constexpr int buttonDiameter = 124;
+constexpr Duration settlingTime = 500ms;
 
 /// In a box of its own, with 4 points above and below.
 QWidget* framed(QWidget* content, Qt::Alignment alignment) {
@@ -58,6 +60,7 @@ PanelView::PanelView(QuitController& controller, AppUpdater& updater, const Desk
       reopen_(new ReopenCard(controller, desktop.workspace)), backup_(new BackupCard(controller)),
       backupFailed_(new BackupFailedCard(controller)) {
     setObjectName(QStringLiteral("PanelView"));
+    setAccessibleName(QStringLiteral("Velmor Quit"));
     setFixedWidth(width);
     makeNormalContent();
     QVBoxLayout& blocks = column(*this, blockGap, allSides(padding));
@@ -85,6 +88,8 @@ void PanelView::makeNormalContent() {
     items.addWidget(picker_);
     extras_->onToggleScheduler = [this] {
         showsScheduler_ = !showsScheduler_;
+        if (showsScheduler_)
+            scheduler_->reset();
         render();
     };
     items.addWidget(extras_);
@@ -148,6 +153,9 @@ void PanelView::render() {
     stubborn_->setVisible(is<phases::Waiting>(phase));
     backup_->setVisible(backingUp);
     backupFailed_->setVisible(failed);
+    // What had the keyboard may have gone or been switched off.
+    if (isActiveWindow() && !window()->focusWidget())
+        setFocus();
 }
 
 void PanelView::renderNormalContent() {
@@ -204,8 +212,6 @@ int PanelView::heightFor(int listHeight) {
                                          : layout()->totalSizeHint().height();
 }
 
-QWidget* PanelView::firstFocus() const { return quit_; }
-
 bool PanelView::event(QEvent* event) {
     const bool isHandled = QWidget::event(event);
     if (event->type() == QEvent::LayoutRequest && onResize)
@@ -213,20 +219,32 @@ bool PanelView::event(QEvent* event) {
     return isHandled;
 }
 
-void PanelView::paintEvent(QPaintEvent*) {
+void PanelView::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    paintShadows(painter, *this);
+    paintShadows(painter, *this, event->rect());
 }
 
+// The keyboard's place shows which button the key means; where none is marked it means the round
+// one. Just after the panel has opened by itself the user may still be typing elsewhere.
 void PanelView::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (isReturn && !event->isAutoRepeat() && quit_->isVisible() && quit_->isEnabled())
-        quit_->click();
-    else
+    if (!isReturn) {
         QWidget::keyPressEvent(event);
+        return;
+    }
+    const bool isMeant =
+        !event->isAutoRepeat() && desktop_.loop.uptime() - shownAt_ >= settlingTime;
+    auto* marked = qobject_cast<QAbstractButton*>(window()->focusWidget());
+    if (!isMeant)
+        return;
+    if (marked && marked->isEnabled() && showsFocus(*marked))
+        marked->click();
+    else if (quit_->isVisible() && quit_->isEnabled())
+        quit_->click();
 }
 
 void PanelView::showEvent(QShowEvent*) {
+    shownAt_ = desktop_.loop.uptime();
     macLine_ = MacInfo::load(desktop_.loop, desktop_.kernel,
                              [this](const std::string& line) { footer_->setMacLine(line); });
     render();

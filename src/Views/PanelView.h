@@ -43,7 +43,6 @@ public:
 
     /// Height that it needs when its list may be that high.
     [[nodiscard]] int heightFor(int listHeight);
-    [[nodiscard]] QWidget* firstFocus() const;
 
     /// Called when it needs another height.
     std::function<void()> onResize;
@@ -81,6 +80,7 @@ private:
     BackupCard* backup_;
     BackupFailedCard* backupFailed_;
     bool showsScheduler_ = false;
+    Uptime shownAt_;
     bool isRenderPending_ = false;
     Handle macLine_;
     std::vector<Handle> observers_;

@@ -10,8 +10,6 @@
 #include "Theme/TimeField.h"
 #include "Views/Layouts.h"
 
-#include <QShowEvent>
-
 namespace velmorquit {
 namespace {
 constexpr ClockTime evening{23, 0};
@@ -46,6 +44,8 @@ SchedulerCard::SchedulerCard(QuitController& controller, const Formats& formats,
     auto* set = new PrimaryButton(toQt(localized("Programma")), AppTheme::successGreen());
     set->setObjectName(QStringLiteral("schedule"));
     connect(set, &QPushButton::clicked, this, [this] { schedule(pickedTime()); });
+    time_->onReturn = [this] { schedule(pickedTime()); };
+    reset();
     clock.addWidget(orAt);
     clock.addWidget(time_);
     clock.addStretch();
@@ -69,11 +69,7 @@ void SchedulerCard::render() {
     confirm_->setChecked(controller_.confirmScheduled);
 }
 
-void SchedulerCard::showEvent(QShowEvent* event) {
-    GlassCard::showEvent(event);
-    if (!event->spontaneous())
-        time_->setTime(QTime(evening.hour, evening.minute));
-}
+void SchedulerCard::reset() { time_->setTime(QTime(evening.hour, evening.minute)); }
 
 WallTime SchedulerCard::pickedTime() const {
     const QTime time = time_->time();

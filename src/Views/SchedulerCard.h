@@ -17,13 +17,12 @@ public:
 
     SchedulerCard(QuitController& controller, const Formats& formats, QWidget* parent = nullptr);
 
+    /// Begins anew, with eleven in the evening.
+    void reset();
     void render();
 
     /// A run was set: the card has done its work.
     std::function<void()> onScheduled;
-
-protected:
-    void showEvent(QShowEvent* event) override;
 
 private:
     void schedule(WallTime date);

@@ -78,7 +78,7 @@ StubbornAppsCard::Row StubbornAppsCard::makeRow(const OpenApp& app) {
     connect(force, &QPushButton::clicked, this, [forced = app.app] { forced->forceTerminate(); });
     line.addWidget(show);
     line.addWidget(force);
-    return {widget, show, force};
+    return {app.app, widget, show, force};
 }
 
 void StubbornAppsCard::render() {
@@ -86,8 +86,12 @@ void StubbornAppsCard::render() {
     for (const OpenApp& app : controller_.stubborn.get()) {
         order.push_back(app.id);
         Row& row = rowOf_[app.id];
-        if (!row.widget)
+        // Another application may have got the process id of one of an earlier run.
+        if (row.app != app.app) {
+            delete row.widget;
             row = makeRow(app);
+            order_.clear();
+        }
         const auto& reasons = controller_.stayReasons.get();
         const auto reason = reasons.find(app.id);
         const auto help =

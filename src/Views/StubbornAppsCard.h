@@ -19,6 +19,7 @@ public:
 
 private:
     struct Row {
+        std::shared_ptr<RunningApplication> app;
         QWidget* widget = nullptr;
         QWidget* show = nullptr;
         QWidget* force = nullptr;

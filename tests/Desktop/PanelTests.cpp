@@ -72,7 +72,7 @@ TEST_F(PanelOnDesktop, ExcludesWithAClickAndQuitsWithReturn) {
     startProgram();
     Child& application = openRude();
     openPanel();
-    run({"xdotool", "key", "Tab", "Right", "Right"});
+    run({"xdotool", "key", "Tab", "Tab", "Tab", "Right", "Right"});
     await("the choice", [] { return status()["afterQuit"] == "restart"; });
     run({"xdotool", "key", "Left", "Left"});
     await("the choice", [] { return status()["afterQuit"] == "none"; });

@@ -100,6 +100,18 @@ TEST_F(AppListTest, KeepsHoverAndPlaceOverARefresh) {
     EXPECT_FALSE(row->isHovering());
     EXPECT_TRUE(all[32]->isHovering());
     EXPECT_EQ(std::ranges::count_if(all, &AppRow::isHovering), 1);
+
+    // What is aimed at keeps its place, whatever its figure, until the pointer has gone.
+    AppRow* aimed = all[32];
+    apps[299]->setMemory(5000_MiB);
+    controller->refresh();
+    settle();
+    EXPECT_EQ(rows()[32], aimed);
+    QCursor::setPos(frame->mapToGlobal(QPoint(5, 5)));
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(find<ThinScrollArea>("rows")->viewport(), &leave);
+    settle();
+    EXPECT_EQ(rows().front()->text(), "App 299");
 }
 
 } // namespace

@@ -58,6 +58,16 @@ TEST_F(CardTest, ATimeOfDayIsTheNextOneAndStartsInTheEvening) {
     EXPECT_EQ(time->time(), QTime(23, 0));
     QTest::keyClick(time, Qt::Key_Up);
     EXPECT_EQ(time->time(), QTime(0, 0));
+    // The panel is closed and opened again, and the time is still the one that was picked.
+    frame->hide();
+    frame->show();
+    settle();
+    EXPECT_EQ(time->time(), QTime(0, 0));
+    desktop.open("Nota");
+    QTest::keyClick(time, Qt::Key_Return);
+    settle();
+    EXPECT_EQ(desktop.formats.clockTime(controller->schedule.get()->date), (ClockTime{0, 0}));
+    EXPECT_TRUE(is<phases::Idle>(controller->phase));
 }
 
 TEST_F(CardTest, TheConfirmationIsAPreferenceAndNothingElse) {

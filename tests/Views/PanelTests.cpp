@@ -90,12 +90,43 @@ TEST_F(PanelTest, TheChoicesAreTheControllers) {
 TEST_F(PanelTest, ReturnQuitsAllUnlessItsButtonIsOff) {
     desktop.open("Nota").quitsAfter(1s);
     start();
-    QTest::keyClick(find("quitAll"), Qt::Key_Return);
-    settle();
-    EXPECT_EQ(desktop.log(), Lines("0.00 quit Nota"));
+    frame->panel().setFocus();
+    QTest::keyClick(&frame->panel(), Qt::Key_Return);
+    EXPECT_EQ(desktop.log(), "") << "it may have been meant for another window";
+    advance(500ms);
     QTest::keyClick(&frame->panel(), Qt::Key_Return);
     settle();
-    EXPECT_EQ(desktop.log(), Lines("0.00 quit Nota"));
+    EXPECT_EQ(desktop.log(), Lines("0.50 quit Nota"));
+    QTest::keyClick(&frame->panel(), Qt::Key_Return);
+    settle();
+    EXPECT_EQ(desktop.log(), Lines("0.50 quit Nota"));
+}
+
+TEST_F(PanelTest, ReturnMeansTheControlThatIsMarked) {
+    desktop.open("Nota");
+    start();
+    advance(1s);
+    frame->activateWindow();
+    find("ejectDrives")->setFocus(Qt::TabFocusReason);
+    frame->setAttribute(Qt::WA_KeyboardFocusChange);
+    QApplication::processEvents();
+    ASSERT_TRUE(find("ejectDrives")->hasFocus());
+    QTest::keyClick(find("ejectDrives"), Qt::Key_Return);
+    settle();
+    EXPECT_TRUE(controller->ejectDrives.get());
+    EXPECT_EQ(desktop.log(), "");
+}
+
+TEST_F(PanelTest, ADoubleClickDoesNotReachWhatTakesThePlace) {
+    start();
+    controller->scheduleNote = std::string("Era in stop.");
+    settle();
+    // Its first press was on something else.
+    QTest::mouseDClick(find("dismissNote"), Qt::LeftButton);
+    settle();
+    EXPECT_TRUE(isShown("NoteCard"));
+    click("dismissNote");
+    EXPECT_FALSE(isShown("NoteCard"));
 }
 
 TEST_F(PanelTest, TheMemoryBarStaysWithinItsTrack) {

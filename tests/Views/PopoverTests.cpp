@@ -54,7 +54,7 @@ TEST_F(PopoverTest, IsMadeWhenItIsOpenedAndKept) {
     EXPECT_TRUE(waitUntil([this] { return popover->isDrawn(); }));
     desktop.loop.settle();
     EXPECT_EQ(face.windows.activated, window()->winId());
-    EXPECT_EQ(window()->focusWidget()->objectName(), "quitAll");
+    EXPECT_EQ(window()->focusWidget()->objectName(), "PanelView");
     popover->show(std::nullopt);
     popover->close();
     popover->close();
