@@ -65,6 +65,7 @@ protected:
     static void openPanel() {
         ASSERT_EQ(control({"show"}).status, 0);
         await("the panel", [] { return !window().empty(); });
+        linger(700); // until it takes Return
     }
 };
 
@@ -76,6 +77,9 @@ TEST_F(PanelOnDesktop, ExcludesWithAClickAndQuitsWithReturn) {
     await("the choice", [] { return status()["afterQuit"] == "restart"; });
     run({"xdotool", "key", "Left", "Left"});
     await("the choice", [] { return status()["afterQuit"] == "none"; });
+    run({"xdotool", "key", "Escape"});
+    await("the end of the panel", [] { return window().empty(); });
+    openPanel();
     constexpr int middleOfLastRow = 68;
     clickFromBelow(180, middleOfLastRow);
     await("the exclusion", isExcluded);
