@@ -66,10 +66,10 @@ LocaleFormats::~LocaleFormats() = default;
 
 std::string LocaleFormats::shortTime(WallTime date) const {
     const QTime time = LocalTime::at(date).time();
-    // The short form of no locale at all has seconds.
-    const QString text = locale_.language() == QLocale::C
-                             ? time.toString(QStringLiteral("HH:mm"))
-                             : locale_.toString(time, QLocale::ShortFormat);
+    // The short form of no locale at all has seconds, whatever language it is said to have.
+    const bool hasSeconds = locale_.timeFormat(QLocale::ShortFormat).contains(QLatin1String("ss"));
+    const QString text = hasSeconds ? time.toString(QStringLiteral("HH:mm"))
+                                    : locale_.toString(time, QLocale::ShortFormat);
     return text.toStdString();
 }
 

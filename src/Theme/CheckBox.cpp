@@ -55,7 +55,7 @@ void CheckBox::paintEvent(QPaintEvent*) {
     painter.setPen(AppTheme::text());
     drawLine(painter, {side + gap, 0, room, double(height())}, title.text);
     if (showsFocus(*this))
-        drawFocus(painter, box.adjusted(-2, -2, 2, 2), cornerRadius + 2);
+        drawFocus(painter, rect(), cornerRadius);
 }
 
 } // namespace velmorquit

@@ -28,8 +28,8 @@ TimeField::TimeField(QWidget* parent) : QTimeEdit(parent) {
     setButtonSymbols(NoButtons);
     setWrapping(true);
     // The short form of no locale at all has seconds.
-    setDisplayFormat(locale().language() == QLocale::C ? QStringLiteral("HH:mm")
-                                                       : locale().timeFormat(QLocale::ShortFormat));
+    const QString format = locale().timeFormat(QLocale::ShortFormat);
+    setDisplayFormat(format.contains(QLatin1String("ss")) ? QStringLiteral("HH:mm") : format);
     QPalette palette = this->palette();
     palette.setColor(QPalette::Base, Qt::transparent);
     palette.setColor(QPalette::Text, AppTheme::text());
