@@ -120,6 +120,9 @@ protected:
         await("the icon in the panel", [this] {
             std::string panel = windowsNamed("tint2");
             panel.resize(std::min(panel.find('\n'), panel.size()));
+            // Without one it would wait for somebody to click on a window.
+            if (panel.empty())
+                return false;
             icon_ = windowsNamed("velmorquit");
             icon_.resize(std::min(icon_.find('\n'), icon_.size()));
             const std::string inside = run({"xwininfo", "-tree", "-id", panel}).text;
