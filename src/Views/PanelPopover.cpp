@@ -139,6 +139,8 @@ void PanelPopover::show(const std::optional<ScreenRect>& anchor) {
     fade(0, 1);
     window_->show();
     window_->raise();
+    // It may still be on the screen, fading out.
+    window_->update();
     // On no button: a key that was meant for another window would press it.
     frame_->panel().setFocus(Qt::PopupFocusReason);
     presses_ = face_.windows.observePresses([this] { hearPress(); });

@@ -19,12 +19,12 @@ PopoverPlace placePopover(const std::optional<ScreenRect>& anchor, const ScreenR
     const int right = workArea.x + workArea.width - edge - width;
     const int bottom = workArea.y + workArea.height - edge - height;
     if (!anchor)
-        return {std::max(workArea.x + edge, right), workArea.y + edge, true};
+        return {std::max(workArea.x + edge, right), workArea.y + edge};
     const int middle = anchor->x + anchor->width / 2;
     const bool hangs = anchor->y + anchor->height / 2 < workArea.y + workArea.height / 2;
     const int y = hangs ? anchor->y + anchor->height + gap : anchor->y - gap - height;
     return {within(middle - width / 2, workArea.x + edge, right),
-            within(y, workArea.y + edge, bottom), hangs};
+            within(y, workArea.y + edge, bottom)};
 }
 
 } // namespace velmorquit

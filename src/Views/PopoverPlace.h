@@ -10,9 +10,6 @@ namespace velmorquit {
 struct PopoverPlace {
     int x = 0;
     int y = 0;
-    /// Whether it hangs below its anchor; else it stands above it, and keeps its lower edge when it
-    /// grows.
-    bool hangs = true;
 };
 
 /// Room that there is for a popover's height, in a work area.
