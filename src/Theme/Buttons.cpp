@@ -14,13 +14,6 @@ namespace {
 
 constexpr double symbolGap = 5;
 
-/// Has what is drawn from now on shrink towards the middle of the widget.
-void scaleAround(QPainter& painter, const QRectF& area, double scale) {
-    painter.translate(area.center());
-    painter.scale(scale, scale);
-    painter.translate(-area.center());
-}
-
 } // namespace
 
 PrimaryButton::PrimaryButton(const QString& text, std::optional<QColor> tint, QWidget* parent)

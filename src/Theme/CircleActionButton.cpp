@@ -119,9 +119,7 @@ void CircleActionButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF area(0, 0, diameter_, diameter_);
-    painter.translate(area.center());
-    painter.scale(scale(), scale());
-    painter.translate(-area.center());
+    scaleAround(painter, area, scale());
 
     painter.setPen(Qt::NoPen);
     painter.setBrush(AppTheme::mainGradient(area));

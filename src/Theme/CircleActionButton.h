@@ -18,8 +18,6 @@ public:
 
     void setSymbol(const QString& name);
     void setBusy(bool isBusy);
-    [[nodiscard]] bool isBusy() const { return !spinner_.isHidden(); }
-    [[nodiscard]] const QString& symbol() const { return symbol_; }
 
     [[nodiscard]] QSize sizeHint() const override { return {diameter_, diameter_}; }
     [[nodiscard]] RoundedShape shape() const override;

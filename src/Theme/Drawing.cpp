@@ -47,6 +47,12 @@ void strokeInside(QPainter& painter, const QRectF& area, double cornerRadius, co
                             cornerRadius - 0.5);
 }
 
+void scaleAround(QPainter& painter, const QRectF& area, double scale) {
+    painter.translate(area.center());
+    painter.scale(scale, scale);
+    painter.translate(-area.center());
+}
+
 double textWidth(const QFont& font, const QString& text, Figures figures) {
     const QFontMetricsF metrics(font);
     if (figures == Figures::proportional)

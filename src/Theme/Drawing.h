@@ -17,6 +17,9 @@ void fillRounded(QPainter& painter, const QRectF& area, double cornerRadius, con
 /// A line one point wide along the inside of the edge.
 void strokeInside(QPainter& painter, const QRectF& area, double cornerRadius, const QBrush& brush);
 
+/// Has what is drawn from now on shrink towards the middle of `area`.
+void scaleAround(QPainter& painter, const QRectF& area, double scale);
+
 /// How the digits of a text are set.
 enum class Figures {
     proportional,

@@ -26,8 +26,6 @@ void Label::setFigures(Figures figures) {
     updateGeometry();
 }
 
-void Label::shrinkTo(double least) { least_ = least; }
-
 QSize Label::sizeHint() const {
     if (wordWrap())
         return QLabel::sizeHint();
@@ -62,7 +60,7 @@ void Label::paintEvent(QPaintEvent*) {
                          text());
         return;
     }
-    const FittedLine line = fitLine(font(), text(), area.width(), least_, figures_);
+    const FittedLine line = fitLine(font(), text(), area.width(), 1, figures_);
     painter.setFont(line.font);
     const double free = std::max(0.0, area.width() - line.width);
     double x = area.left();

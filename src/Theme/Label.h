@@ -6,16 +6,14 @@
 
 namespace velmorquit {
 
-/// A text in one font and colour. On one line it shrinks as far as it may and then ends with an
-/// ellipsis where there is no room; one that wraps takes as many lines as it needs.
+/// A text in one font and colour. On one line it ends with an ellipsis where there is no room; one
+/// that wraps takes as many lines as it needs.
 class Label : public QLabel {
 public:
     Label(const QFont& font, const QColor& colour, QWidget* parent = nullptr);
 
     void setColour(const QColor& colour);
     void setFigures(Figures figures);
-    /// The share of its size that it may shrink to; 1 when it may not.
-    void shrinkTo(double least);
     void wrap() { setWordWrap(true); }
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -27,7 +25,6 @@ protected:
 
 private:
     Figures figures_ = Figures::proportional;
-    double least_ = 1;
 };
 
 } // namespace velmorquit

@@ -58,9 +58,7 @@ QSize PillButton::minimumSizeHint() const { return {2 * horizontalPadding, sizeH
 void PillButton::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const QRectF area = rect();
-    painter.translate(area.center());
-    painter.scale(scale_, scale_);
-    painter.translate(-area.center());
+    scaleAround(painter, area, scale_);
     fillRounded(painter, area, area.height() / 2, fill_);
     if (AppTheme::look().isHighContrast)
         strokeInside(painter, area, area.height() / 2, AppTheme::line(1));

@@ -9,11 +9,9 @@
 
 #include <QCursor>
 #include <QEvent>
-#include <QFontMetricsF>
 #include <QScrollBar>
 
 #include <algorithm>
-#include <cmath>
 
 namespace velmorquit {
 namespace {
@@ -21,13 +19,7 @@ namespace {
 constexpr int margin = 6;
 constexpr int gap = 2;
 
-int rowHeight() {
-    constexpr double icon = 22;
-    const double content = std::max(icon, QFontMetricsF(AppTheme::bodyFont()).height());
-    return static_cast<int>(std::ceil(content)) + 2 * 5;
-}
-
-int heightOf(int count) { return count * rowHeight() + std::max(0, count - 1) * gap; }
+int heightOf(int count) { return count * AppRow::rowHeight() + std::max(0, count - 1) * gap; }
 
 } // namespace
 
@@ -137,8 +129,8 @@ void AppList::layOut() {
     int y = 0;
     for (const ProcessId id : order_) {
         AppRow* row = rowOf_[id];
-        row->setGeometry(margin, y, width, rowHeight());
-        y += rowHeight() + gap;
+        row->setGeometry(margin, y, width, AppRow::rowHeight());
+        y += AppRow::rowHeight() + gap;
         if (previous)
             row->follow(previous->lastControl());
         previous = row;

@@ -117,9 +117,9 @@ void AppRow::placeQuitButton() {
                       (height() - quitButton_->height()) / 2);
 }
 
-QSize AppRow::sizeHint() const {
-    const double content = std::max<double>(iconSide, QFontMetricsF(font()).height());
-    return {0, static_cast<int>(std::ceil(content + 2 * verticalPadding))};
+int AppRow::rowHeight() {
+    const double content = std::max<double>(iconSide, QFontMetricsF(AppTheme::bodyFont()).height());
+    return static_cast<int>(std::ceil(content + 2 * verticalPadding));
 }
 
 bool AppRow::hitButton(const QPoint& position) const { return rect().contains(position); }

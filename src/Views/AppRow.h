@@ -25,7 +25,8 @@ public:
     void setHovering(bool isHovering);
     [[nodiscard]] bool isHovering() const { return isHovering_; }
 
-    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] static int rowHeight();
+    [[nodiscard]] QSize sizeHint() const override { return {0, rowHeight()}; }
     /// What the keyboard comes to last in it.
     [[nodiscard]] QWidget* lastControl() { return quitButton_ ? quitButton_ : this; }
     /// Has the keyboard come to it after `previous`.
