@@ -18,6 +18,13 @@ enum class WorkspaceEvent {
     policyChanged ///< an application that lives on showed or lost its last window
 };
 
+/// Whether all windows of the session can be seen.
+enum class Sight {
+    all,
+    noWindowList,   ///< nobody on this display lists its windows
+    anotherDisplay, ///< the session has a display of another kind, whose windows aren't seen
+};
+
 /// The applications of the user's session.
 class Workspace {
 public:
@@ -26,6 +33,9 @@ public:
     /// All that run, those without windows too, in the system's own order, ended ones left out.
     [[nodiscard]] virtual std::vector<std::shared_ptr<RunningApplication>>
     runningApplications() = 0;
+
+    /// How much of the session is seen now: where that is not all, nothing can be said to be closed.
+    [[nodiscard]] virtual Sight sight() = 0;
 
     /// The running application that the user worked with last; null when that is none of them.
     [[nodiscard]] virtual std::shared_ptr<RunningApplication> frontmostApplication() const = 0;

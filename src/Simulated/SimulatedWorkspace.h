@@ -22,6 +22,7 @@ public:
     [[nodiscard]] std::optional<std::uint64_t> memoryOf(ProcessId id) const;
 
     [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>> runningApplications() override;
+    [[nodiscard]] Sight sight() override { return seen; }
     /// The one that came last.
     [[nodiscard]] std::shared_ptr<RunningApplication> frontmostApplication() const override;
     [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {
@@ -35,6 +36,9 @@ public:
     [[nodiscard]] std::vector<std::string> defaultExclusions() const override {
         return exclusions_;
     }
+
+    /// What the desktop sees of itself.
+    Sight seen = Sight::all;
 
     /// Called with the path of what is to be opened; nothing comes by itself.
     std::function<void(const std::string& path)> onOpen;

@@ -71,7 +71,7 @@ protected:
 
     std::string carryOut(LoginRequest request) {
         answers.clear();
-        service->carryOut(request);
+        service->carryOut(request, EndForm::direct);
         EXPECT_TRUE(answers.empty()) << "answered within the call";
         EXPECT_TRUE(waitUntil([this] { return !answers.empty(); }));
         settleAll();
@@ -141,7 +141,7 @@ TEST_F(BusEndServiceTest, EachSessionManagerIsAskedInItsOwnWay) {
         for (const auto& [request, call] : {std::pair(LoginRequest::logOut, known.logOut),
                                             std::pair(LoginRequest::shutDown, known.shutDown),
                                             std::pair(LoginRequest::restart, known.restart)}) {
-            EXPECT_EQ(service->obstacle(request), std::nullopt);
+            EXPECT_EQ(service->obstacle(request, EndForm::direct), std::nullopt);
             EXPECT_EQ(carryOut(request), "done");
             EXPECT_EQ(takeCalls(), QStringList{call});
         }
@@ -153,7 +153,7 @@ TEST_F(BusEndServiceTest, EachSessionManagerIsAskedInItsOwnWay) {
 TEST_F(BusEndServiceTest, AManagerThatWasThereBeforeIsFoundInTime) {
     manager.own("org.lxqt.session");
     login.own(loginName);
-    EXPECT_EQ(start().obstacle(LoginRequest::logOut), std::nullopt);
+    EXPECT_EQ(start().obstacle(LoginRequest::logOut, EndForm::direct), std::nullopt);
     EXPECT_EQ(carryOut(LoginRequest::logOut), "done");
     EXPECT_EQ(takeCalls(), QStringList{"/LXQtSession org.lxqt.session.logout"});
 }
@@ -215,20 +215,20 @@ TEST_F(BusEndServiceTest, OneThatGoesWithTheSessionHasDoneItsWork) {
 
 TEST_F(BusEndServiceTest, WithoutAnybodyTheRequestIsAnObstacle) {
     start();
-    EXPECT_EQ(service->obstacle(LoginRequest::logOut), std::nullopt) << "that isn't known yet";
+    EXPECT_EQ(service->obstacle(LoginRequest::logOut, EndForm::direct), std::nullopt) << "that isn't known yet";
     settleAll();
     for (const auto request : {LoginRequest::logOut, LoginRequest::shutDown})
-        EXPECT_EQ(service->obstacle(request),
+        EXPECT_EQ(service->obstacle(request, EndForm::direct),
                   "nessuno può farlo: org.freedesktop.login1 non è sul bus di sistema");
     // Whoever has gone since it was looked for is a failure.
     EXPECT_NE(carryOut(LoginRequest::shutDown).find("ServiceUnknown"), std::string::npos);
     manager.own("org.gnome.SessionManager");
     settleAll();
-    EXPECT_EQ(service->obstacle(LoginRequest::logOut), std::nullopt);
-    EXPECT_NE(service->obstacle(LoginRequest::shutDown), std::nullopt) << "only after a question";
+    EXPECT_EQ(service->obstacle(LoginRequest::logOut, EndForm::direct), std::nullopt);
+    EXPECT_NE(service->obstacle(LoginRequest::shutDown, EndForm::direct), std::nullopt) << "only after a question";
     login.own(loginName);
     settleAll();
-    EXPECT_EQ(service->obstacle(LoginRequest::shutDown), std::nullopt);
+    EXPECT_EQ(service->obstacle(LoginRequest::shutDown, EndForm::direct), std::nullopt);
 }
 
 TEST_F(BusEndServiceTest, WhatCanBeStartedIsNoObstacle) {
@@ -238,7 +238,7 @@ TEST_F(BusEndServiceTest, WhatCanBeStartedIsNoObstacle) {
         "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig"));
     start();
     settleAll();
-    EXPECT_EQ(service->obstacle(LoginRequest::shutDown), std::nullopt);
+    EXPECT_EQ(service->obstacle(LoginRequest::shutDown, EndForm::direct), std::nullopt);
 }
 
 TEST_F(BusEndServiceTest, WithoutABusItSaysWhichAndWhy) {
@@ -246,16 +246,16 @@ TEST_F(BusEndServiceTest, WithoutABusItSaysWhichAndWhy) {
     EXPECT_TRUE(waitUntil([this] { return !system.problem().empty(); }));
     start();
     settleAll();
-    const auto obstacle = service->obstacle(LoginRequest::shutDown);
+    const auto obstacle = service->obstacle(LoginRequest::shutDown, EndForm::direct);
     EXPECT_TRUE(obstacle && obstacle->starts_with("nessuno può farlo: "));
     EXPECT_NE(carryOut(LoginRequest::restart), "done");
     // A manager on the session bus needs no other.
     manager.own("org.xfce.SessionManager");
     settleAll();
-    EXPECT_EQ(service->obstacle(LoginRequest::restart), std::nullopt);
+    EXPECT_EQ(service->obstacle(LoginRequest::restart, EndForm::direct), std::nullopt);
     sessionBus.stop();
     EXPECT_TRUE(waitUntil([this] { return !session.problem().empty(); }));
-    EXPECT_NE(service->obstacle(LoginRequest::restart), std::nullopt);
+    EXPECT_NE(service->obstacle(LoginRequest::restart, EndForm::direct), std::nullopt);
 }
 
 // Not a stand-in of ours: it takes only calls with the arguments that login1 itself takes.
@@ -266,7 +266,7 @@ TEST_F(BusEndServiceTest, Login1sOwnSignaturesAreMet) {
                 "-m", "dbusmock", "--template", "logind"});
     start();
     settleAll();
-    EXPECT_TRUE(waitUntil([this] { return !service->obstacle(LoginRequest::shutDown); }))
+    EXPECT_TRUE(waitUntil([this] { return !service->obstacle(LoginRequest::shutDown, EndForm::direct); }))
         << mock.output();
     for (const auto& [request, call] :
          {std::pair(LoginRequest::shutDown, "PowerOff False"),
@@ -282,7 +282,7 @@ TEST_F(BusEndServiceTest, Login1sOwnSignaturesAreMet) {
 TEST_F(BusEndServiceTest, MayGoWhileItIsAnswered) {
     manager.own("org.xfce.SessionManager");
     manager.manners = Manners::hangs;
-    start().carryOut(LoginRequest::logOut);
+    start().carryOut(LoginRequest::logOut, EndForm::direct);
     EXPECT_TRUE(waitUntil([this] { return !manager.calls.isEmpty(); }));
     service.reset();
     settleAll();

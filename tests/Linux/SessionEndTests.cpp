@@ -26,10 +26,11 @@ class LoggedService final : public EndService {
 public:
     explicit LoggedService(SimulatedDesktop& desktop) : desktop_(desktop) {}
 
-    [[nodiscard]] std::optional<std::string> obstacle(LoginRequest) const override {
+    [[nodiscard]] std::optional<std::string> obstacle(LoginRequest, EndForm) const override {
         return missing;
     }
-    void carryOut(LoginRequest request) override {
+    [[nodiscard]] bool isReady() const override { return true; }
+    void carryOut(LoginRequest request, EndForm) override {
         desktop_.write(std::string("CALL ") + word(request));
         answering_ = desktop_.loop.after(answerTime, [this] { onAnswered(failure); });
     }

@@ -72,7 +72,7 @@ protected:
         manager = std::make_unique<Child>(
             std::vector<std::string>{"env", "XDG_CONFIG_DIRS=/nonexistent", "xfce4-session"});
         settle({session.connection()});
-        ASSERT_TRUE(waitUntil([this] { return !service.obstacle(LoginRequest::logOut); }))
+        ASSERT_TRUE(waitUntil([this] { return !service.obstacle(LoginRequest::logOut, EndForm::direct); }))
             << manager->output();
     }
 

@@ -38,6 +38,7 @@ public:
     ~LinuxWorkspace() override;
 
     [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>> runningApplications() override;
+    [[nodiscard]] Sight sight() override { return Sight::all; }
     [[nodiscard]] std::shared_ptr<RunningApplication> frontmostApplication() const override;
     [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {
         return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));

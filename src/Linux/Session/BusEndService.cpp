@@ -123,13 +123,13 @@ void BusEndService::listNames(const PowerBus& bus, const QString& method,
                 names =
                     finished->isError() ? QSet<QString>() : QSet<QString>(list.begin(), list.end());
                 if (early_ && isManagerKnown())
-                    carryOut(*std::exchange(early_, std::nullopt));
+                    carryOut(*std::exchange(early_, std::nullopt), EndForm::direct);
             });
 }
 
 bool BusEndService::Names::has(const QString& name) const { return owned && owned->contains(name); }
 
-std::optional<std::string> BusEndService::obstacle(LoginRequest request) const {
+std::optional<std::string> BusEndService::obstacle(LoginRequest request, EndForm) const {
     if (!isManagerKnown() || managerCall(request))
         return std::nullopt;
     if (const std::string problem = system_.problem(); !problem.empty())
@@ -173,7 +173,7 @@ BusEndService::Call BusEndService::loginCall(LoginRequest request) const {
     return {system_.connection(), message};
 }
 
-void BusEndService::carryOut(LoginRequest request) {
+void BusEndService::carryOut(LoginRequest request, EndForm) {
     if (!isManagerKnown())
         early_ = request;
     else if (const auto call = managerCall(request))

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/Session/EndService.h"
+#include "Platform/EndService.h"
 #include "Linux/Session/PowerBus.h"
 #include "Platform/Time.h"
 
@@ -29,8 +29,10 @@ public:
     /// The buses outlive it.
     BusEndService(const PowerBus& session, const PowerBus& system, Settings settings);
 
-    [[nodiscard]] std::optional<std::string> obstacle(LoginRequest request) const override;
-    void carryOut(LoginRequest request) override;
+    [[nodiscard]] bool isReady() const override { return isManagerKnown(); }
+    [[nodiscard]] std::optional<std::string> obstacle(LoginRequest request,
+                                                      EndForm form) const override;
+    void carryOut(LoginRequest request, EndForm form) override;
 
 private:
     /// A call, and the bus that it goes to.

@@ -52,7 +52,7 @@ SessionEnd::~SessionEnd() {
 std::optional<std::string> SessionEnd::request(LoginRequest request) {
     if (underWay_)
         return logName(*underWay_) + " già in corso";
-    if (const auto obstacle = surroundings_.service.obstacle(request))
+    if (const auto obstacle = surroundings_.service.obstacle(request, EndForm::direct))
         return obstacle;
     if (waiting_.isActive())
         applications_.askAnew();
@@ -110,7 +110,7 @@ void SessionEnd::carryOut(LoginRequest request) {
     applications_.forget();
     surroundings_.notice.withdraw();
     underWay_ = request;
-    surroundings_.service.carryOut(request);
+    surroundings_.service.carryOut(request, EndForm::direct);
 }
 
 void SessionEnd::hear(const std::optional<std::string>& failure) {

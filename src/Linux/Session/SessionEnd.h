@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/Session/EndNotice.h"
-#include "Linux/Session/EndService.h"
+#include "Platform/EndService.h"
 #include "Linux/Session/OpenApplications.h"
 #include "Platform/LoginWindow.h"
 #include "Platform/SystemLog.h"

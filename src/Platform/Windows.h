@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Platform/Handle.h"
+#include "Platform/RunningApplication.h"
+
+#include <cstdint>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// The program that a window belongs to, as far as the display knows it.
+struct WindowOwner {
+    /// 0 when it runs on another computer or nobody knows which process it is.
+    ProcessId process = 0;
+    /// As the user knows it, in valid UTF-8; never empty.
+    std::string name;
+    /// What identifies the application across starts; empty when nothing does.
+    std::string application;
+    /// What it does without windows is none of the user's business: it came with the session, is
+    /// hidden from menus, or takes in what is typed for others.
+    bool isBackground = false;
+};
+
+/// A window in which the user may have work.
+struct OpenWindow {
+    std::uint64_t id = 0;
+    WindowOwner owner;
+    /// It asks something of the user, and is not asked to close itself: some take that as an answer.
+    bool isQuestion = false;
+    /// Whether there is a polite way to ask it, which loses nothing that runs in it.
+    bool canBeAsked = false;
+};
+
+/// The windows of the session's display, whoever owns them: parts of the desktop, programs that no
+/// menu shows, other users and other computers. This program's own are left out.
+class Windows {
+public:
+    virtual ~Windows() = default;
+
+    /// The ordinary windows and the questions, in the order in which they appeared.
+    [[nodiscard]] virtual std::vector<OpenWindow> open() = 0;
+
+    /// Asks a window of `open` to close as its own close button would. Returns at once.
+    virtual void askToClose(std::uint64_t window) = 0;
+
+    /// Asks a process that has lost its windows to quit, if it understands any other way. Returns
+    /// at once.
+    virtual void askWithoutWindows(ProcessId process) = 0;
+
+    /// The processes that have an icon in the tray. Asked of the display and read from memory.
+    [[nodiscard]] virtual std::set<ProcessId> trayOwners() = 0;
+
+    /// Calls `told` when windows came, went or changed.
+    [[nodiscard]] virtual Handle observe(std::function<void()> told) = 0;
+};
+
+} // namespace velmorquit
