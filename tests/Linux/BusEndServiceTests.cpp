@@ -1,107 +1,14 @@
-#include "Linux/Session/BusEndService.h"
-#include "support/PrivateBus.h"
-#include "support/Waiting.h"
+#include "Linux/BusEndServiceTest.h"
 
 #include <QCoreApplication>
-#include <QDBusError>
-#include <QDBusObjectPath>
-#include <QDBusVirtualObject>
-
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <fstream>
-#include <memory>
 #include <optional>
 
 namespace velmorquit {
 namespace {
 
-enum class Manners { accepts, refuses, hangs, leaves };
-
-/// Stands for whoever ends sessions: all objects of one connection, under the names that it takes.
-class StandIn final : public QDBusVirtualObject {
-public:
-    explicit StandIn(QDBusConnection bus) : bus_(std::move(bus)) {
-        EXPECT_TRUE(bus_.registerVirtualObject("/", this, QDBusConnection::SubPath));
-    }
-
-    void own(const QString& name) { EXPECT_TRUE(bus_.registerService(name)); }
-    void disown(const QString& name) { EXPECT_TRUE(bus_.unregisterService(name)); }
-
-    [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
-
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
-        QStringList words{message.path(), message.interface() + '.' + message.member()};
-        for (const QVariant& argument : message.arguments())
-            words << argument.typeName() + QStringLiteral(":") + argument.toString();
-        calls << words.join(' ');
-        if (message.member() == "GetSessionByPID" && manners != Manners::refuses) {
-            bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath("/session/_37"))));
-        } else if (manners == Manners::accepts) {
-            bus.send(message.createReply());
-        } else if (manners == Manners::refuses) {
-            bus.send(message.createErrorReply("org.example.Denied", "Not today"));
-        } else if (manners == Manners::leaves) {
-            QDBusConnection::disconnectFromBus(bus_.name());
-            bus_ = QDBusConnection("none");
-        }
-        return true;
-    }
-
-    Manners manners = Manners::accepts;
-    QStringList calls;
-
-private:
-    QDBusConnection bus_;
-};
-
-class BusEndServiceTest : public testing::Test {
-protected:
-    BusEndService& start(std::string sessionId = "c2") {
-        service = std::make_unique<BusEndService>(
-            session, system, BusEndService::Settings{std::move(sessionId), limit});
-        service->onAnswered = [this](const auto& failure) {
-            answers.push_back(failure.value_or("done"));
-        };
-        return *service;
-    }
-
-    std::string carryOut(LoginRequest request) {
-        answers.clear();
-        service->carryOut(request, EndForm::direct);
-        EXPECT_TRUE(answers.empty()) << "answered within the call";
-        EXPECT_TRUE(waitUntil([this] { return !answers.empty(); }));
-        settleAll();
-        EXPECT_EQ(answers.size(), 1U);
-        return answers.front();
-    }
-
-    void settleAll() {
-        settle({manager.bus(), login.bus(), session.connection(), system.connection()});
-    }
-
-    QStringList takeCalls() {
-        const QStringList calls = manager.calls + login.calls;
-        manager.calls.clear();
-        login.calls.clear();
-        return calls;
-    }
-
-    PrivateBus sessionBus;
-    PrivateBus systemBus;
-    PowerBus session = PowerBus::standIn(sessionBus.address(), sessionBus.folder());
-    PowerBus system = PowerBus::standIn(systemBus.address(), systemBus.folder());
-    StandIn manager{sessionBus.connect()};
-    StandIn login{systemBus.connect()};
-    Duration limit = 10s;
-    std::vector<std::string> answers;
-    std::unique_ptr<BusEndService> service;
-};
-
-const QString loginName = QStringLiteral("org.freedesktop.login1");
 const QString powerOff =
     QStringLiteral("/org/freedesktop/login1 org.freedesktop.login1.Manager.PowerOff bool:false");
 const QString reboot =
@@ -115,8 +22,7 @@ TEST_F(BusEndServiceTest, EachSessionManagerIsAskedInItsOwnWay) {
         QString restart;
     };
     login.own(loginName);
-    start();
-    settleAll();
+    startReady();
     for (const Case& known :
          {Case{{"org.gnome.SessionManager"},
                "/org/gnome/SessionManager org.gnome.SessionManager.Logout uint:1",
@@ -150,17 +56,41 @@ TEST_F(BusEndServiceTest, EachSessionManagerIsAskedInItsOwnWay) {
     }
 }
 
-TEST_F(BusEndServiceTest, AManagerThatWasThereBeforeIsFoundInTime) {
+// What comes later than it was asked for would come without a new look at what is open.
+TEST_F(BusEndServiceTest, NothingIsPutOffUntilItIsKnownWhoIsThere) {
     manager.own("org.lxqt.session");
     login.own(loginName);
-    EXPECT_EQ(start().obstacle(LoginRequest::logOut, EndForm::direct), std::nullopt);
+    EXPECT_FALSE(start().isReady());
+    EXPECT_EQ(service->obstacle(LoginRequest::logOut, EndForm::direct), std::nullopt);
+    EXPECT_EQ(carryOut(LoginRequest::logOut), "non si sa ancora chi possa farlo");
+    EXPECT_EQ(takeCalls(), QStringList());
+    EXPECT_TRUE(service->isReady());
     EXPECT_EQ(carryOut(LoginRequest::logOut), "done");
     EXPECT_EQ(takeCalls(), QStringList{"/LXQtSession org.lxqt.session.logout"});
 }
 
+TEST_F(BusEndServiceTest, ABusThatHangsHasNoNamesUntilItGoesOn) {
+    namesLimit = 200ms;
+    manager.own("org.xfce.SessionManager");
+    login.own(loginName);
+    settleAll();
+    for (PrivateBus* bus : {&sessionBus, &systemBus})
+        bus->halt();
+    startReady();
+    for (const EndForm form : {EndForm::direct, EndForm::asking})
+        EXPECT_NE(service->obstacle(LoginRequest::shutDown, form), std::nullopt);
+    for (PrivateBus* bus : {&sessionBus, &systemBus})
+        bus->goOn();
+    EXPECT_TRUE(
+        waitUntil([this] { return !service->obstacle(LoginRequest::shutDown, EndForm::asking); }));
+    manager.disown("org.xfce.SessionManager");
+    EXPECT_TRUE(
+        waitUntil([this] { return !service->obstacle(LoginRequest::shutDown, EndForm::direct); }));
+}
+
 TEST_F(BusEndServiceTest, WithoutASessionIdTheProcesssOwnSessionEnds) {
     login.own(loginName);
-    start("");
+    startReady("");
     const QString question =
         QStringLiteral("/org/freedesktop/login1 org.freedesktop.login1.Manager.GetSessionByPID "
                        "uint:%1")
@@ -177,7 +107,7 @@ TEST_F(BusEndServiceTest, ARefusalIsNamedAndNobodyElseIsAsked) {
     manager.own("org.xfce.SessionManager");
     login.own(loginName);
     manager.manners = login.manners = Manners::refuses;
-    start();
+    startReady();
     EXPECT_EQ(carryOut(LoginRequest::shutDown),
               "org.xfce.SessionManager Shutdown: org.example.Denied (Not today)");
     EXPECT_EQ(takeCalls().size(), 1);
@@ -193,7 +123,7 @@ TEST_F(BusEndServiceTest, OneThatHangsIsGivenUp) {
     manager.own("org.gnome.SessionManager");
     login.own(loginName);
     manager.manners = login.manners = Manners::hangs;
-    start("");
+    startReady("");
     for (const LoginRequest request : {LoginRequest::logOut, LoginRequest::restart}) {
         const std::string answer = carryOut(request);
         EXPECT_NE(answer.find("org.freedesktop.DBus.Error.NoReply ("), std::string::npos) << answer;
@@ -206,7 +136,7 @@ TEST_F(BusEndServiceTest, OneThatGoesWithTheSessionHasDoneItsWork) {
     manager.own("org.xfce.SessionManager");
     login.own(loginName);
     manager.manners = login.manners = Manners::leaves;
-    start();
+    startReady();
     EXPECT_EQ(carryOut(LoginRequest::logOut), "done");
     const std::string answer = carryOut(LoginRequest::restart);
     EXPECT_NE(answer.find("NoReply"), std::string::npos) << answer;
@@ -214,9 +144,7 @@ TEST_F(BusEndServiceTest, OneThatGoesWithTheSessionHasDoneItsWork) {
 }
 
 TEST_F(BusEndServiceTest, WithoutAnybodyTheRequestIsAnObstacle) {
-    start();
-    EXPECT_EQ(service->obstacle(LoginRequest::logOut, EndForm::direct), std::nullopt) << "that isn't known yet";
-    settleAll();
+    startReady();
     for (const auto request : {LoginRequest::logOut, LoginRequest::shutDown})
         EXPECT_EQ(service->obstacle(request, EndForm::direct),
                   "nessuno può farlo: org.freedesktop.login1 non è sul bus di sistema");
@@ -225,7 +153,8 @@ TEST_F(BusEndServiceTest, WithoutAnybodyTheRequestIsAnObstacle) {
     manager.own("org.gnome.SessionManager");
     settleAll();
     EXPECT_EQ(service->obstacle(LoginRequest::logOut, EndForm::direct), std::nullopt);
-    EXPECT_NE(service->obstacle(LoginRequest::shutDown, EndForm::direct), std::nullopt) << "only after a question";
+    EXPECT_NE(service->obstacle(LoginRequest::shutDown, EndForm::direct), std::nullopt)
+        << "only after a question";
     login.own(loginName);
     settleAll();
     EXPECT_EQ(service->obstacle(LoginRequest::shutDown, EndForm::direct), std::nullopt);
@@ -236,16 +165,14 @@ TEST_F(BusEndServiceTest, WhatCanBeStartedIsNoObstacle) {
         << "[D-BUS Service]\nName=org.freedesktop.login1\nExec=/bin/false\n";
     systemBus.connect().call(QDBusMessage::createMethodCall(
         "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig"));
-    start();
-    settleAll();
+    startReady();
     EXPECT_EQ(service->obstacle(LoginRequest::shutDown, EndForm::direct), std::nullopt);
 }
 
 TEST_F(BusEndServiceTest, WithoutABusItSaysWhichAndWhy) {
     systemBus.stop();
     EXPECT_TRUE(waitUntil([this] { return !system.problem().empty(); }));
-    start();
-    settleAll();
+    startReady();
     const auto obstacle = service->obstacle(LoginRequest::shutDown, EndForm::direct);
     EXPECT_TRUE(obstacle && obstacle->starts_with("nessuno può farlo: "));
     EXPECT_NE(carryOut(LoginRequest::restart), "done");
@@ -264,10 +191,10 @@ TEST_F(BusEndServiceTest, Login1sOwnSignaturesAreMet) {
         GTEST_SKIP() << "python3-dbusmock is not installed";
     Child mock({"env", "DBUS_SYSTEM_BUS_ADDRESS=" + systemBus.address(), "/usr/bin/python3", "-u",
                 "-m", "dbusmock", "--template", "logind"});
-    start();
-    settleAll();
-    EXPECT_TRUE(waitUntil([this] { return !service->obstacle(LoginRequest::shutDown, EndForm::direct); }))
-        << mock.output();
+    startReady();
+    EXPECT_TRUE(waitUntil([this] {
+        return !service->obstacle(LoginRequest::shutDown, EndForm::direct);
+    })) << mock.output();
     for (const auto& [request, call] :
          {std::pair(LoginRequest::shutDown, "PowerOff False"),
           std::pair(LoginRequest::restart, "Reboot False"),
@@ -282,7 +209,7 @@ TEST_F(BusEndServiceTest, Login1sOwnSignaturesAreMet) {
 TEST_F(BusEndServiceTest, MayGoWhileItIsAnswered) {
     manager.own("org.xfce.SessionManager");
     manager.manners = Manners::hangs;
-    start().carryOut(LoginRequest::logOut, EndForm::direct);
+    startReady().carryOut(LoginRequest::logOut, EndForm::direct);
     EXPECT_TRUE(waitUntil([this] { return !manager.calls.isEmpty(); }));
     service.reset();
     settleAll();

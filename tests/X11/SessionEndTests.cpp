@@ -71,9 +71,9 @@ protected:
         // Without the programs that the machine has for every session.
         manager = std::make_unique<Child>(
             std::vector<std::string>{"env", "XDG_CONFIG_DIRS=/nonexistent", "xfce4-session"});
-        settle({session.connection()});
-        ASSERT_TRUE(waitUntil([this] { return !service.obstacle(LoginRequest::logOut, EndForm::direct); }))
-            << manager->output();
+        ASSERT_TRUE(waitUntil([this] {
+            return service.isReady() && !service.obstacle(LoginRequest::logOut, EndForm::direct);
+        })) << manager->output();
     }
 
     static void bus(const QString& method) {

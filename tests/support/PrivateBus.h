@@ -26,6 +26,9 @@ public:
     /// One more connection, which goes with this object.
     [[nodiscard]] QDBusConnection connect();
     void stop() { server_.send(SIGKILL); }
+    /// Keeps it from answering, until it is told to go on.
+    void halt() { server_.send(SIGSTOP); }
+    void goOn() { server_.send(SIGCONT); }
 
 private:
     static std::filesystem::path makeFolder(const std::string& prefix);

@@ -4,69 +4,16 @@
 #include <QDBusError>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QStandardPaths>
 
-#include <array>
 #include <chrono>
 #include <utility>
 
 namespace velmorquit {
 
 namespace {
-
-struct Method {
-    const char* name = nullptr;
-    QVariantList arguments{};
-};
-
-/// A session manager, known by the name that it owns. What it has no method for is done by login1.
-struct Manager {
-    QString ownedName;
-    /// Where the methods are; it may have to be started for them.
-    QString service;
-    QString path;
-    QString interface;
-    Method logOut;
-    Method shutDown{};
-    Method restart{};
-
-    [[nodiscard]] const Method& method(LoginRequest request) const {
-        switch (request) {
-        case LoginRequest::shutDown:
-            return shutDown;
-        case LoginRequest::restart:
-            return restart;
-        case LoginRequest::logOut:
-            break;
-        }
-        return logOut;
-    }
-};
-
-const std::array managers{
-    Manager{.ownedName = "org.gnome.SessionManager",
-            .service = "org.gnome.SessionManager",
-            .path = "/org/gnome/SessionManager",
-            .interface = "org.gnome.SessionManager",
-            .logOut = {"Logout", {1U}}}, // without a question
-    Manager{.ownedName = "org.xfce.SessionManager",
-            .service = "org.xfce.SessionManager",
-            .path = "/org/xfce/SessionManager",
-            .interface = "org.xfce.Session.Manager",
-            .logOut = {"Logout", {false, true}}, // no dialog; it may save the session
-            .shutDown = {"Shutdown", {false}},
-            .restart = {"Restart", {false}}},
-    Manager{.ownedName = "org.kde.ksmserver",
-            .service = "org.kde.Shutdown",
-            .path = "/Shutdown",
-            .interface = "org.kde.Shutdown",
-            .logOut = {"logout"},
-            .shutDown = {"logoutAndShutdown"},
-            .restart = {"logoutAndReboot"}},
-    Manager{.ownedName = "org.lxqt.session",
-            .service = "org.lxqt.session",
-            .path = "/LXQtSession",
-            .interface = "org.lxqt.session",
-            .logOut = {"logout"}}};
 
 const QString login = QStringLiteral("org.freedesktop.login1");
 
@@ -75,18 +22,50 @@ QDBusMessage loginMessage(const QString& method) {
                                           "org.freedesktop.login1.Manager", method);
 }
 
+QDBusMessage managerMessage(const SessionManager& manager, const ManagerCalls& calls,
+                            LoginRequest request) {
+    const ManagerMethod& method = calls.method(request);
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(calls.service, calls.path, calls.interface, method.name);
+    message.setAutoStartService(calls.service != manager.ownedName);
+    message.setArguments(method.arguments);
+    return message;
+}
+
+/// Empty where it isn't installed.
+QString askingProgram(const SessionManager& manager) {
+    return manager.askingProgram.isEmpty() ? QString()
+                                           : QStandardPaths::findExecutable(manager.askingProgram);
+}
+
+int milliseconds(Duration time) {
+    return static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
+}
+
 std::string describe(const QDBusError& error) {
     return (error.name() + " (" + error.message() + ')').toStdString();
 }
+
+// GNOME's text for it comes in the user's language, in an error that is named by a number.
+bool isCancelled(const QDBusError& error) {
+    return error.message().contains("cancel", Qt::CaseInsensitive) ||
+           error.name() == "org.gtk.GDBus.UnmappedGError.Quark._g_2dio_2derror_2dquark.Code19";
+}
+
+const std::string nobodyAsks = "nessuno può chiedere conferma";
 
 } // namespace
 
 BusEndService::BusEndService(const PowerBus& session, const PowerBus& system, Settings settings)
     : session_(session), system_(system), settings_(std::move(settings)) {
-    QStringList owned;
-    for (const Manager& manager : managers)
-        owned << manager.ownedName;
-    watch(sessionWatcher_, session_, sessionNames_, owned);
+    QStringList names;
+    for (const SessionManager& manager : sessionManagers()) {
+        names << manager.ownedName;
+        if (!manager.asking.service.isEmpty())
+            names << manager.asking.service;
+    }
+    names.removeDuplicates();
+    watch(sessionWatcher_, session_, sessionNames_, names);
     watch(systemWatcher_, system_, systemNames_, {login});
 }
 
@@ -111,53 +90,75 @@ void BusEndService::watch(QDBusServiceWatcher& watcher, const PowerBus& bus, Nam
     listNames(bus, "ListNames", names.owned);
 }
 
+// A bus that is late is asked once more, so that it isn't taken for an empty one for ever.
 void BusEndService::listNames(const PowerBus& bus, const QString& method,
                               std::optional<QSet<QString>>& names) {
     const QDBusMessage question = QDBusMessage::createMethodCall(
         "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method);
-    auto* watcher = new QDBusPendingCallWatcher(bus.connection().asyncCall(question), this);
+    auto* watcher = new QDBusPendingCallWatcher(
+        bus.connection().asyncCall(question, milliseconds(settings_.namesLimit)), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, &names](QDBusPendingCallWatcher* finished) {
+            [this, &bus, method, &names](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();
-                const QStringList list = finished->reply().arguments().value(0).toStringList();
-                names =
-                    finished->isError() ? QSet<QString>() : QSet<QString>(list.begin(), list.end());
-                if (early_ && isManagerKnown())
-                    carryOut(*std::exchange(early_, std::nullopt), EndForm::direct);
+                if (!finished->isError()) {
+                    const QStringList list = finished->reply().arguments().value(0).toStringList();
+                    names = QSet<QString>(list.begin(), list.end());
+                    return;
+                }
+                if (!names)
+                    names.emplace();
+                if (finished->error().type() == QDBusError::NoReply && bus.problem().empty())
+                    listNames(bus, method, names);
             });
 }
 
-bool BusEndService::Names::has(const QString& name) const { return owned && owned->contains(name); }
+bool BusEndService::Names::isOwned(const QString& name) const {
+    return owned && owned->contains(name);
+}
 
-std::optional<std::string> BusEndService::obstacle(LoginRequest request, EndForm) const {
-    if (!isManagerKnown() || managerCall(request))
+bool BusEndService::Names::isThere(const QString& name) const {
+    return isOwned(name) || (startable && startable->contains(name));
+}
+
+bool BusEndService::isReady() const {
+    return (sessionNames_.areKnown() || !session_.problem().empty()) &&
+           (systemNames_.areKnown() || !system_.problem().empty());
+}
+
+std::optional<std::string> BusEndService::obstacle(LoginRequest request, EndForm form) const {
+    if (!isReady())
+        return std::nullopt;
+    if (form == EndForm::asking)
+        return asker() ? std::nullopt : std::optional(nobodyAsks);
+    if (managerCall(request))
         return std::nullopt;
     if (const std::string problem = system_.problem(); !problem.empty())
         return "nessuno può farlo: " + problem;
-    const bool isKnown = systemNames_.owned && systemNames_.startable;
-    if (isKnown && !systemNames_.has(login) && !systemNames_.startable->contains(login))
+    if (!systemNames_.isThere(login))
         return "nessuno può farlo: " + login.toStdString() + " non è sul bus di sistema";
     return std::nullopt;
-}
-
-bool BusEndService::isManagerKnown() const {
-    return sessionNames_.owned || !session_.problem().empty();
 }
 
 std::optional<BusEndService::Call> BusEndService::managerCall(LoginRequest request) const {
     if (!session_.problem().empty())
         return std::nullopt;
-    for (const Manager& manager : managers) {
-        const Method& method = manager.method(request);
-        if (!method.name || !sessionNames_.has(manager.ownedName))
-            continue;
-        QDBusMessage message = QDBusMessage::createMethodCall(manager.service, manager.path,
-                                                              manager.interface, method.name);
-        message.setAutoStartService(manager.service != manager.ownedName);
-        message.setArguments(method.arguments);
-        return Call{session_.connection(), message, true};
+    for (const SessionManager& manager : sessionManagers()) {
+        if (manager.direct.method(request).name && sessionNames_.isOwned(manager.ownedName))
+            return Call{session_.connection(), managerMessage(manager, manager.direct, request),
+                        Silence::end};
     }
     return std::nullopt;
+}
+
+const SessionManager* BusEndService::asker() const {
+    if (!session_.problem().empty())
+        return nullptr;
+    for (const SessionManager& manager : sessionManagers()) {
+        if (sessionNames_.isOwned(manager.ownedName) &&
+            (sessionNames_.isThere(manager.asking.service) || !askingProgram(manager).isEmpty()))
+            return &manager;
+    }
+    return nullptr;
 }
 
 BusEndService::Call BusEndService::loginCall(LoginRequest request) const {
@@ -173,9 +174,11 @@ BusEndService::Call BusEndService::loginCall(LoginRequest request) const {
     return {system_.connection(), message};
 }
 
-void BusEndService::carryOut(LoginRequest request, EndForm) {
-    if (!isManagerKnown())
-        early_ = request;
+void BusEndService::carryOut(LoginRequest request, EndForm form) {
+    if (!isReady())
+        answerLater("non si sa ancora chi possa farlo");
+    else if (form == EndForm::asking)
+        haveAsked(request);
     else if (const auto call = managerCall(request))
         send(*call);
     else if (request == LoginRequest::logOut && settings_.sessionId.empty())
@@ -184,12 +187,24 @@ void BusEndService::carryOut(LoginRequest request, EndForm) {
         send(loginCall(request));
 }
 
+void BusEndService::haveAsked(LoginRequest request) {
+    const SessionManager* manager = asker();
+    if (!manager)
+        answerLater(nobodyAsks);
+    else if (manager->asking.method(request).name)
+        send({session_.connection(), managerMessage(*manager, manager->asking, request),
+              Silence::question});
+    else if (QProcess::startDetached(askingProgram(*manager), {}))
+        answerLater(std::nullopt);
+    else
+        answerLater(manager->askingProgram.toStdString() + " non si avvia");
+}
+
 void BusEndService::terminateOwnSession() {
     QDBusMessage question = loginMessage("GetSessionByPID");
     question << static_cast<uint>(QCoreApplication::applicationPid());
-    const auto limit = std::chrono::duration_cast<std::chrono::milliseconds>(settings_.limit);
     auto* watcher = new QDBusPendingCallWatcher(
-        system_.connection().asyncCall(question, static_cast<int>(limit.count())), this);
+        system_.connection().asyncCall(question, milliseconds(settings_.limit)), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [this](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();
@@ -206,25 +221,32 @@ void BusEndService::terminateOwnSession() {
 }
 
 void BusEndService::send(const Call& call) {
-    const auto limit = std::chrono::duration_cast<std::chrono::milliseconds>(settings_.limit);
+    const int limit = milliseconds(settings_.limit);
     QElapsedTimer timer;
     timer.start();
-    auto* watcher = new QDBusPendingCallWatcher(
-        call.bus.asyncCall(call.message, static_cast<int>(limit.count())), this);
+    auto* watcher = new QDBusPendingCallWatcher(call.bus.asyncCall(call.message, limit), this);
     connect(
         watcher, &QDBusPendingCallWatcher::finished, this,
         [this, call, timer, limit](QDBusPendingCallWatcher* finished) {
             finished->deleteLater();
             const QDBusError error = finished->error();
+            const bool isSilent = error.type() == QDBusError::NoReply;
             // The bus says so at once; Qt's timer for an answer may be a little early.
-            const bool hasLeft = call.mayEndCallee && error.type() == QDBusError::NoReply &&
-                                 timer.elapsed() < limit.count() * 9 / 10;
-            if (!finished->isError() || hasLeft)
+            const bool hasLeft = isSilent && timer.elapsed() < limit * 9 / 10;
+            const bool isFine =
+                !finished->isError() || (call.silence == Silence::end && hasLeft) ||
+                (call.silence == Silence::question && (isSilent || isCancelled(error)));
+            if (isFine)
                 answer(std::nullopt);
             else
                 answer((call.message.service() + ' ' + call.message.member() + ": ").toStdString() +
                        describe(error));
         });
+}
+
+void BusEndService::answerLater(std::optional<std::string> failure) {
+    QMetaObject::invokeMethod(
+        this, [this, failure = std::move(failure)] { answer(failure); }, Qt::QueuedConnection);
 }
 
 void BusEndService::answer(const std::optional<std::string>& failure) {
