@@ -1,0 +1,285 @@
+#include "Linux/Session/BusSessionRegistry.h"
+#include "Linux/Session/BusSleepHold.h"
+#include "support/PrivateBus.h"
+#include "support/Waiting.h"
+
+#include <QDBusArgument>
+#include <QDBusMetaType>
+#include <QDBusObjectPath>
+#include <QDBusVirtualObject>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+#include <tuple>
+
+#include <unistd.h>
+
+namespace velmorquit {
+
+/// A structure of an answer.
+template <class... Fields> struct Row : std::tuple<Fields...> {
+    using std::tuple<Fields...>::tuple;
+};
+using LoginRow = Row<QString, QString, QString, QString, uint, uint>;
+using SessionRow = Row<QString, uint, QString, QString, QDBusObjectPath>;
+using PlasmaRow = Row<QString, QString>;
+
+template <class... Fields>
+QDBusArgument& operator<<(QDBusArgument& out, const Row<Fields...>& row) {
+    out.beginStructure();
+    std::apply([&](const auto&... field) { (out << ... << field); },
+               static_cast<const std::tuple<Fields...>&>(row));
+    out.endStructure();
+    return out;
+}
+// Registration wants it; nothing here reads.
+template <class... Fields>
+const QDBusArgument& operator>>(const QDBusArgument& in, Row<Fields...>&) {
+    return in;
+}
+
+namespace {
+
+using testing::ElementsAre;
+using Against = Inhibitor::Against;
+
+const uint own = ::getuid();
+const uint other = own + 1;
+
+/// Stands for a service: what it says to a member, or to "path member" first. It knows no other,
+/// and is silent where that is no value at all.
+class Keeper final : public QDBusVirtualObject {
+public:
+    Keeper(QDBusConnection bus, const QString& name) : bus_(std::move(bus)) {
+        EXPECT_TRUE(bus_.registerVirtualObject("/", this, QDBusConnection::SubPath));
+        EXPECT_TRUE(bus_.registerService(name));
+    }
+
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override {
+        const QString whole = message.path() + ' ' + message.member();
+        calls << whole;
+        const QString key = says.contains(whole) ? whole : message.member();
+        if (errors.contains(key) || !says.contains(key))
+            bus_.send(message.createErrorReply(
+                errors.value(key, "org.freedesktop.DBus.Error.UnknownMethod"), "no"));
+        else if (says[key].isValid())
+            bus_.send(message.createReply(says[key]));
+        return true;
+    }
+
+    QVariantMap says;
+    QMap<QString, QString> errors;
+    QStringList calls;
+
+private:
+    QDBusConnection bus_;
+};
+
+class BusSessionRegistryTest : public testing::Test {
+protected:
+    template <class... Types> static void registerTypes() { (qDBusRegisterMetaType<Types>(), ...); }
+
+    void SetUp() override {
+        registerTypes<LoginRow, QList<LoginRow>, SessionRow, QList<SessionRow>, PlasmaRow,
+                      QList<PlasmaRow>>();
+    }
+
+    std::optional<SessionAccount> read() {
+        std::vector<std::optional<SessionAccount>> told;
+        const Handle handle = registry->read([&](const auto& account) { told.push_back(account); });
+        EXPECT_TRUE(told.empty()) << "told within the call";
+        EXPECT_TRUE(waitUntil([&] { return !told.empty(); }));
+        linger(20);
+        EXPECT_EQ(told.size(), 1U);
+        return told.front();
+    }
+
+    /// A session of login1's, as one word for each property.
+    void addSession(uint user, const QString& name, const QString& type,
+                    const QString& state = "active", const QString& kind = "user") {
+        const QString path = QStringLiteral("/session/%1").arg(sessions.size());
+        sessions << SessionRow{path, user, name, "", QDBusObjectPath(path)};
+        login.says["ListSessions"] = QVariant::fromValue(sessions);
+        login.says[path + " GetAll"] =
+            QVariantMap{{"Type", type}, {"State", state}, {"Class", kind}};
+    }
+
+    void addHeld(const QString& application, const QString& reason, uint flags) {
+        const QString path = QStringLiteral("/held/%1").arg(held.size());
+        held << QDBusObjectPath(path);
+        gnome.says["GetInhibitors"] = QVariant::fromValue(held);
+        gnome.says[path + " GetAppId"] = application;
+        gnome.says[path + " GetReason"] = reason;
+        gnome.says[path + " GetFlags"] = flags;
+    }
+
+    PrivateBus bus;
+    PowerBus session = PowerBus::standIn(bus.address(), bus.folder());
+    PowerBus system = PowerBus::standIn(bus.address(), bus.folder());
+    Keeper login{bus.connect(), "org.freedesktop.login1"};
+    Keeper gnome{bus.connect(), "org.gnome.SessionManager"};
+    Keeper plasma{bus.connect(), "org.kde.Solid.PowerManagement"};
+    QList<SessionRow> sessions;
+    QList<QDBusObjectPath> held;
+    std::unique_ptr<BusSessionRegistry> registry = std::make_unique<BusSessionRegistry>(
+        session, system, BusSessionRegistry::Settings{.limit = 400ms});
+};
+
+TEST_F(BusSessionRegistryTest, InhibitorsThatKeepSomethingFromHappeningCount) {
+    login.says["ListInhibitors"] = QVariant::fromValue(QList<LoginRow>{
+        {"sleep:shutdown", "apt", "Aggiorno", "block", other, 70},
+        {"shutdown", "rsync", "Copio", "block", own, 71},
+        {"shutdown:sleep", "NetworkManager", "", "delay", other, 72},
+        {"handle-power-key:handle-lid-switch", "gsd", "", "block", own, 73},
+        {"idle", "mpv", "Film", "block-weak", own, 74},
+        {"shutdown", "Velmor Quit", "", "block", own, static_cast<uint>(::getpid())}});
+    addHeld("org.example.Writer.desktop", "Documento non salvato", 1 | 8);
+    addHeld("burner", "", 4);
+    addHeld("switcher", "", 2);
+    addHeld("Velmor Quit", "", 4 | 8);
+    addHeld("gone", "", 1);
+    gnome.errors["/held/4 GetFlags"] = "org.freedesktop.DBus.Error.UnknownObject";
+    plasma.says["ListInhibitions"] =
+        QVariant::fromValue(QList<PlasmaRow>{{"VLC", "Riproduce"}, {"Velmor Quit", "Piano"}});
+    const auto account = read();
+    ASSERT_TRUE(account);
+    EXPECT_THAT(account->inhibitors,
+                ElementsAre(Inhibitor{Against::shutdown, "apt", "Aggiorno", 70, ""},
+                            Inhibitor{Against::sessionEnd, "rsync", "Copio", 71, ""},
+                            Inhibitor{Against::sleep, "mpv", "Film", 74, ""},
+                            Inhibitor{Against::sessionEnd, "org.example.Writer",
+                                      "Documento non salvato", 0, "org.example.Writer"},
+                            Inhibitor{Against::sleep, "burner", "", 0, "burner"},
+                            Inhibitor{Against::sleep, "VLC", "Riproduce", 0, "VLC"}));
+}
+
+TEST_F(BusSessionRegistryTest, UsersAndSecondSessionsAreThoseThatCanLoseSomething) {
+    addSession(own, "io", "x11");
+    addSession(own, "io", "tty");
+    addSession(own, "io", "wayland", "closing");
+    addSession(own, "io", "unspecified", "active", "manager");
+    addSession(other, "bruno", "tty", "online");
+    addSession(other + 1, "anna", "wayland");
+    addSession(other, "bruno", "x11");
+    addSession(other + 2, "gdm", "wayland", "active", "greeter");
+    addSession(other + 3, "cron", "unspecified", "active", "background");
+    addSession(other + 4, "daemon", "unspecified");
+    addSession(other + 5, "gone", "x11");
+    login.errors["/session/10 GetAll"] = "org.freedesktop.login1.NoSuchSession";
+    auto account = read();
+    ASSERT_TRUE(account);
+    EXPECT_THAT(account->otherUsers, ElementsAre("bruno", "anna"));
+    EXPECT_FALSE(account->hasSecondSession);
+    addSession(own, "io", "wayland", "online");
+    account = read();
+    EXPECT_TRUE(account && account->hasSecondSession);
+}
+
+TEST_F(BusSessionRegistryTest, WhoDoesNotAnswerIsNotTakenForNobody) {
+    addSession(own, "io", "x11");
+    addHeld("burner", "", 4);
+    EXPECT_TRUE(read()) << "the others have nothing to say";
+    for (Keeper* keeper : {&login, &gnome}) {
+        for (const QString& question : keeper->says.keys()) {
+            const QVariant usual = keeper->says.value(question);
+            QElapsedTimer timer;
+            timer.start();
+            keeper->says[question] = QVariant();
+            EXPECT_EQ(read(), std::nullopt) << question.toStdString();
+            EXPECT_LT(timer.elapsed(), 10000);
+            keeper->says[question] = 7.5;
+            EXPECT_EQ(read(), std::nullopt) << question.toStdString();
+            keeper->says[question] = usual;
+            keeper->errors[question] = "org.freedesktop.DBus.Error.AccessDenied";
+            EXPECT_EQ(read(), std::nullopt) << question.toStdString();
+            // Whoever has just told of a session or an inhibitor can't be nobody.
+            keeper->errors[question] = "org.freedesktop.DBus.Error.NameHasNoOwner";
+            EXPECT_EQ(read().has_value(), !question.startsWith('/')) << question.toStdString();
+            keeper->errors.clear();
+        }
+    }
+    EXPECT_TRUE(read());
+}
+
+TEST_F(BusSessionRegistryTest, WhereNobodyKeepsAnAccountItIsEmptyAndNobodyIsStarted) {
+    EXPECT_EQ(read(), SessionAccount());
+    EXPECT_EQ(login.calls.size() + gnome.calls.size() + plasma.calls.size(), 4);
+    PrivateBus empty;
+    for (const char* name :
+         {"org.freedesktop.login1", "org.gnome.SessionManager", "org.kde.Solid.PowerManagement"})
+        std::ofstream(empty.services() / (std::string(name) + ".service"))
+            << "[D-BUS Service]\nName=" << name << "\nExec=/bin/false\n";
+    empty.connect().call(QDBusMessage::createMethodCall(
+        "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig"));
+    const PowerBus emptyBus = PowerBus::standIn(empty.address(), empty.folder());
+    const PowerBus none = PowerBus::standIn("", bus.folder());
+    for (const PowerBus* each : {&emptyBus, &none}) {
+        registry =
+            std::make_unique<BusSessionRegistry>(*each, *each, BusSessionRegistry::Settings{});
+        EXPECT_EQ(read(), SessionAccount());
+    }
+}
+
+TEST_F(BusSessionRegistryTest, NobodyIsToldWhoDoesNotWaitAnyMore) {
+    addSession(own, "io", "x11");
+    int told = 0;
+    Handle first = registry->read([&](const auto&) { ++told; });
+    Handle second;
+    second = registry->read([&](const auto&) {
+        ++told;
+        second.reset();
+        registry.reset();
+    });
+    const Handle third = registry->read([&](const auto&) { told += 100; });
+    first.reset();
+    EXPECT_TRUE(waitUntil([&] { return told > 0; }));
+    linger(600);
+    EXPECT_EQ(told % 100, 1);
+}
+
+// The stand-in of the demonstration, which has to be one for what is read here as well.
+TEST_F(BusSessionRegistryTest, TheStandInKeepsAnAccountAndItsLocks) {
+    PrivateBus systemBus;
+    const auto file = systemBus.folder() / "account";
+    std::ofstream(file) << R"({"inhibitors": [["shutdown", "apt", "Aggiorno", "block", )" << other
+                        << R"(, 70]], "sessions": [{"id": "7", "uid": )" << other
+                        << R"(, "user": "anna", "seat": "seat0", "class": "user", )"
+                        << R"("type": "x11", "state": "active"}]})";
+    Child services({STAND_INS "/system-services", systemBus.address(), systemBus.folder() / "calls",
+                    "--account", file});
+    ASSERT_TRUE(waitUntil([&] { return services.output() == "ready\n"; })) << services.output();
+    const PowerBus power = PowerBus::standIn(systemBus.address(), systemBus.folder());
+    const auto locks = [&] {
+        const QDBusMessage reply = power.connection().call(
+            QDBusMessage::createMethodCall("org.freedesktop.login1", "/org/freedesktop/login1",
+                                           "org.freedesktop.login1.Manager", "ListInhibitors"));
+        const auto list = reply.arguments().value(0).value<QDBusArgument>();
+        int count = 0;
+        list.beginArray();
+        for (; !list.atEnd(); ++count)
+            list.asVariant();
+        list.endArray();
+        return count;
+    };
+    registry = std::make_unique<BusSessionRegistry>(session, power, BusSessionRegistry::Settings{});
+    BusSleepHold hold(session, power);
+    hold.begin("Piano", BusSleepHold::Against::idleSleep);
+    ASSERT_TRUE(waitUntil([&] { return hold.isHeldBySystem(); }));
+    EXPECT_EQ(locks(), 2);
+    const auto account = read();
+    ASSERT_TRUE(account);
+    EXPECT_THAT(account->inhibitors,
+                ElementsAre(Inhibitor{Against::shutdown, "apt", "Aggiorno", 70, ""}));
+    EXPECT_THAT(account->otherUsers, ElementsAre("anna"));
+    hold.end();
+    EXPECT_TRUE(waitUntil([&] { return locks() == 1; }));
+    EXPECT_EQ(std::ifstream(systemBus.folder() / "calls").peek(), EOF) << "only questions";
+}
+
+} // namespace
+} // namespace velmorquit
