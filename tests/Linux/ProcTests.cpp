@@ -30,6 +30,7 @@ TEST(ProcessStatTest, SurvivesAnyNameThatAProgramMayHave) {
         EXPECT_EQ(stat->session, 9);
         EXPECT_EQ(stat->terminal, 34816);
         EXPECT_EQ(stat->foreground, 10);
+        EXPECT_EQ(stat->processorTime, 5U + 6 + 7 + 8);
         EXPECT_EQ(stat->startTime, 424242U);
     }
 }

@@ -81,8 +81,8 @@ bool WorkspaceWindows::hasJob(ProcessId process) {
         lookedAt_ = now;
     }
     return hasTerminalJob(process, table_,
-                          {.executable = executableName,
-                           .arguments = processArguments,
+                          {.executable = [](ProcessId id) { return executableName(id); },
+                           .arguments = [](ProcessId id) { return processArguments(id); },
                            .ownsWindows = [this](ProcessId id) { return owners_.contains(id); }});
 }
 

@@ -47,10 +47,24 @@ std::optional<ProcessStat> parseProcessStat(std::string_view line) {
         parseNumber(line.substr(0, open), stat.id) && parseNumber(nextWord(rest), stat.parent) &&
         parseNumber(nextWord(rest), stat.group) && parseNumber(nextWord(rest), stat.session) &&
         parseNumber(nextWord(rest), stat.terminal) && parseNumber(nextWord(rest), stat.foreground);
-    // Flags, faults, times, priorities: fields 9 to 21. The start time is field 22 (proc(5)).
-    for (int field = 9; field < 22; ++field)
-        nextWord(rest);
+    // Flags and faults are fields 9 to 13, priorities 18 and 19, and 21 nothing (proc(5)).
+    const auto skip = [&rest](int fields) {
+        for (; fields > 0; --fields)
+            nextWord(rest);
+    };
+    skip(5);
+    for (int field = 14; field <= 17; ++field) {
+        std::uint64_t ticks = 0;
+        good = good && parseNumber(nextWord(rest), ticks);
+        stat.processorTime += ticks;
+    }
+    skip(2);
+    int threads = 0;
+    good = good && parseNumber(nextWord(rest), threads);
+    skip(1);
     good = good && parseNumber(nextWord(rest), stat.startTime);
+    // While other threads go on it hasn't, although the first of them has.
+    stat.hasEnded = (stat.state == 'Z' || stat.state == 'X') && threads <= 1;
     return good ? std::optional(std::move(stat)) : std::nullopt;
 }
 
@@ -69,13 +83,17 @@ std::vector<ProcessStat> readProcessTable(const ProcDirectory& proc) {
     return table;
 }
 
-std::string executableName(ProcessId id) {
-    const std::string path = ProcDirectory().link(id, "exe");
+// A program that was updated while it runs is still the same one.
+std::string executableName(ProcessId id, const ProcDirectory& proc) {
+    constexpr std::string_view replaced = " (deleted)";
+    std::string path = proc.link(id, "exe");
+    if (path.ends_with(replaced))
+        path.resize(path.size() - replaced.size());
     return path.substr(path.rfind('/') + 1);
 }
 
-std::vector<std::string> processArguments(ProcessId id) {
-    return splitAtNul(ProcDirectory().read(id, "cmdline"));
+std::vector<std::string> processArguments(ProcessId id, const ProcDirectory& proc) {
+    return splitAtNul(proc.read(id, "cmdline"));
 }
 
 std::optional<std::string> processEnvironment(ProcessId id, std::string_view name) {

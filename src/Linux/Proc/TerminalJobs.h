@@ -3,6 +3,9 @@
 #include "Linux/Proc/ProcessStat.h"
 
 #include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace velmorquit {
@@ -14,6 +17,21 @@ struct ProcessFacts {
     /// Whether the process has windows of its own.
     std::function<bool(ProcessId)> ownsWindows;
 };
+
+/// Whether it is a program of ours, which survives its terminal.
+[[nodiscard]] bool isOurProgram(std::string_view executable);
+
+/// The process that is at work in the terminal whose session `leader` leads, if any is: of the job
+/// in the foreground the first process, else one that was started in place of a shell, was stopped,
+/// or has windows. The leader stands for a job that the system hides.
+[[nodiscard]] std::optional<ProcessId> terminalJob(const ProcessStat& leader,
+                                                   const std::vector<ProcessStat>& table,
+                                                   const ProcessFacts& facts);
+
+/// What the user calls a job by its first process: the name of its executable, or that of the
+/// script that a shell runs. Any bytes; empty when the process has gone.
+[[nodiscard]] std::string jobName(ProcessId job, const std::vector<ProcessStat>& table,
+                                  const ProcessFacts& facts);
 
 /// Whether `application` is a terminal (or has one inside) in which something runs that would be
 /// lost if it were closed: a job in the foreground, one that was stopped, a command started in
