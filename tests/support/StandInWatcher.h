@@ -4,13 +4,14 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
+#include <QStringList>
 
 #include <utility>
 #include <vector>
 
 namespace velmorquit {
 
-/// Stands for whoever keeps the list of tray icons on a bus.
+/// Stands for whoever keeps the list of tray icons on a bus. It doesn't look whether they exist.
 class StandInWatcher final : public QDBusVirtualObject {
 public:
     static constexpr const char* service = "org.kde.StatusNotifierWatcher";
@@ -29,6 +30,11 @@ public:
         const bool isMore = count > std::exchange(hosts, count);
         tell(bus, isMore ? "StatusNotifierHostRegistered" : "StatusNotifierHostUnregistered");
     }
+    /// Icons have come or gone.
+    void setItems(const QStringList& entries) {
+        const bool isMore = entries.size() > std::exchange(items, entries).size();
+        tell(bus, isMore ? "StatusNotifierItemRegistered" : "StatusNotifierItemUnregistered");
+    }
     static void tell(const QDBusConnection& bus, const char* signal) {
         bus.send(QDBusMessage::createSignal("/StatusNotifierWatcher", service, signal));
     }
@@ -41,9 +47,9 @@ public:
     [[nodiscard]] QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& question, const QDBusConnection&) override {
         const QVariantList in = question.arguments();
-        if (question.member() != "Get" || in.value(0).toString() != service ||
-            in.value(1).toString() != "IsStatusNotifierHostRegistered")
+        if (question.member() != "Get" || in.value(0).toString() != service)
             return false;
+        ++questions;
         if (isSlow)
             pending.push_back(question);
         else
@@ -54,11 +60,21 @@ public:
     QDBusConnection bus;
     bool isSlow = false;
     int hosts = 1;
+    QStringList items;
+    int questions = 0;
     std::vector<QDBusMessage> pending;
 
 private:
     void reply(const QDBusMessage& question) const {
-        bus.send(question.createReply(QVariant::fromValue(QDBusVariant(hosts > 0))));
+        const QString property = question.arguments().value(1).toString();
+        QVariant value;
+        if (property == "IsStatusNotifierHostRegistered")
+            value = hosts > 0;
+        else if (property == "RegisteredStatusNotifierItems")
+            value = items;
+        bus.send(value.isValid()
+                     ? question.createReply(QVariant::fromValue(QDBusVariant(value)))
+                     : question.createErrorReply(QDBusError::UnknownProperty, property));
     }
 };
 

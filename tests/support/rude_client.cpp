@@ -15,6 +15,7 @@
 //   --ping                understands being asked whether it reacts, and answers
 //   --frozen              understands it, and doesn't answer
 //   --dock                its first window is a panel of the desktop
+//   --tray                its windows are icons that it asks the tray to take in
 //   --icon                its windows have pictures of 16, 64 and 128 pixels, each of one colour
 //   --deaf                takes no notice of SIGTERM either
 
@@ -46,6 +47,7 @@ struct Manners {
     bool canBePinged = false;
     bool isFrozen = false;
     bool isDock = false;
+    bool isInTray = false;
     bool hasIcon = false;
 };
 
@@ -76,8 +78,12 @@ public:
         }
         if (manners_.isModal)
             makeModal(windows_.back());
-        for (const xcb_window_t window : windows_)
-            xcb_map_window(connection_, window);
+        for (const xcb_window_t window : windows_) {
+            if (manners_.isInTray)
+                askTray(window);
+            else
+                xcb_map_window(connection_, window);
+        }
         xcb_flush(connection_);
         while (const auto event = owned(xcb_wait_for_event(connection_))) {
             const int type = event->response_type & 0x7f;
@@ -86,6 +92,8 @@ public:
             if (type != XCB_CLIENT_MESSAGE)
                 continue;
             auto& message = *reinterpret_cast<xcb_client_message_event_t*>(event.get());
+            if (message.type != atom("WM_PROTOCOLS"))
+                continue;
             if (message.data.data32[0] == atom("_NET_WM_PING"))
                 answer(message);
             else if (asked(message.window))
@@ -175,6 +183,23 @@ private:
         setNumbers(window, "_NET_WM_STATE", XCB_ATOM_ATOM, states);
     }
 
+    /// The tray shows the window, inside one of its own.
+    void askTray(xcb_window_t window) {
+        const auto cookie = xcb_get_selection_owner(connection_, atom("_NET_SYSTEM_TRAY_S0"));
+        const auto tray = owned(xcb_get_selection_owner_reply(connection_, cookie, nullptr));
+        const std::uint32_t version = 0;
+        const std::uint32_t isShown = 1;
+        setNumbers(window, "_XEMBED_INFO", atom("_XEMBED_INFO"), {version, isShown});
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = tray->owner;
+        message.type = atom("_NET_SYSTEM_TRAY_OPCODE");
+        message.data.data32[2] = window;
+        xcb_send_event(connection_, 0, tray->owner, XCB_EVENT_MASK_NO_EVENT,
+                       reinterpret_cast<const char*>(&message));
+    }
+
     void announce() const {
         std::printf("ready %d", getpid());
         for (const xcb_window_t window : windows_)
@@ -241,6 +266,8 @@ int main(int argc, char** argv) {
             manners.canBePinged = manners.isFrozen = true;
         else if (option == "--dock")
             manners.isDock = true;
+        else if (option == "--tray")
+            manners.isInTray = true;
         else if (option == "--icon")
             manners.hasIcon = true;
         else if (option == "--deaf")

@@ -1,0 +1,129 @@
+#include "Linux/DBus/NotifierItems.h"
+
+#include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
+
+#include <algorithm>
+#include <utility>
+
+namespace velmorquit {
+
+namespace {
+
+const QString service = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString path = QStringLiteral("/StatusNotifierWatcher");
+const QString busName = QStringLiteral("org.freedesktop.DBus");
+const QString busPath = QStringLiteral("/org/freedesktop/DBus");
+
+/// An entry is a name on the bus, which most watchers let the path of the icon's object follow,
+/// some of them after an "@".
+QString nameOf(const QString& entry) {
+    const auto end =
+        std::ranges::find_if(entry, [](QChar letter) { return letter == '/' || letter == '@'; });
+    return entry.left(end - entry.begin());
+}
+
+} // namespace
+
+NotifierItems::NotifierItems(QDBusConnection bus) : bus_(std::move(bus)) {
+    if (!bus_.isConnected())
+        return;
+    listen();
+    ask();
+}
+
+std::set<ProcessId> NotifierItems::processes() const {
+    std::set<ProcessId> processes;
+    for (const auto& [name, process] : items_)
+        processes.insert(process);
+    processes.erase(0);
+    return processes;
+}
+
+// The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
+void NotifierItems::listen() {
+    bus_.connect({}, busPath, busName, "NameOwnerChanged", {service}, {}, this,
+                 SLOT(hearOwner(QDBusMessage)));
+    bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
+                 this, SLOT(forget()));
+    for (const char* signal : {"StatusNotifierItemRegistered", "StatusNotifierItemUnregistered"})
+        bus_.connect({}, path, service, signal, this, SLOT(hearItems()));
+}
+
+void NotifierItems::ask() {
+    isAsking_ = true;
+    isOutdated_ = false;
+    const unsigned number = ++question_;
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(service, path, "org.freedesktop.DBus.Properties", "Get");
+    question.setAutoStartService(false);
+    question << service << "RegisteredStatusNotifierItems";
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, number](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                if (number == question_)
+                    hearList(finished->reply());
+            });
+}
+
+// A well-known name may have come to another process since: all are asked for anew. What was known
+// holds until the answer.
+void NotifierItems::hearList(const QDBusMessage& answer) {
+    isAsking_ = false;
+    std::map<QString, ProcessId> items;
+    const auto list = answer.arguments().value(0).value<QDBusVariant>().variant();
+    for (const QString& entry : list.toStringList()) {
+        const QString name = nameOf(entry);
+        const auto known = items_.find(name);
+        if (!name.isEmpty())
+            items.emplace(name, known == items_.end() ? 0 : known->second);
+    }
+    items_ = std::move(items);
+    if (isOutdated_) {
+        ask();
+        return;
+    }
+    for (const auto& [name, process] : items_)
+        askProcess(name);
+}
+
+void NotifierItems::askProcess(const QString& name) {
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(busName, busPath, busName, "GetConnectionUnixProcessID");
+    question << name;
+    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this,
+            [this, name, number = question_](QDBusPendingCallWatcher* finished) {
+                finished->deleteLater();
+                const auto item = items_.find(name);
+                if (number != question_ || item == items_.end())
+                    return;
+                const bool isKnown = !finished->isError();
+                item->second = isKnown ? finished->reply().arguments().value(0).toInt() : 0;
+            });
+}
+
+void NotifierItems::hearOwner(const QDBusMessage& signal) {
+    if (signal.service() != busName)
+        return;
+    forget();
+    if (!signal.arguments().value(2).toString().isEmpty())
+        ask();
+}
+
+// What the signals say of an icon differs between the watchers, the list hardly. Many icons come at
+// once when somebody logs in.
+void NotifierItems::hearItems() {
+    isOutdated_ = true;
+    if (!isAsking_)
+        ask();
+}
+
+void NotifierItems::forget() {
+    ++question_;
+    isAsking_ = false;
+    items_.clear();
+}
+
+} // namespace velmorquit

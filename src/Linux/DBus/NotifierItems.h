@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Platform/RunningApplication.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <map>
+#include <set>
+
+namespace velmorquit {
+
+/// Knows whose tray icons are on the list that the watcher on the session bus keeps.
+class NotifierItems final : public QObject {
+    Q_OBJECT
+
+public:
+    /// Asks the watcher at once, without waiting, and whenever the list changes. Nobody is started
+    /// in order to be asked.
+    explicit NotifierItems(QDBusConnection bus);
+
+    /// The processes at the other end of the icons' connections: of a program in a sandbox it is
+    /// the broker that speaks for it. From memory; empty while there is no watcher.
+    [[nodiscard]] std::set<ProcessId> processes() const;
+
+private Q_SLOTS:
+    void hearOwner(const QDBusMessage& signal);
+    void hearItems();
+    void forget();
+
+private:
+    void listen();
+    void ask();
+    void hearList(const QDBusMessage& answer);
+    void askProcess(const QString& name);
+
+    QDBusConnection bus_;
+    /// By the names on the bus that have icons; 0 until the bus has said whose it is.
+    std::map<QString, ProcessId> items_;
+    unsigned question_ = 0; ///< the last one; answers to those before don't count
+    bool isAsking_ = false;
+    bool isOutdated_ = false; ///< the list has changed since it was asked for
+};
+
+} // namespace velmorquit

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Linux/DBus/NotifierItems.h"
+#include "Linux/X11/X11Events.h"
+
+#include <set>
+
+namespace velmorquit {
+
+/// Whose icons are in the tray, whichever way they got there.
+class TrayOwners {
+public:
+    /// `bus` is the session bus, connected or not; `own` is this program's process. The events
+    /// outlive it.
+    TrayOwners(const QDBusConnection& bus, X11Events& events, ProcessId own);
+
+    /// The processes that have an icon, this one left out. Windows that a tray has taken in are
+    /// asked of the display server, in some short questions; what is on the notifiers' list is read
+    /// from memory.
+    [[nodiscard]] std::set<ProcessId> processes();
+
+private:
+    NotifierItems items_;
+    X11Events& events_;
+    ProcessId own_;
+};
+
+} // namespace velmorquit

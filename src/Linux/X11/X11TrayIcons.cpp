@@ -1,0 +1,100 @@
+#include "Linux/X11/X11TrayIcons.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace velmorquit {
+
+namespace {
+
+/// How many windows are asked for what lies in them: of the tray, and of all others.
+constexpr std::size_t mostWindows = 5000;
+
+void limit(std::vector<xcb_window_t>& windows, std::size_t& left) {
+    windows.resize(std::min(windows.size(), left));
+    left -= windows.size();
+}
+
+} // namespace
+
+// The tray may lie in somebody's frame, and that in another one; what else a frame holds is a
+// program's own. Frames have dozens of windows for their edges: those must not use up what the
+// tray's own are allowed.
+std::set<xcb_window_t> X11TrayIcons::windows() {
+    const xcb_window_t owner = tray();
+    if (owner == XCB_WINDOW_NONE)
+        return {};
+    const xcb_window_t traysProgram = programOf(owner);
+    std::vector<xcb_window_t> icons;
+    std::vector<xcb_window_t> ofTray;
+    std::vector<xcb_window_t> ofOthers{connection_.root()};
+    for (std::size_t left = mostWindows, leftOfTray = mostWindows;;) {
+        limit(ofTray, leftOfTray);
+        limit(ofOthers, left);
+        std::vector<xcb_window_t> level = std::exchange(ofTray, {});
+        level.insert(level.end(), ofOthers.begin(), ofOthers.end());
+        ofOthers.clear();
+        if (level.empty())
+            return unmanaged(icons);
+        for (const auto& [window, parent] : childrenOf(level)) {
+            const xcb_window_t program = programOf(window);
+            const xcb_window_t parentsProgram = programOf(parent);
+            if (program == traysProgram)
+                ofTray.push_back(window);
+            else if (parentsProgram == traysProgram)
+                icons.push_back(window);
+            else if (program == parentsProgram || parent == connection_.root())
+                ofOthers.push_back(window);
+        }
+    }
+}
+
+xcb_window_t X11TrayIcons::tray() {
+    const xcb_atom_t selection =
+        connection_.atom("_NET_SYSTEM_TRAY_S" + std::to_string(connection_.screenNumber()));
+    const auto reply = owned(xcb_get_selection_owner_reply(
+        connection_.get(), xcb_get_selection_owner(connection_.get(), selection), nullptr));
+    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+/// What is common to all windows that were made over one connection.
+xcb_window_t X11TrayIcons::programOf(xcb_window_t window) const {
+    return window & ~xcb_get_setup(connection_.get())->resource_id_mask;
+}
+
+std::vector<X11TrayIcons::Found>
+X11TrayIcons::childrenOf(const std::vector<xcb_window_t>& parents) {
+    std::vector<xcb_query_tree_cookie_t> cookies;
+    cookies.reserve(parents.size());
+    for (const xcb_window_t parent : parents)
+        cookies.push_back(xcb_query_tree(connection_.get(), parent));
+    std::vector<Found> found;
+    for (std::size_t index = 0; index < parents.size(); ++index) {
+        const auto reply = owned(xcb_query_tree_reply(connection_.get(), cookies[index], nullptr));
+        if (!reply)
+            continue;
+        const xcb_window_t* children = xcb_query_tree_children(reply.get());
+        for (int child = 0; child < xcb_query_tree_children_length(reply.get()); ++child)
+            found.push_back({children[child], parents[index]});
+    }
+    return found;
+}
+
+// Where the window manager is the tray as well, its frames hold the windows of all programs.
+std::set<xcb_window_t> X11TrayIcons::unmanaged(const std::vector<xcb_window_t>& windows) {
+    constexpr std::uint32_t withdrawn = 0;
+    std::vector<xcb_get_property_cookie_t> cookies;
+    cookies.reserve(windows.size());
+    for (const xcb_window_t window : windows)
+        cookies.push_back(connection_.request(window, "WM_STATE"));
+    std::set<xcb_window_t> unmanaged;
+    for (std::size_t index = 0; index < windows.size(); ++index) {
+        const auto state = connection_.numbers(cookies[index]);
+        if (state.empty() || state.front() == withdrawn)
+            unmanaged.insert(windows[index]);
+    }
+    return unmanaged;
+}
+
+} // namespace velmorquit

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Linux/X11/X11Connection.h"
+
+#include <set>
+#include <vector>
+
+namespace velmorquit {
+
+/// Finds the windows that a tray has taken in.
+class X11TrayIcons {
+public:
+    /// The connection outlives it.
+    explicit X11TrayIcons(X11Connection& connection) : connection_(connection) {}
+
+    /// Windows of other programs inside those of the program that holds the tray's selection; none
+    /// without one. Some short questions to the display server, as many as windows lie in each
+    /// other. Of a screen with thousands of windows not all are looked at.
+    [[nodiscard]] std::set<xcb_window_t> windows();
+
+private:
+    struct Found {
+        xcb_window_t window;
+        xcb_window_t parent;
+    };
+
+    [[nodiscard]] xcb_window_t tray();
+    [[nodiscard]] xcb_window_t programOf(xcb_window_t window) const;
+    [[nodiscard]] std::vector<Found> childrenOf(const std::vector<xcb_window_t>& parents);
+    [[nodiscard]] std::set<xcb_window_t> unmanaged(const std::vector<xcb_window_t>& windows);
+
+    X11Connection& connection_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,109 @@
+#include "Linux/DBus/NotifierItems.h"
+#include "support/PrivateBus.h"
+#include "support/StandInWatcher.h"
+#include "support/Waiting.h"
+
+#include <QDBusConnectionInterface>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include <unistd.h>
+
+namespace velmorquit {
+namespace {
+
+using Ids = std::set<ProcessId>;
+
+/// Icons of two processes: of this one, and of the bus itself, which has a name on it too.
+class NotifierItemsTest : public testing::Test {
+protected:
+    /// An icon passes from the list to its process by more messages than are let arrive at once.
+    Ids processes() {
+        for (int round = 0; round < 3; ++round)
+            settle({session, watcher.bus});
+        return items->processes();
+    }
+
+    PrivateBus bus;
+    QDBusConnection session = bus.connect();
+    StandInWatcher watcher{bus.connect()};
+    const QString busEntry = QStringLiteral("org.freedesktop.DBus/StatusNotifierItem");
+    const ProcessId busProcess =
+        static_cast<ProcessId>(session.interface()->servicePid("org.freedesktop.DBus"));
+    std::unique_ptr<NotifierItems> items;
+};
+
+TEST_F(NotifierItemsTest, UnderstandsTheEntriesOfAllWatchers) {
+    QDBusConnection program = bus.connect();
+    ASSERT_TRUE(program.registerService("org.kde.StatusNotifierItem-123-1"));
+    watcher.appear();
+    items = std::make_unique<NotifierItems>(session);
+    EXPECT_EQ(processes(), Ids());
+    for (const QString& entry :
+         {program.baseService() + "/StatusNotifierItem", program.baseService() + "@/some/path",
+          program.baseService(), QStringLiteral("org.kde.StatusNotifierItem-123-1"),
+          QStringLiteral("org.kde.StatusNotifierItem-123-1/org/item")}) {
+        watcher.setItems({entry, ":1.99999/gone", "org.example.Gone", "", "/StatusNotifierItem"});
+        EXPECT_EQ(processes(), Ids{::getpid()}) << entry.toStdString();
+        watcher.setItems({});
+        EXPECT_EQ(processes(), Ids());
+    }
+}
+
+TEST_F(NotifierItemsTest, FollowsIconsAndWatchersThatComeAndGo) {
+    const QString entry = session.baseService() + "/StatusNotifierItem";
+    items = std::make_unique<NotifierItems>(session);
+    EXPECT_EQ(processes(), Ids());
+    watcher.items = QStringList{entry};
+    watcher.appear();
+    EXPECT_EQ(processes(), Ids{::getpid()});
+    watcher.setItems({entry, busEntry});
+    EXPECT_EQ(processes(), (Ids{::getpid(), busProcess}));
+    watcher.disappear();
+    EXPECT_EQ(processes(), Ids());
+    watcher.appear();
+    EXPECT_EQ(processes(), (Ids{::getpid(), busProcess}));
+}
+
+TEST_F(NotifierItemsTest, AsksASlowWatcherOnceMoreHoweverMuchChangesMeanwhile) {
+    watcher.isSlow = true;
+    watcher.appear();
+    items = std::make_unique<NotifierItems>(session);
+    EXPECT_EQ(processes(), Ids());
+    EXPECT_EQ(watcher.questions, 1);
+    for (int count = 0; count < 5; ++count)
+        watcher.setItems({busEntry});
+    EXPECT_EQ(processes(), Ids());
+    EXPECT_EQ(watcher.questions, 1);
+    watcher.answer();
+    EXPECT_EQ(processes(), Ids());
+    EXPECT_EQ(watcher.questions, 2);
+    watcher.answer();
+    EXPECT_EQ(processes(), Ids{busProcess});
+
+    // What one says that has gone is nothing to the next one.
+    watcher.setItems({});
+    settle({session, watcher.bus});
+    watcher.disappear();
+    StandInWatcher next(bus.connect());
+    next.items = QStringList{busEntry};
+    next.appear();
+    settle({session, next.bus});
+    watcher.answer();
+    EXPECT_EQ(processes(), Ids{busProcess});
+}
+
+TEST_F(NotifierItemsTest, WithoutABusThereAreNone) {
+    EXPECT_EQ(NotifierItems(QDBusConnection("no bus")).processes(), Ids());
+    watcher.items = QStringList{busEntry};
+    watcher.appear();
+    items = std::make_unique<NotifierItems>(session);
+    EXPECT_EQ(processes(), Ids{busProcess});
+    bus.stop();
+    EXPECT_TRUE(waitUntil([this] { return items->processes().empty(); }));
+}
+
+} // namespace
+} // namespace velmorquit
