@@ -1,0 +1,64 @@
+#pragma once
+
+#include "Linux/X11/X11Events.h"
+#include "Platform/InputActivity.h"
+#include "Platform/MainLoop.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+
+#include <map>
+#include <memory>
+
+namespace velmorquit {
+
+/// When the user touched the keyboard or the pointer last, by what the X server and the compositor
+/// know.
+///
+/// A whole X server knows of all input, so its word is enough. One that is a guest on a Wayland
+/// session hears only of what was meant for X windows: what it says tells when somebody was there
+/// last at the earliest, and counts only beside a compositor's word. Of those that answer the most
+/// recent input counts.
+///
+/// Compositors are asked over the session bus: GNOME's idle monitor, and the screen locker of
+/// Plasma. The latter is asked by a name that only Plasma's has, since what others answer to the
+/// same call are whole seconds, or seconds since the session counted as idle. Its zero is no
+/// answer: it is what it says on Wayland, where it doesn't know.
+class DesktopInput final : public InputActivity {
+public:
+    static constexpr Duration patience = 1s;
+
+    enum class Server {
+        whole, ///< all windows of the session are the X server's
+        guest, ///< a part of them
+    };
+
+    /// `bus` is the session bus, connected or not. The loop and the events outlive it.
+    DesktopInput(MainLoop& loop, QDBusConnection bus, X11Events& events, Server server);
+
+    /// Asks the X server a short question, and the others without waiting. Nobody is started in
+    /// order to be asked.
+    [[nodiscard]] Handle sinceLastInput(std::function<void(std::optional<Duration>)> told) override;
+
+private:
+    struct Question;
+    struct Questions final : Handle::Source {
+        void cancel(std::uint64_t id) noexcept override;
+
+        std::map<std::uint64_t, std::unique_ptr<Question>> byId;
+        std::uint64_t lastId = 0;
+    };
+
+    [[nodiscard]] std::optional<Duration> askServer();
+    void askCompositor(std::uint64_t id, const QDBusMessage& message);
+    void hear(std::uint64_t id, const QDBusMessage& answer);
+    void finishIn(Duration wait, std::uint64_t id);
+
+    MainLoop& loop_;
+    QDBusConnection bus_;
+    X11Events& events_;
+    Server server_;
+    std::shared_ptr<Questions> questions_;
+};
+
+} // namespace velmorquit
