@@ -1,0 +1,99 @@
+#include "Linux/Descriptor.h"
+#include "Linux/Session/DisplayServers.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+
+namespace velmorquit {
+namespace {
+
+namespace fs = std::filesystem;
+
+class DisplayServersTest : public testing::Test {
+protected:
+    DisplayServersTest() {
+        std::string name = (fs::temp_directory_path() / "velmor-run.XXXXXX").string();
+        folder = ::mkdtemp(name.data());
+    }
+    ~DisplayServersTest() override { fs::remove_all(folder); }
+
+    /// A socket that is listened to for as long as the descriptor is open.
+    [[nodiscard]] Descriptor listenAt(const fs::path& path, int backlog = 1) const {
+        Descriptor server(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        const sockaddr_un address = addressOf(path);
+        EXPECT_EQ(::bind(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+                  0);
+        EXPECT_EQ(::listen(server.get(), backlog), 0);
+        return server;
+    }
+    static sockaddr_un addressOf(const fs::path& path) {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.native().copy(address.sun_path, sizeof address.sun_path - 1);
+        return address;
+    }
+
+    [[nodiscard]] bool hasAnother(const std::string& display = "",
+                                  const std::string& type = "x11") const {
+        return DisplayServers({.sessionType = type, .display = display, .runtimeFolder = folder})
+            .hasAnotherDisplay();
+    }
+
+    fs::path folder;
+};
+
+TEST_F(DisplayServersTest, WhatIsNotListenedToIsNone) {
+    EXPECT_FALSE(hasAnother());
+    EXPECT_FALSE(hasAnother("wayland-0"));
+    EXPECT_FALSE(hasAnother(std::string(300, 'x')));
+    EXPECT_FALSE(DisplayServers({}).hasAnotherDisplay());
+    {
+        const Descriptor crashed = listenAt(folder / "wayland-0");
+    }
+    ASSERT_TRUE(fs::is_socket(folder / "wayland-0"));
+    std::ofstream(folder / "wayland-0.lock");
+    std::ofstream(folder / "wayland-1") << "no socket";
+    fs::create_directory(folder / "wayland-2");
+    const Descriptor other = listenAt(folder / "wayland-x11");
+    const Descriptor inner = listenAt(folder / "wayland-2" / "wayland-0");
+    for (const char* display : {"", "wayland-0", "wayland-1", "wayland-2"})
+        EXPECT_FALSE(hasAnother(display)) << display;
+}
+
+TEST_F(DisplayServersTest, OneThatAnswersCountsWhereverItIsSaidToBe) {
+    EXPECT_TRUE(hasAnother("", "wayland"));
+    {
+        const Descriptor server = listenAt(folder / "wayland-17");
+        EXPECT_TRUE(hasAnother()) << "without anybody saying so";
+        EXPECT_TRUE(hasAnother("gone"));
+    }
+    EXPECT_FALSE(hasAnother());
+    const Descriptor server = listenAt(folder / "other");
+    EXPECT_FALSE(hasAnother());
+    EXPECT_TRUE(hasAnother("other"));
+    EXPECT_TRUE(DisplayServers({.display = folder / "other"}).hasAnotherDisplay());
+    EXPECT_FALSE(DisplayServers({.display = "other"}).hasAnotherDisplay());
+}
+
+TEST_F(DisplayServersTest, OneThatLetsNobodyInAtTheMomentIsThereAsWell) {
+    const Descriptor server = listenAt(folder / "wayland-0", 0);
+    std::vector<Descriptor> waiting;
+    const sockaddr_un address = addressOf(folder / "wayland-0");
+    do
+        waiting.emplace_back(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+    while (::connect(waiting.back().get(), reinterpret_cast<const sockaddr*>(&address),
+                     sizeof address) == 0);
+    EXPECT_EQ(errno, EAGAIN);
+    EXPECT_TRUE(hasAnother());
+}
+
+} // namespace
+} // namespace velmorquit
