@@ -27,6 +27,9 @@ public:
     /// Forgets what is stored under `key`. Nothing stored is no error.
     virtual void remove(std::string_view key) = 0;
 
+    /// Takes over what another program has stored by now, instead of in a moment.
+    virtual void refresh() = 0;
+
     /// Calls `changed` in a later turn after any change, by this program or by another one.
     [[nodiscard]] virtual Handle observe(std::function<void()> changed) = 0;
 

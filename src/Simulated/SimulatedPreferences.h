@@ -13,9 +13,16 @@ public:
     [[nodiscard]] std::optional<Value> object(std::string_view key) const override;
     void set(std::string_view key, Value value) override;
     void remove(std::string_view key) override;
+    void refresh() override {
+        if (onRefresh)
+            onRefresh();
+    }
     [[nodiscard]] Handle observe(std::function<void()> changed) override {
         return observers_.add(std::move(changed));
     }
+
+    /// Another program's chance to have stored something just now.
+    std::function<void()> onRefresh;
 
     /// All that is stored.
     [[nodiscard]] const Value::Dictionary& values() const { return values_; }

@@ -9,6 +9,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -68,6 +69,21 @@ TEST_F(Exclusions, SurviveTheProgram) {
     EXPECT_EQ(answer.status, 0);
     EXPECT_EQ(answer.text, "Non c'è niente da chiudere.\n");
     EXPECT_THAT(kept.output(), Not(HasSubstr("asked")));
+}
+
+TEST_F(Exclusions, ThatAnotherProgramStoresHoldAtOnceAndAreKept) {
+    prefer({{"excludedApps", Value::Array{"Elsewhere"}}});
+    startProgram();
+    Child& letter = openRude({"--class", "Letter"});
+    openRude({"--class", "Mail"});
+    prefer({{"excludedApps", Value::Array{"Elsewhere", "Letter"}}});
+    await("the edit", [&] { return excluded() == std::vector<std::string>{"Elsewhere", "Letter"}; });
+    EXPECT_EQ(control({"quit-all"}).status, 0);
+    EXPECT_THAT(letter.output(), Not(HasSubstr("asked")));
+    prefer({{"excludedApps", Value::Array{"Letter", "New"}}});
+    openRude({"--class", "Mail"});
+    EXPECT_EQ(control({"exclude", "Mail"}).status, 0);
+    EXPECT_THAT(excluded(), ElementsAre("Letter", "Mail", "New"));
 }
 
 TEST_F(Exclusions, OfAnUnknownNameAreRefused) {

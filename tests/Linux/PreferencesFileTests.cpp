@@ -276,6 +276,14 @@ TEST_F(PreferencesFile, MergesAnEditThatItHasNotHeardOf) {
     EXPECT_EQ(preferences->object("theirs"), Value(2));
 }
 
+TEST_F(PreferencesFile, TakesAnEditOverWhenItIsAskedTo) {
+    open().set("ours", 1);
+    writeRenaming({{"ours", 1}, {"theirs", 2}});
+    EXPECT_EQ(preferences->object("theirs"), std::nullopt) << "the watch has not told of it";
+    preferences->refresh();
+    EXPECT_EQ(preferences->object("theirs"), Value(2));
+}
+
 TEST_F(PreferencesFile, WritesThroughASymbolicLink) {
     const fs::path target = root / "dotfiles" / "velmor.plist";
     fs::create_directories(file.parent_path());

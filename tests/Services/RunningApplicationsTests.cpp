@@ -119,6 +119,29 @@ TEST_F(Exclusions, OfOnePartOfAnOfficeSuiteHoldForItsProcess) {
     EXPECT_EQ(names(controller->quittable()), "Writer");
 }
 
+TEST_F(Exclusions, OfAnotherProgramHoldAtOnceAndAreNotWrittenOver) {
+    desktop.open("Note");
+    desktop.open("Mail");
+    desktop.open("Files");
+    desktop.preferences.set("excludedApps", Value::Array{"Files"});
+    start();
+    desktop.preferences.set("excludedApps", Value::Array{"Files", "Note"});
+    desktop.preferences.set("backupFirst", true);
+    desktop.preferences.set("afterQuit", "restart");
+    desktop.loop.settle();
+    EXPECT_EQ(names(controller->quittable()), "Mail");
+    EXPECT_TRUE(controller->backupFirst);
+    EXPECT_EQ(controller->afterQuit.get(), PowerAction::restart);
+    // What nobody has told of yet.
+    desktop.preferences.onRefresh = [this] {
+        desktop.preferences.set("excludedApps", Value::Array{"Letter", "Mail", "Note"});
+    };
+    controller->toggleExclusion(app("Mail"));
+    EXPECT_EQ(stored(), (Value::Array{"Letter", "Mail", "Note"})) << "as the user wanted it";
+    controller->toggleExclusion(app("Note"));
+    EXPECT_EQ(stored(), (Value::Array{"Letter", "Mail"}));
+}
+
 TEST_F(Exclusions, TheStoredPowerActionIsReadExactlyAndWrittenOnChange) {
     desktop.preferences.set("afterQuit", "Restart");
     EXPECT_EQ(start().afterQuit.get(), PowerAction::none);

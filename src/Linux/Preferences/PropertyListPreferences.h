@@ -50,6 +50,7 @@ public:
     [[nodiscard]] std::optional<Value> object(std::string_view key) const override;
     void set(std::string_view key, Value value) override { change(key, std::move(value)); }
     void remove(std::string_view key) override { change(key, std::nullopt); }
+    void refresh() override { noticeEdit(); }
     [[nodiscard]] Handle observe(std::function<void()> changed) override {
         return observers_.add(std::move(changed));
     }

@@ -15,6 +15,7 @@ QuitController::QuitController(const Desktop& desktop)
       schedule(desktop.loop), awaitingConfirmation(desktop.loop), confirmScheduled(desktop.loop),
       scheduleNote(desktop.loop), desktop_(desktop) {
     loadPreferences();
+    observers_.push_back(desktop_.preferences.observe([this] { loadPreferences(); }));
     loadLastSession();
     observeWorkspace();
     observeClock();

@@ -192,6 +192,7 @@ private:
     void loadPreferences();
     void loadLastSession();
     void observeWorkspace();
+    void takeOverEdits();
     void storeExclusions(std::set<std::string> keys);
 
     Task pollTargets(Uptime deadline);

@@ -62,8 +62,11 @@ std::vector<OpenApp> QuitController::quittable() const {
 }
 
 void QuitController::toggleExclusion(const OpenApp& app) {
+    // What the user saw and meant to change.
+    const bool wasExcluded = isExcluded(app);
+    takeOverEdits();
     std::set<std::string> keys = excluded;
-    if (isExcluded(app)) {
+    if (wasExcluded) {
         keys.erase(app.exclusionKey());
         for (const std::string& identity : app.otherIdentities)
             keys.erase(identity);
@@ -74,11 +77,18 @@ void QuitController::toggleExclusion(const OpenApp& app) {
 }
 
 bool QuitController::includeAgain(const std::string& key) {
+    takeOverEdits();
     std::set<std::string> keys = excluded;
     if (keys.erase(key) == 0)
         return false;
     storeExclusions(std::move(keys));
     return true;
+}
+
+/// The list is stored as a whole: what another program has added to it by now is part of it.
+void QuitController::takeOverEdits() {
+    desktop_.preferences.refresh();
+    loadPreferences();
 }
 
 void QuitController::storeExclusions(std::set<std::string> keys) {
