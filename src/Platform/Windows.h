@@ -16,9 +16,9 @@ struct WindowOwner {
     /// 0 when it runs on another computer or nobody knows which process it is.
     ProcessId process = 0;
     /// As the user knows it, in valid UTF-8; never empty.
-    std::string name;
+    std::string name{};
     /// What identifies the application across starts; empty when nothing does.
-    std::string application;
+    std::string application{};
     /// What it does without windows is none of the user's business: it came with the session, is
     /// hidden from menus, or takes in what is typed for others.
     bool isBackground = false;
@@ -28,9 +28,10 @@ struct WindowOwner {
 struct OpenWindow {
     std::uint64_t id = 0;
     WindowOwner owner;
-    /// It asks something of the user, and is not asked to close itself: some take that as an answer.
+    /// It asks something of the user, and is not asked to close itself: some take that as an
+    /// answer.
     bool isQuestion = false;
-    /// Whether there is a polite way to ask it, which loses nothing that runs in it.
+    /// Whether it understands being asked to close.
     bool canBeAsked = false;
 };
 
@@ -43,8 +44,9 @@ public:
     /// The ordinary windows and the questions, in the order in which they appeared.
     [[nodiscard]] virtual std::vector<OpenWindow> open() = 0;
 
-    /// Asks a window of `open` to close as its own close button would. Returns at once.
-    virtual void askToClose(std::uint64_t window) = 0;
+    /// Asks a window of `open` to close as its own close button would. False when it was not asked,
+    /// since something that runs in it would be lost. Returns at once.
+    virtual bool askToClose(std::uint64_t window) = 0;
 
     /// Asks a process that has lost its windows to quit, if it understands any other way. Returns
     /// at once.

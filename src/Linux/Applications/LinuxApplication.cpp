@@ -12,7 +12,7 @@ LinuxApplication::LinuxApplication(std::unique_ptr<ProcessHandle> process, Ident
       icon_(
           std::make_shared<Icon>(Icon{identity_.iconName, identity_.iconFile, std::move(picture)})),
       launchDate_(origin.launchDate), isHidden_(identity_.isHidden), isService_(origin.isService),
-      surroundings_(std::move(surroundings)) {}
+      isBackground_(origin.isBackground), surroundings_(std::move(surroundings)) {}
 
 void LinuxApplication::addIdentity(const Identity& identity) {
     if (identity.id)

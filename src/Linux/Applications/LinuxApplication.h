@@ -48,6 +48,8 @@ public:
     void setPolicy(ActivationPolicy policy) { policy_ = policy; }
     /// Whether all that it has shown is meant to be hidden from the user.
     [[nodiscard]] bool isHidden() const { return isHidden_; }
+    /// What it does without windows is none of the user's business.
+    [[nodiscard]] bool isBackground() const { return isHidden_ || isBackground_; }
     [[nodiscard]] bool isService() const { return isService_; }
     /// It was a service and its last window has closed.
     void leave() { hasLeft_ = true; }
@@ -80,6 +82,7 @@ private:
     std::optional<WallTime> launchDate_;
     bool isHidden_;
     bool isService_;
+    bool isBackground_;
     bool hasLeft_ = false;
     Surroundings surroundings_;
     ActivationPolicy policy_ = ActivationPolicy::regular;

@@ -11,7 +11,7 @@ LinuxWorkspace::LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& s
                                const Means& means)
     : loop_(loop), log_(log), source_(source),
       windows_(std::make_shared<WorkspaceWindows>(loop, source, means.askWithoutWindows)),
-      launch_(means.launch), proc_(means.proc) {
+      launch_(means.launch), hasAnotherDisplay_(means.hasAnotherDisplay), proc_(means.proc) {
     readToplevels();
     watching_ = source_.observe([this] { update(); });
 }
@@ -28,6 +28,18 @@ std::vector<std::shared_ptr<RunningApplication>> LinuxWorkspace::runningApplicat
             running.push_back(member.application);
     }
     return running;
+}
+
+Sight LinuxWorkspace::sight() {
+    if (hasAnotherDisplay_ && hasAnotherDisplay_())
+        return Sight::anotherDisplay;
+    return source_.seesAll() ? Sight::all : Sight::noWindowList;
+}
+
+std::shared_ptr<const LinuxApplication> LinuxWorkspace::application(ProcessId id) const {
+    const auto found = std::ranges::find_if(
+        members_, [id](const Member& member) { return member.application->processId() == id; });
+    return found == members_.end() ? nullptr : found->application;
 }
 
 std::shared_ptr<RunningApplication> LinuxWorkspace::frontmostApplication() const {
@@ -79,7 +91,7 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
     for (const Toplevel& toplevel : toplevels) {
         if (toplevel.window == source_.focusedWindow())
             focusedProcess = toplevel.process;
-        if (toplevel.process == ::getpid())
+        if (toplevel.process <= 0 || toplevel.process == ::getpid())
             continue;
         if (toplevel.isOrdinary && admit(toplevel))
             events.insert(WorkspaceEvent::launched);

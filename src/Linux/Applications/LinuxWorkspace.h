@@ -29,6 +29,8 @@ public:
         /// Starts the application of a desktop entry, given its path, and returns at once; may be
         /// empty.
         std::function<void(const std::string&)> launch = {};
+        /// Whether the session has another display than that of the windows; may be empty.
+        std::function<bool()> hasAnotherDisplay = {};
         /// Where the processes are looked at.
         std::string proc = "/proc";
     };
@@ -38,7 +40,7 @@ public:
     ~LinuxWorkspace() override;
 
     [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>> runningApplications() override;
-    [[nodiscard]] Sight sight() override { return Sight::all; }
+    [[nodiscard]] Sight sight() override;
     [[nodiscard]] std::shared_ptr<RunningApplication> frontmostApplication() const override;
     [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {
         return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));
@@ -47,6 +49,11 @@ public:
     [[nodiscard]] std::shared_ptr<const Icon> icon(const std::string& path) const override;
     /// The usual file managers: the session's own windows on the disk.
     [[nodiscard]] std::vector<std::string> defaultExclusions() const override;
+
+    /// The one that is this process, running or not any more; null for none.
+    [[nodiscard]] std::shared_ptr<const LinuxApplication> application(ProcessId id) const;
+    /// Whether something runs in the windows of this process that would be lost with them.
+    [[nodiscard]] bool hasJob(ProcessId id) { return windows_->hasJob(id); }
 
 private:
     struct Member {
@@ -77,6 +84,7 @@ private:
     DesktopEntries entries_;
     std::shared_ptr<WorkspaceWindows> windows_;
     std::function<void(const std::string&)> launch_;
+    std::function<bool()> hasAnotherDisplay_;
     BackgroundStarts starts_;
     Handle restoring_;
     ProcDirectory proc_;

@@ -4,7 +4,9 @@
 #include "Linux/Proc/ProcessStat.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <string_view>
 
 #include <unistd.h>
 
@@ -67,6 +69,15 @@ bool isStartedAsService(const std::string& commandLine) {
     return commandLine.find(std::string("\0--gapplication-service\0", 24)) != std::string::npos;
 }
 
+/// By the file names of the usual ones, and of what belongs to them.
+bool isInputMethod(const std::string& executable) {
+    static constexpr std::array<std::string_view, 7> families{"ibus", "fcitx", "scim", "uim",
+                                                              "hime", "gcin",  "nabi"};
+    const std::string name = executable.substr(executable.rfind('/') + 1);
+    return std::ranges::any_of(families,
+                               [&](std::string_view family) { return name.starts_with(family); });
+}
+
 } // namespace
 
 ProcessOrigin originOf(ProcessId process, const ProcDirectory& proc,
@@ -78,6 +89,7 @@ ProcessOrigin originOf(ProcessId process, const ProcDirectory& proc,
         return origin;
     origin.isService = isStartedAsService(proc.read(process, "cmdline")) ||
                        (isUserService(cgroup) && isMainProcess(*stat, cgroup, proc));
+    origin.isBackground = isAutostarted(cgroup) || isInputMethod(proc.link(process, "exe"));
     origin.launchDate = startOf(*stat, proc);
     const std::string_view unit = applicationUnit(cgroup);
     if (!unit.empty() && !isGuest(*stat, unit, proc, windowOwners))

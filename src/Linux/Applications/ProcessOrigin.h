@@ -17,6 +17,9 @@ struct ProcessOrigin {
     std::vector<std::string> entries;
     /// The session or its bus keeps it as a background service.
     bool isService = false;
+    /// It came with the session, or takes in what is typed for other programs: the user has not
+    /// started it to work with it.
+    bool isBackground = false;
     std::optional<WallTime> launchDate;
 };
 

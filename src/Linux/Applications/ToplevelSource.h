@@ -19,10 +19,13 @@ struct ToplevelIdentity {
     friend auto operator<=>(const ToplevelIdentity&, const ToplevelIdentity&) = default;
 };
 
-/// A window of a program of this computer.
+/// A window of a program.
 struct Toplevel {
     std::uint64_t window = 0;
+    /// 0 when the program runs on another computer, or nobody knows which one it is.
     ProcessId process = 0;
+    /// The other computer; empty for this one. UTF-8.
+    std::string machine;
     ToplevelIdentity identity;
     /// One that the user works with. The others are dialogs that no list of windows shows.
     bool isOrdinary = true;
@@ -45,6 +48,13 @@ public:
     /// tenth of a second ago at the most. One short question to the display server, in which all
     /// windows are asked about.
     [[nodiscard]] virtual const std::vector<Toplevel>& toplevels() = 0;
+
+    /// Whether `toplevels` are all that there are: somebody lists them. Asked of the desktop.
+    [[nodiscard]] virtual bool seesAll() = 0;
+
+    /// What stands in the window's title bar, in UTF-8; empty when nothing does. Asked of the
+    /// desktop.
+    [[nodiscard]] virtual std::string title(std::uint64_t window) = 0;
 
     /// The processes that make up the desktop itself: panels, the icons behind the windows, the
     /// window manager, the compositor, the tray. As old as the last answer of `toplevels`.

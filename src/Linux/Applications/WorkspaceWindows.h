@@ -27,9 +27,10 @@ public:
     std::vector<Toplevel> dialogs(ProcessId process) override;
     bool isDeaf(ProcessId process) override;
 
-private:
+    /// Whether it is a terminal at work: see `hasTerminalJob`.
     bool hasJob(ProcessId process);
 
+private:
     MainLoop& loop_;
     ToplevelSource& source_;
     std::function<void(ProcessId)> askOtherwise_;

@@ -102,6 +102,10 @@ std::vector<std::string> desktopEntriesOfUnit(std::string_view applicationUnit) 
     return entries;
 }
 
+bool isAutostarted(std::string_view cgroup) {
+    return applicationUnit(cgroup).ends_with("@autostart.service");
+}
+
 bool isUserService(std::string_view cgroup) {
     bool isInUserManager = false;
     bool isService = false;

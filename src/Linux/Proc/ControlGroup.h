@@ -20,6 +20,9 @@ namespace velmorquit {
 /// first: whoever makes units may put their own name in front of the entry's.
 [[nodiscard]] std::vector<std::string> desktopEntriesOfUnit(std::string_view applicationUnit);
 
+/// Whether the process was started with the session, as one of the programs that are to be.
+[[nodiscard]] bool isAutostarted(std::string_view cgroup);
+
 /// Whether the process is a background service of the user's session: one that the session or its
 /// bus has started, and will start again, without being an application of its own.
 [[nodiscard]] bool isUserService(std::string_view cgroup);

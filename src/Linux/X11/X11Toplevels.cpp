@@ -1,5 +1,6 @@
 #include "Linux/X11/X11Toplevels.h"
 
+#include "Linux/Text.h"
 #include "Linux/X11/X11WindowManager.h"
 
 #include <algorithm>
@@ -110,7 +111,7 @@ void X11Toplevels::scan() {
 }
 
 void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_window_t>& all) {
-    if (facts.kind == X11Windows::Kind::shell)
+    if (facts.kind == X11Windows::Kind::shell && facts.toplevel.process > 0)
         shellProcesses_.insert(facts.toplevel.process);
     if (facts.kind != X11Windows::Kind::toplevel)
         return;
@@ -122,6 +123,22 @@ void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_win
     toplevel.isDialogOfAnother = hasOwner || toplevel.isModal;
     if (toplevel.isOrdinary || toplevel.isDialogOfAnother)
         toplevels_.push_back(std::move(toplevel));
+}
+
+bool X11Toplevels::seesAll() {
+    const bool isListed = windowManagerKnows(connection_, "_NET_CLIENT_LIST");
+    readEvents();
+    return isListed;
+}
+
+std::string X11Toplevels::title(std::uint64_t window) {
+    const auto asked = static_cast<xcb_window_t>(window);
+    const auto modern = connection_.request(asked, "_NET_WM_NAME");
+    const auto old = connection_.request(asked, "WM_NAME");
+    const std::string title = connection_.bytes(modern);
+    const std::string oldTitle = connection_.bytes(old);
+    readEvents();
+    return utf8(title.empty() ? oldTitle : title);
 }
 
 /// Windows by which parts of the desktop can be known that have no other: the window manager's own,

@@ -75,18 +75,18 @@ std::optional<X11Windows::Facts> X11Windows::read(const Inquiry& inquiry) {
     facts.isManaged = !managed->empty() && managed->front() != withdrawn;
     ownMachines_.insert(hostName());
     const bool isHere = ownMachines_.contains(machine);
-    if (!machine.empty() && !isHere)
-        return facts;
 
     Toplevel& toplevel = facts.toplevel;
     toplevel.window = inquiry.window;
-    // The server knows by its socket who is at the other end. What a window states of itself may be
-    // a number inside a sandbox, or of another computer where it doesn't say which one it is on.
-    toplevel.process = serverProcess;
-    if (toplevel.process <= 0 && isHere && !statedProcess.empty())
-        toplevel.process = static_cast<ProcessId>(statedProcess.front());
-    if (toplevel.process <= 0)
-        return facts;
+    // The server knows by its socket who is at the other end, which for a window of another
+    // computer is whoever forwards it. What a window states of itself may be a number inside a
+    // sandbox, or of another computer where it doesn't say which one it is on.
+    if (!machine.empty() && !isHere)
+        toplevel.machine = utf8(machine);
+    else if (serverProcess > 0)
+        toplevel.process = serverProcess;
+    else if (isHere && !statedProcess.empty())
+        toplevel.process = std::max(0, static_cast<ProcessId>(statedProcess.front()));
     facts.kind = kindOf(types);
     const std::string instance = firstText(wmClass);
     toplevel.identity = {

@@ -30,7 +30,7 @@ public:
     enum class Kind {
         toplevel, ///< an ordinary window, or a dialog
         shell,    ///< part of the desktop: a panel, the icons behind the windows
-        other,    ///< neither, or of another computer, or nobody knows whose
+        other,    ///< neither
     };
     struct Facts {
         Kind kind = Kind::other;

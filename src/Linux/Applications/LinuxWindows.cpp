@@ -1,0 +1,62 @@
+#include "Linux/Applications/LinuxWindows.h"
+
+#include <algorithm>
+
+#include <unistd.h>
+
+namespace velmorquit {
+
+// A question is a window that nothing else can be done before, or that no list shows. Other windows
+// that belong to one are not asked to close either: they go with it.
+std::vector<OpenWindow> LinuxWindows::open() {
+    std::vector<OpenWindow> windows;
+    const std::vector<Toplevel> toplevels = source_.toplevels();
+    for (const Toplevel& toplevel : toplevels) {
+        if (toplevel.process == ::getpid())
+            continue;
+        windows.push_back(
+            {.id = toplevel.window,
+             .owner = ownerOf(toplevel),
+             .isQuestion = toplevel.isModal || !toplevel.isOrdinary,
+             .canBeAsked = toplevel.canBeAskedToClose && !toplevel.isDialogOfAnother});
+    }
+    return windows;
+}
+
+WindowOwner LinuxWindows::ownerOf(const Toplevel& toplevel) {
+    WindowOwner owner{.process = toplevel.process};
+    if (const auto application = workspace_.application(toplevel.process)) {
+        owner.name = application->localizedName().value_or("");
+        owner.application = application->bundleIdentifier().value_or("");
+        owner.isBackground = application->isBackground();
+    }
+    if (owner.name.empty())
+        owner.name = toplevel.identity.className;
+    if (owner.name.empty())
+        owner.name = source_.title(toplevel.window);
+    if (owner.name.empty())
+        owner.name = "App";
+    if (!toplevel.machine.empty())
+        owner.name += " (" + toplevel.machine + ')';
+    return owner;
+}
+
+bool LinuxWindows::askToClose(std::uint64_t window) {
+    const std::vector<Toplevel> toplevels = source_.toplevels();
+    const auto found = std::ranges::find(toplevels, window, &Toplevel::window);
+    if (found == toplevels.end() || (found->process > 0 && workspace_.hasJob(found->process)))
+        return false;
+    source_.askToClose(window);
+    return true;
+}
+
+void LinuxWindows::askWithoutWindows(ProcessId process) {
+    if (means_.askWithoutWindows && !workspace_.hasJob(process))
+        means_.askWithoutWindows(process);
+}
+
+std::set<ProcessId> LinuxWindows::trayOwners() {
+    return means_.trayOwners ? means_.trayOwners() : std::set<ProcessId>();
+}
+
+} // namespace velmorquit

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Linux/Applications/LinuxWorkspace.h"
+#include "Linux/Applications/ToplevelSource.h"
+#include "Platform/Windows.h"
+
+#include <functional>
+#include <set>
+
+namespace velmorquit {
+
+/// The windows of a Linux desktop, with the names by which the workspace knows their programs.
+class LinuxWindows final : public Windows {
+public:
+    struct Means {
+        /// Asks a process without windows to quit; may be empty.
+        std::function<void(ProcessId)> askWithoutWindows;
+        /// The processes that have an icon in the tray; may be empty.
+        std::function<std::set<ProcessId>()> trayOwners;
+    };
+
+    /// Both references outlive it.
+    LinuxWindows(ToplevelSource& source, LinuxWorkspace& workspace, Means means)
+        : source_(source), workspace_(workspace), means_(std::move(means)) {}
+
+    [[nodiscard]] std::vector<OpenWindow> open() override;
+    bool askToClose(std::uint64_t window) override;
+    void askWithoutWindows(ProcessId process) override;
+    [[nodiscard]] std::set<ProcessId> trayOwners() override;
+    [[nodiscard]] Handle observe(std::function<void()> told) override {
+        return source_.observe(std::move(told));
+    }
+
+private:
+    [[nodiscard]] WindowOwner ownerOf(const Toplevel& toplevel);
+
+    ToplevelSource& source_;
+    LinuxWorkspace& workspace_;
+    Means means_;
+};
+
+} // namespace velmorquit
