@@ -11,7 +11,8 @@ namespace velmorquit {
 AppDelegate::AppDelegate(const Desktop& desktop, const DesktopFace& face, const Notices& notices)
     : desktop_(desktop), actions_(desktop.loop, desktop.kernel, desktop.formats),
       controller_(desktop), updater_(desktop.loop), remoteControl_(controller_, actions_, desktop),
-      scheduleNotice_(controller_, notices.schedule, desktop.formats), trayItem_(face),
+      scheduleNotice_(controller_, notices.schedule, desktop.formats),
+      endNotice_(desktop.loop, desktop.loginWindow, notices.end), trayItem_(face),
       popover_(
           desktop.loop, face, [this] { return makePanel(); },
           [this] { return controller_.isRunning(); }),

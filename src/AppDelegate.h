@@ -9,6 +9,7 @@
 #include "Services/QuitController/QuitController.h"
 #include "Services/RemoteControl.h"
 #include "Services/ScheduleNotice.h"
+#include "Services/SessionEnd/EndNotice.h"
 #include "Views/ConfirmDialog.h"
 #include "Views/PanelPopover.h"
 #include "Views/TrayItem.h"
@@ -24,6 +25,7 @@ public:
     struct Notices {
         Notice& schedule;
         Notice& answers; ///< what published actions have to say
+        Notice& end;     ///< how far the end of the session has come
     };
 
     AppDelegate(const Desktop& desktop, const DesktopFace& face, const Notices& notices);
@@ -46,6 +48,7 @@ private:
     AppUpdater updater_;
     RemoteControl remoteControl_;
     ScheduleNotice scheduleNotice_;
+    EndNotice endNotice_;
     ConfirmDialog confirmDialog_;
     TrayItem trayItem_;
     PanelPopover popover_;

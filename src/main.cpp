@@ -3,6 +3,7 @@
 #include "Language/InstalledLanguage.h"
 #include "Linux/Applications/ApplicationLauncher.h"
 #include "Linux/Applications/DesktopEntryStart.h"
+#include "Linux/Applications/LinuxWindows.h"
 #include "Linux/Applications/LinuxWorkspace.h"
 #include "Linux/Autostart/AutostartEntry.h"
 #include "Linux/DBus/BusCommands.h"
@@ -15,18 +16,22 @@
 #include "Linux/Preferences/PropertyListPreferences.h"
 #include "Linux/Proc/LinuxChildProcesses.h"
 #include "Linux/Proc/ProcKernel.h"
+#include "Linux/Proc/ProcProcesses.h"
 #include "Linux/QtMainLoop.h"
 #include "Linux/QtProgram.h"
 #include "Linux/Session/BusEndService.h"
+#include "Linux/Session/BusSessionRegistry.h"
 #include "Linux/Session/BusSleepHolds.h"
-#include "Linux/Session/DesktopEndNotice.h"
+#include "Linux/Session/DesktopInput.h"
+#include "Linux/Session/DisplayServers.h"
 #include "Linux/Session/PowerBus.h"
-#include "Linux/Session/SessionEnd.h"
+#include "Linux/Tray/TrayOwners.h"
 #include "Linux/Volumes/UDisksVolumes.h"
 #include "Linux/X11/DesktopTrayHosts.h"
 #include "Linux/X11/X11Toplevels.h"
 #include "Linux/X11/X11WindowSystem.h"
 #include "Services/LaunchAtLogin.h"
+#include "Services/SessionEnd/SessionEnd.h"
 
 #include <QApplication>
 #include <QSessionManager>
@@ -139,6 +144,15 @@ BackupTool backupTool() {
             .destinations = defaultBackupDestinationsFile().string()};
 }
 
+std::set<ProcessId> windowOwners(ToplevelSource& source) {
+    std::set<ProcessId> owners;
+    for (const Toplevel& toplevel : source.toplevels()) {
+        if (toplevel.isOrdinary && toplevel.process > 0)
+            owners.insert(toplevel.process);
+    }
+    return owners;
+}
+
 /// With it and the path of a desktop entry the program does nothing but start that entry.
 constexpr const char* startEntrySwitch = "--start-entry";
 
@@ -192,18 +206,27 @@ int run(int argc, char** argv) {
     X11Toplevels toplevels(loop, log, std::move(*connection));
     BusQuit busQuit(QDBusConnection::sessionBus());
     ApplicationLauncher launcher({"/proc/self/exe", startEntrySwitch}, log);
+    const auto askWithoutWindows = [&busQuit](ProcessId process) { busQuit.quit(process); };
+    const DisplayServers displays(DisplayServers::Environment::ofThisProcess());
     LinuxWorkspace workspace(
         loop, log, toplevels,
-        {.askWithoutWindows = [&busQuit](ProcessId process) { busQuit.quit(process); },
-         .launch = [&launcher](const std::string& path) { launcher.launch(path); }});
-    kernel.setWindowOwners([&toplevels] {
-        std::set<ProcessId> owners;
-        for (const Toplevel& toplevel : toplevels.toplevels()) {
-            if (toplevel.isOrdinary)
-                owners.insert(toplevel.process);
-        }
-        return owners;
-    });
+        {.askWithoutWindows = askWithoutWindows,
+         .launch = [&launcher](const std::string& path) { launcher.launch(path); },
+         .hasAnotherDisplay = [&displays] { return displays.hasAnotherDisplay(); }});
+    kernel.setWindowOwners([&toplevels] { return windowOwners(toplevels); });
+    const QDBusConnection faceBus = QDBusConnection::sessionBus();
+    X11Events faceEvents(std::move(*faceConnection));
+    TrayOwners trayOwners(faceBus, faceEvents, ::getpid());
+    const auto inTray = [&trayOwners] { return trayOwners.processes(); };
+    LinuxWindows windows(toplevels, workspace,
+                         {.askWithoutWindows = askWithoutWindows, .trayOwners = inTray});
+    const ProcProcesses processes(
+        {.windowOwners = [&toplevels] { return windowOwners(toplevels); },
+         .trayOwners = inTray,
+         .desktopProcesses = [&toplevels] { return toplevels.shellProcesses(); }});
+    DesktopInput input(loop, faceBus, faceEvents,
+                       displays.hasAnotherDisplay() ? DesktopInput::Server::guest
+                                                    : DesktopInput::Server::whole);
     QtProgram program;
     LinuxChildProcesses children;
     const LinuxFiles files;
@@ -212,23 +235,22 @@ int run(int argc, char** argv) {
     PowerBus systemBus = PowerBus::system(environment);
     BusEndService endService(sessionBus, systemBus,
                              {qEnvironmentVariable("XDG_SESSION_ID").toStdString()});
-    BusNotice endBusNotice(sessionBus.connection());
-    DesktopEndNotice endNotice(endBusNotice);
-    SessionEnd sessionEnd({loop, log, workspace, endService, endNotice, ::getpid()});
+    BusSessionRegistry registry(sessionBus, systemBus, {});
     BusSleepHolds sleepHold(sessionBus, systemBus);
+    SessionEnd sessionEnd(
+        {loop, log, workspace, windows, processes, registry, input, sleepHold, endService});
     UDisksVolumes volumes(loop, log, systemBus.connection());
     const FinishedWork finishedWork;
     BusNotice scheduleNotice(sessionBus.connection());
     BusNotice answerNotice(sessionBus.connection());
-    const QDBusConnection faceBus = QDBusConnection::sessionBus();
-    X11Events faceEvents(std::move(*faceConnection));
+    BusNotice endNotice(sessionBus.connection());
     X11WindowSystem windowSystem(loop, faceEvents);
     const DesktopAppearance appearance(loop, faceBus, faceEvents);
     const DesktopTrayHosts trayHosts(loop, faceBus, faceEvents);
-    AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program,
-                          language.formats(), volumes, sessionEnd, sleepHold, children, files,
-                          backupTool()},
-                         {windowSystem, appearance, trayHosts}, {scheduleNotice, answerNotice});
+    AppDelegate delegate(
+        {loop, preferences, workspace, kernel, log, commands, program, language.formats(), volumes,
+         sessionEnd, sleepHold, children, files, backupTool()},
+        {windowSystem, appearance, trayHosts}, {scheduleNotice, answerNotice, endNotice});
     endSignals.onAsked = [&delegate] { delegate.end(); };
     return QApplication::exec();
 }

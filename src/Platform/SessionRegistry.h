@@ -33,9 +33,9 @@ struct Inhibitor {
 /// What is known of the sessions on this computer.
 struct SessionAccount {
     /// In the order in which they are kept, this program's own left out.
-    std::vector<Inhibitor> inhibitors;
+    std::vector<Inhibitor> inhibitors{};
     /// Users other than this one who are logged in, on a screen or a terminal; each once.
-    std::vector<std::string> otherUsers;
+    std::vector<std::string> otherUsers{};
     /// Whether this user has a second session on a screen, whose windows can't be seen from here.
     bool hasSecondSession = false;
 

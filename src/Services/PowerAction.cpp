@@ -46,13 +46,25 @@ std::string label(PowerAction action) { return localized(textsOf(action).label);
 
 std::string helpText(PowerAction action) { return localized(textsOf(action).help); }
 
-bool perform(PowerAction action, LoginWindow& loginWindow, SystemLog& log) {
-    if (action == PowerAction::none)
+std::optional<LoginRequest> loginRequest(PowerAction action) {
+    switch (action) {
+    case PowerAction::shutDown:
+        return LoginRequest::shutDown;
+    case PowerAction::restart:
+        return LoginRequest::restart;
+    case PowerAction::logOut:
+        return LoginRequest::logOut;
+    case PowerAction::none:
+        break;
+    }
+    return std::nullopt;
+}
+
+bool perform(PowerAction action, Attendance attendance, LoginWindow& loginWindow, SystemLog& log) {
+    const auto request = loginRequest(action);
+    if (!request)
         return true;
-    const LoginRequest request = action == PowerAction::shutDown  ? LoginRequest::shutDown
-                                 : action == PowerAction::restart ? LoginRequest::restart
-                                                                  : LoginRequest::logOut;
-    const auto refused = loginWindow.request(request);
+    const auto refused = loginWindow.request(*request, attendance);
     if (refused) {
         log.write("Velmor Quit: azione " + std::string(rawValue(action)) +
                   " non riuscita: " + *refused);

@@ -31,9 +31,12 @@ inline constexpr std::array allPowerActions{PowerAction::none, PowerAction::shut
 /// One sentence on what the choice does.
 [[nodiscard]] std::string helpText(PowerAction action);
 
+/// What the choice asks of the session; none for `none`.
+[[nodiscard]] std::optional<LoginRequest> loginRequest(PowerAction action);
+
 /// Asks for what the choice says; for `none` nothing is asked. True when the request was taken,
 /// else the log has a line.
-bool perform(PowerAction action, LoginWindow& loginWindow, SystemLog& log);
+bool perform(PowerAction action, Attendance attendance, LoginWindow& loginWindow, SystemLog& log);
 
 /// Title of a quit that is scheduled with this choice.
 [[nodiscard]] std::string scheduleTitle(PowerAction action);

@@ -66,6 +66,7 @@ RemoteControl::RemoteControl(QuitController& controller, ActionRunner& actions,
     : controller_(controller), remote_(desktop.remote),
       schedule_({controller, actions, desktop.formats, desktop.kernel},
                 [this](const Json& change) { announce(change); }),
+      end_(desktop.loginWindow, [this](const Json& change) { announce(change); }),
       knownApps_(controller.apps), knownExclusions_(controller.excluded) {
     remote_.serve([this](const RemoteCommand& command) { return answer(command); });
     announceChanges();
@@ -101,6 +102,8 @@ RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
     }
     if (const auto answer = schedule_.answer(command))
         return *answer;
+    if (const auto answer = end_.answer(command))
+        return *answer;
     return {RemoteAnswer::Status::unknown, localized("Comando sconosciuto: %@", verb)};
 }
 
@@ -120,6 +123,8 @@ RemoteAnswer RemoteControl::status() {
                        {"last", backups.lastBackup ? Json(seconds(*backups.lastBackup)) : Json()}};
     json["drives"] = describeDrives();
     json["schedule"] = schedule_.describe();
+    json["ending"] = end_.describe();
+    json["limits"] = end_.limits();
     const auto& scheduleNote = controller_.scheduleNote.get();
     json["scheduleNote"] = scheduleNote ? Json(*scheduleNote) : Json();
     json["reopenable"] = describeSaved(controller_.reopenable());

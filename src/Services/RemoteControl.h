@@ -2,6 +2,7 @@
 
 #include "Platform/RemoteCommands.h"
 #include "Services/QuitController/QuitController.h"
+#include "Services/RemoteEnd.h"
 #include "Services/RemoteSchedule.h"
 
 #include <nlohmann/json.hpp>
@@ -17,7 +18,8 @@ namespace velmorquit {
 ///
 /// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
 /// `include NAME`, `backup skip|cancel|continue|stop`, `eject`, `reopen` and `forget` (what the
-/// last run closed), `show [TOKEN]`, and those of `RemoteSchedule`. Changes are announced as
+/// last run closed), `show [TOKEN]`, and those of `RemoteSchedule` and
+/// `RemoteEnd`. Changes are announced as
 /// objects with a field `change`: `phase`, `stubborn`, `opened`, `closed`, `windowless` (it lives
 /// on), `excluded`, `included`, `event`. A stubborn application has a `reason`: `asking`,
 /// `windowless`, `cannotBeAsked`, `busyTerminal`, `notResponding`, or null when nothing is known.
@@ -67,6 +69,7 @@ private:
     QuitController& controller_;
     RemoteCommands& remote_;
     RemoteSchedule schedule_;
+    RemoteEnd end_;
     std::vector<OpenApp> knownApps_;
     /// Those told as windowless, whose end nobody has heard of yet.
     std::vector<OpenApp> windowless_;

@@ -31,11 +31,13 @@ SimulatedApplication& SimulatedApplication::withIcon(Icon icon) {
 
 SimulatedApplication& SimulatedApplication::withoutWindows() {
     policy_ = ActivationPolicy::accessory;
+    surroundings_.policyChanged();
     return *this;
 }
 
 SimulatedApplication& SimulatedApplication::withWindows() {
     policy_ = ActivationPolicy::regular;
+    surroundings_.policyChanged();
     return *this;
 }
 

@@ -39,11 +39,15 @@ std::string SimulatedDesktop::log() const {
 }
 
 Desktop SimulatedDesktop::ports(const Formats& userFormats) {
+    return ports(userFormats, loginWindow);
+}
+
+Desktop SimulatedDesktop::ports(const Formats& userFormats, LoginWindow& endsSessions) {
     return {loop,      preferences,
             workspace, kernel,
             systemLog, remote,
             program,   userFormats,
-            volumes,   loginWindow,
+            volumes,   endsSessions,
             sleepHold, backupTool,
             files,     {.program = "/tool", .destinations = SimulatedFiles::destinations}};
 }

@@ -6,6 +6,7 @@
 #include "Simulated/SimulatedFormats.h"
 #include "Simulated/SimulatedPorts.h"
 #include "Simulated/SimulatedPreferences.h"
+#include "Simulated/SimulatedSession.h"
 #include "Simulated/SimulatedVolumes.h"
 #include "Simulated/SimulatedWorkspace.h"
 #include "Simulated/VirtualLoop.h"
@@ -39,6 +40,8 @@ public:
     [[nodiscard]] Desktop ports() { return ports(formats); }
     /// For a user who writes figures and dates in that way.
     [[nodiscard]] Desktop ports(const Formats& userFormats);
+    /// With somebody else who ends the session.
+    [[nodiscard]] Desktop ports(LoginWindow& other) { return ports(formats, other); }
 
     VirtualLoop loop;
     SimulatedPreferences preferences{loop};
@@ -51,11 +54,18 @@ public:
     SimulatedSleepHold sleepHold;
     SimulatedFormats formats;
     SimulatedVolumes volumes{[this](std::string_view what) { write(what); }};
-    SimulatedLoginWindow loginWindow{[this](std::string_view what) { write(what); }};
+    SimulatedLoginWindow loginWindow{loop, [this](std::string_view what) { write(what); }};
+    SimulatedWindows windows{workspace, [this](std::string_view what) { write(what); }};
+    SimulatedProcesses processes{workspace};
+    SimulatedSessionRegistry registry{loop};
+    SimulatedInput input{loop};
+    SimulatedEndService endService{loop, [this](std::string_view what) { write(what); }};
     SimulatedBackupTool backupTool{loop, [this](std::string_view what) { write(what); }};
     SimulatedFiles files{backupTool};
 
 private:
+    [[nodiscard]] Desktop ports(const Formats& userFormats, LoginWindow& endsSessions);
+
     std::vector<std::string> lines_;
     Uptime logStart_;
     ProcessId nextId_ = 100;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "Platform/LoginWindow.h"
 #include "Platform/Subscribers.h"
 #include "Platform/Volumes.h"
 
@@ -53,35 +52,6 @@ private:
     std::vector<Volume> volumes_;
     std::map<std::string, int> busy_;
     Subscribers observers_;
-};
-
-/// Takes every request, unless a test says why it doesn't.
-class SimulatedLoginWindow final : public LoginWindow {
-public:
-    explicit SimulatedLoginWindow(std::function<void(std::string_view)> log)
-        : log_(std::move(log)) {}
-
-    std::optional<std::string> request(LoginRequest request) override {
-        log_(request == LoginRequest::shutDown  ? "shut down"
-             : request == LoginRequest::restart ? "restart"
-                                                : "log out");
-        isWaiting_ = !refusal;
-        if (onRequest)
-            onRequest();
-        return refusal;
-    }
-    bool cancel() override {
-        if (isWaiting_)
-            log_("cancel request");
-        return std::exchange(isWaiting_, false);
-    }
-
-    std::optional<std::string> refusal;
-    std::function<void()> onRequest;
-
-private:
-    bool isWaiting_ = false;
-    std::function<void(std::string_view)> log_;
 };
 
 } // namespace velmorquit

@@ -2,6 +2,7 @@
 
 #include "Services/MacInfo.h"
 #include "Services/Panel/PanelTexts.h"
+#include "Services/SessionEnd/EndTexts.h"
 #include "Texts/Localized.h"
 #include "Theme/AppTheme.h"
 #include "Theme/CircleActionButton.h"
@@ -9,6 +10,7 @@
 #include "Views/AppList.h"
 #include "Views/BackupCard.h"
 #include "Views/BackupFailedCard.h"
+#include "Views/EndCard.h"
 #include "Views/ExtrasRow.h"
 #include "Views/FooterView.h"
 #include "Views/HeaderView.h"
@@ -52,9 +54,10 @@ PanelView::PanelView(QuitController& controller, AppUpdater& updater, const Desk
       header_(new HeaderView(controller, updater, desktop.preferences, std::move(actions))),
       memory_(new MemoryBar(desktop.formats)), normal_(new QWidget),
       quit_(new CircleActionButton(buttonDiameter, AppTheme::primaryPink())),
-      status_(new StatusLineView), picker_(new PowerActionPicker),
-      list_(new AppList(controller, desktop.formats)), stubborn_(new StubbornAppsCard(controller)),
-      footer_(new FooterView), extras_(new ExtrasRow(controller, desktop.formats)),
+      status_(new StatusLineView), end_(new EndCard(desktop.loginWindow)),
+      picker_(new PowerActionPicker), list_(new AppList(controller, desktop.formats)),
+      stubborn_(new StubbornAppsCard(controller)), footer_(new FooterView),
+      extras_(new ExtrasRow(controller, desktop.formats)),
       schedule_(new ScheduleCard(controller, desktop.formats)),
       scheduler_(new SchedulerCard(controller, desktop.formats)), note_(new NoteCard),
       reopen_(new ReopenCard(controller, desktop.workspace)), backup_(new BackupCard(controller)),
@@ -84,6 +87,7 @@ void PanelView::makeNormalContent() {
             [this] { controller_.quitAll(controller_.afterQuit); });
     items.addWidget(framed(quit_, Qt::AlignHCenter));
     items.addWidget(framed(status_, {}));
+    items.addWidget(end_);
     picker_->onChoose = [this](PowerAction action) { controller_.chooseAfterQuit(action); };
     items.addWidget(picker_);
     extras_->onToggleScheduler = [this] {
@@ -117,7 +121,7 @@ void PanelView::observe() {
              controller_.externalDrives, controller_.resultNote, controller_.autoContinueAt,
              controller_.runningAction, controller_.lastSession, controller_.schedule,
              controller_.awaitingConfirmation, controller_.confirmScheduled,
-             controller_.scheduleNote, updater_.updateAvailable);
+             controller_.scheduleNote, desktop_.loginWindow.state, updater_.updateAvailable);
 }
 
 // Several fields change in one turn: that is one picture.
@@ -165,13 +169,34 @@ void PanelView::renderNormalContent() {
     quit_->setBusy(isBusy);
     quit_->setSymbol(toQt(std::string(PanelTexts::buttonSymbol(action))));
     quit_->setText(toQt(buttonTitle(action)));
-    status_->render(PanelTexts::statusLine(controller_, desktop_.formats));
+    renderEnd();
     picker_->render(action);
+    picker_->explain([this](PowerAction choice) {
+        const auto request = loginRequest(choice);
+        return request ? EndTexts::outlook(desktop_.loginWindow.outlook(*request)) : std::string();
+    });
     picker_->setEnabled(!isBusy);
     extras_->render(showsScheduler_);
     extras_->setEnabled(!isBusy);
     renderCards();
     list_->render();
+}
+
+// What the end of the session waits for stands in the place of what a run would close.
+void PanelView::renderEnd() {
+    const LoginWindow& loginWindow = desktop_.loginWindow;
+    const bool isEnding = loginWindow.state->stage != EndState::Stage::none;
+    end_->setVisible(isEnding);
+    status_->parentWidget()->setVisible(!isEnding);
+    if (isEnding)
+        end_->render();
+    PanelTexts::StatusLine line = PanelTexts::statusLine(controller_, desktop_.formats);
+    if (const auto request = loginRequest(controller_.afterQuit); request && !line.note) {
+        const std::string limits = EndTexts::outlook(loginWindow.outlook(*request));
+        if (!limits.empty())
+            line.note = limits;
+    }
+    status_->render(line);
 }
 
 void PanelView::renderCards() {

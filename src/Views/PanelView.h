@@ -16,6 +16,7 @@ class AppList;
 class BackupCard;
 class BackupFailedCard;
 class CircleActionButton;
+class EndCard;
 class ExtrasRow;
 class FooterView;
 class HeaderView;
@@ -58,6 +59,7 @@ private:
     void observe();
     void renderLater();
     void renderNormalContent();
+    void renderEnd();
     void renderCards();
 
     QuitController& controller_;
@@ -68,6 +70,7 @@ private:
     QWidget* normal_;
     CircleActionButton* quit_;
     StatusLineView* status_;
+    EndCard* end_;
     PowerActionPicker* picker_;
     AppList* list_;
     StubbornAppsCard* stubborn_;

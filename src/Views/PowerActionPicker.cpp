@@ -88,6 +88,13 @@ PowerActionPicker::PowerActionPicker(QWidget* parent) : QWidget(parent) {
     }
 }
 
+void PowerActionPicker::explain(const std::function<std::string(PowerAction)>& remark) {
+    for (const auto& [action, tile] : tiles_) {
+        const std::string more = remark(action);
+        tile->setToolTip(toQt(more.empty() ? helpText(action) : helpText(action) + ". " + more));
+    }
+}
+
 void PowerActionPicker::render(PowerAction selection) { tiles_[selection]->setChecked(true); }
 
 } // namespace velmorquit

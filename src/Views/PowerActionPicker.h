@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <map>
+#include <string>
 
 class QRadioButton;
 
@@ -17,6 +18,9 @@ public:
     explicit PowerActionPicker(QWidget* parent = nullptr);
 
     void render(PowerAction selection);
+
+    /// Adds to each choice's help what `remark` says of it, where that is anything.
+    void explain(const std::function<std::string(PowerAction)>& remark);
 
     std::function<void(PowerAction)> onChoose;
 

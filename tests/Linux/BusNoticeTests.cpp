@@ -1,5 +1,4 @@
 #include "Linux/DBus/BusNotice.h"
-#include "Linux/Session/DesktopEndNotice.h"
 #include "Linux/Session/PowerBus.h"
 #include "support/PrivateBus.h"
 
@@ -66,18 +65,23 @@ private:
     uint last_ = 6;
 };
 
-/// What a session's end is told with.
+/// One that waits for something and can be cancelled, and one that is only told.
 struct ShownNotice {
     explicit ShownNotice(const PowerBus& session) : notice(session.connection()) {}
 
+    void wait(const std::string& text) {
+        notice.show(
+            {.title = "Waiting", .text = text, .buttons = {{"cancel", "No"}}, .stays = true});
+    }
+    void tell(const std::string& text) { notice.show({.title = "Told", .text = text}); }
+
     BusNotice notice;
-    DesktopEndNotice end{notice};
 };
 
 class BusNoticeTest : public testing::Test {
 protected:
     BusNoticeTest() {
-        notice->end.onCancel = [this] { ++cancelled; };
+        notice->notice.onButton = [this](const std::string&) { ++cancelled; };
     }
 
     void settleAll() { settle({session.connection(), service.bus()}); }
@@ -96,49 +100,39 @@ protected:
 };
 
 TEST_F(BusNoticeTest, SaysWhatItWaitsForAndWhatHasCome) {
-    notice->end.showWaiting(LoginRequest::shutDown, {"R&D <Note>"});
-    EXPECT_EQ(heard(), QStringList{"show | Sto per spegnere il computer | Aspetto che si chiuda "
-                                   "R&amp;D &lt;Note&gt;. | cancel=Annulla | 0"});
-    notice->end.showWaiting(LoginRequest::restart, {"Note", "Mail"});
-    EXPECT_EQ(heard(), QStringList{"replace 7 | Sto per riavviare il computer | Aspetto che si "
-                                   "chiudano 2 app: Note, Mail. | cancel=Annulla | 0"});
-    notice->end.showGivenUp(LoginRequest::logOut, {"Note"});
-    EXPECT_EQ(heard(), QStringList{"replace 7 | La sessione non è stata chiusa | Note è rimasta "
-                                   "aperta. |  | -1"});
-    notice->end.showGivenUp(LoginRequest::restart, {"Note", "Mail"});
-    EXPECT_EQ(heard(), QStringList{"replace 7 | Il computer non è stato riavviato | 2 app sono "
-                                   "rimaste aperte: Note, Mail. |  | -1"});
-    notice->end.showFailure(LoginRequest::shutDown);
-    EXPECT_EQ(heard(), QStringList{"replace 7 | Il computer non è stato spento | Il sistema ha "
-                                   "rifiutato o non ha risposto. |  | -1"});
-    notice->end.withdraw();
+    notice->wait("R&D <Note>");
+    EXPECT_EQ(heard(), QStringList{"show | Waiting | R&amp;D &lt;Note&gt; | cancel=No | 0"});
+    notice->wait("Mail");
+    EXPECT_EQ(heard(), QStringList{"replace 7 | Waiting | Mail | cancel=No | 0"});
+    notice->tell("Note");
+    EXPECT_EQ(heard(), QStringList{"replace 7 | Told | Note |  | -1"});
+    notice->notice.withdraw();
     EXPECT_EQ(heard(), QStringList{"close 7"});
-    notice->end.withdraw();
+    notice->notice.withdraw();
     notice.reset();
     EXPECT_EQ(heard(), QStringList());
 }
 
 TEST_F(BusNoticeTest, WhatComesWhileTheServiceIsSlowIsToldWhenItHasAnswered) {
     service.isSlow = true;
-    notice->end.showWaiting(LoginRequest::shutDown, {"Note"});
+    notice->wait("Note");
     EXPECT_EQ(heard().size(), 1);
-    notice->end.showWaiting(LoginRequest::shutDown, {"Mail"});
-    notice->end.withdraw();
+    notice->wait("Mail");
+    notice->notice.withdraw();
     EXPECT_EQ(heard(), QStringList());
     service.answer();
     EXPECT_EQ(heard(), QStringList{"close 7"});
 
-    notice->end.showWaiting(LoginRequest::shutDown, {"Note"});
+    notice->wait("Note");
     EXPECT_EQ(heard().size(), 1);
-    notice->end.showWaiting(LoginRequest::shutDown, {"Mail"});
-    notice->end.showGivenUp(LoginRequest::shutDown, {"Mail"});
+    notice->wait("Mail");
+    notice->tell("Mail");
     service.answer();
-    EXPECT_EQ(heard(), QStringList{"replace 8 | Il computer non è stato spento | Mail è rimasta "
-                                   "aperta. |  | -1"});
+    EXPECT_EQ(heard(), QStringList{"replace 8 | Told | Mail |  | -1"});
 }
 
 TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndOnlyHere) {
-    notice->end.showWaiting(LoginRequest::shutDown, {"Note"});
+    notice->wait("Note");
     heard();
     service.emitSignal("ActionInvoked", 9, "cancel");
     service.emitSignal("ActionInvoked", 7, "default");
@@ -151,7 +145,7 @@ TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndOnlyHere) {
     service.emitSignal("ActionInvoked", 7, "cancel");
     settleAll();
     EXPECT_EQ(cancelled, 1);
-    notice->end.showGivenUp(LoginRequest::shutDown, {"Note"});
+    notice->tell("Note");
     settleAll();
     service.emitSignal("ActionInvoked", 7, "cancel");
     settleAll();
@@ -159,24 +153,24 @@ TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndOnlyHere) {
 }
 
 TEST_F(BusNoticeTest, WhatTheUserPutAwayIsNeitherReplacedNorWithdrawn) {
-    notice->end.showWaiting(LoginRequest::shutDown, {"Note", "Mail"});
+    notice->wait("Note");
     heard();
     service.emitSignal("NotificationClosed", 7, 2U);
     settleAll();
-    notice->end.withdraw();
+    notice->notice.withdraw();
     EXPECT_EQ(heard(), QStringList());
     EXPECT_EQ(cancelled, 0);
-    notice->end.showGivenUp(LoginRequest::shutDown, {"Note"});
+    notice->tell("Note");
     EXPECT_TRUE(heard().value(0).startsWith("show | "));
 }
 
 TEST_F(BusNoticeTest, GoingTakesAwayOnlyWhatWaits) {
-    notice->end.showWaiting(LoginRequest::shutDown, {"Note"});
+    notice->wait("Note");
     heard();
     notice.reset();
     EXPECT_EQ(heard(), QStringList{"close 7"});
     notice = std::make_unique<ShownNotice>(session);
-    notice->end.showGivenUp(LoginRequest::shutDown, {"Note"});
+    notice->tell("Note");
     heard();
     notice.reset();
     EXPECT_EQ(heard(), QStringList());
@@ -188,10 +182,10 @@ TEST_F(BusNoticeTest, WithoutAServiceOrABusNothingHappens) {
     const PowerBus none = PowerBus::standIn("", other.folder());
     for (const PowerBus* session : {&empty, &none}) {
         ShownNotice silent(*session);
-        silent.end.showWaiting(LoginRequest::shutDown, {"Note"});
+        silent.wait("Note");
         settle({session->connection()});
-        silent.end.showGivenUp(LoginRequest::shutDown, {"Note"});
-        silent.end.withdraw();
+        silent.tell("Note");
+        silent.notice.withdraw();
     }
 }
 

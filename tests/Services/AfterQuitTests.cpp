@@ -131,7 +131,7 @@ protected:
             log += at(story.end, "event quitDone 1");
         log += at(story.end, "done 1 5");
         if (story.isFollowed && hasAction)
-            log += at(story.end + 1200ms, "restart");
+            log += at(story.end + 1200ms, story.isUnattended ? "restart unattended" : "restart");
         return log + at(story.end + 8s, "idle");
     }
 };

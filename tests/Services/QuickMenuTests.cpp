@@ -10,7 +10,8 @@ protected:
     /// One line for each entry: what can't be chosen is in brackets.
     std::string menu() {
         std::string text;
-        for (const QuickMenuEntry& entry : quickMenu(*controller, updater, desktop.formats)) {
+        for (const QuickMenuEntry& entry :
+             quickMenu(*controller, desktop.loginWindow, updater, desktop.formats)) {
             if (entry.command == QuickMenuEntry::Command::none) {
                 text += "--\n";
                 continue;

@@ -238,9 +238,12 @@ TEST_F(ScheduledQuitStory, ARunHoldsOffSleepUntilItsEndUnlessTheUserIsAsked) {
     stubborn.end();
     desktop.advance(500ms);
     EXPECT_EQ(held(), std::string(scheduled) + ", " + running);
-    desktop.loginWindow.onRequest = [this] { EXPECT_EQ(held(), "") << "before the session ends"; };
+    desktop.loginWindow.onRequest = [this] {
+        EXPECT_EQ(held(), std::string(scheduled) + ", " + running) << "until others take over";
+    };
     desktop.advance(1200ms);
     EXPECT_EQ(count("restart"), 1U);
+    EXPECT_EQ(held(), "");
     desktop.advance(1min);
     EXPECT_EQ(held(), scheduled) << "the session goes on";
 

@@ -1,5 +1,7 @@
 #include "Services/QuitController/QuitController.h"
 #include "Services/RemoteControl.h"
+#include "Services/SessionEnd/EndNotice.h"
+#include "Services/SessionEnd/SessionEnd.h"
 #include "Simulated/SimulatedDesktop.h"
 
 #include <gtest/gtest.h>
@@ -17,12 +19,14 @@ namespace {
 class RandomSession {
 public:
     explicit RandomSession(unsigned seed) : random_(seed) {
-        desktop_.loginWindow.onRequest = [this] { checkRequest(); };
+        desktop_.endService.onCall = [this](LoginRequest request, EndForm form) {
+            checkCall(request, form);
+        };
         begin();
     }
 
     void step() {
-        switch (pick(23)) {
+        switch (pick(28)) {
         case 0:
         case 1:
             openOne();
@@ -73,7 +77,7 @@ public:
             break;
         case 16:
             if (pick(3) == 0)
-                controller_->cancelPowerAction();
+                cancelAction();
             break;
         case 17:
         case 18:
@@ -87,6 +91,19 @@ public:
             pick(2) == 0 ? controller_->reopenLastSession() : controller_->forgetLastSession();
             EXPECT_TRUE(controller_->lastSession->empty());
             break;
+        case 21:
+        case 22:
+            changeWindows();
+            break;
+        case 23:
+            changeWork();
+            break;
+        case 24:
+            changeAccount();
+            break;
+        case 25:
+            answerNotice();
+            break;
         default:
             break;
         }
@@ -99,6 +116,13 @@ public:
     void finish() {
         controller_->onEvent = nullptr;
         controller_->cancelSchedule();
+        desktop_.registry.account = SessionAccount{};
+        desktop_.workspace.seen = Sight::all;
+        desktop_.endService.ready = true;
+        desktop_.processes.doing.clear();
+        busySince_.clear();
+        while (!desktop_.windows.added().empty())
+            desktop_.windows.close(desktop_.windows.added().front().id);
         for (SimulatedApplication* app : apps_)
             app->end();
         // A backup and its record, three attempts at each drive, a question, the result.
@@ -110,6 +134,8 @@ public:
         EXPECT_TRUE(is<phases::Idle>(controller_->phase));
         EXPECT_FALSE(controller_->isRunning());
         EXPECT_FALSE(controller_->isEjecting());
+        EXPECT_NE(end_->state->stage, EndState::Stage::waiting);
+        EXPECT_NE(end_->state->stage, EndState::Stage::naming);
         EXPECT_FALSE(controller_->unattended.get());
         EXPECT_FALSE(controller_->autoContinueAt.get());
         EXPECT_EQ(controller_->runningAction.get(), PowerAction::none);
@@ -122,9 +148,22 @@ private:
     void begin() {
         watch_.reset();
         control_.reset();
-        controller_ = std::make_unique<QuitController>(desktop_.ports());
-        control_ = std::make_unique<RemoteControl>(*controller_, actions_, desktop_.ports());
+        controller_.reset();
+        endNotice_.reset();
+        end_.reset();
+        end_ = std::make_unique<SessionEnd>(
+            SessionEnd::Surroundings{desktop_.loop, desktop_.systemLog, desktop_.workspace,
+                                     desktop_.windows, desktop_.processes, desktop_.registry,
+                                     desktop_.input, desktop_.sleepHold, desktop_.endService});
+        endNotice_ = std::make_unique<EndNotice>(desktop_.loop, *end_, notice_);
+        controller_ = std::make_unique<QuitController>(desktop_.ports(*end_));
+        control_ = std::make_unique<RemoteControl>(*controller_, actions_, desktop_.ports(*end_));
         controller_->onEvent = [this](const Event& event) { react(event); };
+        // Of those without windows it knows nothing.
+        for (const SimulatedApplication* app : apps_) {
+            if (app->activationPolicy() != ActivationPolicy::regular)
+                unknown_.insert(app->processId());
+        }
         watch_ = controller_->phase.subscribe([this] { check(); });
         hasStubbornEvent_ = false;
         isBackupUnderWay_ = false;
@@ -147,8 +186,82 @@ private:
             return odd ? -1.0 + static_cast<double>(time.count() % 7)
                        : static_cast<double>(time.count()) / 2e10;
         };
-        desktop_.loginWindow.refusal =
+        desktop_.endService.failure =
             pick(3) == 0 ? std::optional<std::string>("refused") : std::nullopt;
+        desktop_.endService.cannotAsk =
+            pick(2) == 0 ? std::optional<std::string>("nobody") : std::nullopt;
+        desktop_.endService.ready = pick(4) != 0;
+    }
+
+    /// Windows that no list of applications shows.
+    void changeWindows() {
+        const auto& added = desktop_.windows.added();
+        if (pick(3) == 0) {
+            desktop_.windows.add({.name = "Hidden" + std::to_string(pick(3))}, pick(3) == 0,
+                                 pick(4) != 0);
+        } else if (!added.empty()) {
+            desktop_.windows.close(
+                added[static_cast<std::size_t>(pick(static_cast<int>(added.size())))].id);
+        }
+    }
+
+    /// Somebody begins to work, or has done enough; some go to the tray meanwhile.
+    void changeWork() {
+        if (apps_.empty())
+            return;
+        auto& app = *apps_[static_cast<std::size_t>(pick(static_cast<int>(apps_.size())))];
+        const ProcessId id = app.processId();
+        if (pick(2) == 0 || app.isTerminated()) {
+            desktop_.processes.doing.erase(id);
+            busySince_.erase(id);
+            return;
+        }
+        busySince_.try_emplace(id, desktop_.loop.uptime());
+        desktop_.processes.doing[id] = [this] {
+            return ProcessWork{.processorTime = desktop_.loop.uptime().sinceStart * 3 / 10};
+        };
+        if (pick(3) == 0)
+            desktop_.windows.inTray.insert(id);
+        if (pick(4) != 0)
+            app.withoutWindows();
+    }
+
+    void changeAccount() {
+        auto& account = desktop_.registry.account;
+        desktop_.registry.answerTime = pick(2) == 0 ? 0ms : std::chrono::milliseconds(pick(3000));
+        account = pick(12) == 0 ? std::nullopt : std::optional(SessionAccount{});
+        if (!account)
+            return;
+        if (pick(4) == 0)
+            account->otherUsers.push_back("anna");
+        if (pick(3) == 0)
+            account->inhibitors.push_back(
+                {pick(2) == 0 ? Inhibitor::Against::shutdown : Inhibitor::Against::sessionEnd,
+                 "apt", "", 7, ""});
+        account->hasSecondSession = pick(8) == 0;
+        desktop_.workspace.seen = pick(4) == 0 ? Sight::noWindowList : Sight::all;
+        desktop_.input.since = std::chrono::seconds(pick(240));
+    }
+
+    void answerNotice() {
+        const EndState before = end_->state;
+        switch (pick(4)) {
+        case 0:
+            if (notice_.press("cancel"))
+                actionsDue_ = end_->state->stage == EndState::Stage::none ? 0 : actionsDue_;
+            break;
+        case 1:
+            notice_.press("anyway");
+            break;
+        default:
+            if (notice_.press("confirm"))
+                allowed_ = before.obstacles;
+        }
+    }
+
+    void cancelAction() {
+        controller_->cancelPowerAction();
+        actionsDue_ = 0;
     }
 
     void changeSchedule() {
@@ -241,6 +354,7 @@ private:
         hasStubbornEvent_ = false;
         controller_->unattended = pick(3) == 0;
         actionsDue_ = hasAction ? 1 : 0;
+        allowed_.clear();
     }
 
     void react(const Event& event) {
@@ -297,12 +411,49 @@ private:
         if (is<phases::Idle>(phase) && !controller_->isRunning()) {
             EXPECT_EQ(held.find("chiudendo"), std::string::npos);
         }
+        const EndState::Stage stage = end_->state->stage;
+        EXPECT_EQ(held.find("aspetta le app") != std::string::npos,
+                  stage == EndState::Stage::waiting || stage == EndState::Stage::naming);
     }
 
-    void checkRequest() {
+    [[nodiscard]] bool isAllowed(const std::function<bool(const EndObstacle&)>& isMeant) const {
+        return std::ranges::any_of(allowed_, isMeant);
+    }
+
+    /// Nothing may be lost that the user has not given up by name.
+    void checkCall(LoginRequest request, EndForm form) {
         EXPECT_EQ(std::exchange(actionsDue_, 0), 1) << "nobody asked for it, or it is the second";
-        EXPECT_TRUE(is<phases::Done>(controller_->phase)) << "before the result is on show";
-        EXPECT_EQ(controller_->runningAction.get(), PowerAction::restart);
+        EXPECT_EQ(request, LoginRequest::restart);
+        EXPECT_EQ(form == EndForm::direct, desktop_.workspace.seen == Sight::all);
+        EXPECT_FALSE(is<phases::Quitting>(controller_->phase) ||
+                     is<phases::Waiting>(controller_->phase));
+        for (const OpenWindow& window : desktop_.windows.open()) {
+            EXPECT_TRUE(isAllowed([&](const EndObstacle& one) {
+                return std::ranges::count(one.windows, window.id) > 0;
+            })) << window.owner.name;
+        }
+        const auto& account = desktop_.registry.account;
+        ASSERT_TRUE(account);
+        EXPECT_TRUE(account->otherUsers.empty() && !account->hasSecondSession);
+        for (const Inhibitor& inhibitor : account->inhibitors) {
+            EXPECT_TRUE(isAllowed([&](const EndObstacle& one) {
+                return one.kind == EndObstacle::Kind::inhibitor && one.name == inhibitor.who;
+            }));
+        }
+        for (const auto& [id, since] : busySince_) {
+            const bool isLong = desktop_.loop.uptime() - since >= 3s;
+            EXPECT_TRUE(!isLong || !desktop_.processes.doing.contains(id) || isGone(id) ||
+                        unknown_.contains(id) ||
+                        isAllowed([id](const EndObstacle& one) { return one.process == id; }))
+                << id << " works";
+        }
+        allowed_.clear();
+    }
+
+    [[nodiscard]] bool isGone(ProcessId id) const {
+        return std::ranges::any_of(apps_, [id](const SimulatedApplication* app) {
+            return app->processId() == id && app->isTerminated();
+        });
     }
 
     void check() {
@@ -327,6 +478,9 @@ private:
     std::mt19937 random_;
     SimulatedDesktop desktop_;
     ActionRunner actions_{desktop_.loop, desktop_.kernel, desktop_.formats};
+    SimulatedNotice notice_{[](std::string_view) {}};
+    std::unique_ptr<SessionEnd> end_;
+    std::unique_ptr<EndNotice> endNotice_;
     std::unique_ptr<QuitController> controller_;
     std::unique_ptr<RemoteControl> control_;
     std::vector<SimulatedApplication*> apps_;
@@ -334,13 +488,19 @@ private:
     bool hasStubbornEvent_ = false;
     bool isBackupUnderWay_ = false;
     double lastProgress_ = 0;
+    /// Since when processes have been at work.
+    std::map<ProcessId, Uptime> busySince_;
+    /// Processes of which the program that runs now has seen no window.
+    std::set<ProcessId> unknown_;
+    /// What the user has given up by name.
+    std::vector<EndObstacle> allowed_;
     int actionsDue_ = 0; ///< requests to end the session that the present run may still make
 };
 
 TEST(RandomSessionTest, KeepsEveryPromise) {
     const char* wanted = std::getenv("VELMOR_SEED");
     const unsigned first = wanted ? static_cast<unsigned>(std::atoi(wanted)) : 1;
-    const unsigned last = wanted ? first : 150;
+    const unsigned last = wanted ? first : 300;
     for (unsigned seed = first; seed <= last && !testing::Test::HasFailure(); ++seed) {
         SCOPED_TRACE("VELMOR_SEED=" + std::to_string(seed));
         RandomSession session(seed);

@@ -39,6 +39,8 @@ private:
     QString path_;
 };
 
+constexpr std::optional<Duration> ofLocker = 1ms;
+
 class DesktopInputTest : public FaceTest {
 protected:
     using Server = DesktopInput::Server;
@@ -94,7 +96,8 @@ TEST_F(DesktopInputTest, AWholeServerKnowsWhenTheUserWasThere) {
 }
 
 TEST_F(DesktopInputTest, BesideAGuestTheMostRecentInputCounts) {
-    EXPECT_EQ(ask(Server::guest), std::nullopt) << "input elsewhere is nothing it knows of";
+    linger(50);
+    EXPECT_GT(ask(Server::guest), ofLocker) << "at least since what was meant for an X window";
     const auto mutter = makeMutter(qulonglong{0});
     EXPECT_EQ(ask(Server::guest), 0ms);
     mutter->idle = qulonglong{1000 * 3600};
@@ -106,13 +109,14 @@ TEST_F(DesktopInputTest, BesideAGuestTheMostRecentInputCounts) {
 }
 
 TEST_F(DesktopInputTest, BelievesOnlyWhoIsKnownToAnswerWithAFigure) {
+    linger(50);
     const auto other = makeLocker("org.freedesktop.ScreenSaver", uint{1});
-    EXPECT_EQ(ask(Server::guest), std::nullopt);
+    EXPECT_GT(ask(Server::guest), ofLocker);
     const auto plasma = makeLocker("org.kde.screensaver", uint{0});
-    EXPECT_EQ(ask(Server::guest), std::nullopt);
+    EXPECT_GT(ask(Server::guest), ofLocker);
     for (const QVariant& wrong : {QVariant(-5), QVariant("1"), QVariant(~qulonglong{0})}) {
         const auto mutter = makeMutter(wrong);
-        EXPECT_EQ(ask(Server::guest), std::nullopt) << wrong.toString().toStdString();
+        EXPECT_GT(ask(Server::guest), ofLocker) << wrong.toString().toStdString();
     }
 }
 
@@ -133,7 +137,7 @@ TEST_F(DesktopInputTest, WaitsASecondAndNotForWhoHasGoneOrLostInterest) {
     EXPECT_TRUE(waitUntil([&] { return answers == 10; }));
     bus.stop();
     linger(50);
-    EXPECT_EQ(ask(input), std::nullopt);
+    EXPECT_GT(ask(input), ofLocker);
     auto shortLived =
         std::make_unique<DesktopInput>(loop, QDBusConnection("no bus"), events, Server::whole);
     asking = shortLived->sinceLastInput([&](auto) { ++answers; });

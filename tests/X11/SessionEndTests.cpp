@@ -1,11 +1,13 @@
+#include "Linux/Applications/LinuxWindows.h"
 #include "Linux/Applications/LinuxWorkspace.h"
-#include "Linux/DBus/BusNotice.h"
+#include "Linux/Proc/ProcProcesses.h"
 #include "Linux/QtMainLoop.h"
 #include "Linux/Session/BusEndService.h"
-#include "Linux/Session/DesktopEndNotice.h"
-#include "Linux/Session/SessionEnd.h"
+#include "Linux/Session/BusSessionRegistry.h"
 #include "Linux/X11/X11Toplevels.h"
+#include "Services/SessionEnd/SessionEnd.h"
 #include "Simulated/SimulatedPorts.h"
+#include "Simulated/SimulatedSession.h"
 #include "support/Child.h"
 #include "support/PrivateBus.h"
 #include "support/Waiting.h"
@@ -103,9 +105,14 @@ protected:
     PowerBus session = PowerBus::session(PowerBus::Environment::ofThisProcess());
     PowerBus system = PowerBus::system(PowerBus::Environment::ofThisProcess());
     BusEndService service{session, system, {}};
-    BusNotice busNotice{session.connection()};
-    DesktopEndNotice notice{busNotice};
-    SessionEnd end{{loop, log, workspace, service, notice, ::getpid()}};
+    LinuxWindows windows{toplevels, workspace, {}};
+    ProcProcesses processes{{[] { return std::set<ProcessId>(); },
+                             [] { return std::set<ProcessId>(); },
+                             [] { return std::set<ProcessId>(); }}};
+    BusSessionRegistry registry{session, system, {}};
+    SimulatedInput input{loop};
+    SimulatedSleepHold hold;
+    SessionEnd end{{loop, log, workspace, windows, processes, registry, input, hold, service}};
     std::unique_ptr<Child> manager;
 };
 
@@ -113,7 +120,7 @@ TEST_F(RealSessionEndTest, TheSessionEndsWhenTheLastWindowHasClosed) {
     EXPECT_NE(system.problem(), "") << "a virtual desktop has no system bus";
     auto stubborn = open({"--ignore"});
     auto polite = open();
-    EXPECT_EQ(end.request(LoginRequest::logOut), std::nullopt);
+    EXPECT_EQ(end.request(LoginRequest::logOut, Attendance::attended), std::nullopt);
     EXPECT_TRUE(waitUntil([&] { return !polite->isRunning(); }));
     linger(1500);
     EXPECT_TRUE(manager->isRunning()) << "something is still open";
@@ -121,12 +128,12 @@ TEST_F(RealSessionEndTest, TheSessionEndsWhenTheLastWindowHasClosed) {
     EXPECT_TRUE(waitUntil([this] { return !manager->isRunning(); })) << manager->output();
     EXPECT_EQ(manager->status(), 0);
     linger(300);
-    EXPECT_TRUE(log.lines.empty()) << log.lines.front();
+    EXPECT_EQ(log.lines.back(), "Velmor Quit: chiusura della sessione: aspetto Rude");
 }
 
 TEST_F(RealSessionEndTest, ACancelledLogOutLeavesTheSession) {
     auto asking = open({"--asks"});
-    EXPECT_EQ(end.request(LoginRequest::logOut), std::nullopt);
+    EXPECT_EQ(end.request(LoginRequest::logOut, Attendance::attended), std::nullopt);
     EXPECT_TRUE(waitUntil([&] { return asking->output().find("asked") != std::string::npos; }));
     end.cancel();
     asking.reset();

@@ -16,6 +16,9 @@
 //   --frozen              understands it, and doesn't answer
 //   --dock                its first window is a panel of the desktop
 //   --tray                its windows are icons that it asks the tray to take in
+//   --tray-icon           has an icon in the tray beside its windows
+//   --works SECONDS       without windows it writes files for so long, and then ends
+//   --gapplication-service  nothing: so services are started by the bus
 //   --icon                its windows have pictures of 16, 64 and 128 pixels, each of one colour
 //   --deaf                takes no notice of SIGTERM either
 
@@ -23,6 +26,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -48,6 +52,8 @@ struct Manners {
     bool isFrozen = false;
     bool isDock = false;
     bool isInTray = false;
+    bool hasTrayIcon = false;
+    int secondsOfWork = 0;
     bool hasIcon = false;
 };
 
@@ -83,6 +89,11 @@ public:
                 askTray(window);
             else
                 xcb_map_window(connection_, window);
+        }
+        if (manners_.hasTrayIcon) {
+            open("Icon");
+            askTray(windows_.back());
+            windows_.pop_back();
         }
         xcb_flush(connection_);
         while (const auto event = owned(xcb_wait_for_event(connection_))) {
@@ -223,7 +234,28 @@ private:
         xcb_destroy_window(connection_, window);
         xcb_flush(connection_);
         std::erase(windows_, window);
+        if (windows_.empty() && manners_.secondsOfWork > 0)
+            work();
         return windows_.empty() && !manners_.stays;
+    }
+
+    /// As the copy of a folder does it, into files that have no name.
+    void work() const {
+        const std::string part(256 << 10, 'x');
+        const auto end =
+            std::chrono::steady_clock::now() + std::chrono::seconds(manners_.secondsOfWork);
+        while (std::chrono::steady_clock::now() < end) {
+            std::FILE* file = std::tmpfile();
+            std::fwrite(part.data(), 1, part.size(), file);
+            std::fclose(file);
+            // It compares what it has written, too.
+            const auto compared = std::chrono::steady_clock::now() + std::chrono::milliseconds(10);
+            while (std::chrono::steady_clock::now() < compared)
+                continue;
+            usleep(50'000);
+        }
+        std::printf("worked\n");
+        std::fflush(stdout);
     }
 
     Manners manners_;
@@ -268,6 +300,12 @@ int main(int argc, char** argv) {
             manners.isDock = true;
         else if (option == "--tray")
             manners.isInTray = true;
+        else if (option == "--tray-icon")
+            manners.hasTrayIcon = true;
+        else if (option == "--works")
+            manners.secondsOfWork = std::stoi(value());
+        else if (option == "--gapplication-service")
+            continue;
         else if (option == "--icon")
             manners.hasIcon = true;
         else if (option == "--deaf")

@@ -116,8 +116,6 @@ void DesktopInput::finishIn(Duration wait, std::uint64_t id) {
         std::optional<Duration> since = question->ofServer;
         if (question->ofCompositor)
             since = std::min(*question->ofCompositor, since.value_or(*question->ofCompositor));
-        else if (server_ == Server::guest)
-            since.reset();
         question->told(since);
     });
 }

@@ -16,9 +16,8 @@ namespace velmorquit {
 /// know.
 ///
 /// A whole X server knows of all input, so its word is enough. One that is a guest on a Wayland
-/// session hears only of what was meant for X windows: what it says tells when somebody was there
-/// last at the earliest, and counts only beside a compositor's word. Of those that answer the most
-/// recent input counts.
+/// session hears only of what was meant for X windows: somebody may have been there since, which a
+/// compositor knows. Of those that answer the most recent input counts.
 ///
 /// Compositors are asked over the session bus: GNOME's idle monitor, and the screen locker of
 /// Plasma. The latter is asked by a name that only Plasma's has, since what others answer to the

@@ -10,7 +10,7 @@ namespace velmorquit {
 
 MenuBarItem::MenuBarItem(const Parts& parts, const Desktop& desktop)
     : parts_(parts), loop_(desktop.loop), preferences_(desktop.preferences),
-      formats_(desktop.formats) {
+      loginWindow_(desktop.loginWindow), formats_(desktop.formats) {
     parts_.icon.onClick = [this](const StatusItem::Click& click) { hear(click); };
     parts_.icon.onChoose = [this](const QuickMenuEntry& entry) { perform(entry); };
     parts_.popover.onClose = [this] { popoverDidClose(); };
@@ -32,7 +32,7 @@ MenuBarItem::~MenuBarItem() {
 
 void MenuBarItem::hear(const StatusItem::Click& click) {
     if (click.button == StatusItem::Click::Button::right || click.isControlHeld)
-        parts_.icon.popUp(quickMenu(parts_.controller, parts_.updater, formats_));
+        parts_.icon.popUp(quickMenu(parts_.controller, loginWindow_, parts_.updater, formats_));
     else if (preferences_.boolean("clickIconQuitsAll", false))
         quitAll(PowerAction::none);
     else if (parts_.popover.isShown())
@@ -82,6 +82,7 @@ void MenuBarItem::perform(const QuickMenuEntry& entry) {
     using Command = QuickMenuEntry::Command;
     switch (entry.command) {
     case Command::none:
+    case Command::remark:
         break;
     case Command::quit:
         quitAll(entry.then);
@@ -106,7 +107,7 @@ void MenuBarItem::perform(const QuickMenuEntry& entry) {
 }
 
 void MenuBarItem::keepMenu() {
-    QuickMenu menu = quickMenu(parts_.controller, parts_.updater, formats_);
+    QuickMenu menu = quickMenu(parts_.controller, loginWindow_, parts_.updater, formats_);
     if (menu == kept_)
         return;
     kept_ = std::move(menu);

@@ -61,6 +61,7 @@ private:
     Parts parts_;
     MainLoop& loop_;
     Preferences& preferences_;
+    LoginWindow& loginWindow_;
     const Formats& formats_;
     QuickMenu kept_;
     Handle welcome_;

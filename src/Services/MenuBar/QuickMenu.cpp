@@ -2,8 +2,10 @@
 
 #include "Services/AppUpdater.h"
 #include "Services/QuitController/QuitController.h"
+#include "Services/SessionEnd/EndTexts.h"
 #include "Texts/Localized.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -31,8 +33,8 @@ std::string reopenTitle(std::size_t count) {
 
 } // namespace
 
-QuickMenu quickMenu(const QuitController& controller, const AppUpdater& updater,
-                    const Formats& formats) {
+QuickMenu quickMenu(const QuitController& controller, const LoginWindow& loginWindow,
+                    const AppUpdater& updater, const Formats& formats) {
     const QuickMenuEntry separator;
     const std::size_t open = controller.quittable().size();
     QuickMenu menu{{.command = Command::quit,
@@ -40,11 +42,21 @@ QuickMenu quickMenu(const QuitController& controller, const AppUpdater& updater,
                     .symbol = "xmark.circle",
                     .isEnabled = open > 0},
                    separator};
-    for (const auto& [action, symbol] : powerSymbols)
+    EndOutlook worst = EndOutlook::direct;
+    for (const auto& [action, symbol] : powerSymbols) {
+        const EndOutlook outlook = loginWindow.outlook(*loginRequest(action));
+        worst = std::max(worst, outlook);
         menu.push_back({.command = Command::quit,
                         .title = buttonTitle(action),
                         .symbol = symbol,
+                        .isEnabled = outlook != EndOutlook::refused,
                         .then = action});
+    }
+    if (worst != EndOutlook::direct)
+        menu.push_back({.command = Command::remark,
+                        .title = EndTexts::shortOutlook(worst),
+                        .symbol = {},
+                        .isEnabled = false});
     if (const std::size_t closed = controller.reopenable().size(); closed > 0) {
         menu.push_back(separator);
         menu.push_back({.command = Command::reopen,

@@ -9,12 +9,14 @@
 namespace velmorquit {
 
 class AppUpdater;
+class LoginWindow;
 class QuitController;
 
 /// One line of the icon's menu.
 struct QuickMenuEntry {
     enum class Command {
-        none, ///< a line between two groups
+        none,   ///< a line between two groups
+        remark, ///< says something about those before it
         quit,
         reopen,
         cancelSchedule,
@@ -36,7 +38,7 @@ struct QuickMenuEntry {
 using QuickMenu = std::vector<QuickMenuEntry>;
 
 /// The menu for what is true now.
-[[nodiscard]] QuickMenu quickMenu(const QuitController& controller, const AppUpdater& updater,
-                                  const Formats& formats);
+[[nodiscard]] QuickMenu quickMenu(const QuitController& controller, const LoginWindow& loginWindow,
+                                  const AppUpdater& updater, const Formats& formats);
 
 } // namespace velmorquit

@@ -93,10 +93,12 @@ Task QuitController::afterApps(RunResult result, PowerAction action) {
         co_await sleep(beforePowerAction);
         // A run that has begun meanwhile brings its own action.
         if (number == runNumber_ && !isActionDropped_) {
-            // A pending schedule takes its own hold again if the session doesn't end.
+            const auto attendance = unattended ? Attendance::unattended : Attendance::attended;
+            perform(action, attendance, desktop_.loginWindow, desktop_.log);
+            // Whoever took it holds off sleep from here on. A pending schedule takes its own hold
+            // again if the session doesn't end.
             runActivity_.reset();
             sleepActivity_.reset();
-            perform(action, desktop_.loginWindow, desktop_.log);
         }
     }
     resetSequence(number);

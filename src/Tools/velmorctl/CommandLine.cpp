@@ -26,6 +26,7 @@ const QMap<QString, Command>& commands() {
         {"schedule", Command::schedule}, {"postpone", Command::postpone},
         {"confirm", Command::confirm},   {"actions", Command::actions},
         {"memory", Command::memory},     {"action", Command::action},
+        {"anyway", Command::anyway},
     };
     return words;
 }
@@ -139,6 +140,8 @@ std::string usage() {
         "  postpone [N]         la rimanda di N minuti, o di 10\n"
         "  confirm              la fa partire, quando aspetta una conferma\n"
         "  cancel               la annulla; rinuncia anche a spegnere, riavviare o uscire\n"
+        "  anyway               spegne, riavvia o esce anche se resta aperto qualcosa: dice che\n"
+        "                       cosa, e chiede conferma\n"
         "  memory [--json]      quanta memoria è in uso\n"
         "  actions [--json]     le azioni che si possono chiedere da fuori\n"
         "  action NOME [minutes=N] [then=SCELTA]\n"

@@ -33,6 +33,7 @@ struct CommandLine {
         cancel,
         reopen,
         forget,
+        anyway,
         schedule,
         postpone,
         confirm,

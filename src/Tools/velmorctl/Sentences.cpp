@@ -189,6 +189,10 @@ std::string statusText(const QJsonObject& status, const Formats& formats) {
     std::string phase = phaseText(status, formats) + '\n';
     if (const std::string schedule = scheduleText(status["schedule"], formats); !schedule.empty())
         phase += schedule + '\n';
+    for (const QJsonValue& said : {status["ending"]["text"], status["limits"]}) {
+        if (const QString text = said.toString(); !text.isEmpty())
+            phase += text.toStdString() + '\n';
+    }
     if (applications.isEmpty())
         return phase + localized("Nessuna app aperta") + '\n' + reopenableText(status);
     Table table({Table::Align::left, Table::Align::right, Table::Align::right, Table::Align::left,
@@ -230,6 +234,8 @@ std::string changeText(const QJsonObject& change, const Formats& formats) {
         return seconds == 1 ? localized("Chiusura programmata tra 1 secondo")
                             : localized("Chiusura programmata tra %lld secondi", seconds);
     }
+    if (kind == "ending")
+        return change["ending"]["text"].toString().toStdString();
     if (kind == "scheduleNote")
         return change["note"].toString().toStdString();
     if (kind == "stubborn") {

@@ -145,6 +145,9 @@ void Session::start() {
     case Command::forget:
         report("forget", {});
         break;
+    case Command::anyway:
+        askThenEndAnyway();
+        break;
     case Command::show:
         show();
         break;
@@ -207,12 +210,40 @@ void Session::askThenQuitAll() {
         return;
     }
     perform("status", {}, [this](const QString& json) {
-        print(confirmationQuestion(countToQuit(parsed(json)), line_.then) + ' ');
-        const QString answer = QTextStream(stdin).readLine().trimmed().toLower();
-        if (QStringList{"s", "si", "sì", "y", "yes"}.contains(answer))
+        const QJsonObject status = parsed(json);
+        if (const QString limits = status["limits"].toString(); !limits.isEmpty())
+            print(limits.toStdString() + '\n');
+        if (isAgreed(confirmationQuestion(countToQuit(status), line_.then)))
             quitAll();
         else
             fail(localized("annullato: non chiudo niente."), ExitStatus::failure);
+    });
+}
+
+bool Session::isAgreed(const std::string& question) {
+    print(question + ' ');
+    const QString answer = QTextStream(stdin).readLine().trimmed().toLower();
+    return QStringList{"s", "si", "sì", "y", "yes"}.contains(answer);
+}
+
+// There is no way around the question: what is lost by it is lost for good.
+void Session::askThenEndAnyway() {
+    perform("status", {}, [this](const QString& json) {
+        const QJsonValue ending = parsed(json)["ending"];
+        if (ending["list"].isNull() || ending["list"].isUndefined()) {
+            fail(localized("non c'è niente su cui passare sopra."), ExitStatus::failure);
+            return;
+        }
+        print(ending["text"].toString().toStdString() + '\n');
+        if (!::isatty(STDIN_FILENO)) {
+            fail(localized("senza un terminale non posso chiedere conferma: non faccio niente."),
+                 ExitStatus::usage);
+            return;
+        }
+        if (isAgreed(ending["question"].toString().toStdString() + " [s/N]"))
+            report("anyway", {ending["list"].toString()});
+        else
+            fail(localized("annullato: non faccio niente."), ExitStatus::failure);
     });
 }
 

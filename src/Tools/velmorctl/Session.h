@@ -37,6 +37,9 @@ private:
     void send(QDBusMessage call, std::function<void(const QString& answer)> done);
     void show();
     void askThenQuitAll();
+    void askThenEndAnyway();
+    /// Puts a question to whoever sits at the terminal; without one nobody says yes.
+    static bool isAgreed(const std::string& question);
     void quitAll();
     void watchRun(const QJsonObject& change);
     void report(const QString& verb, const QStringList& arguments);

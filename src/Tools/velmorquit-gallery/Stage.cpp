@@ -120,8 +120,8 @@ QPoint Stage::middle() const {
 }
 
 void Stage::openQuickMenu() {
-    auto menu =
-        makeMenu(quickMenu(*controller_, updater, setting_.formats), [](const QuickMenuEntry&) {});
+    auto menu = makeMenu(quickMenu(*controller_, desktop.loginWindow, updater, setting_.formats),
+                         [](const QuickMenuEntry&) {});
     menu->popup(middle());
     menu->setActiveAction(menu->actions().first());
     window_ = std::move(menu);

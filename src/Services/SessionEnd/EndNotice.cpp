@@ -1,0 +1,103 @@
+#include "Services/SessionEnd/EndNotice.h"
+
+#include "Services/SessionEnd/EndTexts.h"
+#include "Texts/Localized.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmorquit {
+
+EndNotice::EndNotice(MainLoop& loop, LoginWindow& loginWindow, Notice& notice)
+    : loop_(loop), loginWindow_(loginWindow), notice_(notice) {
+    notice_.onButton = [this](const std::string& button) { answer(button); };
+    following_ = loginWindow_.state.subscribe([this] { follow(); });
+}
+
+EndNotice::~EndNotice() {
+    notice_.onButton = nullptr;
+    if (isShown_)
+        notice_.withdraw();
+}
+
+void EndNotice::follow() {
+    const EndState& state = loginWindow_.state;
+    isAsking_ = isAsking_ && state.canBeForced;
+    const bool canEndByItself =
+        std::ranges::none_of(state.obstacles, [](const EndObstacle& obstacle) {
+            return obstacle.kind == EndObstacle::Kind::unaskable;
+        });
+    const bool isWaiting = state.stage == EndState::Stage::waiting;
+    if (isWaiting && canEndByItself && !isShown_) {
+        if (!telling_.isSet())
+            telling_ = loop_.after(delay, [this] { tell(); });
+        return;
+    }
+    telling_.reset();
+    tell();
+}
+
+// Each new text may come up before the user's eyes again, so there is one only when it differs.
+void EndNotice::tell() {
+    telling_.reset();
+    const EndState& state = loginWindow_.state;
+    if (state.stage == EndState::Stage::none) {
+        if (std::exchange(isShown_, false))
+            notice_.withdraw();
+        return;
+    }
+    if (isAsking_) {
+        ask();
+        return;
+    }
+    const bool isComing =
+        state.stage == EndState::Stage::waiting || state.stage == EndState::Stage::naming;
+    const std::string text = EndTexts::text(state);
+    if (text.empty())
+        return;
+    std::vector<Notice::Button> buttons;
+    if (isComing)
+        buttons.push_back({"cancel", localized("Annulla")});
+    if (state.canBeForced)
+        buttons.push_back({"anyway", EndTexts::anyway(state.request)});
+    show({.title = EndTexts::title(state),
+          .text = text,
+          .buttons = std::move(buttons),
+          .stays = isComing || state.canBeForced});
+}
+
+void EndNotice::ask() {
+    const EndState& state = loginWindow_.state;
+    askedList_ = state.list;
+    show({.title = EndTexts::anywayQuestion(state.request),
+          .text = EndTexts::anywayText(state),
+          .buttons = {{"cancel", localized("Annulla")},
+                      {"confirm", EndTexts::anyway(state.request)}},
+          .stays = true});
+}
+
+void EndNotice::show(const Notice::Content& content) {
+    const bool isNew = !isShown_ || content.title != shown_.title || content.text != shown_.text ||
+                       content.buttons != shown_.buttons;
+    isShown_ = true;
+    shown_ = content;
+    if (isNew)
+        notice_.show(content);
+}
+
+void EndNotice::answer(const std::string& button) {
+    const bool wasAsking = std::exchange(isAsking_, false);
+    if (button == "anyway" && loginWindow_.state->canBeForced) {
+        isAsking_ = true;
+        ask();
+    } else if (button == "confirm" && wasAsking) {
+        // What stays may have changed under the user's finger: then it is a new question.
+        isAsking_ = !loginWindow_.endAnyway(askedList_) && loginWindow_.state->canBeForced;
+        if (isAsking_)
+            ask();
+    } else {
+        loginWindow_.cancel();
+    }
+}
+
+} // namespace velmorquit

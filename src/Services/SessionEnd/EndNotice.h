@@ -1,0 +1,41 @@
+#pragma once
+
+#include "Platform/LoginWindow.h"
+#include "Platform/MainLoop.h"
+#include "Platform/Notice.h"
+
+namespace velmorquit {
+
+/// Tells the user by a notice of the desktop's what the end of the session waits for, and why it
+/// didn't come. There the user can cancel it, or have it come anyway.
+class EndNotice {
+public:
+    /// What is over by then is not worth a notice, unless it can't be over by itself.
+    static constexpr Duration delay = 1s;
+
+    /// `notice` is its own to listen to; all outlive it.
+    EndNotice(MainLoop& loop, LoginWindow& loginWindow, Notice& notice);
+    EndNotice(const EndNotice&) = delete;
+    EndNotice& operator=(const EndNotice&) = delete;
+    ~EndNotice();
+
+private:
+    void follow();
+    void tell();
+    void ask();
+    void show(const Notice::Content& content);
+    void answer(const std::string& button);
+
+    MainLoop& loop_;
+    LoginWindow& loginWindow_;
+    Notice& notice_;
+    Notice::Content shown_;
+    bool isShown_ = false;
+    /// The user is being asked whether it is to come over the obstacles of that list.
+    bool isAsking_ = false;
+    std::uint64_t askedList_ = 0;
+    Handle telling_;
+    Handle following_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,193 @@
+#include "Services/SessionEnd/EndTexts.h"
+
+#include "Texts/Localized.h"
+
+#include <algorithm>
+#include <array>
+
+namespace velmorquit::EndTexts {
+namespace {
+
+using Kind = EndObstacle::Kind;
+using Stage = EndState::Stage;
+
+/// Keys of the string table.
+struct Keys {
+    const char* coming;
+    const char* refused;
+    const char* anyway;
+    const char* question;
+};
+
+const Keys& keysOf(LoginRequest request) {
+    static constexpr std::array<Keys, 3> keys{
+        {{textKey("Sto per spegnere il computer"), textKey("Il computer non è stato spento"),
+          textKey("Spegni comunque"), textKey("Spegnere comunque?")},
+         {textKey("Sto per riavviare il computer"), textKey("Il computer non è stato riavviato"),
+          textKey("Riavvia comunque"), textKey("Riavviare comunque?")},
+         {textKey("Sto per chiudere la sessione"), textKey("La sessione non è stata chiusa"),
+          textKey("Esci comunque"), textKey("Uscire comunque?")}}};
+    return keys.at(static_cast<std::size_t>(request));
+}
+
+std::string described(const EndObstacle& obstacle) {
+    switch (obstacle.kind) {
+    case Kind::question:
+        return localized("%@ (aspetta una tua risposta)", obstacle.name);
+    case Kind::unaskable:
+        return localized("%@ (non si può chiederle di chiudersi)", obstacle.name);
+    case Kind::work:
+        return obstacle.detail.empty()
+                   ? localized("%@ (sta ancora lavorando)", obstacle.name)
+                   : localized("%@ (sta ancora lavorando: %@)", obstacle.name, obstacle.detail);
+    case Kind::inhibitor:
+        return obstacle.detail.empty() ? obstacle.name
+                                       : obstacle.name + " (" + obstacle.detail + ')';
+    case Kind::secondSession:
+        return localized("Hai un'altra sessione aperta su questo computer.");
+    case Kind::unseen:
+        return obstacle.detail;
+    case Kind::unknown:
+        return localized("Il sistema non dice chi è collegato e che cosa non va interrotto.");
+    default:
+        return obstacle.name;
+    }
+}
+
+std::vector<EndObstacle> ofKind(const std::vector<EndObstacle>& obstacles, Kind kind) {
+    std::vector<EndObstacle> found;
+    std::ranges::copy_if(obstacles, std::back_inserter(found),
+                         [kind](const EndObstacle& one) { return one.kind == kind; });
+    return found;
+}
+
+bool areAll(const std::vector<EndObstacle>& obstacles, Kind kind) {
+    return std::ranges::all_of(obstacles,
+                               [kind](const EndObstacle& one) { return one.kind == kind; });
+}
+
+std::string namingText(const std::vector<EndObstacle>& obstacles) {
+    const auto tray = ofKind(obstacles, Kind::tray);
+    const auto jobs = ofKind(obstacles, Kind::job);
+    std::string text;
+    if (!tray.empty())
+        text = localized("Nell'area di notifica: %@.", list(tray));
+    if (!jobs.empty())
+        text += (text.empty() ? "" : " ") +
+                localized("Comandi in corso senza finestra: %@.", list(jobs));
+    return text;
+}
+
+std::string waitingText(const std::vector<EndObstacle>& obstacles) {
+    if (obstacles.empty())
+        return {};
+    if (!areAll(obstacles, Kind::window))
+        return localized("Aspetto ancora: %@.", list(obstacles));
+    return obstacles.size() == 1 ? localized("Aspetto che si chiuda %@.", list(obstacles))
+                                 : localized("Aspetto che si chiudano %lld app: %@.",
+                                             obstacles.size(), list(obstacles));
+}
+
+std::string refusedText(const std::vector<EndObstacle>& obstacles) {
+    if (areAll(obstacles, Kind::window))
+        return obstacles.size() == 1 ? localized("%@ è rimasta aperta.", list(obstacles))
+                                     : localized("%lld app sono rimaste aperte: %@.",
+                                                 obstacles.size(), list(obstacles));
+    const auto users = ofKind(obstacles, Kind::otherUser);
+    if (!users.empty())
+        return users.size() == 1
+                   ? localized("%@ è ancora al lavoro su questo computer.", list(users))
+                   : localized("Sono ancora al lavoro su questo computer: %@.", list(users));
+    const bool isSentence = std::ranges::any_of(obstacles, [](const EndObstacle& one) {
+        return one.kind == Kind::secondSession || one.kind == Kind::unseen ||
+               one.kind == Kind::unknown;
+    });
+    return isSentence ? described(obstacles.back())
+                      : localized("Non è ancora finito: %@.", list(obstacles));
+}
+
+} // namespace
+
+std::string title(const EndState& state) {
+    const Keys& keys = keysOf(state.request);
+    const bool isComing = state.stage == Stage::waiting || state.stage == Stage::naming;
+    return state.stage == Stage::none ? std::string()
+                                      : localized(isComing ? keys.coming : keys.refused);
+}
+
+std::string text(const EndState& state) {
+    switch (state.stage) {
+    case Stage::waiting:
+        return waitingText(state.obstacles);
+    case Stage::naming:
+        return namingText(state.obstacles);
+    case Stage::refused:
+        return refusedText(state.obstacles);
+    case Stage::failed:
+        return localized("Il sistema ha rifiutato o non ha risposto.");
+    case Stage::none:
+        break;
+    }
+    return {};
+}
+
+std::string line(const EndState& state) {
+    const std::string told = text(state);
+    return told.empty() ? title(state) : title(state) + ". " + told;
+}
+
+std::string list(const std::vector<EndObstacle>& obstacles) {
+    std::vector<std::string> told;
+    for (const EndObstacle& obstacle : obstacles) {
+        std::string one = described(obstacle);
+        if (std::ranges::find(told, one) == told.end())
+            told.push_back(std::move(one));
+    }
+    std::string all;
+    for (const std::string& one : told)
+        all += (all.empty() ? "" : ", ") + one;
+    return all;
+}
+
+std::string anyway(LoginRequest request) { return localized(keysOf(request).anyway); }
+
+std::string anywayQuestion(LoginRequest request) { return localized(keysOf(request).question); }
+
+std::string anywayText(const EndState& state) {
+    return refusedText(state.obstacles) + ' ' + localized("Quello che non è salvato va perso.");
+}
+
+std::string unseen(bool canAsk) {
+    return canAsk ? localized("Non vedo tutte le finestre di questa sessione, e non so se "
+                              "qualcuno è al computer per confermare.")
+                  : localized("Non vedo tutte le finestre di questa sessione, e nessun programma "
+                              "può chiederti conferma.");
+}
+
+std::string outlook(EndOutlook outlook) {
+    switch (outlook) {
+    case EndOutlook::asks:
+        return localized("Non vedo tutte le finestre di questa sessione: alla fine sarà il sistema "
+                         "a chiederti conferma.");
+    case EndOutlook::refused:
+        return localized("Non vedo tutte le finestre di questa sessione: non potrò spegnere, "
+                         "riavviare o uscire.");
+    case EndOutlook::direct:
+        break;
+    }
+    return {};
+}
+
+std::string shortOutlook(EndOutlook outlook) {
+    switch (outlook) {
+    case EndOutlook::asks:
+        return localized("Non vedo tutte le finestre: chiederà il sistema");
+    case EndOutlook::refused:
+        return localized("Non vedo tutte le finestre: non potrò farlo");
+    case EndOutlook::direct:
+        break;
+    }
+    return {};
+}
+
+} // namespace velmorquit::EndTexts

@@ -1,0 +1,233 @@
+#include "Services/SessionEnd/OpenWork.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace velmorquit {
+
+namespace {
+
+bool isHeldBy(const Inhibitor& inhibitor, const WindowOwner& owner) {
+    return inhibitor.process == owner.process ||
+           (!inhibitor.application.empty() &&
+            (inhibitor.application == owner.application || inhibitor.application == owner.name));
+}
+
+} // namespace
+
+OpenWork::OpenWork(Windows& windows, const Processes& processes)
+    : windows_(windows), processes_(processes) {
+    note();
+    watching_ = windows_.observe([this] { note(); });
+}
+
+/// Brings what is known of the programs in line with the display.
+void OpenWork::note() {
+    for (auto& [id, program] : programs_)
+        program.windows.clear();
+    for (Program& stranger : strangers_)
+        stranger.windows.clear();
+    for (const OpenWindow& window : windows_.open())
+        noteWindow(window);
+    std::erase_if(programs_, [this](const auto& entry) {
+        return entry.second.windows.empty() && !isSame(entry.first, entry.second);
+    });
+    std::erase_if(strangers_, [](const Program& stranger) { return stranger.windows.empty(); });
+}
+
+void OpenWork::noteWindow(const OpenWindow& window) {
+    const ProcessId id = window.owner.process;
+    const auto start = id > 0 ? processes_.startOf(id) : std::nullopt;
+    if (start) {
+        Program& program = programs_[id];
+        if (program.start != *start)
+            program = {.owner = window.owner, .start = *start};
+        program.owner = window.owner;
+        program.windows.push_back(window);
+        return;
+    }
+    auto stranger = std::ranges::find_if(
+        strangers_, [&](const Program& known) { return known.owner.name == window.owner.name; });
+    if (stranger == strangers_.end())
+        stranger = strangers_.insert(stranger, Program{.owner = window.owner});
+    stranger->windows.push_back(window);
+}
+
+/// An id whose process has ended may be that of another one by now.
+bool OpenWork::isSame(ProcessId id, const Program& program) const {
+    return processes_.startOf(id) == program.start;
+}
+
+OpenWork::Found OpenWork::ask(Uptime now, LoginRequest request, const SessionAccount& account) {
+    note();
+    askAll(now);
+    measure(now);
+    Found found;
+    for (const auto& [id, program] : programs_) {
+        if (!program.windows.empty())
+            found.obstacles.push_back(obstacleOf(program));
+    }
+    for (const Program& stranger : strangers_)
+        found.obstacles.push_back(obstacleOf(stranger));
+    addWindowless(found, now, account);
+    for (const Inhibitor& inhibitor : account.inhibitors) {
+        const bool isInTheWay =
+            inhibitor.against == Inhibitor::Against::sessionEnd ||
+            (inhibitor.against == Inhibitor::Against::shutdown && request != LoginRequest::logOut);
+        if (isInTheWay)
+            found.obstacles.push_back({.kind = EndObstacle::Kind::inhibitor,
+                                       .name = inhibitor.who,
+                                       .detail = inhibitor.why,
+                                       .process = inhibitor.process});
+    }
+    return found;
+}
+
+// Whoever is asked may go on the spot, and what is known of it with it.
+void OpenWork::askAll(Uptime now) {
+    std::vector<ProcessId> ids;
+    for (const auto& [id, program] : programs_)
+        ids.push_back(id);
+    for (const ProcessId id : ids) {
+        const auto found = programs_.find(id);
+        if (found == programs_.end())
+            continue;
+        if (found->second.windows.empty())
+            askWindowless(id, found->second, now);
+        else
+            askWindows(found->second);
+    }
+    for (Program& stranger : strangers_)
+        askStranger(stranger);
+}
+
+// One that shows a question is left alone: some take being asked once more as an answer to it. One
+// that showed a window after it had gone on without any is as good as opened anew.
+void OpenWork::askWindows(Program& program) {
+    const bool isAnew = !program.wasAsked || program.wasAskedWithoutWindows;
+    program.windowlessSince.reset();
+    program.meter = {};
+    if (!isAnew || std::ranges::any_of(program.windows, &OpenWindow::isQuestion))
+        return;
+    program.wasAsked = true;
+    program.wasAskedWithoutWindows = false;
+    std::vector<std::uint64_t> asked;
+    for (const OpenWindow& window : program.windows) {
+        if (window.canBeAsked)
+            asked.push_back(window.id);
+    }
+    bool isRefused = false;
+    const ProcessId id = program.owner.process;
+    for (const std::uint64_t window : asked)
+        isRefused |= !windows_.askToClose(window);
+    if (const auto found = programs_.find(id); found != programs_.end())
+        found->second.couldNotBeAsked = isRefused;
+}
+
+void OpenWork::askStranger(Program& stranger) {
+    if (std::ranges::any_of(stranger.windows, &OpenWindow::isQuestion))
+        return;
+    for (const OpenWindow& window : stranger.windows) {
+        if (window.canBeAsked && stranger.askedWindows.insert(window.id).second)
+            windows_.askToClose(window.id);
+    }
+}
+
+void OpenWork::askWindowless(ProcessId id, Program& program, Uptime now) {
+    if (!program.windowlessSince)
+        program.windowlessSince = now;
+    const bool isTime = now - *program.windowlessSince >= windowlessPatience;
+    if (!program.wasAsked || program.wasAskedWithoutWindows || !isTime)
+        return;
+    program.wasAskedWithoutWindows = true;
+    windows_.askWithoutWindows(id);
+}
+
+/// Looks at those that have no windows and whose time has come.
+void OpenWork::measure(Uptime now) {
+    std::set<ProcessId> due;
+    for (const auto& [id, program] : programs_) {
+        if (program.windows.empty() && !program.owner.isBackground && program.meter.isLookDue(now))
+            due.insert(id);
+    }
+    if (due.empty())
+        return;
+    for (const auto& [id, work] : processes_.work(due)) {
+        Program& program = programs_.at(id);
+        if (program.start == work.start)
+            program.meter.look(now, work);
+    }
+}
+
+EndObstacle OpenWork::obstacleOf(const Program& program) {
+    using Kind = EndObstacle::Kind;
+    const auto isAny = [&](bool OpenWindow::* quality) {
+        return std::ranges::any_of(program.windows, quality);
+    };
+    const bool canBeAsked = isAny(&OpenWindow::canBeAsked) && !program.couldNotBeAsked;
+    EndObstacle obstacle{.kind = isAny(&OpenWindow::isQuestion) ? Kind::question
+                                 : canBeAsked                   ? Kind::window
+                                                                : Kind::unaskable,
+                         .name = program.owner.name,
+                         .process = program.owner.process};
+    for (const OpenWindow& window : program.windows)
+        obstacle.windows.push_back(window.id);
+    return obstacle;
+}
+
+void OpenWork::addWindowless(Found& found, Uptime now, const SessionAccount& account) const {
+    for (const auto& [id, program] : programs_) {
+        if (!program.windows.empty())
+            continue;
+        const auto inhibitor =
+            std::ranges::find_if(account.inhibitors, [&](const Inhibitor& candidate) {
+                return candidate.against == Inhibitor::Against::sleep &&
+                       isHeldBy(candidate, program.owner);
+            });
+        const bool isInhibiting = inhibitor != account.inhibitors.end();
+        if (isInhibiting || program.meter.isWorking())
+            found.obstacles.push_back({.kind = EndObstacle::Kind::work,
+                                       .name = program.owner.name,
+                                       .detail = isInhibiting ? inhibitor->why : std::string(),
+                                       .process = id});
+        else if (!program.owner.isBackground && !program.meter.isQuiet(now))
+            found.isSomebodyEnding = true;
+    }
+}
+
+const std::vector<EndObstacle>& OpenWork::mentions(Uptime now) {
+    using Kind = EndObstacle::Kind;
+    if (mentionedAt_ && now - *mentionedAt_ < mentionInterval)
+        return mentions_;
+    mentionedAt_ = now;
+    mentions_.clear();
+    const std::set<ProcessId> inTray = windows_.trayOwners();
+    for (const auto& [id, program] : programs_) {
+        const bool wentByItself = program.windows.empty() && !program.wasAsked;
+        if (wentByItself && !program.owner.isBackground && inTray.contains(id))
+            mentions_.push_back({Kind::tray, program.owner.name, {}, id});
+    }
+    for (const WindowlessJob& job : processes_.windowlessJobs())
+        mentions_.push_back({Kind::job, job.name, {}, job.process});
+    return mentions_;
+}
+
+void OpenWork::askAnew() {
+    for (auto& [id, program] : programs_) {
+        if (!program.windows.empty())
+            program.wasAsked = false;
+    }
+    for (Program& stranger : strangers_)
+        stranger.askedWindows.clear();
+}
+
+void OpenWork::forget() {
+    for (auto& [id, program] : programs_)
+        program = {.owner = program.owner, .start = program.start, .windows = program.windows};
+    for (Program& stranger : strangers_)
+        stranger.askedWindows.clear();
+    mentionedAt_.reset();
+}
+
+} // namespace velmorquit

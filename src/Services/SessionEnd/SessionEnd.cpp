@@ -1,0 +1,305 @@
+#include "Services/SessionEnd/SessionEnd.h"
+
+#include "Services/SessionEnd/EndTexts.h"
+#include "Texts/Localized.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmorquit {
+
+namespace {
+
+std::string logName(LoginRequest request) {
+    switch (request) {
+    case LoginRequest::shutDown:
+        return "spegnimento";
+    case LoginRequest::restart:
+        return "riavvio";
+    case LoginRequest::logOut:
+        break;
+    }
+    return "chiusura della sessione";
+}
+
+/// For the log, in which no language is chosen.
+std::string logText(const std::vector<EndObstacle>& obstacles) {
+    using Kind = EndObstacle::Kind;
+    std::string text;
+    for (const EndObstacle& obstacle : obstacles) {
+        text += text.empty() ? "" : ", ";
+        if (obstacle.kind == Kind::secondSession)
+            text += "un'altra sessione dell'utente";
+        else if (obstacle.kind == Kind::unseen)
+            text += "non tutte le finestre si vedono";
+        else if (obstacle.kind == Kind::unknown)
+            text += "il registro delle sessioni non risponde";
+        else
+            text += obstacle.name;
+    }
+    return text;
+}
+
+bool isOfWindows(const EndObstacle& obstacle) {
+    using Kind = EndObstacle::Kind;
+    return obstacle.kind == Kind::window || obstacle.kind == Kind::unaskable ||
+           obstacle.kind == Kind::question;
+}
+
+bool canBePassedOver(const EndObstacle& obstacle) {
+    using Kind = EndObstacle::Kind;
+    return isOfWindows(obstacle) || obstacle.kind == Kind::work || obstacle.kind == Kind::inhibitor;
+}
+
+/// What an obstacle says of itself may change while it is the same.
+bool isSame(const EndObstacle& one, const EndObstacle& other) {
+    return one.kind == other.kind && one.name == other.name && one.process == other.process &&
+           one.windows == other.windows;
+}
+
+bool holds(const std::vector<EndObstacle>& list, const EndObstacle& wanted) {
+    return std::ranges::any_of(list,
+                               [&](const EndObstacle& known) { return isSame(known, wanted); });
+}
+
+} // namespace
+
+SessionEnd::SessionEnd(const Surroundings& surroundings)
+    : LoginWindow(surroundings.loop), surroundings_(surroundings),
+      work_(surroundings.windows, surroundings.processes) {
+    surroundings_.service.onAnswered = [this](const auto& failure) { hear(failure); };
+}
+
+SessionEnd::~SessionEnd() { surroundings_.service.onAnswered = nullptr; }
+
+std::optional<std::string> SessionEnd::request(LoginRequest request, Attendance attendance) {
+    if (underWay_)
+        return logName(*underWay_) + " già in corso";
+    if (const auto obstacle = surroundings_.service.obstacle(request, form());
+        obstacle && form() == EndForm::direct)
+        return obstacle;
+    if (waiting_.isActive())
+        work_.askAnew();
+    pardoned_.clear();
+    begin(request, attendance);
+    return std::nullopt;
+}
+
+void SessionEnd::begin(LoginRequest request, Attendance attendance) {
+    wait_ = {.request = request, .attendance = attendance, .begin = surroundings_.loop.uptime()};
+    awake_ = surroundings_.sleepHold.begin(localized("Velmor Quit aspetta le app"));
+    publish(EndState::Stage::waiting, {});
+    waiting_ = waitAndEnd();
+}
+
+bool SessionEnd::cancel() {
+    const bool isWaiting = waiting_.isActive();
+    if (!underWay_)
+        end();
+    return isWaiting;
+}
+
+/// Nothing is waited for any more, or shown.
+void SessionEnd::end() {
+    waiting_.cancel();
+    asking_.reset();
+    awake_.reset();
+    pardoned_.clear();
+    work_.forget();
+    state = EndState{};
+}
+
+bool SessionEnd::endAnyway(std::uint64_t list) {
+    const EndState shown = state;
+    if (!shown.canBeForced || shown.list != list)
+        return false;
+    pardoned_ = shown.obstacles;
+    if (!waiting_.isActive())
+        begin(shown.request, Attendance::attended);
+    return true;
+}
+
+EndForm SessionEnd::form() const {
+    return surroundings_.workspace.sight() == Sight::all ? EndForm::direct : EndForm::asking;
+}
+
+EndOutlook SessionEnd::outlook(LoginRequest request) const {
+    if (form() == EndForm::direct)
+        return EndOutlook::direct;
+    return surroundings_.service.obstacle(request, EndForm::asking) ? EndOutlook::refused
+                                                                    : EndOutlook::asks;
+}
+
+// What others say takes a while to come, and by then the windows may be others: so they are looked
+// at last, in the same turn in which the system is asked.
+Task SessionEnd::waitAndEnd() {
+    for (bool isAccountWanted = true;;) {
+        const Uptime now = surroundings_.loop.uptime();
+        const bool isAccountRead =
+            isAccountWanted || !wait_.readAt || now - *wait_.readAt >= accountInterval;
+        if (isAccountRead) {
+            accountAnswer_.clear();
+            asking_ = surroundings_.registry.read(
+                [this](const auto& account) { accountAnswer_.give(account); });
+            const std::optional<SessionAccount> account = co_await accountAnswer_;
+            account_ = account;
+            wait_.readAt = surroundings_.loop.uptime();
+            if (form() == EndForm::asking) {
+                inputAnswer_.clear();
+                asking_ = surroundings_.input.sinceLastInput(
+                    [this](std::optional<Duration> time) { inputAnswer_.give(time); });
+                const std::optional<Duration> time = co_await inputAnswer_;
+                sinceInput_ = time;
+            }
+        }
+        const Next next = consider(isAccountRead);
+        if (next == Next::refuse) {
+            refuse(std::exchange(refusal_, {}));
+            co_return;
+        }
+        if (next == Next::carryOut) {
+            carryOut();
+            co_return;
+        }
+        isAccountWanted = next == Next::lookAgain;
+        if (!isAccountWanted)
+            co_await sleep(pollInterval);
+    }
+}
+
+/// What stands in the way for good is looked for before anybody is asked to close.
+SessionEnd::Next SessionEnd::consider(bool isAccountFresh) {
+    if (considerAccount() == Next::refuse || considerSight() == Next::refuse)
+        return Next::refuse;
+    return considerWork(isAccountFresh);
+}
+
+SessionEnd::Next SessionEnd::considerAccount() {
+    if (!account_ || wait_.request == LoginRequest::logOut)
+        return Next::lookAgain;
+    refusal_.clear();
+    for (const std::string& user : account_->otherUsers)
+        refusal_.push_back({Kind::otherUser, user});
+    if (account_->hasSecondSession)
+        refusal_.push_back({Kind::secondSession});
+    return refusal_.empty() ? Next::lookAgain : Next::refuse;
+}
+
+SessionEnd::Next SessionEnd::considerSight() {
+    const Uptime now = surroundings_.loop.uptime();
+    if (form() == EndForm::direct) {
+        wait_.blindSince.reset();
+        return Next::lookAgain;
+    }
+    if (!wait_.blindSince)
+        wait_.blindSince = now;
+    const bool isThere =
+        wait_.attendance == Attendance::attended && sinceInput_ && *sinceInput_ <= presence;
+    const bool canAsk = !surroundings_.service.obstacle(wait_.request, EndForm::asking).has_value();
+    if ((isThere && canAsk) || now - *wait_.blindSince < blindPatience)
+        return Next::lookAgain;
+    refusal_ = {{Kind::unseen, {}, EndTexts::unseen(canAsk)}};
+    return Next::refuse;
+}
+
+SessionEnd::Next SessionEnd::considerWork(bool isAccountFresh) {
+    const Uptime now = surroundings_.loop.uptime();
+    OpenWork::Found found = work_.ask(now, wait_.request, account_ ? *account_ : SessionAccount{});
+    if (!account_ || !surroundings_.service.isReady())
+        found.obstacles.push_back({Kind::unknown});
+    const Obstacles inTheWay = withoutPardoned(found.obstacles);
+    const bool areWindows = std::ranges::any_of(inTheWay, [](const EndObstacle& obstacle) {
+        return isOfWindows(obstacle) || obstacle.kind == Kind::unknown;
+    });
+    if (!areWindows)
+        wait_.windowsSince.reset();
+    else if (!wait_.windowsSince)
+        wait_.windowsSince = now;
+    const bool isTooLong =
+        (areWindows && now - *wait_.windowsSince >= windowLimit) || now - wait_.begin >= limit;
+    if (!inTheWay.empty() && isTooLong) {
+        refusal_ = found.obstacles;
+        return Next::refuse;
+    }
+    if (!inTheWay.empty()) {
+        wait_.namedSince.reset();
+        publish(EndState::Stage::waiting, found.obstacles);
+        return Next::wait;
+    }
+    if (const Next next = name(work_.mentions(now), now); next != Next::carryOut)
+        return next;
+    const bool isBlindForAMoment = wait_.blindSince && now - *wait_.blindSince < blindPatience;
+    if (found.isSomebodyEnding || isBlindForAMoment) {
+        publish(EndState::Stage::waiting, {});
+        return Next::wait;
+    }
+    return isAccountFresh ? Next::carryOut : Next::lookAgain;
+}
+
+/// Whatever comes to be named later is named as long.
+SessionEnd::Next SessionEnd::name(const Obstacles& mentions, Uptime now) {
+    const bool isNew = std::ranges::any_of(
+        mentions, [&](const EndObstacle& one) { return !holds(wait_.named, one); });
+    if (isNew || !wait_.namedSince)
+        wait_.namedSince = now;
+    wait_.named.insert(wait_.named.end(), mentions.begin(), mentions.end());
+    if (mentions.empty() || now - *wait_.namedSince >= namingTime)
+        return Next::carryOut;
+    publish(EndState::Stage::naming, mentions);
+    return Next::wait;
+}
+
+SessionEnd::Obstacles SessionEnd::withoutPardoned(const Obstacles& obstacles) const {
+    Obstacles rest;
+    std::ranges::copy_if(obstacles, std::back_inserter(rest),
+                         [this](const EndObstacle& one) { return !holds(pardoned_, one); });
+    return rest;
+}
+
+void SessionEnd::publish(EndState::Stage stage, Obstacles obstacles) {
+    const bool isPassable =
+        (stage == EndState::Stage::waiting || stage == EndState::Stage::refused) &&
+        !obstacles.empty() && std::ranges::all_of(obstacles, canBePassedOver);
+    EndState next{.stage = stage,
+                  .request = wait_.request,
+                  .obstacles = std::move(obstacles),
+                  .canBeForced = isPassable && wait_.attendance == Attendance::attended,
+                  .list = state->list};
+    if (next.obstacles != state->obstacles) {
+        next.list = ++lastList_;
+        if (stage == EndState::Stage::waiting && !next.obstacles.empty())
+            surroundings_.log.write("Velmor Quit: " + logName(wait_.request) + ": aspetto " +
+                                    logText(next.obstacles));
+    }
+    state = std::move(next);
+}
+
+void SessionEnd::refuse(Obstacles obstacles) {
+    surroundings_.log.write("Velmor Quit: " + logName(wait_.request) +
+                            ": rinuncio: " + logText(obstacles));
+    awake_.reset();
+    pardoned_.clear();
+    work_.forget();
+    publish(EndState::Stage::refused, std::move(obstacles));
+}
+
+void SessionEnd::carryOut() {
+    const LoginRequest request = wait_.request;
+    const EndForm how = form();
+    underWay_ = request;
+    awake_.reset();
+    pardoned_.clear();
+    work_.forget();
+    state = EndState{};
+    surroundings_.service.carryOut(request, how);
+}
+
+void SessionEnd::hear(const std::optional<std::string>& failure) {
+    const auto request = std::exchange(underWay_, std::nullopt);
+    if (!request || !failure)
+        return;
+    surroundings_.log.write("Velmor Quit: " + logName(*request) + ": " + *failure);
+    publish(EndState::Stage::failed, {});
+}
+
+} // namespace velmorquit

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "Platform/EndService.h"
+#include "Platform/InputActivity.h"
+#include "Platform/LoginWindow.h"
+#include "Platform/SessionRegistry.h"
+#include "Platform/SleepHold.h"
+#include "Platform/SystemLog.h"
+#include "Platform/Task.h"
+#include "Platform/Workspace.h"
+#include "Services/SessionEnd/OpenWork.h"
+
+#include <vector>
+
+namespace velmorquit {
+
+/// Ends the session, or switches the computer off, once nothing in it can be lost by that. Nobody
+/// else would ask: those who do the rest close what is still open without a question.
+class SessionEnd final : public LoginWindow {
+public:
+    static constexpr Duration pollInterval = 250ms;
+    /// How long windows are waited for once they have been asked.
+    static constexpr Duration windowLimit = 60s;
+    /// How long anything is waited for.
+    static constexpr Duration limit = 30min;
+    /// How old the account of the sessions may be while something else is waited for.
+    static constexpr Duration accountInterval = 2s;
+    /// How long what can't be looked into is named before the end follows.
+    static constexpr Duration namingTime = 10s;
+    /// A window manager that is replaced by another one lists no windows for a moment.
+    static constexpr Duration blindPatience = 3s;
+    /// Whoever has used the computer that recently is there to answer.
+    static constexpr Duration presence = 120s;
+
+    struct Surroundings {
+        MainLoop& loop;
+        SystemLog& log;
+        Workspace& workspace;
+        Windows& windows;
+        const Processes& processes;
+        SessionRegistry& registry;
+        InputActivity& input;
+        SleepHold& sleepHold;
+        EndService& service;
+    };
+
+    /// What it refers to outlives it, and `service` is its own to listen to.
+    explicit SessionEnd(const Surroundings& surroundings);
+    ~SessionEnd() override;
+
+    /// Refused as well while the system is being asked for an earlier request. A request that is
+    /// refused leaves one that waits as it is.
+    std::optional<std::string> request(LoginRequest request, Attendance attendance) override;
+    bool cancel() override;
+    bool endAnyway(std::uint64_t list) override;
+    [[nodiscard]] EndOutlook outlook(LoginRequest request) const override;
+
+    [[nodiscard]] MainLoop& mainLoop() { return surroundings_.loop; }
+
+private:
+    using Kind = EndObstacle::Kind;
+    using Obstacles = std::vector<EndObstacle>;
+
+    /// What is wanted, and since when it has been in which way of waiting.
+    struct Wait {
+        LoginRequest request = LoginRequest::shutDown;
+        Attendance attendance = Attendance::attended;
+        Uptime begin;
+        std::optional<Uptime> blindSince{};
+        std::optional<Uptime> windowsSince{};
+        std::optional<Uptime> namedSince{};
+        Obstacles named{};
+        std::optional<Uptime> readAt{};
+    };
+    enum class Next { wait, lookAgain, carryOut, refuse };
+
+    void begin(LoginRequest request, Attendance attendance);
+    Task waitAndEnd();
+    [[nodiscard]] EndForm form() const;
+    Next consider(bool isAccountFresh);
+    Next considerAccount();
+    Next considerSight();
+    Next considerWork(bool isAccountFresh);
+    Next name(const Obstacles& mentions, Uptime now);
+    [[nodiscard]] Obstacles withoutPardoned(const Obstacles& obstacles) const;
+    void publish(EndState::Stage stage, Obstacles obstacles);
+    void refuse(Obstacles obstacles);
+    void carryOut();
+    void end();
+    void hear(const std::optional<std::string>& failure);
+
+    Surroundings surroundings_;
+    OpenWork work_;
+    Wait wait_;
+    std::optional<SessionAccount> account_;
+    Answer<std::optional<SessionAccount>> accountAnswer_;
+    std::optional<Duration> sinceInput_;
+    Answer<std::optional<Duration>> inputAnswer_;
+    Handle asking_;
+    Obstacles refusal_;
+    /// Those over which the user has said that the end may come.
+    Obstacles pardoned_;
+    std::uint64_t lastList_ = 0;
+    Handle awake_;
+    Task waiting_;
+    /// What the service is being asked for.
+    std::optional<LoginRequest> underWay_;
+};
+
+} // namespace velmorquit

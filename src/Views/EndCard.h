@@ -1,0 +1,31 @@
+#pragma once
+
+#include "Platform/LoginWindow.h"
+#include "Theme/GlassCard.h"
+
+namespace velmorquit {
+
+class Label;
+class PrimaryButton;
+
+/// The session is about to end, or didn't: what it waits for, and what the user can do about it.
+class EndCard : public GlassCard {
+public:
+    explicit EndCard(LoginWindow& loginWindow, QWidget* parent = nullptr);
+
+    void render();
+
+private:
+    void pressAnyway();
+
+    LoginWindow& loginWindow_;
+    Label* title_;
+    Label* text_;
+    PrimaryButton* cancel_;
+    PrimaryButton* anyway_;
+    /// The user is being asked whether it is to come over the obstacles of that list.
+    bool isAsking_ = false;
+    std::uint64_t askedList_ = 0;
+};
+
+} // namespace velmorquit
