@@ -34,7 +34,8 @@ public:
     [[nodiscard]] virtual std::vector<std::shared_ptr<RunningApplication>>
     runningApplications() = 0;
 
-    /// How much of the session is seen now: where that is not all, nothing can be said to be closed.
+    /// How much of the session is seen now: where that is not all, nothing can be said to be
+    /// closed.
     [[nodiscard]] virtual Sight sight() = 0;
 
     /// The running application that the user worked with last; null when that is none of them.

@@ -8,10 +8,12 @@
 #include "Theme/SymbolLabel.h"
 #include "Views/Layouts.h"
 
+#include <utility>
+
 namespace velmorquit {
 
-EndCard::EndCard(LoginWindow& loginWindow, QWidget* parent)
-    : GlassCard(AppTheme::cardCornerRadius, AppTheme::warningOrange(), parent),
+EndCard::EndCard(MainLoop& loop, LoginWindow& loginWindow, QWidget* parent)
+    : GlassCard(AppTheme::cardCornerRadius, AppTheme::warningOrange(), parent), loop_(loop),
       loginWindow_(loginWindow), title_(new Label(AppTheme::sectionFont(), AppTheme::text())),
       text_(new Label(AppTheme::captionFont(), AppTheme::text(0.85))),
       cancel_(new PrimaryButton(QString())),
@@ -43,7 +45,8 @@ EndCard::EndCard(LoginWindow& loginWindow, QWidget* parent)
 void EndCard::render() {
     const EndState& state = loginWindow_.state;
     isAsking_ = isAsking_ && state.canBeForced;
-    askedList_ = state.list;
+    if (std::exchange(askedList_, state.list) != state.list)
+        askedAt_ = loop_.uptime();
     const std::string text = isAsking_ ? EndTexts::anywayText(state) : EndTexts::text(state);
     const bool isOver =
         state.stage == EndState::Stage::refused || state.stage == EndState::Stage::failed;
@@ -58,12 +61,14 @@ void EndCard::render() {
     anyway_->setVisible(state.canBeForced);
 }
 
-// The first press asks. What stays may change between the two: then the card shows the new list,
-// and the question is put again.
+// The first press asks. A second one that comes before anybody can have read the question, or the
+// names that have just changed in it, is a double click or bad luck.
 void EndCard::pressAnyway() {
     if (!isAsking_) {
         isAsking_ = true;
-    } else if (loginWindow_.endAnyway(askedList_)) {
+        askedAt_ = loop_.uptime();
+        cancel_->setFocus();
+    } else if (loop_.uptime() - askedAt_ >= readingTime && loginWindow_.endAnyway(askedList_)) {
         isAsking_ = false;
     }
     render();

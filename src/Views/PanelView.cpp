@@ -54,7 +54,7 @@ PanelView::PanelView(QuitController& controller, AppUpdater& updater, const Desk
       header_(new HeaderView(controller, updater, desktop.preferences, std::move(actions))),
       memory_(new MemoryBar(desktop.formats)), normal_(new QWidget),
       quit_(new CircleActionButton(buttonDiameter, AppTheme::primaryPink())),
-      status_(new StatusLineView), end_(new EndCard(desktop.loginWindow)),
+      status_(new StatusLineView), end_(new EndCard(desktop.loop, desktop.loginWindow)),
       picker_(new PowerActionPicker), list_(new AppList(controller, desktop.formats)),
       stubborn_(new StubbornAppsCard(controller)), footer_(new FooterView),
       extras_(new ExtrasRow(controller, desktop.formats)),

@@ -77,7 +77,8 @@ TEST_F(Exclusions, ThatAnotherProgramStoresHoldAtOnceAndAreKept) {
     Child& letter = openRude({"--class", "Letter"});
     openRude({"--class", "Mail"});
     prefer({{"excludedApps", Value::Array{"Elsewhere", "Letter"}}});
-    await("the edit", [&] { return excluded() == std::vector<std::string>{"Elsewhere", "Letter"}; });
+    const std::vector<std::string> edited{"Elsewhere", "Letter"};
+    await("the edit", [&] { return excluded() == edited; });
     EXPECT_EQ(control({"quit-all"}).status, 0);
     EXPECT_THAT(letter.output(), Not(HasSubstr("asked")));
     prefer({{"excludedApps", Value::Array{"Letter", "New"}}});

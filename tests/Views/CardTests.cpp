@@ -196,6 +196,47 @@ TEST_F(CardTest, AFailedBackupAsksAndGoesOnByItselfWhereNobodyIs) {
     EXPECT_FALSE(isShown("BackupFailedCard"));
 }
 
+TEST_F(CardTest, WhatStaysIsPassedOverOnlyByASecondPressThatCanBeMeant) {
+    start();
+    EXPECT_TRUE(isShown("status"));
+    const auto stays = [this](const char* name, std::uint64_t list) {
+        desktop.loginWindow.state = EndState{.stage = EndState::Stage::refused,
+                                             .obstacles = {{EndObstacle::Kind::window, name}},
+                                             .canBeForced = true,
+                                             .list = list};
+        settle();
+    };
+    stays("Nota", 1);
+    EXPECT_FALSE(isShown("status"));
+    EXPECT_EQ(text("endText"), "Nota è rimasta aperta.");
+    click("endAnyway");
+    EXPECT_EQ(frame->focusWidget(), find("cancelEnd"));
+    click("endAnyway");
+    EXPECT_EQ(text("endTitle"), "Spegnere comunque?");
+    EXPECT_EQ(desktop.log(), "") << "a double click answers no question";
+    advance(1s);
+    stays("Posta", 2);
+    click("endAnyway");
+    EXPECT_EQ(desktop.log(), "") << "the name has just changed";
+    EXPECT_EQ(text("endText"), "Posta è rimasta aperta. Quello che non è salvato va perso.");
+    advance(1s);
+    click("endAnyway");
+    EXPECT_EQ(desktop.log(), Lines("2.00 end anyway"));
+    click("cancelEnd");
+    EXPECT_FALSE(isShown("EndCard"));
+    EXPECT_TRUE(isShown("status"));
+}
+
+TEST_F(CardTest, SaysBeforeARunThatNotEverythingIsSeen) {
+    desktop.loginWindow.expected = EndOutlook::refused;
+    start();
+    EXPECT_FALSE(isShown("resultNote")) << "closing alone is possible anywhere";
+    controller->chooseAfterQuit(PowerAction::shutDown);
+    settle();
+    EXPECT_NE(text("resultNote").find("non potrò spegnere"), std::string::npos);
+    EXPECT_TRUE(find("restart")->toolTip().contains("non potrò spegnere"));
+}
+
 TEST_F(CardTest, WithoutAPlaceForBackupsItsChipIsOffWhateverIsStored) {
     desktop.preferences.set("backupFirst", true);
     start();

@@ -67,6 +67,10 @@ SimulatedApplication& start(SimulatedDesktop& desktop, Language language, std::s
     return openOne(desktop, app, nameOf(app, language), bytes(app.mebibytes));
 }
 
+std::string nameOf(Language language, std::string_view name) {
+    return nameOf(find(name), language);
+}
+
 void install(SimulatedDesktop& desktop) {
     for (const DemoApp& app : apps) {
         desktop.files.paths.insert(pathOf(app));

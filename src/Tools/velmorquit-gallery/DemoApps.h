@@ -27,6 +27,9 @@ SimulatedApplication& start(SimulatedDesktop& desktop, Language language, std::s
 void rememberClosed(SimulatedDesktop& desktop, Language language,
                     const std::vector<std::string>& names);
 
+/// What the one of that English name is called.
+[[nodiscard]] std::string nameOf(Language language, std::string_view name);
+
 /// The key by which the exclusions know it.
 [[nodiscard]] std::string key(std::string_view name);
 
