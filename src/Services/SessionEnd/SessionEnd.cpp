@@ -35,7 +35,7 @@ std::string logText(const std::vector<EndObstacle>& obstacles) {
         else if (obstacle.kind == Kind::unknown)
             text += "il registro delle sessioni non risponde";
         else
-            text += obstacle.name;
+            text += obstacle.name + (obstacle.kind == Kind::work ? " (lavora ancora)" : "");
     }
     return text;
 }

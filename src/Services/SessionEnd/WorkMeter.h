@@ -9,8 +9,8 @@ namespace velmorquit {
 
 /// Tells from looks at a process whether it is at work or merely there.
 ///
-/// Twenty programs that sat in the tray of a desktop used 0.0 to 1.9 % of a core and wrote 0 to
-/// 40 KiB in two seconds; the copy of a folder, 30 % and megabytes.
+/// Twenty-six programs that sat in the tray of a desktop, watched for a minute, used 1.0 % of a core
+/// at the most and wrote 8 KiB at the most in any two seconds.
 class WorkMeter {
 public:
     static constexpr Duration lookInterval = 2s;
