@@ -100,11 +100,12 @@ RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
             onShow(arguments.empty() ? std::string() : arguments.front());
         return done(Json::object());
     }
-    if (const auto answer = schedule_.answer(command))
-        return *answer;
-    if (const auto answer = end_.answer(command))
-        return *answer;
-    return {RemoteAnswer::Status::unknown, localized("Comando sconosciuto: %@", verb)};
+    auto answer = schedule_.answer(command);
+    if (!answer)
+        answer = end_.answer(command);
+    return answer ? *answer
+                  : RemoteAnswer{RemoteAnswer::Status::unknown,
+                                 localized("Comando sconosciuto: %@", verb)};
 }
 
 RemoteAnswer RemoteControl::status() {

@@ -171,10 +171,6 @@ void PanelView::renderNormalContent() {
     quit_->setText(toQt(buttonTitle(action)));
     renderEnd();
     picker_->render(action);
-    picker_->explain([this](PowerAction choice) {
-        const auto request = loginRequest(choice);
-        return request ? EndTexts::outlook(desktop_.loginWindow.outlook(*request)) : std::string();
-    });
     picker_->setEnabled(!isBusy);
     extras_->render(showsScheduler_);
     extras_->setEnabled(!isBusy);
@@ -191,12 +187,11 @@ void PanelView::renderEnd() {
     if (isEnding)
         end_->render();
     PanelTexts::StatusLine line = PanelTexts::statusLine(controller_, desktop_.formats);
-    if (const auto request = loginRequest(controller_.afterQuit); request && !line.note) {
-        const std::string limits = EndTexts::outlook(loginWindow.outlook(*request));
-        if (!limits.empty())
-            line.note = limits;
-    }
+    const std::string limits = EndTexts::outlook(loginWindow.outlook(LoginRequest::shutDown));
+    if (controller_.afterQuit.get() != PowerAction::none && !line.note && !limits.empty())
+        line.note = limits;
     status_->render(line);
+    picker_->explain(limits);
 }
 
 void PanelView::renderCards() {

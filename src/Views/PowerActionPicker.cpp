@@ -88,10 +88,10 @@ PowerActionPicker::PowerActionPicker(QWidget* parent) : QWidget(parent) {
     }
 }
 
-void PowerActionPicker::explain(const std::function<std::string(PowerAction)>& remark) {
+void PowerActionPicker::explain(const std::string& remark) {
     for (const auto& [action, tile] : tiles_) {
-        const std::string more = remark(action);
-        tile->setToolTip(toQt(more.empty() ? helpText(action) : helpText(action) + ". " + more));
+        const bool isMeant = action != PowerAction::none && !remark.empty();
+        tile->setToolTip(toQt(isMeant ? helpText(action) + ". " + remark : helpText(action)));
     }
 }
 

@@ -19,8 +19,8 @@ public:
 
     void render(PowerAction selection);
 
-    /// Adds to each choice's help what `remark` says of it, where that is anything.
-    void explain(const std::function<std::string(PowerAction)>& remark);
+    /// Adds to the help of what ends the session what is to be known of it; empty for nothing.
+    void explain(const std::string& remark);
 
     std::function<void(PowerAction)> onChoose;
 

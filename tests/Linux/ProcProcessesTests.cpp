@@ -186,6 +186,13 @@ TEST_F(ProcProcessesTest, JobsRunInPanesConsolesAndLoginsButNotAtPromptsNorInWin
     EXPECT_THAT(jobs(), testing::Contains("make 93")) << "its window has gone";
 }
 
+TEST_F(ProcProcessesTest, WhatADisplayManagerKeepsATerminalForIsNoJob) {
+    add({10, 1, 10, 10, tty, 10}, {"gdm-x-session"});
+    add({11, 10, 10, 10, tty, 10}, {"Xorg"});
+    add({12, 10, 10, 10, tty, 10}, {"gnome-session-binary"});
+    EXPECT_THAT(jobs(), UnorderedElementsAre());
+}
+
 TEST_F(ProcProcessesTest, TheDesktopIsNoJobOfTheConsoleThatItWasStartedFrom) {
     addShell(10, 1, 11);
     addJob(11, 10, {"/bin/sh", "/usr/bin/startx"}, "dash");

@@ -135,8 +135,8 @@ TEST_F(SessionEndTest, AQuietOneWithoutWindowsIsAskedOnceMoreAndPassedOver) {
     desktop.open("Twice").needsToBeAskedTwice();
     request(LoginRequest::shutDown);
     desktop.advance(60s);
-    EXPECT_EQ(desktop.log(), Lines("0.00 quit Chat", "0.00 quit Twice", "1.25 quit Chat",
-                                   "1.25 quit Twice", "1.25 ended Twice", "6.00 CALL shut down"));
+    EXPECT_EQ(desktop.log(), Lines("0.00 quit Chat", "0.00 quit Twice", "1.00 quit Chat",
+                                   "1.00 quit Twice", "1.00 ended Twice", "6.00 CALL shut down"));
 }
 
 // A window for a moment may be a question about what is being closed.
@@ -147,7 +147,7 @@ TEST_F(SessionEndTest, OneThatComesBackToItsWindowsIsAskedAnewAndIsNotPassedOver
     back.withWindows();
     desktop.advance(5s);
     EXPECT_EQ(desktop.log(),
-              Lines("0.00 quit Back", "1.25 quit Back", "5.25 quit Back", "6.50 quit Back"));
+              Lines("0.00 quit Back", "1.00 quit Back", "5.25 quit Back", "6.50 quit Back"));
     back.ignoresAsking().withWindows();
     desktop.advance(100s);
     EXPECT_EQ(stage(), EndState::Stage::refused);
@@ -168,9 +168,9 @@ TEST_F(SessionEndTest, WhatWorksOnWithoutWindowsIsWaitedFor) {
     work(files, 25s);
     request(LoginRequest::shutDown);
     desktop.advance(60s);
-    EXPECT_EQ(desktop.log(), Lines("0.00 quit Files", "1.25 quit Files",
+    EXPECT_EQ(desktop.log(), Lines("0.00 quit Files", "1.00 quit Files",
                                    "5.00 notice Aspetto ancora: Files (sta ancora lavorando).",
-                                   "32.00 CALL shut down", "32.00 notice withdrawn"))
+                                   "28.00 notice ", "32.00 CALL shut down", "32.00 notice withdrawn"))
         << "until it has done nothing in a look, and then as long as any other";
 }
 
@@ -231,7 +231,7 @@ TEST_F(SessionEndTest, WhatWentToTheTrayByItselfIsNamedForTenSeconds) {
               Lines("0.00 quit Asked",
                     "0.00 notice Nell'area di notifica: Safe. Comandi in corso "
                     "senza finestra: rsync.",
-                    "1.25 quit Asked", "10.00 CALL shut down", "10.00 notice withdrawn"));
+                    "1.00 quit Asked", "10.00 CALL shut down", "10.00 notice withdrawn"));
     desktop.startLog();
     request(LoginRequest::shutDown);
     desktop.advance(5s);
@@ -317,7 +317,7 @@ TEST_F(SessionEndTest, WhatIsNotSeenIsNeverEndedDirectly) {
     EXPECT_EQ(end->outlook(LoginRequest::shutDown), EndOutlook::asks);
     request(LoginRequest::shutDown);
     desktop.advance(20s);
-    EXPECT_EQ(desktop.log(), Lines("3.00 ASK TO shut down"));
+    EXPECT_EQ(desktop.log(), Lines("0.00 ASK TO shut down"));
 
     const auto refuses = [this](const std::string& why, Attendance attendance) {
         desktop.open("Note");
@@ -325,6 +325,7 @@ TEST_F(SessionEndTest, WhatIsNotSeenIsNeverEndedDirectly) {
         request(LoginRequest::shutDown, attendance);
         desktop.advance(20s);
         EXPECT_THAT(desktop.log(), Not(HasSubstr("ASK")));
+        EXPECT_THAT(desktop.log(), Not(HasSubstr("quit"))) << "for nothing";
         EXPECT_EQ(stage(), EndState::Stage::refused);
         EXPECT_FALSE(end->state->canBeForced) << "nobody can say over what";
         EXPECT_THAT(notice.shown->text, HasSubstr(why));
@@ -347,10 +348,11 @@ TEST_F(SessionEndTest, AWindowManagerMayBeReplacedMeanwhile) {
     desktop.advance(2s);
     desktop.open("Note").quitsAfter(1s);
     desktop.workspace.seen = Sight::all;
+    desktop.advance(1600ms);
+    desktop.open("Late").quitsAfter(10ms);
     desktop.advance(10s);
-    EXPECT_EQ(desktop.log(),
-              Lines("2.25 quit Note", "3.25 ended Note", "3.25 notice Aspetto che si chiuda Note.",
-                    "3.25 CALL shut down", "3.25 notice withdrawn"));
+    EXPECT_THAT(desktop.log(), HasSubstr("3.75 quit Late\n")) << "windows are listed one by one";
+    EXPECT_THAT(desktop.log(), HasSubstr("4.25 CALL shut down\n"));
 }
 
 TEST_F(SessionEndTest, TheUserMayPassOverExactlyWhatWasNamed) {
@@ -367,6 +369,9 @@ TEST_F(SessionEndTest, TheUserMayPassOverExactlyWhatWasNamed) {
     desktop.advance(1s);
     EXPECT_FALSE(end->endAnyway(former)) << "that was another list";
     EXPECT_THAT(notice.shown->text, HasSubstr("2 app sono rimaste aperte: Note, Late."));
+    EXPECT_TRUE(notice.press("confirm"));
+    desktop.advance(1s);
+    EXPECT_FALSE(isCalled()) << "nobody can have read that";
     EXPECT_TRUE(notice.press("confirm"));
     EXPECT_EQ(end->state->list, former + 1);
     desktop.open("Third").ignoresAsking();
@@ -388,6 +393,7 @@ TEST_F(SessionEndTest, ARefusedRequestMayBePassedOverOnlyByOneWhoAttends) {
     request(LoginRequest::restart);
     desktop.advance(70s);
     EXPECT_TRUE(notice.press("anyway"));
+    desktop.advance(2s);
     EXPECT_TRUE(notice.press("confirm"));
     desktop.advance(1s);
     EXPECT_THAT(desktop.log(), HasSubstr("CALL restart"));
@@ -395,6 +401,57 @@ TEST_F(SessionEndTest, ARefusedRequestMayBePassedOverOnlyByOneWhoAttends) {
     request(LoginRequest::restart);
     desktop.advance(30s);
     EXPECT_EQ(stage(), EndState::Stage::waiting) << "the word held for that once";
+}
+
+// The buttons of what has just gone from the screen are pressed too.
+TEST_F(SessionEndTest, AnAnswerThatComesTooLateIsNoOtherAnswer) {
+    SimulatedApplication& note = desktop.open("Note").ignoresAsking();
+    request(LoginRequest::shutDown);
+    desktop.advance(2s);
+    note.withoutWindows();
+    desktop.advance(300ms);
+    EXPECT_EQ(notice.shown->text, "") << "it has closed its windows and is looked at";
+    EXPECT_FALSE(notice.press("anyway"));
+    for (const char* late : {"anyway", "confirm"})
+        notice.onButton(late);
+    desktop.advance(10s);
+    EXPECT_TRUE(isCalled()) << "it was not cancelled by that";
+}
+
+TEST_F(SessionEndTest, TheWordForOneInhibitorIsNoneForTheNext) {
+    const auto hold = [this](const char* why) {
+        desktop.registry.account->inhibitors = {
+            {Inhibitor::Against::sessionEnd, "Files", why, 0, "Files"}};
+    };
+    hold("Copying notes");
+    request(LoginRequest::logOut);
+    desktop.advance(3s);
+    hold("Moving 40 GB");
+    EXPECT_TRUE(end->endAnyway(end->state->list));
+    desktop.advance(10s);
+    EXPECT_FALSE(isCalled());
+}
+
+TEST_F(SessionEndTest, WhatChangesAllTheTimeIsNotNamedForEver) {
+    int process = 1000;
+    desktop.processes.jobs = {{process, "sleep"}};
+    const Handle changing =
+        desktop.loop.every(1s, [&] { desktop.processes.jobs = {{++process, "sleep"}}; });
+    request(LoginRequest::shutDown);
+    desktop.advance(11s);
+    EXPECT_TRUE(isCalled());
+}
+
+TEST_F(SessionEndTest, ARefusalIsForgottenWhenItsReasonHasGone) {
+    SimulatedApplication& note = desktop.open("Note").ignoresAsking();
+    request(LoginRequest::shutDown);
+    desktop.advance(70s);
+    EXPECT_EQ(stage(), EndState::Stage::refused);
+    note.end();
+    desktop.advance(1s);
+    EXPECT_EQ(stage(), EndState::Stage::none);
+    EXPECT_FALSE(notice.shown);
+    EXPECT_FALSE(isCalled());
 }
 
 TEST_F(SessionEndTest, CancellingLeavesAllAsItIs) {
@@ -426,7 +483,7 @@ TEST_F(SessionEndTest, WhatNobodyCanDoIsRefusedAndNobodyIsAsked) {
     desktop.endService.missing = "nobody";
     EXPECT_EQ(end->request(LoginRequest::shutDown, Attendance::attended), "nobody");
     desktop.advance(5s);
-    EXPECT_EQ(desktop.log(), "");
+    EXPECT_EQ(desktop.log(), Lines("0.00 notice Il sistema ha rifiutato o non ha risposto."));
     desktop.endService.missing.reset();
     desktop.endService.ready = false;
     request(LoginRequest::restart);

@@ -207,6 +207,10 @@ private:
 
     /// Somebody begins to work, or has done enough; some go to the tray meanwhile.
     void changeWork() {
+        desktop_.processes.jobs.clear();
+        if (pick(3) == 0)
+            desktop_.processes.jobs.push_back(
+                {10000 + pick(1000), "job" + std::to_string(pick(2))});
         if (apps_.empty())
             return;
         auto& app = *apps_[static_cast<std::size_t>(pick(static_cast<int>(apps_.size())))];
@@ -237,7 +241,7 @@ private:
         if (pick(3) == 0)
             account->inhibitors.push_back(
                 {pick(2) == 0 ? Inhibitor::Against::shutdown : Inhibitor::Against::sessionEnd,
-                 "apt", "", 7, ""});
+                 "apt", std::to_string(pick(2)), 7, ""});
         account->hasSecondSession = pick(8) == 0;
         desktop_.workspace.seen = pick(4) == 0 ? Sight::noWindowList : Sight::all;
         desktop_.input.since = std::chrono::seconds(pick(240));
@@ -252,10 +256,11 @@ private:
             break;
         case 1:
             notice_.press("anyway");
+            desktop_.advance(std::chrono::milliseconds(pick(3000)));
             break;
         default:
             if (notice_.press("confirm"))
-                allowed_ = before.obstacles;
+                allowed_ = end_->state->list == before.list ? before.obstacles : allowed_;
         }
     }
 
@@ -437,7 +442,8 @@ private:
         EXPECT_TRUE(account->otherUsers.empty() && !account->hasSecondSession);
         for (const Inhibitor& inhibitor : account->inhibitors) {
             EXPECT_TRUE(isAllowed([&](const EndObstacle& one) {
-                return one.kind == EndObstacle::Kind::inhibitor && one.name == inhibitor.who;
+                return one.kind == EndObstacle::Kind::inhibitor && one.name == inhibitor.who &&
+                       one.detail == inhibitor.why;
             }));
         }
         for (const auto& [id, since] : busySince_) {

@@ -38,6 +38,19 @@ bool waitsForLogin(const ProcessStat& process) {
     return std::ranges::find(programs, process.command) != programs.end();
 }
 
+/// Display managers keep a terminal for what they start: a display server, and a session manager
+/// whose programs run elsewhere.
+bool runsSession(std::string_view command) {
+    static constexpr std::array<std::string_view, 16> beginnings{
+        "Xorg",         "Xwayland",      "gdm-",          "sddm",
+        "lightdm",      "startplasma",   "gnome-session", "xfce4-session",
+        "mate-session", "cinnamon-sess", "lxqt-session",  "lxsession",
+        "gnome-shell",  "kwin_",         "sway",          "labwc"};
+    return command == "X" || std::ranges::any_of(beginnings, [&](std::string_view beginning) {
+               return command.starts_with(beginning);
+           });
+}
+
 } // namespace
 
 /// All processes at one moment.
@@ -129,7 +142,7 @@ std::vector<WindowlessJob> ProcProcesses::windowlessJobs() const {
 void ProcProcesses::addTerminals(const Look& look, std::vector<WindowlessJob>& jobs) const {
     std::set<ProcessId> shownSessions;
     for (const ProcessStat& process : look.table) {
-        if (look.isShown(process))
+        if (look.isShown(process) || runsSession(process.command))
             shownSessions.insert(process.session);
     }
     for (const ProcessStat& leader : look.table) {

@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -201,10 +202,12 @@ void BusEndService::haveAsked(LoginRequest request) {
 }
 
 void BusEndService::terminateOwnSession() {
+    // What was looked at before this gets older while it is waited for.
+    const Duration patience = std::min<Duration>(settings_.limit, 2s);
     QDBusMessage question = loginMessage("GetSessionByPID");
     question << static_cast<uint>(QCoreApplication::applicationPid());
     auto* watcher = new QDBusPendingCallWatcher(
-        system_.connection().asyncCall(question, milliseconds(settings_.limit)), this);
+        system_.connection().asyncCall(question, milliseconds(patience)), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [this](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();

@@ -20,9 +20,9 @@ namespace velmorquit {
 namespace {
 
 /// An object of a service, and what it is no failure to find missing: the service, or just the
-/// object, of one that has told of it a moment ago.
+/// object, of one that has told of it a moment ago, or whatever is expected of it.
 struct Place {
-    enum class Missing { service, object };
+    enum class Missing { service, object, anything };
 
     QString service;
     QString path;
@@ -35,7 +35,7 @@ const Place login{"org.freedesktop.login1", "/org/freedesktop/login1",
 const Place gnome{"org.gnome.SessionManager", "/org/gnome/SessionManager",
                   "org.gnome.SessionManager", Place::Missing::service};
 const Place plasma{"org.kde.Solid.PowerManagement", "/org/kde/Solid/PowerManagement/PolicyAgent",
-                   "org.kde.Solid.PowerManagement.PolicyAgent", Place::Missing::service};
+                   "org.kde.Solid.PowerManagement.PolicyAgent", Place::Missing::anything};
 
 bool isMissing(const QString& error, Place::Missing what) {
     static const QStringList services{"org.freedesktop.DBus.Error.ServiceUnknown",
@@ -123,8 +123,9 @@ void BusSessionRegistry::Reading::hear(const QDBusMessage& reply, Place::Missing
     if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == signature) {
         answer(reply);
         giveBack();
-    } else if (reply.type() == QDBusMessage::ErrorMessage &&
-               isMissing(reply.errorName(), missing)) {
+    } else if (missing == Place::Missing::anything ||
+               (reply.type() == QDBusMessage::ErrorMessage &&
+                isMissing(reply.errorName(), missing))) {
         giveBack();
     } else {
         finish(std::nullopt);

@@ -5,7 +5,6 @@
 #include "Services/SessionEnd/EndTexts.h"
 #include "Texts/Localized.h"
 
-#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -42,19 +41,16 @@ QuickMenu quickMenu(const QuitController& controller, const LoginWindow& loginWi
                     .symbol = "xmark.circle",
                     .isEnabled = open > 0},
                    separator};
-    EndOutlook worst = EndOutlook::direct;
-    for (const auto& [action, symbol] : powerSymbols) {
-        const EndOutlook outlook = loginWindow.outlook(*loginRequest(action));
-        worst = std::max(worst, outlook);
+    const EndOutlook outlook = loginWindow.outlook(LoginRequest::shutDown);
+    for (const auto& [action, symbol] : powerSymbols)
         menu.push_back({.command = Command::quit,
                         .title = buttonTitle(action),
                         .symbol = symbol,
                         .isEnabled = outlook != EndOutlook::refused,
                         .then = action});
-    }
-    if (worst != EndOutlook::direct)
+    if (outlook != EndOutlook::direct)
         menu.push_back({.command = Command::remark,
-                        .title = EndTexts::shortOutlook(worst),
+                        .title = EndTexts::shortOutlook(outlook),
                         .symbol = {},
                         .isEnabled = false});
     if (const std::size_t closed = controller.reopenable().size(); closed > 0) {

@@ -53,7 +53,8 @@ void EndNotice::tell() {
     const bool isComing =
         state.stage == EndState::Stage::waiting || state.stage == EndState::Stage::naming;
     const std::string text = EndTexts::text(state);
-    if (text.empty())
+    // What was waited for has gone: that is worth no notice of its own.
+    if (text.empty() && !isShown_)
         return;
     std::vector<Notice::Button> buttons;
     if (isComing)
@@ -68,7 +69,8 @@ void EndNotice::tell() {
 
 void EndNotice::ask() {
     const EndState& state = loginWindow_.state;
-    askedList_ = state.list;
+    if (std::exchange(askedList_, state.list) != state.list)
+        askedAt_ = loop_.uptime();
     show({.title = EndTexts::anywayQuestion(state.request),
           .text = EndTexts::anywayText(state),
           .buttons = {{"cancel", localized("Annulla")},
@@ -85,18 +87,19 @@ void EndNotice::show(const Notice::Content& content) {
         notice_.show(content);
 }
 
+// A click may have been meant for what was there a moment ago. What stays may have changed under
+// the user's finger: then it is a new question.
 void EndNotice::answer(const std::string& button) {
-    const bool wasAsking = std::exchange(isAsking_, false);
-    if (button == "anyway" && loginWindow_.state->canBeForced) {
-        isAsking_ = true;
-        ask();
-    } else if (button == "confirm" && wasAsking) {
-        // What stays may have changed under the user's finger: then it is a new question.
-        isAsking_ = !loginWindow_.endAnyway(askedList_) && loginWindow_.state->canBeForced;
-        if (isAsking_)
-            ask();
-    } else {
+    if (button == "cancel") {
+        isAsking_ = false;
         loginWindow_.cancel();
+    } else if (button == "anyway" && loginWindow_.state->canBeForced) {
+        isAsking_ = true;
+        askedAt_ = loop_.uptime();
+        ask();
+    } else if (button == "confirm" && isAsking_ && loop_.uptime() - askedAt_ >= readingTime) {
+        isAsking_ = !loginWindow_.endAnyway(askedList_) && loginWindow_.state->canBeForced;
+        tell();
     }
 }
 

@@ -12,6 +12,9 @@ class EndNotice {
 public:
     /// What is over by then is not worth a notice, unless it can't be over by itself.
     static constexpr Duration delay = 1s;
+    /// How long the question has to have been there before its answer counts. A notice that takes
+    /// another's place comes to the screen a while after it was sent.
+    static constexpr Duration readingTime = 1500ms;
 
     /// `notice` is its own to listen to; all outlive it.
     EndNotice(MainLoop& loop, LoginWindow& loginWindow, Notice& notice);
@@ -34,6 +37,7 @@ private:
     /// The user is being asked whether it is to come over the obstacles of that list.
     bool isAsking_ = false;
     std::uint64_t askedList_ = 0;
+    Uptime askedAt_;
     Handle telling_;
     Handle following_;
 };

@@ -98,8 +98,7 @@ void OpenWork::askAll(Uptime now) {
         else
             askWindows(found->second);
     }
-    for (Program& stranger : strangers_)
-        askStranger(stranger);
+    askStrangers();
 }
 
 // One that shows a question is left alone: some take being asked once more as an answer to it. One
@@ -125,13 +124,18 @@ void OpenWork::askWindows(Program& program) {
         found->second.couldNotBeAsked = isRefused;
 }
 
-void OpenWork::askStranger(Program& stranger) {
-    if (std::ranges::any_of(stranger.windows, &OpenWindow::isQuestion))
-        return;
-    for (const OpenWindow& window : stranger.windows) {
-        if (window.canBeAsked && stranger.askedWindows.insert(window.id).second)
-            windows_.askToClose(window.id);
+void OpenWork::askStrangers() {
+    std::vector<std::uint64_t> asked;
+    for (Program& stranger : strangers_) {
+        if (std::ranges::any_of(stranger.windows, &OpenWindow::isQuestion))
+            continue;
+        for (const OpenWindow& window : stranger.windows) {
+            if (window.canBeAsked && stranger.askedWindows.insert(window.id).second)
+                asked.push_back(window.id);
+        }
     }
+    for (const std::uint64_t window : asked)
+        windows_.askToClose(window);
 }
 
 void OpenWork::askWindowless(ProcessId id, Program& program, Uptime now) {
@@ -196,10 +200,8 @@ void OpenWork::addWindowless(Found& found, Uptime now, const SessionAccount& acc
     }
 }
 
-const std::vector<EndObstacle>& OpenWork::mentions(Uptime now) {
+void OpenWork::lookForMentions(Uptime now) {
     using Kind = EndObstacle::Kind;
-    if (mentionedAt_ && now - *mentionedAt_ < mentionInterval)
-        return mentions_;
     mentionedAt_ = now;
     mentions_.clear();
     const std::set<ProcessId> inTray = windows_.trayOwners();
@@ -210,7 +212,6 @@ const std::vector<EndObstacle>& OpenWork::mentions(Uptime now) {
     }
     for (const WindowlessJob& job : processes_.windowlessJobs())
         mentions_.push_back({Kind::job, job.name, {}, job.process});
-    return mentions_;
 }
 
 void OpenWork::askAnew() {

@@ -39,8 +39,13 @@ public:
     Found ask(Uptime now, LoginRequest request, const SessionAccount& account);
 
     /// What nobody can look into, so that the user is told of it: programs that went to the tray by
-    /// themselves, commands without a window.
-    const std::vector<EndObstacle>& mentions(Uptime now);
+    /// themselves, commands without a window. As old as the last `lookForMentions`, which takes a
+    /// while.
+    [[nodiscard]] const std::vector<EndObstacle>& mentions() const { return mentions_; }
+    [[nodiscard]] bool areMentionsDue(Uptime now) const {
+        return !mentionedAt_ || now - *mentionedAt_ >= mentionInterval;
+    }
+    void lookForMentions(Uptime now);
 
     /// Has those with windows asked once more, save those that wait for the user's answer.
     void askAnew();
@@ -69,7 +74,7 @@ private:
     [[nodiscard]] bool isSame(ProcessId id, const Program& program) const;
     void askAll(Uptime now);
     void askWindows(Program& program);
-    void askStranger(Program& stranger);
+    void askStrangers();
     void askWindowless(ProcessId id, Program& program, Uptime now);
     void measure(Uptime now);
     static EndObstacle obstacleOf(const Program& program);

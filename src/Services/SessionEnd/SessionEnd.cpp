@@ -51,15 +51,24 @@ bool canBePassedOver(const EndObstacle& obstacle) {
     return isOfWindows(obstacle) || obstacle.kind == Kind::work || obstacle.kind == Kind::inhibitor;
 }
 
-/// What an obstacle says of itself may change while it is the same.
+/// What a program says of its work may change while it is the same. Of one that holds something off
+/// nothing else is known.
 bool isSame(const EndObstacle& one, const EndObstacle& other) {
     return one.kind == other.kind && one.name == other.name && one.process == other.process &&
-           one.windows == other.windows;
+           one.windows == other.windows &&
+           (one.kind != EndObstacle::Kind::inhibitor || one.detail == other.detail);
 }
 
 bool holds(const std::vector<EndObstacle>& list, const EndObstacle& wanted) {
     return std::ranges::any_of(list,
                                [&](const EndObstacle& known) { return isSame(known, wanted); });
+}
+
+/// To a user who reads it, one that is called alike is the same.
+bool isNamed(const std::vector<EndObstacle>& list, const EndObstacle& wanted) {
+    return std::ranges::any_of(list, [&](const EndObstacle& known) {
+        return known.kind == wanted.kind && known.name == wanted.name;
+    });
 }
 
 } // namespace
@@ -68,6 +77,7 @@ SessionEnd::SessionEnd(const Surroundings& surroundings)
     : LoginWindow(surroundings.loop), surroundings_(surroundings),
       work_(surroundings.windows, surroundings.processes) {
     surroundings_.service.onAnswered = [this](const auto& failure) { hear(failure); };
+    watching_ = surroundings_.windows.observe([this] { forgetRefusal(); });
 }
 
 SessionEnd::~SessionEnd() { surroundings_.service.onAnswered = nullptr; }
@@ -75,9 +85,14 @@ SessionEnd::~SessionEnd() { surroundings_.service.onAnswered = nullptr; }
 std::optional<std::string> SessionEnd::request(LoginRequest request, Attendance attendance) {
     if (underWay_)
         return logName(*underWay_) + " già in corso";
-    if (const auto obstacle = surroundings_.service.obstacle(request, form());
-        obstacle && form() == EndForm::direct)
+    const auto obstacle = surroundings_.service.obstacle(request, EndForm::direct);
+    if (obstacle && form() == EndForm::direct) {
+        if (!waiting_.isActive()) {
+            wait_ = {.request = request, .attendance = attendance, .begin = {}};
+            publish(EndState::Stage::failed, {});
+        }
         return obstacle;
+    }
     if (waiting_.isActive())
         work_.askAnew();
     pardoned_.clear();
@@ -87,6 +102,7 @@ std::optional<std::string> SessionEnd::request(LoginRequest request, Attendance 
 
 void SessionEnd::begin(LoginRequest request, Attendance attendance) {
     wait_ = {.request = request, .attendance = attendance, .begin = surroundings_.loop.uptime()};
+    sinceInput_.reset();
     awake_ = surroundings_.sleepHold.begin(localized("Velmor Quit aspetta le app"));
     publish(EndState::Stage::waiting, {});
     waiting_ = waitAndEnd();
@@ -150,6 +166,7 @@ Task SessionEnd::waitAndEnd() {
                     [this](std::optional<Duration> time) { inputAnswer_.give(time); });
                 const std::optional<Duration> time = co_await inputAnswer_;
                 sinceInput_ = time;
+                wait_.isInputRead = true;
             }
         }
         const Next next = consider(isAccountRead);
@@ -157,11 +174,12 @@ Task SessionEnd::waitAndEnd() {
             refuse(std::exchange(refusal_, {}));
             co_return;
         }
-        if (next == Next::carryOut) {
+        // Nothing is done by a look of which one part is older than another.
+        if (next == Next::carryOut && form() == wait_.form) {
             carryOut();
             co_return;
         }
-        isAccountWanted = next == Next::lookAgain;
+        isAccountWanted = next != Next::wait;
         if (!isAccountWanted)
             co_await sleep(pollInterval);
     }
@@ -169,35 +187,47 @@ Task SessionEnd::waitAndEnd() {
 
 /// What stands in the way for good is looked for before anybody is asked to close.
 SessionEnd::Next SessionEnd::consider(bool isAccountFresh) {
-    if (considerAccount() == Next::refuse || considerSight() == Next::refuse)
-        return Next::refuse;
+    if (const Next next = considerAccount(); next != Next::carryOut)
+        return next;
+    if (const Next next = considerSight(); next != Next::carryOut)
+        return next;
     return considerWork(isAccountFresh);
 }
 
 SessionEnd::Next SessionEnd::considerAccount() {
     if (!account_ || wait_.request == LoginRequest::logOut)
-        return Next::lookAgain;
+        return Next::carryOut;
     refusal_.clear();
     for (const std::string& user : account_->otherUsers)
         refusal_.push_back({Kind::otherUser, user});
     if (account_->hasSecondSession)
         refusal_.push_back({Kind::secondSession});
-    return refusal_.empty() ? Next::lookAgain : Next::refuse;
+    return refusal_.empty() ? Next::carryOut : Next::refuse;
 }
 
 SessionEnd::Next SessionEnd::considerSight() {
     const Uptime now = surroundings_.loop.uptime();
-    if (form() == EndForm::direct) {
-        wait_.blindSince.reset();
-        return Next::lookAgain;
+    wait_.form = form();
+    if (wait_.form == EndForm::direct) {
+        if (std::exchange(wait_.blindSince, std::nullopt))
+            wait_.sightSince = now;
+        wait_.isInputRead = false;
+        return Next::carryOut;
     }
     if (!wait_.blindSince)
         wait_.blindSince = now;
+    const bool mayPass = surroundings_.workspace.sight() == Sight::noWindowList;
+    if (mayPass && now - *wait_.blindSince < blindPatience) {
+        publish(EndState::Stage::waiting, {});
+        return Next::wait;
+    }
+    if (!wait_.isInputRead)
+        return Next::lookAgain;
     const bool isThere =
         wait_.attendance == Attendance::attended && sinceInput_ && *sinceInput_ <= presence;
     const bool canAsk = !surroundings_.service.obstacle(wait_.request, EndForm::asking).has_value();
-    if ((isThere && canAsk) || now - *wait_.blindSince < blindPatience)
-        return Next::lookAgain;
+    if (isThere && canAsk)
+        return Next::carryOut;
     refusal_ = {{Kind::unseen, {}, EndTexts::unseen(canAsk)}};
     return Next::refuse;
 }
@@ -222,14 +252,14 @@ SessionEnd::Next SessionEnd::considerWork(bool isAccountFresh) {
         return Next::refuse;
     }
     if (!inTheWay.empty()) {
-        wait_.namedSince.reset();
+        wait_.named.clear();
         publish(EndState::Stage::waiting, found.obstacles);
         return Next::wait;
     }
-    if (const Next next = name(work_.mentions(now), now); next != Next::carryOut)
+    if (const Next next = considerMentions(now); next != Next::carryOut)
         return next;
-    const bool isBlindForAMoment = wait_.blindSince && now - *wait_.blindSince < blindPatience;
-    if (found.isSomebodyEnding || isBlindForAMoment) {
+    const bool isSightNew = wait_.sightSince && now - *wait_.sightSince < sightPatience;
+    if (found.isSomebodyEnding || isSightNew) {
         publish(EndState::Stage::waiting, {});
         return Next::wait;
     }
@@ -237,12 +267,21 @@ SessionEnd::Next SessionEnd::considerWork(bool isAccountFresh) {
 }
 
 /// Whatever comes to be named later is named as long.
-SessionEnd::Next SessionEnd::name(const Obstacles& mentions, Uptime now) {
-    const bool isNew = std::ranges::any_of(
-        mentions, [&](const EndObstacle& one) { return !holds(wait_.named, one); });
-    if (isNew || !wait_.namedSince)
+SessionEnd::Next SessionEnd::considerMentions(Uptime now) {
+    // By the time that the others have answered they may be due again.
+    const bool haveJustLooked = std::exchange(wait_.haveJustLooked, false);
+    if (!haveJustLooked && work_.areMentionsDue(now)) {
+        work_.lookForMentions(now);
+        wait_.haveJustLooked = true;
+        return Next::lookAgain;
+    }
+    const Obstacles& mentions = work_.mentions();
+    for (const EndObstacle& one : mentions) {
+        if (isNamed(wait_.named, one))
+            continue;
+        wait_.named.push_back(one);
         wait_.namedSince = now;
-    wait_.named.insert(wait_.named.end(), mentions.begin(), mentions.end());
+    }
     if (mentions.empty() || now - *wait_.namedSince >= namingTime)
         return Next::carryOut;
     publish(EndState::Stage::naming, mentions);
@@ -283,9 +322,25 @@ void SessionEnd::refuse(Obstacles obstacles) {
     publish(EndState::Stage::refused, std::move(obstacles));
 }
 
+/// Nothing is said any more of windows that the user has closed since.
+void SessionEnd::forgetRefusal() {
+    const EndState& shown = state;
+    if (shown.stage != EndState::Stage::refused ||
+        !std::ranges::all_of(shown.obstacles, isOfWindows))
+        return;
+    const std::vector<OpenWindow> open = surroundings_.windows.open();
+    const bool isAnyOpen = std::ranges::any_of(open, [&](const OpenWindow& window) {
+        return std::ranges::any_of(shown.obstacles, [&](const EndObstacle& obstacle) {
+            return std::ranges::count(obstacle.windows, window.id) > 0;
+        });
+    });
+    if (!isAnyOpen)
+        end();
+}
+
 void SessionEnd::carryOut() {
     const LoginRequest request = wait_.request;
-    const EndForm how = form();
+    const EndForm how = wait_.form;
     underWay_ = request;
     awake_.reset();
     pardoned_.clear();

@@ -27,8 +27,10 @@ public:
     static constexpr Duration accountInterval = 2s;
     /// How long what can't be looked into is named before the end follows.
     static constexpr Duration namingTime = 10s;
-    /// A window manager that is replaced by another one lists no windows for a moment.
+    /// A window manager that is replaced by another one lists no windows for a moment …
     static constexpr Duration blindPatience = 3s;
+    /// … and those that there are one by one.
+    static constexpr Duration sightPatience = 2s;
     /// Whoever has used the computer that recently is there to answer.
     static constexpr Duration presence = 120s;
 
@@ -66,22 +68,36 @@ private:
         LoginRequest request = LoginRequest::shutDown;
         Attendance attendance = Attendance::attended;
         Uptime begin;
+        /// How it is to be carried out, by what is seen now.
+        EndForm form = EndForm::direct;
         std::optional<Uptime> blindSince{};
+        /// Since when all has been seen again.
+        std::optional<Uptime> sightSince{};
         std::optional<Uptime> windowsSince{};
         std::optional<Uptime> namedSince{};
         Obstacles named{};
+        /// For what is to be named.
+        bool haveJustLooked = false;
         std::optional<Uptime> readAt{};
+        /// Whether it has been asked, since not all is seen, if the user is there.
+        bool isInputRead = false;
     };
-    enum class Next { wait, lookAgain, carryOut, refuse };
+    enum class Next {
+        wait,
+        lookAgain, ///< at all, from what others say on
+        carryOut,  ///< as far as that is concerned
+        refuse,
+    };
 
     void begin(LoginRequest request, Attendance attendance);
     Task waitAndEnd();
     [[nodiscard]] EndForm form() const;
+    void forgetRefusal();
     Next consider(bool isAccountFresh);
     Next considerAccount();
     Next considerSight();
     Next considerWork(bool isAccountFresh);
-    Next name(const Obstacles& mentions, Uptime now);
+    Next considerMentions(Uptime now);
     [[nodiscard]] Obstacles withoutPardoned(const Obstacles& obstacles) const;
     void publish(EndState::Stage stage, Obstacles obstacles);
     void refuse(Obstacles obstacles);
@@ -102,6 +118,7 @@ private:
     Obstacles pardoned_;
     std::uint64_t lastList_ = 0;
     Handle awake_;
+    Handle watching_;
     Task waiting_;
     /// What the service is being asked for.
     std::optional<LoginRequest> underWay_;
