@@ -3,6 +3,7 @@
 #include "Texts/Localized.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 #include <utility>
 
@@ -33,21 +34,9 @@ bool equalIgnoringCase(std::string_view one, std::string_view other) {
 }
 
 const char* rawValue(StayReason reason) {
-    switch (reason) {
-    case StayReason::asking:
-        return "asking";
-    case StayReason::windowless:
-        return "windowless";
-    case StayReason::cannotBeAsked:
-        return "cannotBeAsked";
-    case StayReason::busyTerminal:
-        return "busyTerminal";
-    case StayReason::notResponding:
-        return "notResponding";
-    case StayReason::unknown:
-        break;
-    }
-    return nullptr;
+    static constexpr std::array<const char*, 6> names{
+        nullptr, "asking", "windowless", "cannotBeAsked", "busyTerminal", "notResponding"};
+    return names.at(static_cast<std::size_t>(reason));
 }
 
 /// Since 1970.

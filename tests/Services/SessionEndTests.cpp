@@ -168,9 +168,10 @@ TEST_F(SessionEndTest, WhatWorksOnWithoutWindowsIsWaitedFor) {
     work(files, 25s);
     request(LoginRequest::shutDown);
     desktop.advance(60s);
-    EXPECT_EQ(desktop.log(), Lines("0.00 quit Files", "1.00 quit Files",
-                                   "5.00 notice Aspetto ancora: Files (sta ancora lavorando).",
-                                   "28.00 notice ", "32.00 CALL shut down", "32.00 notice withdrawn"))
+    EXPECT_EQ(desktop.log(),
+              Lines("0.00 quit Files", "1.00 quit Files",
+                    "5.00 notice Aspetto ancora: Files (sta ancora lavorando).", "28.00 notice ",
+                    "32.00 CALL shut down", "32.00 notice withdrawn"))
         << "until it has done nothing in a look, and then as long as any other";
 }
 

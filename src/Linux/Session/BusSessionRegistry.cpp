@@ -123,9 +123,8 @@ void BusSessionRegistry::Reading::hear(const QDBusMessage& reply, Place::Missing
     if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == signature) {
         answer(reply);
         giveBack();
-    } else if (missing == Place::Missing::anything ||
-               (reply.type() == QDBusMessage::ErrorMessage &&
-                isMissing(reply.errorName(), missing))) {
+    } else if (missing == Place::Missing::anything || (reply.type() == QDBusMessage::ErrorMessage &&
+                                                       isMissing(reply.errorName(), missing))) {
         giveBack();
     } else {
         finish(std::nullopt);

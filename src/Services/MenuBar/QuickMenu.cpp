@@ -46,7 +46,6 @@ QuickMenu quickMenu(const QuitController& controller, const LoginWindow& loginWi
         menu.push_back({.command = Command::quit,
                         .title = buttonTitle(action),
                         .symbol = symbol,
-                        .isEnabled = outlook != EndOutlook::refused,
                         .then = action});
     if (outlook != EndOutlook::direct)
         menu.push_back({.command = Command::remark,
