@@ -1,6 +1,9 @@
 #include "AppDelegate.h"
 
 #include "Platform/Application.h"
+#include "Platform/LoginWindow.h"
+#include "Services/SessionEnd/EndTexts.h"
+#include "Texts/Localized.h"
 #include "Views/PanelView.h"
 
 #include <utility>
@@ -23,7 +26,8 @@ AppDelegate::AppDelegate(const Desktop& desktop, const DesktopFace& face, const 
         scheduleNotice_.callAttention();
     };
     controller_.onEvent = [this](const Event& event) { hear(event); };
-    menuBarItem_.onExit = [this] { end(); };
+    endNotice_.onCancel = [this] { controller_.cancelPowerAction(); };
+    menuBarItem_.onExit = [this] { askThenEnd(); };
     serveOthers(notices.answers);
     menuBarItem_.welcome();
 }
@@ -44,13 +48,28 @@ void AppDelegate::serveOthers(Notice& answers) {
 
 std::unique_ptr<PanelView> AppDelegate::makePanel() {
     return std::make_unique<PanelView>(controller_, updater_, desktop_,
-                                       SettingsButton::Actions{.exit = [this] { end(); }});
+                                       SettingsButton::Actions{.exit = [this] { askThenEnd(); }});
 }
 
 void AppDelegate::hear(const Event& event) {
     remoteControl_.announce(event);
     if (std::holds_alternative<events::ConfirmationNeeded>(event))
         scheduleNotice_.ask();
+}
+
+// What the user has asked for goes with the program, and so it is said.
+void AppDelegate::askThenEnd() {
+    const EndState& state = desktop_.loginWindow.state;
+    if (!state.isComing()) {
+        end();
+        return;
+    }
+    confirmDialog_.ask(localized("%@: se esci da Velmor Quit non succederà. Esci lo stesso?",
+                                 EndTexts::title(state)),
+                       localized("Esci da Velmor Quit"), [this](bool isAgreed) {
+                           if (isAgreed)
+                               end();
+                       });
 }
 
 // What is told of the run's end is posted before the program's own end is.

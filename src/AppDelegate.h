@@ -38,6 +38,7 @@ public:
     void end();
 
 private:
+    void askThenEnd();
     void hear(const Event& event);
     void serveOthers(Notice& answers);
     [[nodiscard]] std::unique_ptr<PanelView> makePanel();

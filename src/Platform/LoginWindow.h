@@ -16,6 +16,14 @@ enum class LoginRequest { shutDown, restart, logOut };
 /// Whether somebody attends what is going on.
 enum class Attendance { attended, unattended };
 
+/// What came before a request.
+struct EndTerms {
+    Attendance attendance = Attendance::attended;
+    /// So much time has passed since the user asked for it that they may be at something else now:
+    /// it is announced for a minute.
+    bool comesLate = false;
+};
+
 /// Something over which the session is not ended, or that is named before it is.
 struct EndObstacle {
     enum class Kind {
@@ -26,6 +34,7 @@ struct EndObstacle {
         inhibitor,     ///< says that the computer is needed
         otherUser,     ///< somebody else is logged in
         secondSession, ///< this user is logged in on a second screen
+        slept,         ///< the computer was asleep for long while it was waited for
         unseen,        ///< not all windows can be seen
         unknown,       ///< whoever keeps account of the sessions doesn't answer
         tray,          ///< lives on in the tray: named, no more
@@ -45,19 +54,27 @@ struct EndObstacle {
 struct EndState {
     enum class Stage {
         none,
-        waiting, ///< for the obstacles; without any, for what is about to be gone
-        naming,  ///< the obstacles are only named, and the end follows
-        refused, ///< it doesn't come, because of the obstacles
-        failed,  ///< the system refused, or didn't answer
+        waiting,  ///< for the obstacles; without any, for what is about to be gone
+        naming,   ///< it follows; the obstacles are only named
+        underWay, ///< the system has been told
+        refused,  ///< it doesn't come, because of the obstacles
+        failed,   ///< the system refused, or didn't answer
     };
 
     Stage stage = Stage::none;
     LoginRequest request = LoginRequest::shutDown;
     std::vector<EndObstacle> obstacles{};
+    /// When it follows, by running time, where that is known.
+    std::optional<Uptime> at{};
     /// Whether the user may say that it is to come over these very obstacles.
     bool canBeForced = false;
     /// Tells this list of obstacles from any other one that is not empty.
     std::uint64_t list = 0;
+
+    /// Whether it is still to come.
+    [[nodiscard]] bool isComing() const {
+        return stage == Stage::waiting || stage == Stage::naming;
+    }
 
     friend bool operator==(const EndState&, const EndState&) = default;
 };
@@ -80,10 +97,13 @@ public:
     /// Asks for it. None when the request was taken, else why not, for the log. Returns at once:
     /// what is still open is asked to close first and waited for, and when something stays the
     /// request is given up; `state` tells. A request that is waiting is replaced by the next.
-    virtual std::optional<std::string> request(LoginRequest request, Attendance attendance) = 0;
+    virtual std::optional<std::string> request(LoginRequest request, const EndTerms& terms) = 0;
 
-    /// Gives up a request that is still waiting, and forgets one that was refused; false when none
-    /// was waiting.
+    /// Says that it will be asked for in a moment.
+    virtual void announce(LoginRequest request) = 0;
+
+    /// Gives up a request that is still waiting, and forgets one that was announced or refused;
+    /// false when none was waiting.
     virtual bool cancel() = 0;
 
     /// The user's word that the end is to come over the obstacles of that list, whatever is lost by

@@ -60,11 +60,11 @@ std::optional<LoginRequest> loginRequest(PowerAction action) {
     return std::nullopt;
 }
 
-bool perform(PowerAction action, Attendance attendance, LoginWindow& loginWindow, SystemLog& log) {
+bool perform(PowerAction action, const EndTerms& terms, LoginWindow& loginWindow, SystemLog& log) {
     const auto request = loginRequest(action);
     if (!request)
         return true;
-    const auto refused = loginWindow.request(*request, attendance);
+    const auto refused = loginWindow.request(*request, terms);
     if (refused) {
         log.write("Velmor Quit: azione " + std::string(rawValue(action)) +
                   " non riuscita: " + *refused);

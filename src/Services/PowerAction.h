@@ -36,7 +36,7 @@ inline constexpr std::array allPowerActions{PowerAction::none, PowerAction::shut
 
 /// Asks for what the choice says; for `none` nothing is asked. True when the request was taken,
 /// else the log has a line.
-bool perform(PowerAction action, Attendance attendance, LoginWindow& loginWindow, SystemLog& log);
+bool perform(PowerAction action, const EndTerms& terms, LoginWindow& loginWindow, SystemLog& log);
 
 /// Title of a quit that is scheduled with this choice.
 [[nodiscard]] std::string scheduleTitle(PowerAction action);

@@ -17,14 +17,14 @@ const char* rawValue(LoginRequest request) {
 }
 
 const char* rawValue(EndState::Stage stage) {
-    static constexpr std::array names{"none", "waiting", "naming", "refused", "failed"};
+    static constexpr std::array names{"none", "waiting", "naming", "underWay", "refused", "failed"};
     return names.at(static_cast<std::size_t>(stage));
 }
 
 const char* rawValue(EndObstacle::Kind kind) {
-    static constexpr std::array names{
-        "window",        "unaskable", "question", "work", "inhibitor", "otherUser",
-        "secondSession", "unseen",    "unknown",  "tray", "job"};
+    static constexpr std::array names{"window",    "unaskable", "question",      "work",
+                                      "inhibitor", "otherUser", "secondSession", "slept",
+                                      "unseen",    "unknown",   "tray",          "job"};
     return names.at(static_cast<std::size_t>(kind));
 }
 

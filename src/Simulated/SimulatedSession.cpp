@@ -22,12 +22,18 @@ std::string word(LoginRequest request) {
 } // namespace
 
 std::optional<std::string> SimulatedLoginWindow::request(LoginRequest request,
-                                                         Attendance attendance) {
-    log_(word(request) + (attendance == Attendance::unattended ? " unattended" : ""));
+                                                         const EndTerms& terms) {
+    log_(word(request) + (terms.attendance == Attendance::unattended ? " unattended" : "") +
+         (terms.comesLate ? " late" : ""));
     isWaiting_ = !refusal;
+    state = EndState{};
     if (onRequest)
         onRequest();
     return refusal;
+}
+
+void SimulatedLoginWindow::announce(LoginRequest request) {
+    state = EndState{.stage = EndState::Stage::waiting, .request = request};
 }
 
 bool SimulatedLoginWindow::cancel() {

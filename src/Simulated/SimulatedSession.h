@@ -24,7 +24,8 @@ public:
     SimulatedLoginWindow(MainLoop& loop, std::function<void(std::string_view)> log)
         : LoginWindow(loop), log_(std::move(log)) {}
 
-    std::optional<std::string> request(LoginRequest request, Attendance attendance) override;
+    std::optional<std::string> request(LoginRequest request, const EndTerms& terms) override;
+    void announce(LoginRequest request) override;
     bool cancel() override;
     bool endAnyway(std::uint64_t list) override;
     [[nodiscard]] EndOutlook outlook(LoginRequest) const override { return expected; }

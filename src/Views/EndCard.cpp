@@ -18,6 +18,7 @@ EndCard::EndCard(MainLoop& loop, LoginWindow& loginWindow, QWidget* parent)
       text_(new Label(AppTheme::captionFont(), AppTheme::text(0.85))),
       cancel_(new PrimaryButton(QString())),
       anyway_(new PrimaryButton(QString(), AppTheme::dangerRed())) {
+    onCancel = [this] { loginWindow_.cancel(); };
     setObjectName(QStringLiteral("EndCard"));
     title_->setObjectName(QStringLiteral("endTitle"));
     title_->wrap();
@@ -37,7 +38,7 @@ EndCard::EndCard(MainLoop& loop, LoginWindow& loginWindow, QWidget* parent)
     buttons.addWidget(anyway_);
     connect(cancel_, &QPushButton::clicked, this, [this] {
         isAsking_ = false;
-        loginWindow_.cancel();
+        onCancel();
     });
     connect(anyway_, &QPushButton::clicked, this, [this] { pressAnyway(); });
 }
@@ -54,6 +55,7 @@ void EndCard::render() {
         toQt(isAsking_ ? EndTexts::anywayQuestion(state.request) : EndTexts::title(state)));
     text_->setText(toQt(text));
     text_->setVisible(!text.empty());
+    cancel_->setVisible(state.stage != EndState::Stage::underWay);
     cancel_->setText(toQt(isOver && !isAsking_ ? localized("Ho capito") : localized("Annulla")));
     cancel_->updateGeometry();
     anyway_->setText(toQt(EndTexts::anyway(state.request)));

@@ -3,6 +3,8 @@
 #include "Platform/LoginWindow.h"
 #include "Theme/GlassCard.h"
 
+#include <functional>
+
 namespace velmorquit {
 
 class Label;
@@ -17,6 +19,9 @@ public:
     EndCard(MainLoop& loop, LoginWindow& loginWindow, QWidget* parent = nullptr);
 
     void render();
+
+    /// What the button that cancels does; until it is set, it cancels the request alone.
+    std::function<void()> onCancel;
 
 private:
     void pressAnyway();

@@ -87,6 +87,7 @@ void PanelView::makeNormalContent() {
             [this] { controller_.quitAll(controller_.afterQuit); });
     items.addWidget(framed(quit_, Qt::AlignHCenter));
     items.addWidget(framed(status_, {}));
+    end_->onCancel = [this] { controller_.cancelPowerAction(); };
     items.addWidget(end_);
     picker_->onChoose = [this](PowerAction action) { controller_.chooseAfterQuit(action); };
     items.addWidget(picker_);

@@ -29,7 +29,7 @@ protected:
     }
 
     void request(LoginRequest request, Attendance attendance = Attendance::attended) {
-        EXPECT_EQ(end->request(request, attendance), std::nullopt);
+        EXPECT_EQ(end->request(request, {.attendance = attendance}), std::nullopt);
         EXPECT_THAT(desktop.log(), Not(HasSubstr("CALL"))) << "called within the request";
     }
     [[nodiscard]] bool isCalled() const {
@@ -482,7 +482,7 @@ TEST_F(SessionEndTest, TheNextRequestTakesThePlaceOfOneThatWaits) {
 TEST_F(SessionEndTest, WhatNobodyCanDoIsRefusedAndNobodyIsAsked) {
     desktop.open("Note").asksToSaveFor(3s);
     desktop.endService.missing = "nobody";
-    EXPECT_EQ(end->request(LoginRequest::shutDown, Attendance::attended), "nobody");
+    EXPECT_EQ(end->request(LoginRequest::shutDown, {}), "nobody");
     desktop.advance(5s);
     EXPECT_EQ(desktop.log(), Lines("0.00 notice Il sistema ha rifiutato o non ha risposto."));
     desktop.endService.missing.reset();
@@ -503,8 +503,7 @@ TEST_F(SessionEndTest, AFailureIsToldAndTheSystemIsNotAskedAgain) {
     desktop.endService.answerTime = 5s;
     request(LoginRequest::logOut);
     desktop.advance(1s);
-    EXPECT_EQ(end->request(LoginRequest::restart, Attendance::attended),
-              "chiusura della sessione già in corso");
+    EXPECT_EQ(end->request(LoginRequest::restart, {}), "chiusura della sessione già in corso");
     desktop.advance(100s);
     EXPECT_EQ(desktop.log(),
               Lines("0.00 CALL log out", "5.00 notice Il sistema ha rifiutato o non ha risposto."));

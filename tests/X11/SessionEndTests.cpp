@@ -120,7 +120,7 @@ TEST_F(RealSessionEndTest, TheSessionEndsWhenTheLastWindowHasClosed) {
     EXPECT_NE(system.problem(), "") << "a virtual desktop has no system bus";
     auto stubborn = open({"--ignore"});
     auto polite = open();
-    EXPECT_EQ(end.request(LoginRequest::logOut, Attendance::attended), std::nullopt);
+    EXPECT_EQ(end.request(LoginRequest::logOut, {}), std::nullopt);
     EXPECT_TRUE(waitUntil([&] { return !polite->isRunning(); }));
     linger(1500);
     EXPECT_TRUE(manager->isRunning()) << "something is still open";
@@ -133,7 +133,7 @@ TEST_F(RealSessionEndTest, TheSessionEndsWhenTheLastWindowHasClosed) {
 
 TEST_F(RealSessionEndTest, ACancelledLogOutLeavesTheSession) {
     auto asking = open({"--asks"});
-    EXPECT_EQ(end.request(LoginRequest::logOut, Attendance::attended), std::nullopt);
+    EXPECT_EQ(end.request(LoginRequest::logOut, {}), std::nullopt);
     EXPECT_TRUE(waitUntil([&] { return asking->output().find("asked") != std::string::npos; }));
     end.cancel();
     asking.reset();

@@ -1,5 +1,6 @@
 #include "Services/MenuBar/MenuBarItem.h"
 
+#include "Platform/LoginWindow.h"
 #include "Platform/Preferences.h"
 #include "Services/AppUpdater.h"
 #include "Services/QuitController/QuitController.h"
@@ -21,6 +22,7 @@ MenuBarItem::MenuBarItem(const Parts& parts, const Desktop& desktop)
     follow(parts_.controller.excluded);
     follow(parts_.controller.schedule);
     follow(parts_.controller.lastSession);
+    follow(loginWindow_.state);
     follow(parts_.updater.canCheckForUpdates);
 }
 
@@ -92,6 +94,9 @@ void MenuBarItem::perform(const QuickMenuEntry& entry) {
         break;
     case Command::cancelSchedule:
         parts_.controller.cancelSchedule();
+        break;
+    case Command::cancelEnd:
+        parts_.controller.cancelPowerAction();
         break;
     case Command::checkForUpdates:
         parts_.updater.checkForUpdates();

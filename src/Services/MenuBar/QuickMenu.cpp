@@ -65,6 +65,12 @@ QuickMenu quickMenu(const QuitController& controller, const LoginWindow& loginWi
              .title = localized("Annulla la chiusura delle %@", formats.shortTime(schedule->date)),
              .symbol = "timer"});
     }
+    if (const EndState& state = loginWindow.state; state.isComing()) {
+        menu.push_back(separator);
+        menu.push_back({.command = Command::cancelEnd,
+                        .title = EndTexts::cancelTitle(state.request),
+                        .symbol = "xmark.circle"});
+    }
     menu.push_back(separator);
     menu.push_back({.command = Command::checkForUpdates,
                     .title = localized("Controlla aggiornamenti…"),

@@ -20,6 +20,7 @@ struct QuickMenuEntry {
         quit,
         reopen,
         cancelSchedule,
+        cancelEnd, ///< of the session, which is about to come
         checkForUpdates,
         openPanel,
         exit,

@@ -61,9 +61,10 @@ Task QuitController::afterApps(RunResult result, PowerAction action) {
                 autoContinueAt = desktop_.loop.now() + unattendedGrace;
                 unattendedTask_ = continueUnattended();
             }
-            letSleepWhileAsking();
+            beginAsking();
             const FailureChoice choice = co_await failureChoice_;
             unattendedTask_.cancel();
+            endAsking();
             holdSleepForRun();
             if (choice == FailureChoice::stop) {
                 showResult(result, localized("Backup non riuscito"));
@@ -90,11 +91,14 @@ Task QuitController::afterApps(RunResult result, PowerAction action) {
     if (result.closed > 0)
         emit(events::QuitDone{result.closed});
     if (action != PowerAction::none) {
+        if (number == runNumber_ && !isActionDropped_)
+            desktop_.loginWindow.announce(*loginRequest(action));
         co_await sleep(beforePowerAction);
         // A run that has begun meanwhile brings its own action.
         if (number == runNumber_ && !isActionDropped_) {
             const auto attendance = unattended ? Attendance::unattended : Attendance::attended;
-            perform(action, attendance, desktop_.loginWindow, desktop_.log);
+            perform(action, {.attendance = attendance, .comesLate = isLate_}, desktop_.loginWindow,
+                    desktop_.log);
             // Whoever took it holds off sleep from here on. A pending schedule takes its own hold
             // again if the session doesn't end.
             runActivity_.reset();

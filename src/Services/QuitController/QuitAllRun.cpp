@@ -17,6 +17,7 @@ void QuitController::quitAll(PowerAction action) {
     resetSequence(runNumber_);
     ++runNumber_;
     isActionDropped_ = false;
+    isLate_ = false;
     desktop_.loginWindow.cancel();
     holdSleepForRun();
     refresh();
@@ -60,7 +61,7 @@ Task QuitController::pollTargets(Uptime deadline) {
             if (number != pollNumber_)
                 co_return;
             phase = phases::Waiting{};
-            letSleepWhileAsking();
+            beginAsking();
         }
     }
 }
@@ -71,10 +72,18 @@ void QuitController::holdSleepForRun() {
         runActivity_ = desktop_.sleepHold.begin(localized("Velmor Quit sta chiudendo le app"));
 }
 
-void QuitController::letSleepWhileAsking() {
+void QuitController::beginAsking() {
     if (!unattended)
-        runActivity_.reset();
+        letSleep();
+    asking_ = desktop_.loop.after(longWait, [this] {
+        isLate_ = true;
+        letSleep();
+    });
 }
+
+void QuitController::endAsking() { asking_.reset(); }
+
+void QuitController::letSleep() { runActivity_.reset(); }
 
 std::vector<OpenApp> QuitController::targetsStillRunning() const {
     std::vector<OpenApp> running;
@@ -140,6 +149,7 @@ void QuitController::leaveStubbornOpen() {
 void QuitController::finish(AfterSteps steps) {
     ++pollNumber_;
     pollTask_.cancel();
+    endAsking();
     const RunResult result = countClosed();
     // Before the refresh: that and all that follows may take long, and may be the last thing that
     // this session sees.

@@ -37,6 +37,9 @@ public:
     static constexpr Duration refreshInterval = 2500ms;
     static constexpr Duration resultTime = 8s;
     static constexpr Duration unattendedGrace = 60s;
+    /// A run that waits for an answer that long lets the computer sleep, and what was to follow it
+    /// is announced before it comes.
+    static constexpr Duration longWait = 10min;
     /// What was closed so long ago is not offered any more to a program that starts.
     static constexpr Duration lastSessionAge = 7 * 24h;
 
@@ -226,7 +229,9 @@ private:
     void meetDeadline();
     void checkMissedSchedule();
     void holdSleepForRun();
-    void letSleepWhileAsking();
+    void beginAsking();
+    void endAsking();
+    void letSleep();
 
     Desktop desktop_;
     PowerAction pendingAction_ = PowerAction::none;
@@ -252,6 +257,9 @@ private:
     Task ejectNowTask_;
     Task ejectAllNowTask_;
     bool isActionDropped_ = false;
+    /// The present run has waited for an answer for so long that nobody expects what follows.
+    bool isLate_ = false;
+    Handle asking_;
     Task resetTask_;
     Handle refreshTimer_;
     /// Counts what is done to the schedule, so that a tick sees when a callback has replaced it.

@@ -44,6 +44,9 @@ void QuitController::chooseConfirmScheduled(bool isChosen) {
 void QuitController::observeClock() {
     observers_.push_back(
         desktop_.loop.observe(ClockEvent::woke, [this] { checkMissedSchedule(); }));
+    // Of the wait it is not known how long it was.
+    observers_.push_back(
+        desktop_.loop.observe(ClockEvent::woke, [this] { isLate_ |= asking_.isSet(); }));
     observers_.push_back(
         desktop_.loop.observe(ClockEvent::corrected, [this] { tickAtNextSecond(); }));
 }

@@ -11,6 +11,7 @@ namespace velmorquit {
 EndNotice::EndNotice(MainLoop& loop, LoginWindow& loginWindow, Notice& notice)
     : loop_(loop), loginWindow_(loginWindow), notice_(notice) {
     notice_.onButton = [this](const std::string& button) { answer(button); };
+    onCancel = [this] { loginWindow_.cancel(); };
     following_ = loginWindow_.state.subscribe([this] { follow(); });
 }
 
@@ -41,7 +42,7 @@ void EndNotice::follow() {
 void EndNotice::tell() {
     telling_.reset();
     const EndState& state = loginWindow_.state;
-    if (state.stage == EndState::Stage::none) {
+    if (state.stage == EndState::Stage::none || state.stage == EndState::Stage::underWay) {
         if (std::exchange(isShown_, false))
             notice_.withdraw();
         return;
@@ -50,8 +51,7 @@ void EndNotice::tell() {
         ask();
         return;
     }
-    const bool isComing =
-        state.stage == EndState::Stage::waiting || state.stage == EndState::Stage::naming;
+    const bool isComing = state.isComing();
     const std::string text = EndTexts::text(state);
     // What was waited for has gone: that is worth no notice of its own.
     if (text.empty() && !isShown_)
@@ -92,7 +92,7 @@ void EndNotice::show(const Notice::Content& content) {
 void EndNotice::answer(const std::string& button) {
     if (button == "cancel") {
         isAsking_ = false;
-        loginWindow_.cancel();
+        onCancel();
     } else if (button == "anyway" && loginWindow_.state->canBeForced) {
         isAsking_ = true;
         askedAt_ = loop_.uptime();

@@ -22,6 +22,9 @@ public:
     EndNotice& operator=(const EndNotice&) = delete;
     ~EndNotice();
 
+    /// What the button that cancels does; until it is set, it cancels the request alone.
+    std::function<void()> onCancel;
+
 private:
     void follow();
     void tell();

@@ -14,19 +14,24 @@ using Stage = EndState::Stage;
 /// Keys of the string table.
 struct Keys {
     const char* coming;
+    const char* underWay;
     const char* refused;
     const char* anyway;
     const char* question;
+    const char* cancel;
 };
 
 const Keys& keysOf(LoginRequest request) {
     static constexpr std::array<Keys, 3> keys{
-        {{textKey("Sto per spegnere il computer"), textKey("Il computer non è stato spento"),
-          textKey("Spegni comunque"), textKey("Spegnere comunque?")},
-         {textKey("Sto per riavviare il computer"), textKey("Il computer non è stato riavviato"),
-          textKey("Riavvia comunque"), textKey("Riavviare comunque?")},
-         {textKey("Sto per chiudere la sessione"), textKey("La sessione non è stata chiusa"),
-          textKey("Esci comunque"), textKey("Uscire comunque?")}}};
+        {{textKey("Sto per spegnere il computer"), textKey("Spengo il computer"),
+          textKey("Il computer non è stato spento"), textKey("Spegni comunque"),
+          textKey("Spegnere comunque?"), textKey("Annulla lo spegnimento")},
+         {textKey("Sto per riavviare il computer"), textKey("Riavvio il computer"),
+          textKey("Il computer non è stato riavviato"), textKey("Riavvia comunque"),
+          textKey("Riavviare comunque?"), textKey("Annulla il riavvio")},
+         {textKey("Sto per chiudere la sessione"), textKey("Chiudo la sessione"),
+          textKey("La sessione non è stata chiusa"), textKey("Esci comunque"),
+          textKey("Uscire comunque?"), textKey("Annulla l'uscita")}}};
     return keys.at(static_cast<std::size_t>(request));
 }
 
@@ -45,6 +50,8 @@ std::string described(const EndObstacle& obstacle) {
                                        : obstacle.name + " (" + obstacle.detail + ')';
     case Kind::secondSession:
         return localized("Hai un'altra sessione aperta su questo computer.");
+    case Kind::slept:
+        return localized("Il computer è stato a lungo in stop nel frattempo.");
     case Kind::unseen:
         return obstacle.detail;
     case Kind::unknown:
@@ -66,10 +73,13 @@ bool areAll(const std::vector<EndObstacle>& obstacles, Kind kind) {
                                [kind](const EndObstacle& one) { return one.kind == kind; });
 }
 
-std::string namingText(const std::vector<EndObstacle>& obstacles) {
+std::string namingText(const EndState& state) {
+    const std::vector<EndObstacle>& obstacles = state.obstacles;
     const auto tray = ofKind(obstacles, Kind::tray);
     const auto jobs = ofKind(obstacles, Kind::job);
     std::string text;
+    if (obstacles.empty())
+        return localized("Entro un minuto, se non annulli.");
     if (!tray.empty())
         text = localized("Nell'area di notifica: %@.", list(tray));
     if (!jobs.empty())
@@ -99,8 +109,8 @@ std::string refusedText(const std::vector<EndObstacle>& obstacles) {
                    ? localized("%@ è ancora al lavoro su questo computer.", list(users))
                    : localized("Sono ancora al lavoro su questo computer: %@.", list(users));
     const bool isSentence = std::ranges::any_of(obstacles, [](const EndObstacle& one) {
-        return one.kind == Kind::secondSession || one.kind == Kind::unseen ||
-               one.kind == Kind::unknown;
+        return one.kind == Kind::secondSession || one.kind == Kind::slept ||
+               one.kind == Kind::unseen || one.kind == Kind::unknown;
     });
     return isSentence ? described(obstacles.back())
                       : localized("Non è ancora finito: %@.", list(obstacles));
@@ -110,9 +120,19 @@ std::string refusedText(const std::vector<EndObstacle>& obstacles) {
 
 std::string title(const EndState& state) {
     const Keys& keys = keysOf(state.request);
-    const bool isComing = state.stage == Stage::waiting || state.stage == Stage::naming;
-    return state.stage == Stage::none ? std::string()
-                                      : localized(isComing ? keys.coming : keys.refused);
+    switch (state.stage) {
+    case Stage::waiting:
+    case Stage::naming:
+        return localized(keys.coming);
+    case Stage::underWay:
+        return localized(keys.underWay);
+    case Stage::refused:
+    case Stage::failed:
+        return localized(keys.refused);
+    case Stage::none:
+        break;
+    }
+    return {};
 }
 
 std::string text(const EndState& state) {
@@ -120,11 +140,12 @@ std::string text(const EndState& state) {
     case Stage::waiting:
         return waitingText(state.obstacles);
     case Stage::naming:
-        return namingText(state.obstacles);
+        return namingText(state);
     case Stage::refused:
         return refusedText(state.obstacles);
     case Stage::failed:
         return localized("Il sistema ha rifiutato o non ha risposto.");
+    case Stage::underWay:
     case Stage::none:
         break;
     }
@@ -135,6 +156,8 @@ std::string line(const EndState& state) {
     const std::string told = text(state);
     return told.empty() ? title(state) : title(state) + ". " + told;
 }
+
+std::string cancelTitle(LoginRequest request) { return localized(keysOf(request).cancel); }
 
 std::string list(const std::vector<EndObstacle>& obstacles) {
     std::vector<std::string> told;

@@ -17,6 +17,9 @@ namespace velmorquit::EndTexts {
 /// Title and text as one line, for a terminal.
 [[nodiscard]] std::string line(const EndState& state);
 
+/// Caption of what cancels it, where it stands alone.
+[[nodiscard]] std::string cancelTitle(LoginRequest request);
+
 /// The obstacles by name, with what is to be known of each.
 [[nodiscard]] std::string list(const std::vector<EndObstacle>& obstacles);
 

@@ -30,6 +30,8 @@ std::string logText(const std::vector<EndObstacle>& obstacles) {
         text += text.empty() ? "" : ", ";
         if (obstacle.kind == Kind::secondSession)
             text += "un'altra sessione dell'utente";
+        else if (obstacle.kind == Kind::slept)
+            text += "il computer è stato in stop";
         else if (obstacle.kind == Kind::unseen)
             text += "non tutte le finestre si vedono";
         else if (obstacle.kind == Kind::unknown)
@@ -78,17 +80,18 @@ SessionEnd::SessionEnd(const Surroundings& surroundings)
       work_(surroundings.windows, surroundings.processes) {
     surroundings_.service.onAnswered = [this](const auto& failure) { hear(failure); };
     watching_ = surroundings_.windows.observe([this] { forgetRefusal(); });
+    waking_ = surroundings_.loop.observe(ClockEvent::woke, [this] { hearWakeUp(); });
 }
 
 SessionEnd::~SessionEnd() { surroundings_.service.onAnswered = nullptr; }
 
-std::optional<std::string> SessionEnd::request(LoginRequest request, Attendance attendance) {
+std::optional<std::string> SessionEnd::request(LoginRequest request, const EndTerms& terms) {
     if (underWay_)
         return logName(*underWay_) + " già in corso";
     const auto obstacle = surroundings_.service.obstacle(request, EndForm::direct);
     if (obstacle && form() == EndForm::direct) {
         if (!waiting_.isActive()) {
-            wait_ = {.request = request, .attendance = attendance, .begin = {}};
+            wait_ = {.request = request, .terms = terms, .begin = {}};
             publish(EndState::Stage::failed, {});
         }
         return obstacle;
@@ -96,12 +99,37 @@ std::optional<std::string> SessionEnd::request(LoginRequest request, Attendance 
     if (waiting_.isActive())
         work_.askAnew();
     pardoned_.clear();
-    begin(request, attendance);
+    begin(request, terms);
     return std::nullopt;
 }
 
-void SessionEnd::begin(LoginRequest request, Attendance attendance) {
-    wait_ = {.request = request, .attendance = attendance, .begin = surroundings_.loop.uptime()};
+void SessionEnd::announce(LoginRequest request) {
+    if (waiting_.isActive() || underWay_)
+        return;
+    wait_ = {.request = request, .terms = {}, .begin = {}};
+    publish(EndState::Stage::waiting, {});
+}
+
+Duration SessionEnd::ahead() const {
+    return surroundings_.loop.now().time_since_epoch() - surroundings_.loop.uptime().sinceStart;
+}
+
+// Whoever wakes the computer hours later doesn't expect it to be switched off.
+void SessionEnd::hearWakeUp() {
+    if (!waiting_.isActive())
+        return;
+    wait_.namedSince.reset();
+    if (ahead() - wait_.ahead <= mostSleep)
+        return;
+    waiting_.cancel();
+    asking_.reset();
+    refuse({{Kind::slept}});
+}
+
+void SessionEnd::begin(LoginRequest request, const EndTerms& terms) {
+    wait_ = {
+        .request = request, .terms = terms, .begin = surroundings_.loop.uptime(), .ahead = ahead()};
+    telling_.reset();
     sinceInput_.reset();
     awake_ = surroundings_.sleepHold.begin(localized("Velmor Quit aspetta le app"));
     publish(EndState::Stage::waiting, {});
@@ -131,7 +159,7 @@ bool SessionEnd::endAnyway(std::uint64_t list) {
         return false;
     pardoned_ = shown.obstacles;
     if (!waiting_.isActive())
-        begin(shown.request, Attendance::attended);
+        begin(shown.request, {});
     return true;
 }
 
@@ -224,7 +252,7 @@ SessionEnd::Next SessionEnd::considerSight() {
     if (!wait_.isInputRead)
         return Next::lookAgain;
     const bool isThere =
-        wait_.attendance == Attendance::attended && sinceInput_ && *sinceInput_ <= presence;
+        wait_.terms.attendance == Attendance::attended && sinceInput_ && *sinceInput_ <= presence;
     const bool canAsk = !surroundings_.service.obstacle(wait_.request, EndForm::asking).has_value();
     if (isThere && canAsk)
         return Next::carryOut;
@@ -253,6 +281,7 @@ SessionEnd::Next SessionEnd::considerWork(bool isAccountFresh) {
     }
     if (!inTheWay.empty()) {
         wait_.named.clear();
+        wait_.namedSince.reset();
         publish(EndState::Stage::waiting, found.obstacles);
         return Next::wait;
     }
@@ -276,15 +305,23 @@ SessionEnd::Next SessionEnd::considerMentions(Uptime now) {
         return Next::lookAgain;
     }
     const Obstacles& mentions = work_.mentions();
+    const bool isLate = wait_.terms.comesLate;
+    if (mentions.empty() && !isLate)
+        return Next::carryOut;
+    bool isNew = !wait_.namedSince;
     for (const EndObstacle& one : mentions) {
         if (isNamed(wait_.named, one))
             continue;
         wait_.named.push_back(one);
-        wait_.namedSince = now;
+        isNew = true;
     }
-    if (mentions.empty() || now - *wait_.namedSince >= namingTime)
+    const Duration time = isLate ? lateNamingTime : namingTime;
+    if (isNew)
+        wait_.namedSince = now;
+    const Uptime end = *wait_.namedSince + time;
+    if (now >= end)
         return Next::carryOut;
-    publish(EndState::Stage::naming, mentions);
+    publish(EndState::Stage::naming, mentions, end);
     return Next::wait;
 }
 
@@ -295,14 +332,15 @@ SessionEnd::Obstacles SessionEnd::withoutPardoned(const Obstacles& obstacles) co
     return rest;
 }
 
-void SessionEnd::publish(EndState::Stage stage, Obstacles obstacles) {
+void SessionEnd::publish(EndState::Stage stage, Obstacles obstacles, std::optional<Uptime> at) {
     const bool isPassable =
         (stage == EndState::Stage::waiting || stage == EndState::Stage::refused) &&
         !obstacles.empty() && std::ranges::all_of(obstacles, canBePassedOver);
     EndState next{.stage = stage,
                   .request = wait_.request,
                   .obstacles = std::move(obstacles),
-                  .canBeForced = isPassable && wait_.attendance == Attendance::attended,
+                  .at = at,
+                  .canBeForced = isPassable && wait_.terms.attendance == Attendance::attended,
                   .list = state->list};
     if (next.obstacles != state->obstacles) {
         next.list = ++lastList_;
@@ -345,14 +383,22 @@ void SessionEnd::carryOut() {
     awake_.reset();
     pardoned_.clear();
     work_.forget();
-    state = EndState{};
+    publish(EndState::Stage::underWay, {});
     surroundings_.service.carryOut(request, how);
 }
 
 void SessionEnd::hear(const std::optional<std::string>& failure) {
     const auto request = std::exchange(underWay_, std::nullopt);
-    if (!request || !failure)
+    if (!request)
         return;
+    if (!failure) {
+        // The user may have said no to a question of the system's.
+        telling_ = surroundings_.loop.after(underWayTime, [this] {
+            if (state->stage == EndState::Stage::underWay)
+                state = EndState{};
+        });
+        return;
+    }
     surroundings_.log.write("Velmor Quit: " + logName(*request) + ": " + *failure);
     publish(EndState::Stage::failed, {});
 }

@@ -27,6 +27,12 @@ public:
     static constexpr Duration accountInterval = 2s;
     /// How long what can't be looked into is named before the end follows.
     static constexpr Duration namingTime = 10s;
+    /// How long one is announced that comes when nobody expects it any more.
+    static constexpr Duration lateNamingTime = 60s;
+    /// Who wakes the computer after that has something else in mind.
+    static constexpr Duration mostSleep = 120s;
+    /// How long it is said that the system has been told.
+    static constexpr Duration underWayTime = 8s;
     /// A window manager that is replaced by another one lists no windows for a moment …
     static constexpr Duration blindPatience = 3s;
     /// … and those that there are one by one.
@@ -52,7 +58,8 @@ public:
 
     /// Refused as well while the system is being asked for an earlier request. A request that is
     /// refused leaves one that waits as it is.
-    std::optional<std::string> request(LoginRequest request, Attendance attendance) override;
+    std::optional<std::string> request(LoginRequest request, const EndTerms& terms) override;
+    void announce(LoginRequest request) override;
     bool cancel() override;
     bool endAnyway(std::uint64_t list) override;
     [[nodiscard]] EndOutlook outlook(LoginRequest request) const override;
@@ -66,8 +73,10 @@ private:
     /// What is wanted, and since when it has been in which way of waiting.
     struct Wait {
         LoginRequest request = LoginRequest::shutDown;
-        Attendance attendance = Attendance::attended;
+        EndTerms terms;
         Uptime begin;
+        /// What the clock on the wall was ahead of running time then: that grows by sleep.
+        Duration ahead{};
         /// How it is to be carried out, by what is seen now.
         EndForm form = EndForm::direct;
         std::optional<Uptime> blindSince{};
@@ -89,7 +98,9 @@ private:
         refuse,
     };
 
-    void begin(LoginRequest request, Attendance attendance);
+    void begin(LoginRequest request, const EndTerms& terms);
+    [[nodiscard]] Duration ahead() const;
+    void hearWakeUp();
     Task waitAndEnd();
     [[nodiscard]] EndForm form() const;
     void forgetRefusal();
@@ -99,7 +110,7 @@ private:
     Next considerWork(bool isAccountFresh);
     Next considerMentions(Uptime now);
     [[nodiscard]] Obstacles withoutPardoned(const Obstacles& obstacles) const;
-    void publish(EndState::Stage stage, Obstacles obstacles);
+    void publish(EndState::Stage stage, Obstacles obstacles, std::optional<Uptime> at = {});
     void refuse(Obstacles obstacles);
     void carryOut();
     void end();
@@ -119,6 +130,8 @@ private:
     std::uint64_t lastList_ = 0;
     Handle awake_;
     Handle watching_;
+    Handle waking_;
+    Handle telling_;
     Task waiting_;
     /// What the service is being asked for.
     std::optional<LoginRequest> underWay_;
