@@ -56,6 +56,8 @@ void ScheduleNotice::follow() {
     const bool isTrue =
         told_ == controller_.schedule.get() && isQuestion_ == controller_.awaitingConfirmation;
     if (told_ && !isTrue) {
+        if (!isQuestion_ && !controller_.schedule.get() && controller_.isRunning())
+            begunAt_ = controller_.mainLoop().uptime();
         told_.reset();
         notice_.withdraw();
     }
@@ -66,6 +68,11 @@ void ScheduleNotice::follow() {
 }
 
 void ScheduleNotice::answer(const std::string& button) {
+    const bool hasJustBegun = begunAt_ && controller_.mainLoop().uptime() - *begunAt_ <= lateness;
+    if (button == "cancel" && hasJustBegun) {
+        controller_.cancelRun();
+        return;
+    }
     if (!told_ || told_ != controller_.schedule.get())
         return;
     if (button == "confirm")

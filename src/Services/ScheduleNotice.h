@@ -13,6 +13,8 @@ namespace velmorquit {
 class ScheduleNotice {
 public:
     static constexpr int postponement = 10; ///< in minutes
+    /// How long after a run's beginning its countdown may still be before the user's eyes.
+    static constexpr Duration lateness = 3s;
 
     /// `notice` is its own to listen to.
     ScheduleNotice(QuitController& controller, Notice& notice, const Formats& formats);
@@ -35,6 +37,8 @@ private:
     const Formats& formats_;
     /// What the notice on show is about; none when there is none that could be out of date.
     std::optional<ScheduledQuit> told_;
+    /// When the run began that was told of.
+    std::optional<Uptime> begunAt_;
     bool isQuestion_ = false;
     std::optional<std::string> toldNote_;
     std::vector<Handle> subscriptions_;

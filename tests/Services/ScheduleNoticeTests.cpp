@@ -82,6 +82,24 @@ TEST_F(ScheduleNoticeStory, ButtonsPostponeAndCancelAndAreDeafWhenItIsAnotherSch
     EXPECT_EQ(desktop.log(), Lines("0.00 withdrawn"));
 }
 
+// The user presses in the last second, and the notice is told of it a moment later.
+TEST_F(ScheduleNoticeStory, CancellingAsTheRunBeginsEndsItAndDropsItsAction) {
+    desktop.open("A").asksToSaveFor(20s);
+    desktop.preferences.set("confirmScheduled", false);
+    begin();
+    controller->scheduleQuit(desktop.loop.now() + 5s, PowerAction::shutDown);
+    desktop.advance(5s);
+    notice.onButton("cancel");
+    desktop.advance(60s);
+    EXPECT_EQ(desktop.log().find("shut down"), std::string::npos);
+    EXPECT_NE(desktop.log().find("5.00 done 0 0"), std::string::npos) << desktop.log();
+    controller->quitAll(PowerAction::shutDown);
+    desktop.advance(1s);
+    notice.onButton("cancel");
+    desktop.advance(60s);
+    EXPECT_NE(desktop.log().find("shut down"), std::string::npos) << "that is no scheduled one";
+}
+
 TEST_F(ScheduleNoticeStory, SaysWhatWasSleptThrough) {
     begin();
     controller->scheduleQuit(desktop.loop.now() + 1h, PowerAction::none);

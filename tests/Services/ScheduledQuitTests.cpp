@@ -227,6 +227,38 @@ TEST_F(ScheduledQuitStory, MayBeAMonthAhead) {
     EXPECT_TRUE(hasBegun());
 }
 
+TEST_F(ScheduledQuitStory, ARunThatWaitsForLongLetsTheComputerSleepAndItsActionComesLate) {
+    begin();
+    const auto runFor = [this](Duration wait) {
+        auto& stubborn = desktop.open("B").ignoresAsking();
+        controller->quitAll(PowerAction::restart);
+        controller->unattended = true;
+        desktop.advance(6500ms + wait);
+        const std::string heldThen = held();
+        stubborn.end();
+        desktop.advance(300ms);
+        EXPECT_TRUE(desktop.loginWindow.state->isComing()) << "said at once";
+        desktop.advance(1200ms);
+        return heldThen;
+    };
+    EXPECT_EQ(runFor(9min), running);
+    EXPECT_EQ(count("restart unattended late"), 0U);
+    EXPECT_EQ(runFor(11min), "");
+    EXPECT_EQ(count("restart unattended late"), 1U);
+    auto& stubborn = desktop.open("B").ignoresAsking();
+    controller->quitAll(PowerAction::restart);
+    desktop.advance(10s);
+    desktop.loop.fallAsleep(1h);
+    stubborn.end();
+    desktop.advance(5s);
+    EXPECT_EQ(count("restart late"), 1U);
+    controller->cancelPowerAction();
+    desktop.open("C");
+    controller->quitAll(PowerAction::restart);
+    desktop.advance(5s);
+    EXPECT_EQ(count("restart late"), 1U) << "the next run is another one";
+}
+
 TEST_F(ScheduledQuitStory, ARunHoldsOffSleepUntilItsEndUnlessTheUserIsAsked) {
     begin();
     auto& stubborn = desktop.open("B").ignoresAsking();

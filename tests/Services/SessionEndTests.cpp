@@ -241,6 +241,32 @@ TEST_F(SessionEndTest, WhatWentToTheTrayByItselfIsNamedForTenSeconds) {
     EXPECT_FALSE(isCalled());
 }
 
+TEST_F(SessionEndTest, OneThatComesLateIsAnnouncedForAMinute) {
+    EXPECT_EQ(end->request(LoginRequest::shutDown, {.comesLate = true}), std::nullopt);
+    desktop.advance(50s);
+    EXPECT_EQ(notice.shown->text, "Entro un minuto, se non annulli.");
+    desktop.loop.fallAsleep(30s);
+    desktop.advance(59s);
+    EXPECT_FALSE(isCalled()) << "who opens the lid needs time to see it";
+    desktop.advance(2s);
+    EXPECT_TRUE(isCalled());
+    EXPECT_EQ(stage(), EndState::Stage::underWay);
+    EXPECT_FALSE(notice.shown);
+    desktop.advance(10s);
+    EXPECT_EQ(stage(), EndState::Stage::none);
+}
+
+TEST_F(SessionEndTest, AfterALongSleepItDoesNotFollowAnyMore) {
+    desktop.open("Note").asksToSaveFor(30s);
+    request(LoginRequest::shutDown);
+    desktop.advance(10s);
+    desktop.loop.fallAsleep(121s);
+    desktop.advance(60s);
+    EXPECT_FALSE(isCalled());
+    EXPECT_EQ(notice.shown->text, "Il computer è stato a lungo in stop nel frattempo.");
+    EXPECT_EQ(desktop.sleepHold.reasons(), "");
+}
+
 TEST_F(SessionEndTest, AnInhibitorIsWaitedForAndShown) {
     desktop.registry.account->inhibitors = {
         {Inhibitor::Against::shutdown, "apt", "Aggiornamento in corso", 9, ""},

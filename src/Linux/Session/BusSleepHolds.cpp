@@ -1,6 +1,16 @@
 #include "Linux/Session/BusSleepHolds.h"
 
+#include <QTimer>
+
 namespace velmorquit {
+
+void BusSleepHolds::Holds::cancel(std::uint64_t id) noexcept {
+    constexpr int untilGranted = 1000;
+    auto held = byId.extract(id);
+    if (held && !byId.empty())
+        QTimer::singleShot(untilGranted,
+                           [kept = std::make_shared<decltype(held)>(std::move(held))] {});
+}
 
 BusSleepHolds::BusSleepHolds(const PowerBus& session, const PowerBus& system)
     : session_(session), system_(system) {

@@ -13,7 +13,8 @@
 namespace velmorquit {
 
 /// Holds off the sleep that comes because nobody uses the computer. A service that was not there,
-/// or that comes back after it has crashed, is asked when it comes.
+/// or that comes back after it has crashed, is asked when it comes. A hold that ends while there is
+/// another one lasts a moment longer: that one may have to be granted yet.
 class BusSleepHolds final : public SleepHold {
 public:
     /// Both buses outlive it.
@@ -30,7 +31,7 @@ private:
         BusSleepHold hold;
     };
     struct Holds final : Handle::Source {
-        void cancel(std::uint64_t id) noexcept override { byId.erase(id); }
+        void cancel(std::uint64_t id) noexcept override;
         std::map<std::uint64_t, Hold> byId;
         std::uint64_t lastId = 0;
     };

@@ -150,6 +150,14 @@ bool QuitController::cancelPowerAction() {
     return isToFollow || wasAskedFor;
 }
 
+void QuitController::cancelRun() {
+    cancelPowerAction();
+    leaveStubbornOpen();
+    if (is<phases::BackingUp>(phase))
+        stopBackup(BackupStop::cancel);
+    resolveBackupFailure(FailureChoice::stop);
+}
+
 void QuitController::stopBackup(BackupStop how) { backupStop_ = how; }
 
 } // namespace velmorquit

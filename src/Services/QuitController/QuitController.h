@@ -135,6 +135,10 @@ public:
     /// Ends the run, leaving alone whatever is still open, without anything to follow.
     void leaveStubbornOpen();
 
+    /// Ends the run wherever it is, leaving alone whatever is still open, and drops its power
+    /// action. A running backup is stopped, within a second; drives that are being ejected go on.
+    void cancelRun();
+
     /// Choose what else follows a run, and store it.
     void chooseBackupFirst(bool isChosen);
     void chooseEjectDrives(bool isChosen);

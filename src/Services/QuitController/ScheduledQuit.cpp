@@ -133,6 +133,8 @@ void QuitController::meetDeadline() {
         return;
     }
     const PowerAction action = schedule.get()->action;
+    // Until the run has one of its own.
+    const Handle hold = std::move(sleepActivity_);
     cancelSchedule();
     if (isRunning())
         return;
