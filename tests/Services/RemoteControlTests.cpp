@@ -147,6 +147,16 @@ TEST_F(RemoteControlTest, RefusesASecondRunInTheTurnInWhichAnEmptyOneBegan) {
     EXPECT_EQ(desktop.remote.give("quitAll").status, Status::done);
 }
 
+TEST_F(RemoteControlTest, AnnouncesTheResultOfEachRunThoughItIsTheSame) {
+    serve();
+    for (int run = 0; run < 2; ++run) {
+        desktop.remote.changes.clear();
+        EXPECT_EQ(desktop.remote.give("quitAll").status, Status::done);
+        desktop.advance(1s);
+        EXPECT_EQ(told(), "phase ");
+    }
+}
+
 TEST_F(RemoteControlTest, IncludesWhatIsNotOpenByItsKey) {
     desktop.preferences.set("excludedApps", Value::Array{"Org.Example.Closed"});
     desktop.open("org.example.closed");

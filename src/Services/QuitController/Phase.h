@@ -41,6 +41,8 @@ struct Ejecting {
 struct Done {
     int closed = 0;
     std::uint64_t freed = 0;
+    /// Tells runs apart, so that a second one with the same result is heard of as well.
+    int run = 0;
     friend bool operator==(Done, Done) = default;
 };
 

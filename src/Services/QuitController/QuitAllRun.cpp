@@ -188,7 +188,7 @@ std::vector<OpenApp> QuitController::closedTargets() const {
 }
 
 void QuitController::showResult(RunResult result, std::optional<std::string> note) {
-    phase = phases::Done{result.closed, result.freed};
+    phase = phases::Done{result.closed, result.freed, runNumber_};
     resultNote = std::move(note);
     resetTask_ = resetResult();
 }
