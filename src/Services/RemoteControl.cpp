@@ -1,5 +1,6 @@
 #include "Services/RemoteControl.h"
 
+#include "Services/RemoteAnswers.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
@@ -52,7 +53,7 @@ bool holds(const std::vector<OpenApp>& apps, const OpenApp& wanted) {
 
 RemoteControl::RemoteControl(QuitController& controller, ActionRunner& actions,
                              const Desktop& desktop)
-    : controller_(controller), remote_(desktop.remote),
+    : controller_(controller), remote_(desktop.remote), loginWindow_(desktop.loginWindow),
       schedule_({controller, actions, desktop.formats, desktop.kernel},
                 [this](const Json& change) { announce(change); }),
       end_(desktop.loginWindow, [this](const Json& change) { announce(change); }),
@@ -66,6 +67,9 @@ RemoteControl::RemoteControl(QuitController& controller, ActionRunner& actions,
 RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
     const auto& [verb, arguments] = command;
     const std::size_t count = arguments.size();
+    const auto moment = RemoteAnswers::momentOf(controller_, loginWindow_.state);
+    if (auto why = RemoteAnswers::refusal(command, moment))
+        return refused(std::move(*why));
     if (verb == "status" && count == 0)
         return status();
     if (verb == "quitAll" && count <= 1)
@@ -128,8 +132,6 @@ RemoteAnswer RemoteControl::quitAll(const std::vector<std::string>& arguments) {
     if (!action)
         return {RemoteAnswer::Status::unknown,
                 localized("Azione sconosciuta: %@", arguments.front())};
-    if (controller_.isRunning())
-        return refused(localized("Velmor Quit sta già chiudendo le app."));
     controller_.quitAll(*action);
     return done({{"asked", describeAll(controller_.targets())}, {"then", rawValue(*action)}});
 }
@@ -143,8 +145,6 @@ RemoteAnswer RemoteControl::force() {
 }
 
 RemoteAnswer RemoteControl::leave() {
-    if (!isBusy(controller_.phase))
-        return refused(localized("Non c'è nessuna chiusura in corso."));
     controller_.leaveStubbornOpen();
     return done(describePhase());
 }
@@ -155,15 +155,10 @@ RemoteAnswer RemoteControl::backup(const std::string& word) {
     const bool isStop = word == "skip" || word == "cancel";
     if (!isStop && word != "continue" && word != "stop")
         return {RemoteAnswer::Status::unknown, localized("Comando sconosciuto: %@", word)};
-    if (isStop) {
-        if (!is<phases::BackingUp>(controller_.phase))
-            return refused(localized("Non c'è nessun backup in corso."));
+    if (isStop)
         controller_.stopBackup(word == "skip" ? Stop::skip : Stop::cancel);
-    } else {
-        if (!is<phases::BackupFailed>(controller_.phase))
-            return refused(localized("Nessun backup aspetta una risposta."));
+    else
         controller_.resolveBackupFailure(word == "stop" ? Choice::stop : Choice::goOn);
-    }
     return done(describePhase());
 }
 

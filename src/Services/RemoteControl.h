@@ -19,10 +19,11 @@ namespace velmorquit {
 /// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
 /// `include NAME`, `backup skip|cancel|continue|stop`, `eject`, `reopen` and `forget` (what the
 /// last run closed), `show [TOKEN]`, and those of `RemoteSchedule` and
-/// `RemoteEnd`. Changes are announced as
-/// objects with a field `change`: `phase`, `stubborn`, `opened`, `closed`, `windowless` (it lives
-/// on), `excluded`, `included`, `event`. A stubborn application has a `reason`: `asking`,
-/// `windowless`, `cannotBeAsked`, `busyTerminal`, `notResponding`, or null when nothing is known.
+/// `RemoteEnd`; those that are about a run are taken where `RemoteAnswers` says. Changes are
+/// announced as objects with a field `change`: `phase`, `stubborn`, `opened`, `closed`,
+/// `windowless` (it lives on), `excluded`, `included`, `event`. A stubborn application has a
+/// `reason`: `asking`, `windowless`, `cannotBeAsked`, `busyTerminal`, `notResponding`, or null when
+/// nothing is known.
 class RemoteControl {
 public:
     /// What it is handed outlives it.
@@ -68,6 +69,7 @@ private:
 
     QuitController& controller_;
     RemoteCommands& remote_;
+    const LoginWindow& loginWindow_;
     RemoteSchedule schedule_;
     RemoteEnd end_;
     std::vector<OpenApp> knownApps_;

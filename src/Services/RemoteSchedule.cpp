@@ -148,8 +148,6 @@ RemoteAnswer RemoteSchedule::confirm() {
     QuitController& controller = surroundings_.controller;
     if (!controller.awaitingConfirmation)
         return refused(localized("Nessuna chiusura aspetta una conferma."));
-    if (controller.isRunning())
-        return refused(localized("Velmor Quit sta già chiudendo le app."));
     controller.confirmScheduledQuit();
     return said(localized("Confermata: chiudo le app."));
 }

@@ -133,7 +133,7 @@ std::vector<std::string> QuitController::forceQuitStubborn() {
 }
 
 void QuitController::leaveStubbornOpen() {
-    if (!is<phases::Quitting>(phase) && !is<phases::Waiting>(phase))
+    if (!unfollowedResult_ && !is<phases::Quitting>(phase) && !is<phases::Waiting>(phase))
         return;
     pendingAction_ = PowerAction::none;
     if (unfollowedResult_) {
