@@ -6,6 +6,7 @@ namespace {
 using testing::Contains;
 using testing::ContainsRegex;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -27,6 +28,7 @@ TEST_F(AfterQuit, TheComputerIsSwitchedOffOnceAfterBackupAndEjection) {
     EXPECT_THAT(answer.text, ContainsRegex("Backup in corso: [1-9][0-9]%"));
     EXPECT_THAT(answer.text, HasSubstr("Finito: 1 app chiusa"));
     EXPECT_THAT(answer.text, HasSubstr("Backup Time Machine completato · 1 disco espulso\n"));
+    EXPECT_THAT(answer.text, EndsWith("Spengo il computer\n"));
     EXPECT_THAT(status()["drives"].toArray(), IsEmpty());
     awaitPowerCall();
     EXPECT_THAT(calls(), ElementsAre("backup started", "backup completed", "UDisks2 Unmount",
@@ -37,7 +39,7 @@ TEST_F(AfterQuit, ADriveThatStaysBusyIsNamedAndDoesNotKeepTheComputerOn) {
     startAll(3);
     openRude();
     const Outcome answer = control({"quit-all", "--then", "shutDown", "--yes"});
-    EXPECT_EQ(answer.status, 0) << answer.text;
+    EXPECT_EQ(answer.status, 1) << "not all that was asked for was done";
     EXPECT_THAT(answer.text, HasSubstr("Backup Time Machine completato · Non espulso: Photos\n"));
     awaitPowerCall();
     EXPECT_THAT(calls(), ElementsAre("backup started", "backup completed", "UDisks2 Unmount",
@@ -64,6 +66,9 @@ TEST_F(AfterQuit, ACancelledBackupIsFollowedByNothing) {
     openRude();
     Child quitAll({VELMORCTL, "quit-all", "--then", "restart", "--yes"});
     await("the backup", [] { return phase() == "backingUp"; });
+    const Outcome leave = control({"leave"});
+    EXPECT_EQ(leave.status, 1) << "the computer would be restarted all the same";
+    EXPECT_THAT(leave.text, HasSubstr("velmorctl backup cancel"));
     EXPECT_EQ(control({"backup", "cancel"}).status, 0);
     const Outcome answer = outcomeOf(quitAll);
     EXPECT_EQ(answer.status, 1) << "what was asked for doesn't follow";
@@ -79,7 +84,7 @@ TEST_F(AfterQuit, ALetterThatIsNotSavedKeepsTheComputerOn) {
     EXPECT_EQ(control({"exclude", "mousepad"}).status, 0);
     focus("mousepad");
     type("not saved");
-    EXPECT_EQ(control({"quit-all", "--then", "shutDown", "--yes"}).status, 0);
+    EXPECT_EQ(control({"quit-all", "--then", "shutDown", "--yes", "--no-wait"}).status, 0);
     linger(8000);
     EXPECT_THAT(calls(), Not(Contains(HasSubstr("login1")))) << "it is asked about, and waited for";
     EXPECT_TRUE(editor.isRunning());

@@ -20,6 +20,10 @@ TEST_F(CommandLine, ThatIsNotUnderstoodIsExplainedOnStandardError) {
                                                       {"status", "--then", "restart"},
                                                       {"quit-all", "--then", "dance"},
                                                       {"quit-all", "--then"},
+                                                      {"quit-all", "--timeout"},
+                                                      {"quit-all", "--timeout", "0"},
+                                                      {"quit-all", "--timeout", "nan"},
+                                                      {"status", "--no-wait"},
                                                       {"exclude"},
                                                       {"exclude", " "}};
     for (const auto& words : wrong) {
@@ -104,6 +108,24 @@ TEST_F(CommandLine, IsRefusedWhatMakesNoSenseNow) {
     EXPECT_TRUE(quitAll->isRunning());
     application.send(SIGTERM);
     EXPECT_EQ(outcomeOf(*quitAll).status, 0);
+}
+
+TEST_F(CommandLine, MayStopWaitingForARunThatGoesOn) {
+    startProgram();
+    Child& application = openRude({"--ignore"});
+    const Outcome late = control({"quit-all", "--timeout", "0.5"});
+    EXPECT_EQ(late.status, 4) << late.text;
+    EXPECT_THAT(late.text, HasSubstr("velmorctl: il tempo è scaduto"));
+    EXPECT_EQ(phase(), "quitting");
+    EXPECT_EQ(control({"leave"}).status, 0);
+
+    const auto quitAll = beginQuitAll();
+    quitAll->send(SIGINT);
+    const Outcome interrupted = outcomeOf(*quitAll);
+    EXPECT_EQ(interrupted.status, 130);
+    EXPECT_THAT(interrupted.text, HasSubstr("velmorctl leave la ferma"));
+    EXPECT_EQ(phase(), "quitting");
+    EXPECT_TRUE(application.isRunning());
 }
 
 } // namespace

@@ -11,6 +11,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
@@ -18,7 +19,14 @@ using testing::Not;
 /// Programs that no list of applications tells of, and what else may be lost in the end.
 class LastStep : public PowerStory {
 protected:
-    static Outcome shutDown() { return control({"quit-all", "--then", "shutDown", "--yes"}); }
+    /// Returns when the run has ended.
+    static Outcome shutDown() {
+        return control({"quit-all", "--then", "shutDown", "--yes", "--no-wait"});
+    }
+    /// Returns when it is known what became of shutting down.
+    static Outcome shutDownAndWait() {
+        return control({"quit-all", "--then", "shutDown", "--yes"});
+    }
 
     static QJsonObject ending() { return status()["ending"].toObject(); }
     static std::string stage() { return ending()["stage"].toString().toStdString(); }
@@ -108,13 +116,23 @@ TEST_F(LastStep, WhatWorksOnWithoutWindowsIsWaitedFor) {
 TEST_F(LastStep, WhatSitsInTheTrayIsNamedAndTheUserMayCancel) {
     startAll();
     openInTray("Safe");
-    EXPECT_THAT(shutDown().text, HasSubstr("Non c'è niente da chiudere."));
+    Child quitAll({VELMORCTL, "quit-all", "--then", "shutDown", "--yes"});
     expectHeldUp("naming", "Nell'area di notifica: Safe.");
+    const Outcome leave = control({"leave"});
+    EXPECT_EQ(leave.status, 1);
+    EXPECT_THAT(leave.text, HasSubstr("velmorctl cancel"));
     EXPECT_EQ(control({"cancel"}).status, 0);
+    const Outcome cancelled = outcomeOf(quitAll);
+    EXPECT_EQ(cancelled.status, 1);
+    EXPECT_THAT(cancelled.text, HasSubstr("Non c'è niente da chiudere."));
+    EXPECT_THAT(cancelled.text, HasSubstr("Annullato: non spengo"));
     linger(10000);
     EXPECT_THAT(calls(), IsEmpty());
     EXPECT_EQ(stage(), "");
-    shutDown();
+    const Outcome answer = shutDownAndWait();
+    EXPECT_EQ(answer.status, 0) << answer.text;
+    EXPECT_THAT(answer.text, HasSubstr("Nell'area di notifica: Safe."));
+    EXPECT_THAT(answer.text, EndsWith("Spengo il computer\n"));
     awaitPowerCall();
 }
 
@@ -143,7 +161,9 @@ TEST_F(LastStep, ASessionOfWaylandIsNeverEndedUnseen) {
     startAll();
     Child& note = openRude({"--class", "Note"});
     EXPECT_THAT(status()["limits"].toString().toStdString(), HasSubstr("non potrò spegnere"));
-    shutDown();
+    const Outcome answer = shutDownAndWait();
+    EXPECT_EQ(answer.status, 1);
+    EXPECT_THAT(answer.text, HasSubstr("nessun programma può chiederti conferma"));
     expectHeldUp("refused", "nessun programma può chiederti conferma");
     EXPECT_FALSE(note.isRunning()) << "that much was asked for by itself";
 }

@@ -4,6 +4,8 @@
 
 #include <QMap>
 
+#include <cmath>
+#include <limits>
 #include <optional>
 #include <utility>
 
@@ -42,6 +44,19 @@ std::optional<std::string> takeMoment(CommandLine& line, const QString& option, 
     return std::nullopt;
 }
 
+/// Takes what follows an option that says how long.
+std::optional<std::string> takeTimeout(CommandLine& line, QStringList& rest) {
+    // What a timer can wait for at the most.
+    constexpr double longest = std::numeric_limits<int>::max() / 1000;
+    bool isNumber = false;
+    const double seconds = rest.isEmpty() ? 0 : rest.takeFirst().toDouble(&isNumber);
+    // A comparison with what is no number is never true.
+    if (!isNumber || !(seconds > 0 && seconds <= longest))
+        return localized("--timeout vuole un numero di secondi, maggiore di zero");
+    line.timeout = std::chrono::milliseconds(std::llround(std::ceil(1000 * seconds)));
+    return std::nullopt;
+}
+
 /// Takes the option at the front of `rest`; a text says what is wrong with it.
 std::optional<std::string> takeOption(CommandLine& line, QStringList& rest) {
     const QString option = rest.takeFirst();
@@ -57,6 +72,12 @@ std::optional<std::string> takeOption(CommandLine& line, QStringList& rest) {
         line.isConfirmed = true;
         return std::nullopt;
     }
+    if (option == "--no-wait" && isQuitAll) {
+        line.endsWithRun = true;
+        return std::nullopt;
+    }
+    if (option == "--timeout" && isQuitAll)
+        return takeTimeout(line, rest);
     if ((option == "--minutes" || option == "--at") && isSchedule)
         return takeMoment(line, option, rest);
     if (option != "--then" || !(isQuitAll || isSchedule))
@@ -126,8 +147,11 @@ std::string usage() {
         "\n"
         "  status [--json]      che cosa è aperto e a che punto è la chiusura\n"
         "  watch [--json]       una riga per ogni cambiamento, fino a Ctrl+C\n"
-        "  quit-all [--then nothing|shutDown|restart|logOut] [--yes]\n"
-        "                       chiede a tutte le app non escluse di chiudersi e aspetta la fine\n"
+        "  quit-all [--then nothing|shutDown|restart|logOut] [--yes] [--no-wait] [--timeout S]\n"
+        "                       chiede a tutte le app non escluse di chiudersi e aspetta la fine;\n"
+        "                       con --then aspetta anche lo spegnimento, il riavvio o l'uscita, "
+        "se\n"
+        "                       non dici --no-wait; con --timeout per S secondi al massimo\n"
         "  force                forza le app rimaste aperte: ciò che non è salvato va perso\n"
         "  leave                lascia aperte le app rimaste e finisce qui\n"
         "  exclude NOME         non chiudere mai quest'app (nome, id o numero di processo)\n"
@@ -150,8 +174,8 @@ std::string usage() {
         "  forget               dimentica quali erano\n"
         "  show                 apre il pannello\n"
         "\n"
-        "Stato d'uscita: 0 fatto, 1 rifiutato o qualcosa è rimasto aperto, 2 uso sbagliato,\n"
-        "3 Velmor Quit non è in esecuzione.\n");
+        "Stato d'uscita: 0 fatto, 1 rifiutato o qualcosa è rimasto aperto o collegato, 2 uso\n"
+        "sbagliato, 3 Velmor Quit non è in esecuzione, 4 tempo scaduto, 130 Ctrl+C.\n");
 }
 
 } // namespace velmorquit

@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -11,9 +13,11 @@ namespace velmorquit {
 /// Exit statuses of velmorctl.
 enum class ExitStatus {
     success = 0,
-    failure = 1,    ///< refused, or the run ended with something left open
-    usage = 2,      ///< the words were not understood
-    notRunning = 3, ///< there is no program to talk to
+    failure = 1,       ///< refused, or the run ended with something left open
+    usage = 2,         ///< the words were not understood
+    notRunning = 3,    ///< there is no program to talk to
+    timedOut = 4,      ///< the wait took longer than it was to; what was waited for goes on
+    interrupted = 130, ///< by Ctrl+C; what was waited for goes on
 };
 
 /// What the user asked for on the command line.
@@ -50,6 +54,9 @@ struct CommandLine {
     QStringList arguments;                    ///< name and parameters of a published action
     QString then = QStringLiteral("nothing"); ///< what is to follow a run
     bool isConfirmed = false;                 ///< no question is to be asked first
+    bool endsWithRun = false;                 ///< what follows a run isn't waited for
+    /// How long a run is waited for; none for as long as it takes.
+    std::optional<std::chrono::milliseconds> timeout;
     bool wantsJson = false;
 };
 

@@ -8,9 +8,9 @@
 #include <QDBusPendingCallWatcher>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QLocale>
 #include <QTextStream>
 #include <QTime>
+#include <QTimer>
 
 #include <algorithm>
 #include <array>
@@ -62,7 +62,7 @@ qsizetype countToQuit(const QJsonObject& status) {
 } // namespace
 
 Session::Session(CommandLine line, const Formats& formats)
-    : line_(std::move(line)), formats_(formats) {
+    : line_(std::move(line)), formats_(formats), run_(line_, formats_) {
     watcher_.setConnection(bus_);
     watcher_.addWatchedService(service);
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
@@ -249,13 +249,19 @@ void Session::askThenEndAnyway() {
 
 void Session::quitAll() {
     bus_.connect(service, path, interface, "Changed", this, SLOT(hear(QString)));
-    perform("quitAll", {actionValue(line_.then)}, [this](const QString& json) {
-        elapsed_.start();
-        const QJsonArray asked = parsed(json)["asked"].toArray();
-        if (asked.isEmpty())
-            print(localized("Non c'è niente da chiudere.") + '\n');
-        asked_ = asked.size();
+    if (line_.timeout) {
+        QTimer::singleShot(*line_.timeout, this, [this] {
+            fail(localized("il tempo è scaduto: non aspetto più, e la chiusura va avanti."),
+                 ExitStatus::timedOut);
+        });
+    }
+    interruption_.emplace([this] {
+        fail(localized("non aspetto più, e la chiusura va avanti: velmorctl leave la ferma, "
+                       "velmorctl cancel rinuncia a spegnere, riavviare o uscire."),
+             ExitStatus::interrupted);
     });
+    perform("quitAll", {actionValue(line_.then)},
+            [this](const QString& json) { run_.begin(parsed(json)["asked"].toArray()); });
 }
 
 void Session::hear(const QString& json) {
@@ -279,23 +285,18 @@ void Session::hear(const QString& json) {
 }
 
 void Session::watchRun(const QJsonObject& change) {
-    // The reply comes before the first change of the run that it is about.
-    if (!asked_)
+    const bool wasEnding = run_.isEnding();
+    if (const auto status = run_.hear(change)) {
+        end(*status);
         return;
-    // Where nothing was asked to quit only a note says more.
-    const bool isEmpty = *asked_ == 0 && change["phase"] == "done" && change["note"].isNull();
-    const std::string text = isEmpty ? "" : changeText(change, formats_);
-    if (!text.empty()) {
-        const double seconds = static_cast<double>(elapsed_.elapsed()) / 1000;
-        const QString figure = QLocale().toString(seconds, 'f', 2).rightJustified(7);
-        print(figure.toStdString() + " s  " + text + '\n');
     }
-    if (change["change"] != "phase" || change["phase"] != "done")
+    if (wasEnding || !run_.isEnding())
         return;
-    // A run that was broken off isn't followed by what was asked for.
-    const bool isFollowed = line_.then == "nothing" || change["then"] == line_.then;
-    const bool isGood = isFollowed && change["closed"].toInteger() == *asked_;
-    end(isGood ? ExitStatus::success : ExitStatus::failure);
+    // What follows may have been given up, or told of, before the result was.
+    perform("status", {}, [this](const QString& json) {
+        if (const auto status = run_.hearEnding(parsed(json)["ending"]))
+            end(*status);
+    });
 }
 
 void Session::report(const QString& verb, const QStringList& arguments) {

@@ -1,12 +1,13 @@
 #pragma once
 
 #include "CommandLine.h"
+#include "FollowedRun.h"
+#include "Interruption.h"
 #include "Platform/Formats.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusServiceWatcher>
-#include <QElapsedTimer>
 #include <QJsonObject>
 #include <QObject>
 
@@ -52,9 +53,8 @@ private:
     const Formats& formats_;
     QDBusConnection bus_ = QDBusConnection::sessionBus();
     QDBusServiceWatcher watcher_;
-    QElapsedTimer elapsed_;
-    /// Applications asked to quit by the run that is waited for; none while there is no such run.
-    std::optional<qsizetype> asked_;
+    FollowedRun run_;
+    std::optional<Interruption> interruption_;
 };
 
 } // namespace velmorquit
