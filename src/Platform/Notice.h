@@ -32,6 +32,10 @@ public:
 
     /// Called with the id of the button that the user has pressed. May be empty.
     std::function<void(const std::string& button)> onButton;
+
+    /// Called in a later turn when nobody can press the buttons of what is shown: nobody shows
+    /// notices, or those that are shown have no buttons. May be empty.
+    std::function<void()> onUnanswerable;
 };
 
 } // namespace velmorquit

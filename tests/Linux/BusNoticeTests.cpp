@@ -31,6 +31,11 @@ public:
             bus_.send(message.createReply());
             return true;
         }
+        if (message.member() == "GetCapabilities") {
+            ++questions;
+            bus_.send(message.createReply(capabilities));
+            return true;
+        }
         EXPECT_EQ(message.signature(), "susssasa{sv}i");
         const uint replaced = in.value(1).toUInt();
         log << (replaced == 0 ? QStringLiteral("show") : "replace " + in.value(1).toString()) +
@@ -57,6 +62,8 @@ public:
     }
 
     bool isSlow = false;
+    QStringList capabilities{"body", "actions"};
+    int questions = 0;
     QDBusMessage pending;
     QStringList log;
 
@@ -164,6 +171,38 @@ TEST_F(BusNoticeTest, WhatTheUserPutAwayIsNeitherReplacedNorWithdrawn) {
     EXPECT_TRUE(heard().value(0).startsWith("show | "));
 }
 
+TEST_F(BusNoticeTest, SaysWhenTheServiceHasNoButtonsWhichItIsAskedOnce) {
+    int unanswerable = 0;
+    notice->wait("Note");
+    settleAll();
+    EXPECT_EQ(service.questions, 0) << "nobody wants to know";
+    notice->notice.onUnanswerable = [&] { ++unanswerable; };
+    for (const char* text : {"Note", "Mail"}) {
+        notice->wait(text);
+        settleAll();
+    }
+    EXPECT_EQ(service.questions, 1);
+    EXPECT_EQ(unanswerable, 0);
+
+    QDBusConnection(service.bus()).unregisterService("org.freedesktop.Notifications");
+    Service plain(bus.connect());
+    plain.capabilities = {"body"};
+    const auto settlePlain = [&] { settle({session.connection(), plain.bus()}); };
+    notice->tell("Note");
+    settlePlain();
+    EXPECT_EQ(unanswerable, 0);
+    for (const char* text : {"Note", "Mail"}) {
+        notice->wait(text);
+        settlePlain();
+    }
+    EXPECT_EQ(plain.questions, 1);
+    EXPECT_EQ(unanswerable, 2);
+    notice->wait("Note");
+    notice->notice.withdraw();
+    settlePlain();
+    EXPECT_EQ(unanswerable, 2) << "nothing is there to be answered";
+}
+
 TEST_F(BusNoticeTest, GoingTakesAwayOnlyWhatWaits) {
     notice->wait("Note");
     heard();
@@ -182,8 +221,12 @@ TEST_F(BusNoticeTest, WithoutAServiceOrABusNothingHappens) {
     const PowerBus none = PowerBus::standIn("", other.folder());
     for (const PowerBus* session : {&empty, &none}) {
         ShownNotice silent(*session);
+        int unanswerable = 0;
+        silent.notice.onUnanswerable = [&] { ++unanswerable; };
         silent.wait("Note");
+        EXPECT_EQ(unanswerable, 0) << "it is told later";
         settle({session->connection()});
+        EXPECT_EQ(unanswerable, 1);
         silent.tell("Note");
         silent.notice.withdraw();
     }

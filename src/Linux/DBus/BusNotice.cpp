@@ -40,9 +40,13 @@ void BusNotice::withdraw() {
 // While a notice is on its way, its number isn't known, without which it can be neither replaced
 // nor withdrawn.
 void BusNotice::update() {
-    if (isTold_ || isSending_ || !bus_.isConnected())
+    if (isTold_ || isSending_)
         return;
     isTold_ = true;
+    if (!bus_.isConnected()) {
+        QMetaObject::invokeMethod(this, [this] { noteUnanswerable(); }, Qt::QueuedConnection);
+        return;
+    }
     if (wanted_)
         send(*wanted_);
     else if (shown_ != 0)
@@ -62,11 +66,15 @@ void BusNotice::send(const Content& content) {
          << QString::fromStdString(content.title)
          << QString::fromStdString(content.text).toHtmlEscaped() << actions << hints << expiry;
     isSending_ = true;
+    ask(call, [this](const QDBusMessage& reply) { hearReply(reply); });
+}
+
+void BusNotice::ask(const QDBusMessage& call, std::function<void(const QDBusMessage&)> answered) {
     auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this](QDBusPendingCallWatcher* finished) {
+            [answered = std::move(answered)](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();
-                hearReply(finished->reply());
+                answered(finished->reply());
             });
 }
 
@@ -74,7 +82,44 @@ void BusNotice::hearReply(const QDBusMessage& reply) {
     isSending_ = false;
     shown_ = reply.type() == QDBusMessage::ReplyMessage ? reply.arguments().value(0).toUInt() : 0;
     shownBy_ = reply.service();
+    if (isTold_)
+        findOutWhetherAnswerable();
     update();
+}
+
+// Nobody is asked on behalf of those who don't want to know.
+void BusNotice::findOutWhetherAnswerable() {
+    if (!onUnanswerable || !wanted_ || wanted_->buttons.empty())
+        return;
+    if (shown_ == 0) {
+        noteUnanswerable();
+    } else if (knownService_ != shownBy_) {
+        QDBusMessage call = message(QStringLiteral("GetCapabilities"));
+        call.setAutoStartService(false);
+        ask(call, [this](const QDBusMessage& reply) { hearCapabilities(reply); });
+    } else if (!hasButtons_) {
+        noteUnanswerable();
+    }
+}
+
+// One that doesn't answer is asked again with the next notice.
+void BusNotice::hearCapabilities(const QDBusMessage& reply) {
+    const bool isAnswer = reply.type() == QDBusMessage::ReplyMessage;
+    const bool hasButtons =
+        isAnswer && reply.arguments().value(0).toStringList().contains(QLatin1String("actions"));
+    if (isAnswer) {
+        knownService_ = reply.service();
+        hasButtons_ = hasButtons;
+    }
+    if (!hasButtons)
+        noteUnanswerable();
+}
+
+void BusNotice::noteUnanswerable() {
+    // A copy: the callback may replace itself.
+    const auto told = onUnanswerable;
+    if (wanted_ && !wanted_->buttons.empty() && told)
+        told();
 }
 
 void BusNotice::close() {

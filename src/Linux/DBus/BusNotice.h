@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace velmorquit {
@@ -34,7 +35,11 @@ private:
     void update();
     void send(const Content& content);
     void close();
+    void ask(const QDBusMessage& call, std::function<void(const QDBusMessage&)> answered);
     void hearReply(const QDBusMessage& reply);
+    void findOutWhetherAnswerable();
+    void hearCapabilities(const QDBusMessage& reply);
+    void noteUnanswerable();
     [[nodiscard]] bool isOurs(const QDBusMessage& signal) const;
     void listen();
 
@@ -47,6 +52,9 @@ private:
     /// The number of the notice that is shown, 0 without one, and the service that shows it.
     uint shown_ = 0;
     QString shownBy_;
+    /// The service that has last told what it can do, and whether its notices have buttons.
+    QString knownService_;
+    bool hasButtons_ = false;
     bool isListening_ = false;
 };
 
