@@ -142,8 +142,8 @@ Task QuitController::ejectByThemselves() {
 
 bool QuitController::cancelPowerAction() {
     const bool isToFollow =
-        pendingAction_ != PowerAction::none || runningAction.get() != PowerAction::none;
-    pendingAction_ = PowerAction::none;
+        pendingAction.get() != PowerAction::none || runningAction.get() != PowerAction::none;
+    pendingAction = PowerAction::none;
     runningAction = PowerAction::none;
     isActionDropped_ = true;
     const bool wasAskedFor = desktop_.loginWindow.cancel();

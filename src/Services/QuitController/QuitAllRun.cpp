@@ -22,7 +22,7 @@ void QuitController::quitAll(PowerAction action) {
     holdSleepForRun();
     refresh();
     targets_ = quittable();
-    pendingAction_ = action;
+    pendingAction = action;
     stubborn = {};
     resultNote = std::nullopt;
     if (targets_.empty()) {
@@ -135,7 +135,7 @@ std::vector<std::string> QuitController::forceQuitStubborn() {
 void QuitController::leaveStubbornOpen() {
     if (!unfollowedResult_ && !is<phases::Quitting>(phase) && !is<phases::Waiting>(phase))
         return;
-    pendingAction_ = PowerAction::none;
+    pendingAction = PowerAction::none;
     if (unfollowedResult_) {
         postTask_.cancel();
         showResult(*std::exchange(unfollowedResult_, std::nullopt), std::nullopt);
@@ -159,7 +159,8 @@ void QuitController::finish(AfterSteps steps) {
     targets_.clear();
     windowlessSince_.clear();
     refresh();
-    const PowerAction action = std::exchange(pendingAction_, PowerAction::none);
+    const PowerAction action = pendingAction;
+    pendingAction = PowerAction::none;
     if (steps == AfterSteps::skip) {
         showResult(result, std::nullopt);
         unattended = false;

@@ -77,6 +77,8 @@ public:
     Published<bool> unattended;
     /// When that happens, by the wall clock; none otherwise.
     Published<std::optional<WallTime>> autoContinueAt;
+    /// What is to follow once the applications that were asked have gone; `none` from then on.
+    Published<PowerAction> pendingAction;
     /// What the running sequence ends with; `none` outside one.
     Published<PowerAction> runningAction;
     /// What the last run that closed anything has closed, most memory first.
@@ -238,7 +240,6 @@ private:
     void letSleep();
 
     Desktop desktop_;
-    PowerAction pendingAction_ = PowerAction::none;
     std::vector<OpenApp> targets_;
     /// When targets were first seen without windows; those that were asked once more have no time.
     std::map<ProcessId, std::optional<Uptime>> windowlessSince_;
