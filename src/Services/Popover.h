@@ -20,6 +20,11 @@ public:
     /// is open stays where it is.
     virtual void show(const std::optional<ScreenRect>& anchor) = 0;
 
+    /// Opens it as well, for a user who is busy elsewhere: the keyboard stays where it is, and what
+    /// the pointer does there goes to the windows below until the panel can have been seen. One
+    /// that is open stays as it is; `show` gives it the keyboard later.
+    virtual void showAside(const std::optional<ScreenRect>& anchor) = 0;
+
     /// Closes it; one that is closed stays so.
     virtual void close() = 0;
 

@@ -13,6 +13,7 @@
 #include <QPainterPath>
 #include <QRegion>
 #include <QScreen>
+#include <QWindow>
 
 #include <utility>
 
@@ -24,6 +25,8 @@ constexpr int shadowMargin = 48;
 /// How long before the news of a press a window may have lost the keyboard because of it.
 constexpr Duration samePress = 300ms;
 constexpr int fadeTime = 140;
+/// How long the user may still be pressing on what was there before a panel that opened by itself.
+constexpr Duration settlingTime = 700ms;
 
 Shadow windowShadow() { return {AppTheme::withOpacity(Qt::black, 0.5), 22, QPointF(0, 12)}; }
 
@@ -122,8 +125,29 @@ void PanelPopover::makeWindow() {
 }
 
 void PanelPopover::show(const std::optional<ScreenRect>& anchor) {
+    const bool wasAside = std::exchange(isAside_, false);
+    if (!isShown_) {
+        open(anchor);
+    } else if (wasAside) {
+        settling_.reset();
+        limitInput();
+        if (isDrawn_)
+            takeKeyboard();
+    }
+}
+
+void PanelPopover::showAside(const std::optional<ScreenRect>& anchor) {
     if (isShown_)
         return;
+    isAside_ = true;
+    settling_ = loop_.after(settlingTime, [this] {
+        settling_.reset();
+        limitInput();
+    });
+    open(anchor);
+}
+
+void PanelPopover::open(const std::optional<ScreenRect>& anchor) {
     if (window_ && AppTheme::look() != wantedLook())
         window_.reset();
     if (!window_)
@@ -135,7 +159,12 @@ void PanelPopover::show(const std::optional<ScreenRect>& anchor) {
     leftAt_.reset();
     frame_->panel().render();
     fit();
+    limitInput();
     window_->setAttribute(Qt::WA_KeyboardFocusChange, false);
+    // The attribute alone counts only when the window is made.
+    window_->setAttribute(Qt::WA_ShowWithoutActivating, isAside_);
+    window_->winId();
+    window_->windowHandle()->setProperty("_q_showWithoutActivating", isAside_);
     fade(0, 1);
     window_->show();
     window_->raise();
@@ -152,14 +181,19 @@ void PanelPopover::noteDrawn() {
         return;
     activation_ = loop_.after(0ms, [this] {
         face_.windows.keepOffLists(window_->winId());
-        face_.windows.activate(window_->winId());
+        if (!isAside_)
+            takeKeyboard();
     });
 }
+
+void PanelPopover::takeKeyboard() { face_.windows.activate(window_->winId()); }
 
 void PanelPopover::close() {
     if (!std::exchange(isShown_, false))
         return;
     activation_.reset();
+    settling_.reset();
+    isAside_ = false;
     fade(window_->windowOpacity(), 0);
     if (onClose)
         onClose();
@@ -206,7 +240,12 @@ void PanelPopover::fit() {
     window_->setPanelArea(panel);
     window_->setGeometry(whole);
     applyShape();
+    limitInput();
+}
+
+void PanelPopover::limitInput() {
     const double scale = window_->devicePixelRatioF();
+    const QRect panel = settling_.isSet() ? QRect() : frame_->geometry();
     face_.windows.limitInput(window_->winId(),
                              {qRound(panel.x() * scale), qRound(panel.y() * scale),
                               qRound(panel.width() * scale), qRound(panel.height() * scale)});
@@ -247,6 +286,9 @@ void PanelPopover::hearPress() {
             presses_.reset();
         return;
     }
+    // The user can't have seen it yet.
+    if (settling_.isSet())
+        return;
     const QPoint pointer = QCursor::pos();
     const QWidget* below = QApplication::topLevelAt(pointer);
     const bool isOther = below && below != window_.get();

@@ -31,6 +31,7 @@ public:
 
     [[nodiscard]] bool isShown() const override { return isShown_; }
     void show(const std::optional<ScreenRect>& anchor) override;
+    void showAside(const std::optional<ScreenRect>& anchor) override;
     void close() override;
     /// Whether it has been drawn since it was shown.
     [[nodiscard]] bool isDrawn() const { return isShown_ && isDrawn_; }
@@ -40,8 +41,11 @@ private:
     class Window;
 
     void makeWindow();
+    void open(const std::optional<ScreenRect>& anchor);
+    void takeKeyboard();
     void fit();
     void applyShape();
+    void limitInput();
     void noteDrawn();
     void fade(double from, double to);
     void hearPress();
@@ -59,6 +63,10 @@ private:
     std::optional<ScreenRect> anchor_;
     bool isShown_ = false;
     bool isDrawn_ = false;
+    /// It was shown without being given the keyboard.
+    bool isAside_ = false;
+    /// While it is set, presses go to the windows below.
+    Handle settling_;
     bool wasClosedByLastPress_ = false;
     std::optional<Uptime> leftAt_;
     Handle activation_;

@@ -42,6 +42,10 @@ public:
         if (onOpened)
             onOpened();
     }
+    void showAside(const std::optional<ScreenRect>&) override {
+        shown_ = true;
+        desktop_.write("panel opens aside");
+    }
     void close() override {
         if (!shown_)
             return;
@@ -100,6 +104,22 @@ TEST_F(MenuBarStory, APlainClickOpensThePanelAndTheNextOneClosesIt) {
     icon.place.reset();
     click();
     EXPECT_EQ(takeLog(), Lines("0.00 countdown hides", "0.00 panel opens anywhere"));
+}
+
+TEST_F(MenuBarStory, TheClickThatWasToOpenAPanelWhichOpensByItselfDoesNotCloseIt) {
+    begin();
+    item->onPopoverOpen = [this] { desktop.write("open"); };
+    item->showPopoverAside();
+    EXPECT_EQ(takeLog(), Lines("0.00 countdown hides", "0.00 panel opens aside", "0.00 open"));
+    click();
+    EXPECT_EQ(takeLog(), Lines("0.00 countdown hides", "0.00 panel opens at 900", "0.00 open"))
+        << "it gets the keyboard";
+    click();
+    EXPECT_FALSE(popover.isShown());
+    item->showPopoverAside();
+    desktop.advance(2s);
+    click();
+    EXPECT_FALSE(popover.isShown());
 }
 
 TEST_F(MenuBarStory, TheClickWhosePressHasClosedThePanelDoesNotOpenIt) {

@@ -68,6 +68,23 @@ TEST_F(PopoverTest, IsMadeWhenItIsOpenedAndKept) {
     EXPECT_EQ(panelsMade, 2);
 }
 
+TEST_F(PopoverTest, OpenedByItselfItLeavesKeyboardAndPressesToOthersAtFirst) {
+    popover->showAside(std::nullopt);
+    EXPECT_TRUE(waitUntil([this] { return popover->isDrawn(); }));
+    desktop.loop.settle();
+    EXPECT_EQ(face.windows.activated, 0U);
+    EXPECT_EQ(face.windows.inputArea.width, 0);
+    pressAt(QPoint(5, 400));
+    EXPECT_TRUE(popover->isShown());
+    desktop.advance(1s);
+    EXPECT_EQ(face.windows.inputArea.width, PanelView::width);
+    EXPECT_EQ(face.windows.activated, 0U);
+    popover->show(std::nullopt);
+    EXPECT_EQ(face.windows.activated, window()->winId());
+    pressAt(QPoint(5, 400));
+    EXPECT_FALSE(popover->isShown());
+}
+
 TEST_F(PopoverTest, ClosesOnAPressOutsideAndOnEscape) {
     const ScreenRect icon{600, 0, 24, 24};
     popover->show(icon);

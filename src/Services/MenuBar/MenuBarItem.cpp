@@ -37,6 +37,8 @@ void MenuBarItem::hear(const StatusItem::Click& click) {
         parts_.icon.popUp(quickMenu(parts_.controller, loginWindow_, parts_.updater, formats_));
     else if (preferences_.boolean("clickIconQuitsAll", false))
         quitAll(PowerAction::none);
+    else if (openedAside_ && loop_.uptime() - *openedAside_ < surprise)
+        showPopover();
     else if (parts_.popover.isShown())
         parts_.popover.close();
     else if (!parts_.popover.wasClosedByLastPress())
@@ -53,15 +55,33 @@ void MenuBarItem::openAfterPress() {
 }
 
 void MenuBarItem::showPopover() {
+    const bool isAside = std::exchange(openedAside_, std::nullopt).has_value();
+    if (parts_.popover.isShown() && !isAside)
+        return;
+    prepareToOpen();
+    parts_.popover.show(parts_.icon.frame());
+    if (onPopoverOpen)
+        onPopoverOpen();
+}
+
+void MenuBarItem::showPopoverAside() {
     if (parts_.popover.isShown())
         return;
+    openedAside_ = loop_.uptime();
+    prepareToOpen();
+    parts_.popover.showAside(parts_.icon.frame());
+    if (onPopoverOpen)
+        onPopoverOpen();
+}
+
+void MenuBarItem::prepareToOpen() {
     parts_.controller.startLiveUpdates();
     if (hideCountdown)
         hideCountdown();
-    parts_.popover.show(parts_.icon.frame());
 }
 
 void MenuBarItem::popoverDidClose() {
+    openedAside_.reset();
     parts_.controller.stopLiveUpdates();
     if (onPopoverClose)
         onPopoverClose();

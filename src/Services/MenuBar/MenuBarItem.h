@@ -7,6 +7,7 @@
 #include "Services/StatusItem.h"
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace velmorquit {
@@ -20,6 +21,8 @@ public:
     static constexpr auto welcomeDelay = 300ms;
     /// How late the panel may hear of a press that the icon was told of as a click.
     static constexpr auto pressDelay = 50ms;
+    /// A click that comes so soon after the panel has opened by itself was to open it.
+    static constexpr auto surprise = 700ms;
 
     /// What it works with; it outlives it, and the callbacks of the icon and of the panel's window
     /// are its own to hear.
@@ -35,8 +38,11 @@ public:
     MenuBarItem& operator=(const MenuBarItem&) = delete;
     ~MenuBarItem();
 
-    /// Opens the panel; one that is open stays as it is.
+    /// Opens the panel and gives it the keyboard; one that is open stays as it is.
     void showPopover();
+
+    /// Opens the panel by itself, where it leaves the keyboard to others.
+    void showPopoverAside();
 
     /// The first time that the program runs for this user, opens the panel a little later.
     void welcome();
@@ -47,7 +53,8 @@ public:
     /// Takes away what counts down at the icon: the panel is about to cover it.
     std::function<void()> hideCountdown;
 
-    /// The panel has closed.
+    /// The panel has opened, and has closed.
+    std::function<void()> onPopoverOpen;
     std::function<void()> onPopoverClose;
 
 private:
@@ -55,6 +62,7 @@ private:
     void perform(const QuickMenuEntry& entry);
     void quitAll(PowerAction then);
     void openAfterPress();
+    void prepareToOpen();
     void popoverDidClose();
     void keepMenu();
 
@@ -64,6 +72,8 @@ private:
     LoginWindow& loginWindow_;
     const Formats& formats_;
     QuickMenu kept_;
+    /// When the panel that is open has opened by itself.
+    std::optional<Uptime> openedAside_;
     Handle welcome_;
     Handle opening_;
     std::vector<Handle> subscriptions_;
