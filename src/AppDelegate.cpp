@@ -15,7 +15,8 @@ AppDelegate::AppDelegate(const Desktop& desktop, const DesktopFace& face, const 
     : desktop_(desktop), actions_(desktop.loop, desktop.kernel, desktop.formats),
       controller_(desktop), updater_(desktop.loop), remoteControl_(controller_, actions_, desktop),
       scheduleNotice_(controller_, notices.schedule, desktop.formats),
-      endNotice_(desktop.loop, desktop.loginWindow, notices.end), trayItem_(face),
+      endNotice_(desktop.loop, desktop.loginWindow, notices.end),
+      runNotice_(controller_, notices.run, desktop.formats), trayItem_(face),
       popover_(
           desktop.loop, face, [this] { return makePanel(); },
           [this] { return controller_.isRunning(); }),
@@ -29,6 +30,7 @@ AppDelegate::AppDelegate(const Desktop& desktop, const DesktopFace& face, const 
     endNotice_.onCancel = [this] { controller_.cancelPowerAction(); };
     menuBarItem_.onExit = [this] { askThenEnd(); };
     serveOthers(notices.answers);
+    tellOfWaits();
     menuBarItem_.welcome();
 }
 
@@ -44,6 +46,13 @@ void AppDelegate::serveOthers(Notice& answers) {
     published.onAnswer = [&answers](const ActionAnswer& answer) {
         answers.show({.title = "Velmor Quit", .text = answer.text});
     };
+}
+
+void AppDelegate::tellOfWaits() {
+    menuBarItem_.onPopoverOpen = [this] { runNotice_.panelOpened(); };
+    menuBarItem_.onPopoverClose = [this] { runNotice_.panelClosed(); };
+    runNotice_.onShow = [this] { menuBarItem_.showPopover(); };
+    runNotice_.onUnanswerable = [this] { menuBarItem_.showPopoverAside(); };
 }
 
 std::unique_ptr<PanelView> AppDelegate::makePanel() {

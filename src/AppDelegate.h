@@ -8,6 +8,7 @@
 #include "Services/MenuBar/MenuBarItem.h"
 #include "Services/QuitController/QuitController.h"
 #include "Services/RemoteControl.h"
+#include "Services/RunNotice.h"
 #include "Services/ScheduleNotice.h"
 #include "Services/SessionEnd/EndNotice.h"
 #include "Views/ConfirmDialog.h"
@@ -26,6 +27,7 @@ public:
         Notice& schedule;
         Notice& answers; ///< what published actions have to say
         Notice& end;     ///< how far the end of the session has come
+        Notice& run;     ///< what a run waits for
     };
 
     AppDelegate(const Desktop& desktop, const DesktopFace& face, const Notices& notices);
@@ -41,6 +43,7 @@ private:
     void askThenEnd();
     void hear(const Event& event);
     void serveOthers(Notice& answers);
+    void tellOfWaits();
     [[nodiscard]] std::unique_ptr<PanelView> makePanel();
 
     Desktop desktop_;
@@ -50,6 +53,7 @@ private:
     RemoteControl remoteControl_;
     ScheduleNotice scheduleNotice_;
     EndNotice endNotice_;
+    RunNotice runNotice_;
     ConfirmDialog confirmDialog_;
     TrayItem trayItem_;
     PanelPopover popover_;

@@ -244,13 +244,15 @@ int run(int argc, char** argv) {
     BusNotice scheduleNotice(sessionBus.connection());
     BusNotice answerNotice(sessionBus.connection());
     BusNotice endNotice(sessionBus.connection());
+    BusNotice runNotice(sessionBus.connection());
     X11WindowSystem windowSystem(loop, faceEvents);
     const DesktopAppearance appearance(loop, faceBus, faceEvents);
     const DesktopTrayHosts trayHosts(loop, faceBus, faceEvents);
-    AppDelegate delegate(
-        {loop, preferences, workspace, kernel, log, commands, program, language.formats(), volumes,
-         sessionEnd, sleepHold, children, files, backupTool()},
-        {windowSystem, appearance, trayHosts}, {scheduleNotice, answerNotice, endNotice});
+    AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program,
+                          language.formats(), volumes, sessionEnd, sleepHold, children, files,
+                          backupTool()},
+                         {windowSystem, appearance, trayHosts},
+                         {scheduleNotice, answerNotice, endNotice, runNotice});
     endSignals.onAsked = [&delegate] { delegate.end(); };
     return QApplication::exec();
 }
