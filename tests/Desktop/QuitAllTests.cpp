@@ -62,6 +62,25 @@ TEST_F(UnsavedLetter, IsWaitedForUntilItsQuestionIsAnswered) {
     EXPECT_THAT(contents(letter()), HasSubstr(text));
 }
 
+// Nobody shows notices on this desktop.
+TEST_F(UnsavedLetter, KeepsTheKeyboardForItsQuestionWhenThePanelOpensByItself) {
+    write(letter(), "");
+    startProgram();
+    Child& editor = open({"mousepad", letter()});
+    writeText();
+    const auto quitAll = beginQuitAll();
+    await("the panel", [] {
+        return run({"xdotool", "search", "--onlyvisible", "--name", "^Velmor Quit$"}).status == 0;
+    });
+    EXPECT_EQ(phase(), "waiting");
+    linger(1000); // until it would take Return and presses
+    EXPECT_EQ(run({"xdotool", "getactivewindow", "getwindowname"}).text, "Save Changes\n");
+    run({"xdotool", "key", "alt+s"});
+    await("the end of the editor", [&] { return !editor.isRunning(); });
+    EXPECT_EQ(outcomeOf(*quitAll).status, 0);
+    EXPECT_THAT(contents(letter()), HasSubstr(text));
+}
+
 TEST_F(QuitAll, ForcedApplicationsHaveTwoSecondsToObey) {
     startProgram();
     Child& ignorant = openRude({"--class", "Ignorant", "--ignore"});
