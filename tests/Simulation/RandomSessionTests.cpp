@@ -416,6 +416,15 @@ private:
         if (is<phases::Idle>(phase) && !controller_->isRunning()) {
             EXPECT_EQ(held.find("chiudendo"), std::string::npos);
         }
+        // Whatever waits for long can be seen, and ended there.
+        const EndState& end = end_->state;
+        if (end.isComing() && end.obstacles == waitedFor_ && !end.obstacles.empty()) {
+            const bool isLong = desktop_.loop.uptime() - waitedSince_ > 2s;
+            EXPECT_TRUE(!isLong || (notice_.shown && !notice_.shown->buttons.empty()));
+        } else {
+            waitedFor_ = end.obstacles;
+            waitedSince_ = desktop_.loop.uptime();
+        }
         const bool isHeld = held.find("aspetta le app") != std::string::npos;
         const bool isComing = end_->state->isComing();
         EXPECT_TRUE(!isHeld || isComing);
@@ -499,6 +508,9 @@ private:
     std::map<ProcessId, Uptime> busySince_;
     /// Processes of which the program that runs now has seen no window.
     std::set<ProcessId> unknown_;
+    /// What the end of the session waits for, and since when.
+    std::vector<EndObstacle> waitedFor_;
+    Uptime waitedSince_;
     /// What the user has given up by name.
     std::vector<EndObstacle> allowed_;
     int actionsDue_ = 0; ///< requests to end the session that the present run may still make
