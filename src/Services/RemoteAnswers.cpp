@@ -32,6 +32,7 @@ constexpr const char* ends = textKey("La chiusura delle app è finita: velmorctl
                                      "spegnere, riavviare o uscire.");
 constexpr const char* mayPass = textKey("La chiusura delle app è finita: velmorctl anyway passa "
                                         "sopra a ciò che resta aperto.");
+constexpr const char* tooLate = textKey("È troppo tardi: il sistema lo sta già facendo.");
 constexpr const char* changed = textKey("Ciò che resta aperto è cambiato: non faccio niente.");
 
 struct Row {
@@ -40,36 +41,49 @@ struct Row {
     std::array<std::string_view, 2> arguments;
     std::size_t mostArguments;
     /// By moment.
-    std::array<const char*, 8> answers;
+    std::array<const char*, 9> answers;
 };
 
 constexpr std::array<Row, 9> table{{
-    // idle, quitting, waiting, backingUp, backupFailed, ejecting, done, ending
-    {"leave", {}, 0, {noRun, accepted, accepted, backupRuns, backupAsks, ejects, noRun, ends}},
+    // idle, quitting, waiting, backingUp, backupFailed, ejecting, done, ending, underWay
+    {"leave",
+     {},
+     0,
+     {noRun, accepted, accepted, backupRuns, backupAsks, ejects, noRun, ends, tooLate}},
     {"force",
      {},
      0,
-     {noneStayed, tooSoon, accepted, noneStayed, noneStayed, noneStayed, noneStayed, mayPass}},
+     {noneStayed, tooSoon, accepted, noneStayed, noneStayed, noneStayed, noneStayed, mayPass,
+      tooLate}},
     {"backup",
      {"skip", "cancel"},
      1,
-     {noBackup, noBackup, noBackup, accepted, backupAsks, noBackup, noBackup, noBackup}},
+     {noBackup, noBackup, noBackup, accepted, backupAsks, noBackup, noBackup, noBackup, noBackup}},
     {"backup",
      {"continue", "stop"},
      1,
-     {noQuestion, noQuestion, noQuestion, backupRuns, accepted, noQuestion, noQuestion,
+     {noQuestion, noQuestion, noQuestion, backupRuns, accepted, noQuestion, noQuestion, noQuestion,
       noQuestion}},
     {"cancel",
      {},
      0,
-     {accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted}},
-    {"confirm", {}, 0, {accepted, quits, quits, works, backupAsks, works, accepted, accepted}},
+     {accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted, tooLate}},
+    {"confirm",
+     {},
+     0,
+     {accepted, quits, quits, works, backupAsks, works, accepted, accepted, tooLate}},
     {"postpone",
      {},
      1,
-     {accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted}},
-    {"quitAll", {}, 1, {accepted, quits, quits, backupRuns, backupAsks, works, accepted, accepted}},
-    {"anyway", {}, 1, {accepted, changed, changed, changed, changed, changed, accepted, accepted}},
+     {accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted}},
+    {"quitAll",
+     {},
+     1,
+     {accepted, quits, quits, backupRuns, backupAsks, works, accepted, accepted, accepted}},
+    {"anyway",
+     {},
+     1,
+     {accepted, changed, changed, changed, changed, changed, accepted, accepted, tooLate}},
 }};
 
 bool isMeant(const Row& row, const RemoteCommand& command) {
@@ -97,6 +111,8 @@ Moment momentOf(const QuitController& controller, const EndState& end) {
         return Moment::quitting;
     if (end.isComing())
         return Moment::ending;
+    if (end.stage == EndState::Stage::underWay)
+        return Moment::underWay;
     return is<phases::Done>(phase) ? Moment::done : Moment::idle;
 }
 

@@ -18,7 +18,8 @@ enum class Moment {
     backupFailed,
     ejecting,
     done,
-    ending, ///< the run is over, and what follows it is still to come
+    ending,   ///< the run is over, and what follows it is still to come
+    underWay, ///< the system has been told to end the session
 };
 
 [[nodiscard]] Moment momentOf(const QuitController& controller, const EndState& end);

@@ -1,5 +1,6 @@
 #include "Views/AppList.h"
 
+#include "Services/Panel/PanelTexts.h"
 #include "Texts/Localized.h"
 #include "Theme/AppTheme.h"
 #include "Theme/Label.h"
@@ -10,6 +11,7 @@
 #include <QCursor>
 #include <QEvent>
 #include <QScrollBar>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -63,6 +65,17 @@ void AppList::setRoom(int height) {
 
 int AppList::contentHeight() const { return heightOf(static_cast<int>(order_.size())); }
 
+// Whether it goes is seen in the list; that it was not asked would be seen nowhere.
+void AppList::quitOne(AppRow& row, const OpenApp& app) {
+    constexpr int readingTime = 6000;
+    if (app.app->terminate())
+        return;
+    const auto why = PanelTexts::stayHelp(app.app->stayReason());
+    const auto fallback = PanelTexts::stayHelp(StayReason::cannotBeAsked);
+    QToolTip::showText(row.mapToGlobal(QPoint(0, row.height())),
+                       toQt(why ? *why : fallback.value_or(std::string())), &row, {}, readingTime);
+}
+
 AppRow& AppList::rowOf(ProcessId id) {
     AppRow*& row = rowOf_[id];
     if (!row) {
@@ -71,8 +84,7 @@ AppRow& AppList::rowOf(ProcessId id) {
             controller_.toggleExclusion(app);
             render();
         };
-        // Whether it goes is seen in the list.
-        row->onQuit = [](const OpenApp& app) { app.app->terminate(); };
+        row->onQuit = [row](const OpenApp& app) { quitOne(*row, app); };
         row->show();
     }
     return *row;

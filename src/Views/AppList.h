@@ -34,6 +34,7 @@ private:
     void updateHover();
     [[nodiscard]] bool isAimedAt() const;
     void keepPlaces(std::vector<ProcessId>& order) const;
+    static void quitOne(AppRow& row, const OpenApp& app);
     AppRow& rowOf(ProcessId id);
     [[nodiscard]] int contentHeight() const;
 

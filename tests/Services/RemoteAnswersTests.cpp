@@ -83,6 +83,14 @@ TEST_P(EveryMoment, TakesTheWordsThatMakeSenseAndSaysWhatDoes) {
     EXPECT_NE(why.find(story.instead), std::string::npos) << why;
 }
 
+TEST_F(ControllerStory, ACancelThatComesTooLateIsNotAccepted) {
+    start();
+    const Moment moment =
+        RemoteAnswers::momentOf(*controller, {.stage = EndState::Stage::underWay});
+    EXPECT_TRUE(RemoteAnswers::refusal({"cancel", {}}, moment));
+    EXPECT_FALSE(RemoteAnswers::refusal({"quitAll", {"none"}}, moment));
+}
+
 INSTANTIATE_TEST_SUITE_P(, EveryMoment, testing::ValuesIn(stories),
                          [](const auto& info) { return std::string(info.param.name); });
 

@@ -4,6 +4,7 @@
 
 #include <QScrollBar>
 #include <QTest>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -74,6 +75,16 @@ TEST_F(AppListTest, AnExcludedOneCanStillBeQuitByItself) {
     QTest::mouseClick(quit, Qt::LeftButton);
     EXPECT_EQ(desktop.log(), Lines("0.00 quit Nota"));
     EXPECT_FALSE(row->isChecked());
+}
+
+TEST_F(AppListTest, SaysWhyOneWasNotAskedToQuit) {
+    desktop.open("Terminale").cannotBeAsked().setStayReason(StayReason::busyTerminal);
+    start();
+    point(find("quitAll"));
+    point(rows().front());
+    QTest::mouseClick(find("quitOne"), Qt::LeftButton);
+    EXPECT_EQ(QToolTip::text(), "Vi è in corso un comando che andrebbe perso.");
+    QToolTip::hideText();
 }
 
 TEST_F(AppListTest, KeepsHoverAndPlaceOverARefresh) {
