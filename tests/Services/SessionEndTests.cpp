@@ -226,6 +226,7 @@ TEST_F(SessionEndTest, WhatWentToTheTrayByItselfIsNamedForTenSeconds) {
     request(LoginRequest::shutDown);
     desktop.advance(5s);
     EXPECT_EQ(stage(), EndState::Stage::naming);
+    EXPECT_EQ(desktop.systemLog.lines.back(), "Velmor Quit: spegnimento: avviso di Safe, rsync");
     EXPECT_FALSE(end->state->canBeForced);
     desktop.advance(60s);
     EXPECT_EQ(desktop.log(),

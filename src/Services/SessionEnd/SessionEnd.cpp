@@ -344,8 +344,10 @@ void SessionEnd::publish(EndState::Stage stage, Obstacles obstacles, std::option
                   .list = state->list};
     if (next.obstacles != state->obstacles) {
         next.list = ++lastList_;
-        if (stage == EndState::Stage::waiting && !next.obstacles.empty())
-            surroundings_.log.write("Velmor Quit: " + logName(wait_.request) + ": aspetto " +
+        const bool isNaming = stage == EndState::Stage::naming;
+        if ((isNaming || stage == EndState::Stage::waiting) && !next.obstacles.empty())
+            surroundings_.log.write("Velmor Quit: " + logName(wait_.request) +
+                                    (isNaming ? ": avviso di " : ": aspetto ") +
                                     logText(next.obstacles));
     }
     state = std::move(next);
