@@ -1,5 +1,6 @@
 #include "Services/SessionEnd/SessionEnd.h"
 
+#include "Services/SessionEnd/EndLog.h"
 #include "Services/SessionEnd/EndTexts.h"
 #include "Texts/Localized.h"
 
@@ -9,38 +10,6 @@
 namespace velmorquit {
 
 namespace {
-
-std::string logName(LoginRequest request) {
-    switch (request) {
-    case LoginRequest::shutDown:
-        return "spegnimento";
-    case LoginRequest::restart:
-        return "riavvio";
-    case LoginRequest::logOut:
-        break;
-    }
-    return "chiusura della sessione";
-}
-
-/// For the log, in which no language is chosen.
-std::string logText(const std::vector<EndObstacle>& obstacles) {
-    using Kind = EndObstacle::Kind;
-    std::string text;
-    for (const EndObstacle& obstacle : obstacles) {
-        text += text.empty() ? "" : ", ";
-        if (obstacle.kind == Kind::secondSession)
-            text += "un'altra sessione dell'utente";
-        else if (obstacle.kind == Kind::slept)
-            text += "il computer è stato in stop";
-        else if (obstacle.kind == Kind::unseen)
-            text += "non tutte le finestre si vedono";
-        else if (obstacle.kind == Kind::unknown)
-            text += "il registro delle sessioni non risponde";
-        else
-            text += obstacle.name + (obstacle.kind == Kind::work ? " (lavora ancora)" : "");
-    }
-    return text;
-}
 
 bool isOfWindows(const EndObstacle& obstacle) {
     using Kind = EndObstacle::Kind;
@@ -87,7 +56,7 @@ SessionEnd::~SessionEnd() { surroundings_.service.onAnswered = nullptr; }
 
 std::optional<std::string> SessionEnd::request(LoginRequest request, const EndTerms& terms) {
     if (underWay_)
-        return logName(*underWay_) + " già in corso";
+        return EndLog::name(*underWay_) + " già in corso";
     const auto obstacle = surroundings_.service.obstacle(request, EndForm::direct);
     if (obstacle && form() == EndForm::direct) {
         if (!waiting_.isActive()) {
@@ -346,16 +315,16 @@ void SessionEnd::publish(EndState::Stage stage, Obstacles obstacles, std::option
         next.list = ++lastList_;
         const bool isNaming = stage == EndState::Stage::naming;
         if ((isNaming || stage == EndState::Stage::waiting) && !next.obstacles.empty())
-            surroundings_.log.write("Velmor Quit: " + logName(wait_.request) +
+            surroundings_.log.write("Velmor Quit: " + EndLog::name(wait_.request) +
                                     (isNaming ? ": avviso di " : ": aspetto ") +
-                                    logText(next.obstacles));
+                                    EndLog::text(next.obstacles));
     }
     state = std::move(next);
 }
 
 void SessionEnd::refuse(Obstacles obstacles) {
-    surroundings_.log.write("Velmor Quit: " + logName(wait_.request) +
-                            ": rinuncio: " + logText(obstacles));
+    surroundings_.log.write("Velmor Quit: " + EndLog::name(wait_.request) +
+                            ": rinuncio: " + EndLog::text(obstacles));
     awake_.reset();
     pardoned_.clear();
     work_.forget();
@@ -401,7 +370,7 @@ void SessionEnd::hear(const std::optional<std::string>& failure) {
         });
         return;
     }
-    surroundings_.log.write("Velmor Quit: " + logName(*request) + ": " + *failure);
+    surroundings_.log.write("Velmor Quit: " + EndLog::name(*request) + ": " + *failure);
     publish(EndState::Stage::failed, {});
 }
 
