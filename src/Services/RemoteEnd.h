@@ -23,9 +23,9 @@ public:
     /// None when the verb is another one.
     [[nodiscard]] std::optional<RemoteAnswer> answer(const RemoteCommand& command);
 
-    /// How far it has come, null when nobody asked for it: `stage` (`waiting`, `naming`, `refused`,
-    /// `failed`), `then`, `text` for a person, the `obstacles` with `kind` and `name`; where it can
-    /// come over these, `list` with the `question` that is to be asked.
+    /// How far it has come, null when nobody asked for it: `stage` (`waiting`, `naming`,
+    /// `underWay`, `refused`, `failed`), `then`, `text` for a person, the `obstacles` with `kind`
+    /// and `name`; where it can come over these, `list` with the `question` that is to be asked.
     [[nodiscard]] Json describe() const;
 
     /// What is to be known before asking for it, for a person; null when there is nothing.

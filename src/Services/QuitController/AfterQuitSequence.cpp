@@ -64,7 +64,7 @@ Task QuitController::afterApps(RunResult result, PowerAction action) {
             beginAsking();
             const FailureChoice choice = co_await failureChoice_;
             unattendedTask_.cancel();
-            endAsking();
+            asking_.reset();
             holdSleepForRun();
             if (choice == FailureChoice::stop) {
                 showResult(result, localized("Backup non riuscito"));

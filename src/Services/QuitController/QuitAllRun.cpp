@@ -74,16 +74,12 @@ void QuitController::holdSleepForRun() {
 
 void QuitController::beginAsking() {
     if (!unattended)
-        letSleep();
+        runActivity_.reset();
     asking_ = desktop_.loop.after(longWait, [this] {
         isLate_ = true;
-        letSleep();
+        runActivity_.reset();
     });
 }
-
-void QuitController::endAsking() { asking_.reset(); }
-
-void QuitController::letSleep() { runActivity_.reset(); }
 
 std::vector<OpenApp> QuitController::targetsStillRunning() const {
     std::vector<OpenApp> running;
@@ -149,7 +145,7 @@ void QuitController::leaveStubbornOpen() {
 void QuitController::finish(AfterSteps steps) {
     ++pollNumber_;
     pollTask_.cancel();
-    endAsking();
+    asking_.reset();
     const RunResult result = countClosed();
     // Before the refresh: that and all that follows may take long, and may be the last thing that
     // this session sees.

@@ -236,8 +236,6 @@ private:
     void checkMissedSchedule();
     void holdSleepForRun();
     void beginAsking();
-    void endAsking();
-    void letSleep();
 
     Desktop desktop_;
     std::vector<OpenApp> targets_;
