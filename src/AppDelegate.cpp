@@ -52,7 +52,10 @@ void AppDelegate::tellOfWaits() {
     menuBarItem_.onPopoverOpen = [this] { runNotice_.panelOpened(); };
     menuBarItem_.onPopoverClose = [this] { runNotice_.panelClosed(); };
     runNotice_.onShow = [this] { menuBarItem_.showPopover(); };
-    runNotice_.onUnanswerable = [this] { menuBarItem_.showPopoverAside(); };
+    const auto showPanel = [this] { menuBarItem_.showPopoverAside(); };
+    runNotice_.onUnanswerable = showPanel;
+    endNotice_.onUnanswerable = showPanel;
+    scheduleNotice_.onUnanswerable = showPanel;
 }
 
 std::unique_ptr<PanelView> AppDelegate::makePanel() {

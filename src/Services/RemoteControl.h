@@ -19,7 +19,7 @@ namespace velmorquit {
 /// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
 /// `include NAME`, `backup skip|cancel|continue|stop`, `eject`, `reopen` and `forget` (what the
 /// last run closed), `show [TOKEN]`, and those of `RemoteSchedule` and
-/// `RemoteEnd`; those that are about a run are taken where `RemoteAnswers` says. Changes are
+/// `RemoteEnd`; those that are about a run are taken where `RunAnswers` says. Changes are
 /// announced as objects with a field `change`: `phase`, `stubborn`, `opened`, `closed`,
 /// `windowless` (it lives on), `excluded`, `included`, `event`. A stubborn application has a
 /// `reason`: `asking`, `windowless`, `cannotBeAsked`, `busyTerminal`, `notResponding`, or null when

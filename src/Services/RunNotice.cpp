@@ -1,6 +1,7 @@
 #include "Services/RunNotice.h"
 
 #include "Services/Panel/CardTexts.h"
+#include "Services/RunAnswers.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
@@ -173,15 +174,18 @@ Notice::Content RunNotice::aboutBackup() const {
 
 // A click may have been meant for what was there a moment ago, in another phase.
 void RunNotice::answer(const std::string& button) {
-    if (!isShown_ || wait_ != present())
-        return;
-    if (wait_ == Wait::applications && button == "show")
+    using RunAnswers::Word;
+    const auto isMeant = [&](const char* id, Word word) {
+        return button == id && isShown_ &&
+               RunAnswers::isTaken(word, RunAnswers::momentOf(controller_));
+    };
+    if (isMeant("show", Word::showNamed))
         showFirst();
-    else if (wait_ == Wait::applications && button == "leave")
+    else if (isMeant("leave", Word::leaveNamed))
         controller_.leaveStubbornOpen();
-    else if (wait_ == Wait::backup && button == "stop")
+    else if (isMeant("stop", Word::answerFailure))
         controller_.resolveBackupFailure(QuitController::FailureChoice::stop);
-    else if (wait_ == Wait::backup && button == "goOn")
+    else if (isMeant("goOn", Word::answerFailure))
         goOn();
 }
 

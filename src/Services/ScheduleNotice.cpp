@@ -1,21 +1,27 @@
 #include "Services/ScheduleNotice.h"
 
 #include "Platform/MainLoop.h"
+#include "Services/RunAnswers.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace velmorquit {
 
 ScheduleNotice::ScheduleNotice(QuitController& controller, Notice& notice, const Formats& formats)
     : controller_(controller), notice_(notice), formats_(formats) {
     notice_.onButton = [this](const std::string& button) { answer(button); };
+    notice_.onUnanswerable = [this] { hearUnanswerable(); };
     subscriptions_.push_back(controller_.schedule.subscribe([this] { follow(); }));
     subscriptions_.push_back(controller_.awaitingConfirmation.subscribe([this] { follow(); }));
     subscriptions_.push_back(controller_.scheduleNote.subscribe([this] { follow(); }));
 }
 
-ScheduleNotice::~ScheduleNotice() { notice_.onButton = nullptr; }
+ScheduleNotice::~ScheduleNotice() {
+    notice_.onButton = nullptr;
+    notice_.onUnanswerable = nullptr;
+}
 
 void ScheduleNotice::callAttention() {
     const auto& schedule = controller_.schedule.get();
@@ -67,7 +73,14 @@ void ScheduleNotice::follow() {
     toldNote_ = note;
 }
 
+void ScheduleNotice::hearUnanswerable() {
+    if (told_ && std::exchange(shownInPanel_, told_) != told_ && onUnanswerable)
+        onUnanswerable();
+}
+
 void ScheduleNotice::answer(const std::string& button) {
+    using RunAnswers::Word;
+    const RunAnswers::Moment moment = RunAnswers::momentOf(controller_);
     const bool hasJustBegun = begunAt_ && controller_.mainLoop().uptime() - *begunAt_ <= lateness;
     if (button == "cancel" && hasJustBegun) {
         controller_.cancelRun();
@@ -75,12 +88,14 @@ void ScheduleNotice::answer(const std::string& button) {
     }
     if (!told_ || told_ != controller_.schedule.get())
         return;
-    if (button == "confirm")
-        controller_.confirmScheduledQuit();
-    else if (button == "postpone")
+    if (button == "postpone")
         controller_.postponeSchedule(postponement);
-    else
+    else if (button == "cancel")
         controller_.cancelSchedule();
+    else if (RunAnswers::isTaken(Word::confirmSchedule, moment))
+        controller_.confirmScheduledQuit();
+    else
+        ask(); // the desktop has taken the question away with the press
 }
 
 } // namespace velmorquit

@@ -4,6 +4,9 @@
 #include "Platform/Notice.h"
 #include "Services/QuitController/QuitController.h"
 
+#include <functional>
+#include <optional>
+#include <string>
 #include <vector>
 
 namespace velmorquit {
@@ -27,7 +30,11 @@ public:
     /// Asks whether the run is to begin.
     void ask();
 
+    /// There is something to answer, and no notice can be answered. Called once in a schedule.
+    std::function<void()> onUnanswerable;
+
 private:
+    void hearUnanswerable();
     void answer(const std::string& button);
     void follow();
     void show(std::string title, std::string text, std::vector<Notice::Button> buttons);
@@ -37,6 +44,8 @@ private:
     const Formats& formats_;
     /// What the notice on show is about; none when there is none that could be out of date.
     std::optional<ScheduledQuit> told_;
+    /// For which of them the user has been shown the panel.
+    std::optional<ScheduledQuit> shownInPanel_;
     /// When the run began that was told of.
     std::optional<Uptime> begunAt_;
     bool isQuestion_ = false;

@@ -8,13 +8,12 @@
 #include "Theme/SymbolLabel.h"
 #include "Views/Layouts.h"
 
-#include <utility>
-
 namespace velmorquit {
 
 EndCard::EndCard(MainLoop& loop, LoginWindow& loginWindow, QWidget* parent)
-    : GlassCard(AppTheme::cardCornerRadius, AppTheme::warningOrange(), parent), loop_(loop),
-      loginWindow_(loginWindow), title_(new Label(AppTheme::sectionFont(), AppTheme::text())),
+    : GlassCard(AppTheme::cardCornerRadius, AppTheme::warningOrange(), parent),
+      loginWindow_(loginWindow), question_(loop, loginWindow, readingTime),
+      title_(new Label(AppTheme::sectionFont(), AppTheme::text())),
       text_(new Label(AppTheme::captionFont(), AppTheme::text(0.85))),
       cancel_(new PrimaryButton(QString())),
       anyway_(new PrimaryButton(QString(), AppTheme::dangerRed())) {
@@ -37,7 +36,7 @@ EndCard::EndCard(MainLoop& loop, LoginWindow& loginWindow, QWidget* parent)
     buttons.addStretch();
     buttons.addWidget(anyway_);
     connect(cancel_, &QPushButton::clicked, this, [this] {
-        isAsking_ = false;
+        question_.giveUp();
         onCancel();
     });
     connect(anyway_, &QPushButton::clicked, this, [this] { pressAnyway(); });
@@ -45,33 +44,29 @@ EndCard::EndCard(MainLoop& loop, LoginWindow& loginWindow, QWidget* parent)
 
 void EndCard::render() {
     const EndState& state = loginWindow_.state;
-    isAsking_ = isAsking_ && state.canBeForced;
-    if (std::exchange(askedList_, state.list) != state.list)
-        askedAt_ = loop_.uptime();
-    const std::string text = isAsking_ ? EndTexts::anywayText(state) : EndTexts::text(state);
+    question_.follow();
+    const bool isAsked = question_.isAsked();
+    const std::string text = isAsked ? EndTexts::anywayText(state) : EndTexts::text(state);
     const bool isOver =
         state.stage == EndState::Stage::refused || state.stage == EndState::Stage::failed;
     title_->setText(
-        toQt(isAsking_ ? EndTexts::anywayQuestion(state.request) : EndTexts::title(state)));
+        toQt(isAsked ? EndTexts::anywayQuestion(state.request) : EndTexts::title(state)));
     text_->setText(toQt(text));
     text_->setVisible(!text.empty());
     cancel_->setVisible(state.stage != EndState::Stage::underWay);
-    cancel_->setText(toQt(isOver && !isAsking_ ? localized("Ho capito") : localized("Annulla")));
+    cancel_->setText(toQt(isOver && !isAsked ? localized("Ho capito") : localized("Annulla")));
     cancel_->updateGeometry();
     anyway_->setText(toQt(EndTexts::anyway(state.request)));
     anyway_->updateGeometry();
     anyway_->setVisible(state.canBeForced);
 }
 
-// The first press asks. A second one that comes before anybody can have read the question, or the
-// names that have just changed in it, is a double click or bad luck.
 void EndCard::pressAnyway() {
-    if (!isAsking_) {
-        isAsking_ = true;
-        askedAt_ = loop_.uptime();
+    if (question_.isAsked()) {
+        question_.confirm();
+    } else {
+        question_.ask();
         cancel_->setFocus();
-    } else if (loop_.uptime() - askedAt_ >= readingTime && loginWindow_.endAnyway(askedList_)) {
-        isAsking_ = false;
     }
     render();
 }

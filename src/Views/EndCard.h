@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/LoginWindow.h"
+#include "Services/SessionEnd/AnywayQuestion.h"
 #include "Theme/GlassCard.h"
 
 #include <functional>
@@ -26,16 +26,12 @@ public:
 private:
     void pressAnyway();
 
-    MainLoop& loop_;
     LoginWindow& loginWindow_;
+    AnywayQuestion question_;
     Label* title_;
     Label* text_;
     PrimaryButton* cancel_;
     PrimaryButton* anyway_;
-    /// The user is being asked whether it is to come over the obstacles of that list.
-    bool isAsking_ = false;
-    std::uint64_t askedList_ = 0;
-    Uptime askedAt_;
 };
 
 } // namespace velmorquit

@@ -1,4 +1,4 @@
-#include "Desktop/DesktopStory.h"
+#include "Desktop/PowerStory.h"
 
 #include "support/Waiting.h"
 
@@ -12,7 +12,7 @@ namespace velmorquit {
 namespace {
 
 /// The panel, used with the mouse and the keyboard.
-class PanelOnDesktop : public DesktopStory {
+class PanelOnDesktop : public PowerStory {
 protected:
     struct Place {
         int x = 0;
@@ -108,6 +108,33 @@ TEST_F(PanelOnDesktop, StaysWhileARunWaitsAndItsCardEndsIt) {
     EXPECT_TRUE(application.isRunning());
     clickAt(20, 700);
     await("the end of the panel", [] { return window().empty(); });
+}
+
+// Nobody shows notices on this desktop, so that the panel comes by itself.
+TEST_F(PanelOnDesktop, ComesWhenTheSessionsEndWaitsAndLeavingTheProgramIsAskedAbout) {
+    startAll();
+    Child& application = openRude({"--ignore"});
+    EXPECT_EQ(control({"exclude", "Rude"}).status, 0);
+    EXPECT_EQ(control({"quit-all", "--then", "shutDown", "--yes", "--no-wait"}).status, 0);
+    await("the panel", [] { return !window().empty(); });
+    const auto leaveAndAnswer = [](std::vector<std::string> key) {
+        openPanel();
+        const Place panel = place();
+        constexpr int middleOfSettings = 35;
+        clickAt(panel.x + panel.width - middleOfSettings, panel.y + middleOfSettings);
+        linger(700);
+        run({"xdotool", "key", "Up", "Return"});
+        linger(700);
+        key.insert(key.begin(), {"xdotool", "key"});
+        run(key);
+        linger(700);
+    };
+    leaveAndAnswer({"Return"});
+    EXPECT_EQ(status()["ending"].toObject()["stage"], "waiting") << "Return changes nothing";
+    leaveAndAnswer({"Tab", "Return"});
+    await("the program's end", [] { return control({"status"}).status == 3; });
+    EXPECT_TRUE(application.isRunning());
+    EXPECT_THAT(calls(), testing::IsEmpty());
 }
 
 } // namespace

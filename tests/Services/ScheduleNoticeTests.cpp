@@ -100,6 +100,27 @@ TEST_F(ScheduleNoticeStory, CancellingAsTheRunBeginsEndsItAndDropsItsAction) {
     EXPECT_NE(desktop.log().find("shut down"), std::string::npos) << "that is no scheduled one";
 }
 
+TEST_F(ScheduleNoticeStory, AnAnswerDuringAnotherRunLosesNoScheduleAndIsAskedForAgain) {
+    desktop.open("A").asksToSaveFor(20s);
+    begin();
+    told->onUnanswerable = [this] { desktop.write("panel"); };
+    controller->scheduleQuit(desktop.loop.now() + 5s, PowerAction::shutDown);
+    controller->quitAll(PowerAction::none);
+    desktop.advance(6s);
+    desktop.startLog();
+    notice.onButton("confirm");
+    EXPECT_NE(desktop.log().find("È l'ora della chiusura programmata"), std::string::npos);
+    EXPECT_TRUE(controller->awaitingConfirmation.get());
+    notice.onUnanswerable();
+    notice.onUnanswerable();
+    EXPECT_EQ(desktop.log().find("panel"), desktop.log().rfind("panel"));
+    EXPECT_NE(desktop.log().find("panel"), std::string::npos);
+    desktop.advance(20s);
+    notice.onButton("confirm");
+    desktop.advance(5s);
+    EXPECT_NE(desktop.log().find("shut down"), std::string::npos) << desktop.log();
+}
+
 TEST_F(ScheduleNoticeStory, SaysWhatWasSleptThrough) {
     begin();
     controller->scheduleQuit(desktop.loop.now() + 1h, PowerAction::none);

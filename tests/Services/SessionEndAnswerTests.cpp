@@ -24,6 +24,7 @@ TEST_F(SessionEndTest, TheUserMayPassOverExactlyWhatWasNamed) {
     EXPECT_TRUE(notice.press("confirm"));
     desktop.advance(1s);
     EXPECT_FALSE(isCalled()) << "nobody can have read that";
+    EXPECT_THAT(desktop.log(), HasSubstr("8.00 notice 2 app sono rimaste aperte")) << "shown again";
     EXPECT_TRUE(notice.press("confirm"));
     EXPECT_EQ(end->state->list, former + 1);
     desktop.open("Third").ignoresAsking();
@@ -53,6 +54,23 @@ TEST_F(SessionEndTest, ARefusedRequestMayBePassedOverOnlyByOneWhoAttends) {
     request(LoginRequest::restart);
     desktop.advance(30s);
     EXPECT_EQ(stage(), EndState::Stage::waiting) << "the word held for that once";
+}
+
+TEST_F(SessionEndTest, ThePanelComesOnceWhereNoNoticeCanBeAnswered) {
+    int panels = 0;
+    endNotice->onUnanswerable = [&] { ++panels; };
+    desktop.open("Note").ignoresAsking();
+    for (int requests = 1; requests <= 2; ++requests) {
+        request(LoginRequest::shutDown);
+        desktop.advance(2s);
+        notice.onUnanswerable();
+        notice.onUnanswerable();
+        EXPECT_EQ(panels, requests);
+        end->cancel();
+        desktop.advance(1s);
+        notice.onUnanswerable();
+        EXPECT_EQ(panels, requests) << "there is nothing to answer";
+    }
 }
 
 // The buttons of what has just gone from the screen are pressed too.
@@ -87,8 +105,9 @@ TEST_F(SessionEndTest, TheWordForOneInhibitorIsNoneForTheNext) {
 TEST_F(SessionEndTest, WhatChangesAllTheTimeIsNotNamedForEver) {
     int process = 1000;
     desktop.processes.jobs = {{process, "sleep"}};
-    const Handle changing =
-        desktop.loop.every(1s, [&] { desktop.processes.jobs = {{++process, "sleep"}}; });
+    const Handle changing = desktop.loop.every(1s, [&] {
+        desktop.processes.jobs = {{++process, "sleep"}};
+    });
     request(LoginRequest::shutDown);
     desktop.advance(11s);
     EXPECT_TRUE(isCalled());

@@ -4,6 +4,7 @@
 #include "Platform/Preferences.h"
 #include "Services/AppUpdater.h"
 #include "Services/QuitController/QuitController.h"
+#include "Services/RunAnswers.h"
 
 #include <utility>
 
@@ -116,7 +117,9 @@ void MenuBarItem::perform(const QuickMenuEntry& entry) {
         parts_.controller.cancelSchedule();
         break;
     case Command::cancelEnd:
-        parts_.controller.cancelPowerAction();
+        if (RunAnswers::isTaken(RunAnswers::Word::cancel,
+                                RunAnswers::momentOf(parts_.controller, loginWindow_.state)))
+            parts_.controller.cancelPowerAction();
         break;
     case Command::checkForUpdates:
         parts_.updater.checkForUpdates();

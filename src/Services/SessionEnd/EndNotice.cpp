@@ -1,5 +1,6 @@
 #include "Services/SessionEnd/EndNotice.h"
 
+#include "Services/RunAnswers.h"
 #include "Services/SessionEnd/EndTexts.h"
 #include "Texts/Localized.h"
 
@@ -9,21 +10,26 @@
 namespace velmorquit {
 
 EndNotice::EndNotice(MainLoop& loop, LoginWindow& loginWindow, Notice& notice)
-    : loop_(loop), loginWindow_(loginWindow), notice_(notice) {
+    : loop_(loop), loginWindow_(loginWindow), notice_(notice),
+      question_(loop, loginWindow, readingTime) {
     notice_.onButton = [this](const std::string& button) { answer(button); };
+    notice_.onUnanswerable = [this] {
+        if (isShown_ && std::exchange(isPanelDue_, false) && onUnanswerable)
+            onUnanswerable();
+    };
     onCancel = [this] { loginWindow_.cancel(); };
     following_ = loginWindow_.state.subscribe([this] { follow(); });
 }
 
 EndNotice::~EndNotice() {
     notice_.onButton = nullptr;
+    notice_.onUnanswerable = nullptr;
     if (isShown_)
         notice_.withdraw();
 }
 
 void EndNotice::follow() {
     const EndState& state = loginWindow_.state;
-    isAsking_ = isAsking_ && state.canBeForced;
     const bool canEndByItself =
         std::ranges::none_of(state.obstacles, [](const EndObstacle& obstacle) {
             return obstacle.kind == EndObstacle::Kind::unaskable;
@@ -43,12 +49,14 @@ void EndNotice::tell() {
     telling_.reset();
     const EndState& state = loginWindow_.state;
     if (state.stage == EndState::Stage::none || state.stage == EndState::Stage::underWay) {
+        isPanelDue_ = true;
         if (std::exchange(isShown_, false))
             notice_.withdraw();
         return;
     }
-    if (isAsking_) {
-        ask();
+    question_.follow();
+    if (question_.isAsked()) {
+        show(question());
         return;
     }
     const bool isComing = state.isComing();
@@ -67,15 +75,13 @@ void EndNotice::tell() {
           .stays = isComing || state.canBeForced});
 }
 
-void EndNotice::ask() {
+Notice::Content EndNotice::question() const {
     const EndState& state = loginWindow_.state;
-    if (std::exchange(askedList_, state.list) != state.list)
-        askedAt_ = loop_.uptime();
-    show({.title = EndTexts::anywayQuestion(state.request),
-          .text = EndTexts::anywayText(state),
-          .buttons = {{"cancel", localized("Annulla")},
-                      {"confirm", EndTexts::anyway(state.request)}},
-          .stays = true});
+    return {
+        .title = EndTexts::anywayQuestion(state.request),
+        .text = EndTexts::anywayText(state),
+        .buttons = {{"cancel", localized("Annulla")}, {"confirm", EndTexts::anyway(state.request)}},
+        .stays = true};
 }
 
 void EndNotice::show(const Notice::Content& content) {
@@ -87,19 +93,25 @@ void EndNotice::show(const Notice::Content& content) {
         notice_.show(content);
 }
 
-// A click may have been meant for what was there a moment ago. What stays may have changed under
-// the user's finger: then it is a new question.
+// The desktop takes a notice away when one of its buttons is pressed.
+void EndNotice::showAgain() {
+    shown_ = {};
+    tell();
+}
+
+// A click may have been meant for what was there a moment ago.
 void EndNotice::answer(const std::string& button) {
-    if (button == "cancel") {
-        isAsking_ = false;
+    using RunAnswers::Word;
+    const RunAnswers::Moment moment = RunAnswers::momentOf(loginWindow_.state);
+    if (button == "cancel" && RunAnswers::isTaken(Word::cancel, moment)) {
+        question_.giveUp();
         onCancel();
-    } else if (button == "anyway" && loginWindow_.state->canBeForced) {
-        isAsking_ = true;
-        askedAt_ = loop_.uptime();
-        ask();
-    } else if (button == "confirm" && isAsking_ && loop_.uptime() - askedAt_ >= readingTime) {
-        isAsking_ = !loginWindow_.endAnyway(askedList_) && loginWindow_.state->canBeForced;
-        tell();
+    } else if (button == "anyway" && RunAnswers::isTaken(Word::endAnyway, moment)) {
+        question_.ask();
+        showAgain();
+    } else if (button == "confirm" && RunAnswers::isTaken(Word::endAnyway, moment)) {
+        question_.confirm();
+        showAgain();
     }
 }
 

@@ -3,6 +3,7 @@
 #include "Platform/LoginWindow.h"
 #include "Platform/MainLoop.h"
 #include "Platform/Notice.h"
+#include "Services/SessionEnd/AnywayQuestion.h"
 
 namespace velmorquit {
 
@@ -24,12 +25,15 @@ public:
 
     /// What the button that cancels does; until it is set, it cancels the request alone.
     std::function<void()> onCancel;
+    /// There is something to answer, and no notice can be answered. Called once in a request.
+    std::function<void()> onUnanswerable;
 
 private:
     void follow();
     void tell();
-    void ask();
+    [[nodiscard]] Notice::Content question() const;
     void show(const Notice::Content& content);
+    void showAgain();
     void answer(const std::string& button);
 
     MainLoop& loop_;
@@ -37,10 +41,9 @@ private:
     Notice& notice_;
     Notice::Content shown_;
     bool isShown_ = false;
-    /// The user is being asked whether it is to come over the obstacles of that list.
-    bool isAsking_ = false;
-    std::uint64_t askedList_ = 0;
-    Uptime askedAt_;
+    AnywayQuestion question_;
+    /// The user has not been shown the panel because of the present request.
+    bool isPanelDue_ = true;
     Handle telling_;
     Handle following_;
 };

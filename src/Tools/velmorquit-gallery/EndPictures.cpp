@@ -35,6 +35,10 @@ void naming(Stage& stage) {
                 .obstacles = {{Kind::tray, name(stage, "Postbox")}, {Kind::job, "rsync"}}});
 }
 
+void announcing(Stage& stage) {
+    end(stage, {.stage = EndState::Stage::naming, .request = LoginRequest::logOut});
+}
+
 EndState refusedBy(const Stage& stage) {
     return {.stage = EndState::Stage::refused,
             .obstacles = {{Kind::window, name(stage, "Palette")},
@@ -61,9 +65,9 @@ void unseen(Stage& stage) {
 
 std::vector<Picture> endPictures() {
     return {
-        {"panel-end-waiting", waiting}, {"panel-end-naming", naming},
-        {"panel-end-refused", refused}, {"panel-end-question", question},
-        {"panel-unseen", unseen},
+        {"panel-end-waiting", waiting},       {"panel-end-naming", naming},
+        {"panel-end-announcing", announcing}, {"panel-end-refused", refused},
+        {"panel-end-question", question},     {"panel-unseen", unseen},
     };
 }
 

@@ -24,6 +24,12 @@ void quickWithAll(Stage& stage) {
     stage.openQuickMenu();
 }
 
+void quickAtTheEnd(Stage& stage) {
+    stage.startUsually();
+    stage.desktop.loginWindow.state = EndState{.stage = EndState::Stage::naming};
+    stage.openQuickMenu();
+}
+
 void quickWithNothing(Stage& stage) {
     stage.open({"Melody"});
     stage.exclude({"Melody"});
@@ -40,8 +46,11 @@ void question(Stage& stage) {
 
 std::vector<Picture> menuPictures() {
     return {
-        {"menu-settings", settings},      {"menu-quick", quick},
-        {"menu-quick-all", quickWithAll}, {"menu-quick-nothing", quickWithNothing},
+        {"menu-settings", settings},
+        {"menu-quick", quick},
+        {"menu-quick-all", quickWithAll},
+        {"menu-quick-end", quickAtTheEnd},
+        {"menu-quick-nothing", quickWithNothing},
         {"question", question},
     };
 }

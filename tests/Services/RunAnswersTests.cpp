@@ -1,5 +1,5 @@
 #include "Services/ControllerStory.h"
-#include "Services/RemoteAnswers.h"
+#include "Services/RunAnswers.h"
 
 #include <array>
 #include <utility>
@@ -7,7 +7,8 @@
 namespace velmorquit {
 namespace {
 
-using RemoteAnswers::Moment;
+using RunAnswers::Moment;
+using RunAnswers::Word;
 
 struct MomentStory {
     const char* name;
@@ -58,7 +59,7 @@ TEST_P(EveryMoment, TakesTheWordsThatMakeSenseAndSaysWhatDoes) {
     story.arrange(desktop);
     start().quitAll(PowerAction::shutDown);
     desktop.advance(story.after);
-    const Moment moment = RemoteAnswers::momentOf(*controller, desktop.loginWindow.state);
+    const Moment moment = RunAnswers::momentOf(*controller, desktop.loginWindow.state);
     ASSERT_EQ(moment, story.moment) << desktop.log();
     const std::array<std::pair<std::string, RemoteCommand>, 9> commands{{
         {"leave", {"leave", {}}},
@@ -73,22 +74,27 @@ TEST_P(EveryMoment, TakesTheWordsThatMakeSenseAndSaysWhatDoes) {
     }};
     for (const auto& [word, command] : commands) {
         const bool isTaken = story.taken.find(word) != std::string_view::npos;
-        EXPECT_EQ(!RemoteAnswers::refusal(command, moment), isTaken) << word;
+        EXPECT_EQ(!RunAnswers::refusal(command, moment), isTaken) << word;
     }
     for (const RemoteCommand& always :
          {RemoteCommand{"cancel", {}}, RemoteCommand{"postpone", {"5"}},
           RemoteCommand{"status", {}}})
-        EXPECT_FALSE(RemoteAnswers::refusal(always, moment)) << always.verb;
-    const std::string why = RemoteAnswers::refusal({"leave", {}}, moment).value_or("");
+        EXPECT_FALSE(RunAnswers::refusal(always, moment)) << always.verb;
+    for (const Word word : {Word::leaveNamed, Word::showNamed})
+        EXPECT_EQ(RunAnswers::isTaken(word, moment), moment == Moment::waiting);
+    const std::string why = RunAnswers::refusal({"leave", {}}, moment).value_or("");
     EXPECT_NE(why.find(story.instead), std::string::npos) << why;
 }
 
-TEST_F(ControllerStory, ACancelThatComesTooLateIsNotAccepted) {
+TEST_F(ControllerStory, WhatComesTooLateIsNotAccepted) {
     start();
-    const Moment moment =
-        RemoteAnswers::momentOf(*controller, {.stage = EndState::Stage::underWay});
-    EXPECT_TRUE(RemoteAnswers::refusal({"cancel", {}}, moment));
-    EXPECT_FALSE(RemoteAnswers::refusal({"quitAll", {"none"}}, moment));
+    const Moment moment = RunAnswers::momentOf(*controller, {.stage = EndState::Stage::underWay});
+    EXPECT_TRUE(RunAnswers::refusal({"cancel", {}}, moment));
+    EXPECT_FALSE(RunAnswers::refusal({"quitAll", {"none"}}, moment));
+    EXPECT_FALSE(RunAnswers::isTaken(Word::endAnyway, moment));
+    controller->quitAll(PowerAction::none);
+    EXPECT_EQ(RunAnswers::momentOf(*controller, {.stage = EndState::Stage::waiting}),
+              Moment::quitting);
 }
 
 INSTANTIATE_TEST_SUITE_P(, EveryMoment, testing::ValuesIn(stories),

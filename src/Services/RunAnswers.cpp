@@ -1,0 +1,138 @@
+#include "Services/RunAnswers.h"
+
+#include "Texts/Localized.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+namespace velmorquit::RunAnswers {
+namespace {
+
+constexpr const char* accepted = nullptr;
+
+constexpr const char* noRun = textKey("Non c'è nessuna chiusura in corso.");
+constexpr const char* quits = textKey("Velmor Quit sta già chiudendo le app.");
+constexpr const char* works = textKey("Velmor Quit è già al lavoro.");
+constexpr const char* noneStayed = textKey("Nessuna app è rimasta aperta.");
+constexpr const char* tooSoon =
+    textKey("Le app hanno ancora qualche secondo per chiudersi da sole: riprova fra poco.");
+constexpr const char* backupRuns =
+    textKey("È in corso un backup: velmorctl backup skip lo salta e va avanti, velmorctl backup "
+            "cancel si ferma qui.");
+constexpr const char* backupAsks =
+    textKey("Il backup non è riuscito e aspetta una risposta: velmorctl backup continue va avanti, "
+            "velmorctl backup stop si ferma qui.");
+constexpr const char* noBackup = textKey("Non c'è nessun backup in corso.");
+constexpr const char* noQuestion = textKey("Nessun backup aspetta una risposta.");
+constexpr const char* ejects =
+    textKey("Sto espellendo i dischi, e non mi fermo a metà: velmorctl cancel rinuncia a spegnere, "
+            "riavviare o uscire.");
+constexpr const char* ends = textKey("La chiusura delle app è finita: velmorctl cancel rinuncia a "
+                                     "spegnere, riavviare o uscire.");
+constexpr const char* mayPass = textKey("La chiusura delle app è finita: velmorctl anyway passa "
+                                        "sopra a ciò che resta aperto.");
+constexpr const char* tooLate = textKey("È troppo tardi: il sistema lo sta già facendo.");
+constexpr const char* changed = textKey("Ciò che resta aperto è cambiato: non faccio niente.");
+
+constexpr std::size_t words = static_cast<std::size_t>(Word::endAnyway) + 1;
+constexpr std::size_t moments = static_cast<std::size_t>(Moment::underWay) + 1;
+
+/// By word and moment.
+constexpr std::array<std::array<const char*, moments>, words> table{{
+    // idle, quitting, waiting, backingUp, backupFailed, ejecting, done, ending, underWay
+    // leave
+    {noRun, accepted, accepted, backupRuns, backupAsks, ejects, noRun, ends, tooLate},
+    // leaveNamed, showNamed, force
+    {noneStayed, tooSoon, accepted, noneStayed, noneStayed, noneStayed, noneStayed, ends, tooLate},
+    {noneStayed, tooSoon, accepted, noneStayed, noneStayed, noneStayed, noneStayed, ends, tooLate},
+    {noneStayed, tooSoon, accepted, noneStayed, noneStayed, noneStayed, noneStayed, mayPass,
+     tooLate},
+    // endBackup, answerFailure
+    {noBackup, noBackup, noBackup, accepted, backupAsks, noBackup, noBackup, noBackup, noBackup},
+    {noQuestion, noQuestion, noQuestion, backupRuns, accepted, noQuestion, noQuestion, noQuestion,
+     noQuestion},
+    // cancel
+    {accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted, tooLate},
+    // confirmSchedule, postponeSchedule
+    {accepted, quits, quits, works, backupAsks, works, accepted, accepted, tooLate},
+    {accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted},
+    // quitAll
+    {accepted, quits, quits, backupRuns, backupAsks, works, accepted, accepted, accepted},
+    // endAnyway
+    {accepted, changed, changed, changed, changed, changed, accepted, accepted, tooLate},
+}};
+
+const char* answerTo(Word word, Moment moment) {
+    return table.at(static_cast<std::size_t>(word)).at(static_cast<std::size_t>(moment));
+}
+
+struct Command {
+    std::string_view verb;
+    Word word;
+    std::size_t mostArguments = 0;
+    /// None for one that takes what it likes.
+    std::array<std::string_view, 2> arguments{};
+};
+
+constexpr std::array<Command, 9> commands{{
+    {"leave", Word::leave},
+    {"force", Word::force},
+    {"backup", Word::endBackup, 1, {"skip", "cancel"}},
+    {"backup", Word::answerFailure, 1, {"continue", "stop"}},
+    {"cancel", Word::cancel},
+    {"confirm", Word::confirmSchedule},
+    {"postpone", Word::postponeSchedule, 1},
+    {"quitAll", Word::quitAll, 1},
+    {"anyway", Word::endAnyway, 1},
+}};
+
+bool isMeant(const Command& one, const RemoteCommand& command) {
+    if (one.verb != command.verb || command.arguments.size() > one.mostArguments)
+        return false;
+    return one.arguments.front().empty() ||
+           (command.arguments.size() == 1 &&
+            std::ranges::count(one.arguments, command.arguments.front()) > 0);
+}
+
+} // namespace
+
+Moment momentOf(const QuitController& controller) {
+    const Phase& phase = controller.phase;
+    if (is<phases::Waiting>(phase))
+        return Moment::waiting;
+    if (is<phases::BackingUp>(phase))
+        return Moment::backingUp;
+    if (is<phases::BackupFailed>(phase))
+        return Moment::backupFailed;
+    if (is<phases::Ejecting>(phase))
+        return Moment::ejecting;
+    // A run that had nothing to ask has begun, though its phase has not.
+    if (controller.isRunning())
+        return Moment::quitting;
+    return is<phases::Done>(phase) ? Moment::done : Moment::idle;
+}
+
+Moment momentOf(const EndState& end) {
+    if (end.isComing())
+        return Moment::ending;
+    return end.stage == EndState::Stage::underWay ? Moment::underWay : Moment::idle;
+}
+
+Moment momentOf(const QuitController& controller, const EndState& end) {
+    const Moment ofEnd = momentOf(end);
+    return controller.isRunning() || ofEnd == Moment::idle ? momentOf(controller) : ofEnd;
+}
+
+bool isTaken(Word word, Moment moment) { return answerTo(word, moment) == accepted; }
+
+std::optional<std::string> refusal(const RemoteCommand& command, Moment moment) {
+    const auto* one = std::ranges::find_if(
+        commands, [&](const Command& known) { return isMeant(known, command); });
+    if (one == commands.end())
+        return std::nullopt;
+    const char* why = answerTo(one->word, moment);
+    return why ? std::optional(localized(why)) : std::nullopt;
+}
+
+} // namespace velmorquit::RunAnswers
