@@ -52,7 +52,7 @@ namespace {
 /// The terminal that started the program may be one of those that are asked to quit. A handler,
 /// unlike ignoring, is not inherited by the programs that are started from here.
 void surviveTheTerminal() {
-    struct sigaction nothing{};
+    struct sigaction nothing {};
     nothing.sa_handler = [](int) {};
     nothing.sa_flags = SA_RESTART;
     for (const int signal : {SIGHUP, SIGPIPE})
@@ -208,16 +208,19 @@ int run(int argc, char** argv) {
     ApplicationLauncher launcher({"/proc/self/exe", startEntrySwitch}, log);
     const auto askWithoutWindows = [&busQuit](ProcessId process) { busQuit.quit(process); };
     const DisplayServers displays(DisplayServers::Environment::ofThisProcess());
-    LinuxWorkspace workspace(
-        loop, log, toplevels,
-        {.askWithoutWindows = askWithoutWindows,
-         .launch = [&launcher](const std::string& path) { launcher.launch(path); },
-         .hasAnotherDisplay = [&displays] { return displays.hasAnotherDisplay(); }});
-    kernel.setWindowOwners([&toplevels] { return windowOwners(toplevels); });
     const QDBusConnection faceBus = QDBusConnection::sessionBus();
     X11Events faceEvents(std::move(*faceConnection));
     TrayOwners trayOwners(faceBus, faceEvents, ::getpid());
     const auto inTray = [&trayOwners] { return trayOwners.processes(); };
+    LinuxWorkspace workspace(
+        loop, log, toplevels,
+        {.withoutWindows = {.ask = askWithoutWindows,
+                            .trayOwners = inTray,
+                            .clickInTray =
+                                [&trayOwners](ProcessId owner) { return trayOwners.click(owner); }},
+         .launch = [&launcher](const std::string& path) { launcher.launch(path); },
+         .hasAnotherDisplay = [&displays] { return displays.hasAnotherDisplay(); }});
+    kernel.setWindowOwners([&toplevels] { return windowOwners(toplevels); });
     LinuxWindows windows(toplevels, workspace,
                          {.askWithoutWindows = askWithoutWindows, .trayOwners = inTray});
     const ProcProcesses processes(

@@ -23,11 +23,18 @@ enum class ActivationPolicy {
 /// Why an application that was asked to quit is still there, as far as the desktop can see.
 enum class StayReason {
     unknown,
-    asking,        ///< it has a dialog on the screen: the user has to answer it
+    asking,        ///< it asks something on the screen: the user has to answer it
     windowless,    ///< it has closed its windows and goes on running
     cannotBeAsked, ///< there is no polite way to ask it
     busyTerminal,  ///< a command runs in it that would be lost
     notResponding, ///< it doesn't react to anything
+    inTray,        ///< it has closed its windows and lives on in the tray
+};
+
+/// By whose word an application is asked to quit.
+enum class AskedBy {
+    run,  ///< all are asked: to one that was asked before, asking again may be an answer
+    user, ///< the user means this one
 };
 
 /// One application of the user's session, for as long as anybody asks about it: also after it
@@ -67,8 +74,16 @@ public:
     /// Asks the application to quit as its own Quit command would, so that it can ask about unsaved
     /// work. One that has closed its windows and goes on running is asked in whatever other way it
     /// understands. False when it was not asked, as there is no polite way: it is then left as it
-    /// is. Returns at once.
-    virtual bool terminate() = 0;
+    /// is, as it is while there is an `obstacle`. A run leaves one alone that it has asked before
+    /// and that still shows its question, or that has not been used since: to some, being asked
+    /// twice means that what isn't saved may be lost. That counts as asked. Returns at once.
+    virtual bool terminate(AskedBy who) = 0;
+
+    /// Why `terminate` would not ask it now; none when it would.
+    [[nodiscard]] virtual std::optional<StayReason> obstacle() = 0;
+
+    /// When it had the keyboard last, by running time: now while it has it; none when it never had.
+    [[nodiscard]] virtual std::optional<Uptime> lastUsed() const = 0;
 
     /// Why it is still there, once it was asked. To find out, it may be sent a short question,
     /// whose answer (or its absence) counts the next time.
@@ -78,7 +93,8 @@ public:
     /// has ended already is no refusal. Returns at once; the end shows in `isTerminated`.
     virtual bool forceTerminate() = 0;
 
-    /// Brings its windows to the front. False when there is nothing to bring.
+    /// Brings its windows to the front, or has its icon in the tray bring them. False when there is
+    /// nothing to bring.
     virtual bool activate() = 0;
 };
 

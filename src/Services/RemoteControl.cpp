@@ -1,5 +1,6 @@
 #include "Services/RemoteControl.h"
 
+#include "Services/Panel/PanelTexts.h"
 #include "Services/RunAnswers.h"
 #include "Texts/Localized.h"
 
@@ -33,8 +34,9 @@ bool equalIgnoringCase(std::string_view one, std::string_view other) {
 }
 
 const char* rawValue(StayReason reason) {
-    static constexpr std::array<const char*, 6> names{
-        nullptr, "asking", "windowless", "cannotBeAsked", "busyTerminal", "notResponding"};
+    static constexpr std::array<const char*, 7> names{
+        nullptr,        "asking",        "windowless", "cannotBeAsked",
+        "busyTerminal", "notResponding", "inTray"};
     return names.at(static_cast<std::size_t>(reason));
 }
 
@@ -74,6 +76,8 @@ RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
         return quitAll(arguments);
     if (verb == "force" && count == 0)
         return force();
+    if (verb == "askAgain" && count <= 1)
+        return askAgain(arguments);
     if (verb == "leave" && count == 0)
         return leave();
     if (verb == "backup" && count == 1)
@@ -142,6 +146,33 @@ RemoteAnswer RemoteControl::force() {
     return done({{"forced", std::move(forced)}, {"refused", protectedNames}});
 }
 
+RemoteAnswer RemoteControl::askAgain(const std::vector<std::string>& name) {
+    std::vector<OpenApp> apps = controller_.stubborn;
+    if (!name.empty())
+        apps = named(name.front(), apps);
+    if (apps.empty())
+        return refused(name.empty()
+                           ? localized("Nessuna app è rimasta aperta.")
+                           : localized("Nessuna app rimasta aperta si chiama «%@».", name.front()));
+    std::vector<OpenApp> asked;
+    std::string text;
+    for (const OpenApp& app : apps) {
+        if (const auto why = controller_.askAgain(app))
+            text += (text.empty() ? "" : "\n") + app.name + ": " +
+                    PanelTexts::stayHelp(*why).value_or(std::string());
+        else
+            asked.push_back(app);
+    }
+    if (asked.empty())
+        return refused(std::move(text));
+    std::string names;
+    for (const OpenApp& app : asked)
+        names += (names.empty() ? "" : ", ") + app.name;
+    const std::string told = localized("Chiedo di nuovo di chiudersi a: %@.", names);
+    return done(
+        {{"asked", describeAll(asked)}, {"text", text.empty() ? told : told + '\n' + text}});
+}
+
 RemoteAnswer RemoteControl::leave() {
     controller_.leaveStubbornOpen();
     return done(describePhase());
@@ -206,7 +237,7 @@ RemoteAnswer RemoteControl::setExcluded(const std::string& name, bool isExcluded
     // A stored key is meant before an application that is called alike.
     if (!isExcluded && controller_.includeAgain(name))
         return done({{"key", name}, {"excluded", false}});
-    const auto apps = named(name);
+    const auto apps = named(name, controller_.apps);
     if (apps.empty())
         return refused(localized("Nessuna app aperta si chiama «%@».", name));
     const std::string& key = apps.front().exclusionKey();
@@ -219,11 +250,13 @@ RemoteAnswer RemoteControl::setExcluded(const std::string& name, bool isExcluded
     return done({{"key", key}, {"excluded", isExcluded}});
 }
 
-/// The open applications that a person means by `name`: the first way of reading it that fits any.
-std::vector<OpenApp> RemoteControl::named(const std::string& name) const {
+/// Those of the applications that a person means by `name`: the first way of reading it that fits
+/// any.
+std::vector<OpenApp> RemoteControl::named(const std::string& name,
+                                          const std::vector<OpenApp>& apps) {
     const auto matching = [&](auto fits) {
         std::vector<OpenApp> found;
-        std::ranges::copy_if(controller_.apps.get(), std::back_inserter(found), fits);
+        std::ranges::copy_if(apps, std::back_inserter(found), fits);
         return found;
     };
     auto found = matching([&](const OpenApp& app) { return app.exclusionKey() == name; });

@@ -16,14 +16,14 @@ namespace velmorquit {
 
 /// What other processes of the user can do with the controller and hear of it.
 ///
-/// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `leave`, `exclude NAME`,
-/// `include NAME`, `backup skip|cancel|continue|stop`, `eject`, `reopen` and `forget` (what the
-/// last run closed), `show [TOKEN]`, and those of `RemoteSchedule` and
+/// Verbs: `status`, `quitAll [none|shutDown|restart|logOut]`, `force`, `askAgain [NAME]`, `leave`,
+/// `exclude NAME`, `include NAME`, `backup skip|cancel|continue|stop`, `eject`, `reopen` and
+/// `forget` (what the last run closed), `show [TOKEN]`, and those of `RemoteSchedule` and
 /// `RemoteEnd`; those that are about a run are taken where `RunAnswers` says. Changes are
 /// announced as objects with a field `change`: `phase`, `stubborn`, `opened`, `closed`,
 /// `windowless` (it lives on), `excluded`, `included`, `event`. A stubborn application has a
-/// `reason`: `asking`, `windowless`, `cannotBeAsked`, `busyTerminal`, `notResponding`, or null when
-/// nothing is known.
+/// `reason`: `asking`, `windowless`, `inTray`, `cannotBeAsked`, `busyTerminal`, `notResponding`, or
+/// null when nothing is known.
 class RemoteControl {
 public:
     /// What it is handed outlives it.
@@ -45,6 +45,7 @@ private:
     [[nodiscard]] RemoteAnswer status();
     RemoteAnswer quitAll(const std::vector<std::string>& arguments);
     RemoteAnswer force();
+    RemoteAnswer askAgain(const std::vector<std::string>& name);
     RemoteAnswer leave();
     RemoteAnswer backup(const std::string& word);
     RemoteAnswer eject();
@@ -54,7 +55,8 @@ private:
     [[nodiscard]] static Json describeSaved(const std::vector<SavedApp>& apps);
     RemoteAnswer setExcluded(const std::string& name, bool isExcluded);
 
-    [[nodiscard]] std::vector<OpenApp> named(const std::string& name) const;
+    [[nodiscard]] static std::vector<OpenApp> named(const std::string& name,
+                                                    const std::vector<OpenApp>& apps);
     [[nodiscard]] Json describe(const OpenApp& app) const;
     [[nodiscard]] Json describeAll(const std::vector<OpenApp>& apps) const;
     [[nodiscard]] Json describeStubborn() const;

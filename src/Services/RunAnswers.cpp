@@ -43,7 +43,8 @@ constexpr std::array<std::array<const char*, moments>, words> table{{
     // idle, quitting, waiting, backingUp, backupFailed, ejecting, done, ending, underWay
     // leave
     {noRun, accepted, accepted, backupRuns, backupAsks, ejects, noRun, ends, tooLate},
-    // leaveNamed, showNamed, force
+    // leaveNamed, showNamed, askAgain, force
+    {noneStayed, tooSoon, accepted, noneStayed, noneStayed, noneStayed, noneStayed, ends, tooLate},
     {noneStayed, tooSoon, accepted, noneStayed, noneStayed, noneStayed, noneStayed, ends, tooLate},
     {noneStayed, tooSoon, accepted, noneStayed, noneStayed, noneStayed, noneStayed, ends, tooLate},
     {noneStayed, tooSoon, accepted, noneStayed, noneStayed, noneStayed, noneStayed, mayPass,
@@ -75,8 +76,9 @@ struct Command {
     std::array<std::string_view, 2> arguments{};
 };
 
-constexpr std::array<Command, 9> commands{{
+constexpr std::array<Command, 10> commands{{
     {"leave", Word::leave},
+    {"askAgain", Word::askAgain, 1},
     {"force", Word::force},
     {"backup", Word::endBackup, 1, {"skip", "cancel"}},
     {"backup", Word::answerFailure, 1, {"continue", "stop"}},

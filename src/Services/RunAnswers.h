@@ -27,6 +27,7 @@ enum class Word {
     leave,         ///< whatever stays open alone
     leaveNamed,    ///< the same, as the answer to a notice that has named it
     showNamed,     ///< what such a notice has named
+    askAgain,      ///< what stays
     force,         ///< what stays to end
     endBackup,     ///< that runs
     answerFailure, ///< of a backup

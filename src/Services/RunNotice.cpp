@@ -22,6 +22,8 @@ std::string described(const std::string& name, StayReason reason) {
         return localized("%@ (ha un comando in corso)", name);
     case StayReason::notResponding:
         return localized("%@ (non risponde)", name);
+    case StayReason::inTray:
+        return localized("%@ (nell'area di notifica)", name);
     case StayReason::unknown:
         break;
     }

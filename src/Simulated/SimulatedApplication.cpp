@@ -57,6 +57,16 @@ SimulatedApplication& SimulatedApplication::cannotBeAsked() {
     return *this;
 }
 
+SimulatedApplication& SimulatedApplication::hindered(std::optional<StayReason> obstacle) {
+    obstacle_ = obstacle;
+    return *this;
+}
+
+SimulatedApplication& SimulatedApplication::usedAt(std::optional<Uptime> time) {
+    lastUsed_ = time;
+    return *this;
+}
+
 SimulatedApplication& SimulatedApplication::cannotBeForced() {
     canBeForced_ = false;
     return *this;
@@ -92,7 +102,13 @@ std::optional<std::string> SimulatedApplication::bundlePath() const {
     return "/applications/" + *bundle_ + ".desktop";
 }
 
-bool SimulatedApplication::terminate() {
+std::optional<StayReason> SimulatedApplication::obstacle() {
+    return manners_ == Manners::cannotBeAsked ? StayReason::cannotBeAsked : obstacle_;
+}
+
+bool SimulatedApplication::terminate(AskedBy) {
+    if (obstacle_)
+        return false;
     log("quit");
     if (isTerminated_ || manners_ == Manners::cannotBeAsked)
         return false;

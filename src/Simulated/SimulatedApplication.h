@@ -38,6 +38,9 @@ public:
     SimulatedApplication& ignoresAsking();
     /// Can't be asked at all.
     SimulatedApplication& cannotBeAsked();
+    /// Has something in the way of being asked, or nothing any more.
+    SimulatedApplication& hindered(std::optional<StayReason> obstacle);
+    SimulatedApplication& usedAt(std::optional<Uptime> time);
     /// Its process belongs to somebody else.
     SimulatedApplication& cannotBeForced();
     /// Needs that long to end when it is forced.
@@ -64,7 +67,9 @@ public:
     [[nodiscard]] StayReason stayReason() override { return reason_; }
     [[nodiscard]] ActivationPolicy activationPolicy() const override { return policy_; }
     [[nodiscard]] bool isTerminated() const override { return isTerminated_; }
-    bool terminate() override;
+    bool terminate(AskedBy who) override;
+    [[nodiscard]] std::optional<StayReason> obstacle() override;
+    [[nodiscard]] std::optional<Uptime> lastUsed() const override { return lastUsed_; }
     bool forceTerminate() override;
     bool activate() override;
 
@@ -83,6 +88,8 @@ private:
     WallTime launchDate_;
     std::shared_ptr<const Icon> icon_ = std::make_shared<Icon>();
     StayReason reason_ = StayReason::unknown;
+    std::optional<StayReason> obstacle_;
+    std::optional<Uptime> lastUsed_;
     ActivationPolicy policy_ = ActivationPolicy::regular;
     Manners manners_ = Manners::quits;
     Duration quitTime_{};

@@ -113,7 +113,7 @@ void SimulatedWindows::askWithoutWindows(ProcessId process) { quit(process); }
 bool SimulatedWindows::quit(ProcessId process) {
     for (const auto& application : workspace_.runningApplications()) {
         if (application->processId() == process)
-            return application->terminate();
+            return application->terminate(AskedBy::user);
     }
     return false;
 }

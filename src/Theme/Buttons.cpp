@@ -76,6 +76,30 @@ void PrimaryButton::paintEvent(QPaintEvent*) {
         drawFocus(painter, area, radius);
 }
 
+TextButton::TextButton(const QString& text, QWidget* parent) : Aimed(text, parent) {
+    setFont(AppTheme::captionFont());
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+QSize TextButton::sizeHint() const {
+    return {static_cast<int>(std::ceil(textWidth(font(), text()))),
+            static_cast<int>(std::ceil(QFontMetricsF(font()).height())) + 2};
+}
+
+void TextButton::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QRectF area = rect();
+    if (isDown())
+        painter.setOpacity(0.7);
+    painter.setPen(AppTheme::text(underMouse() ? 1 : 0.9));
+    QFont underlined = font();
+    underlined.setUnderline(true);
+    painter.setFont(underlined);
+    drawLine(painter, area, text());
+    if (showsFocus(*this))
+        drawFocus(painter, area, AppTheme::buttonCornerRadius / 2.0);
+}
+
 SymbolButton::SymbolButton(const QString& symbol, double textSize, const QColor& colour, int margin,
                            const QString& help, QWidget* parent)
     : Aimed(parent), symbol_(symbol), colour_(colour),

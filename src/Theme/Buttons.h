@@ -35,6 +35,18 @@ private:
     QString symbol_;
 };
 
+/// A button that is a word of the text around it, underlined.
+class TextButton : public Aimed<QPushButton> {
+public:
+    explicit TextButton(const QString& text, QWidget* parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
 /// A button that shows a symbol alone, such as the cross that puts a notice away. Its accessible
 /// name is its tool tip.
 class SymbolButton : public Aimed<QPushButton> {

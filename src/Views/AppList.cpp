@@ -68,7 +68,7 @@ int AppList::contentHeight() const { return heightOf(static_cast<int>(order_.siz
 // Whether it goes is seen in the list; that it was not asked would be seen nowhere.
 void AppList::quitOne(AppRow& row, const OpenApp& app) {
     constexpr int readingTime = 6000;
-    if (app.app->terminate())
+    if (app.app->terminate(AskedBy::user))
         return;
     const auto why = PanelTexts::stayHelp(app.app->stayReason());
     const auto fallback = PanelTexts::stayHelp(StayReason::cannotBeAsked);
@@ -169,7 +169,8 @@ bool AppList::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Leave) {
         for (const auto& [id, row] : rowOf_)
             row->setHovering(false);
-        QMetaObject::invokeMethod(this, [this] { render(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { render(); }, Qt::QueuedConnection);
     }
     return GlassCard::eventFilter(watched, event);
 }

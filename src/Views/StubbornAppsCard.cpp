@@ -1,14 +1,13 @@
 #include "Views/StubbornAppsCard.h"
 
-#include "Services/Panel/PanelTexts.h"
 #include "Texts/Localized.h"
 #include "Theme/AppTheme.h"
 #include "Theme/Buttons.h"
 #include "Theme/Label.h"
 #include "Theme/Marks.h"
 #include "Theme/SymbolLabel.h"
-#include "Views/IconView.h"
 #include "Views/Layouts.h"
+#include "Views/StubbornRow.h"
 
 #include <utility>
 
@@ -58,45 +57,20 @@ StubbornAppsCard::StubbornAppsCard(QuitController& controller, QWidget* parent)
     forceAll_ = force;
 }
 
-StubbornAppsCard::Row StubbornAppsCard::makeRow(const OpenApp& app) {
-    auto* widget = new QWidget;
-    widget->setObjectName(QStringLiteral("stubborn"));
-    QHBoxLayout& line = row(*widget, 8);
-    line.addWidget(new IconView(app.icon, 22));
-    auto* name = new Label(AppTheme::bodyFont(), AppTheme::text());
-    name->setText(toQt(app.name));
-    line.addWidget(name, 1);
-    auto* show = new PrimaryButton(toQt(localized("Mostra")));
-    show->setObjectName(QStringLiteral("show"));
-    show->setAccessibleName(toQt(localized("Mostra %@", app.name)));
-    connect(show, &QPushButton::clicked, this, [shown = app.app] { shown->activate(); });
-    auto* force = new PrimaryButton(toQt(localized("Forza")), AppTheme::dangerRed());
-    force->setObjectName(QStringLiteral("force"));
-    const QString help = toQt(PanelTexts::forceHelp(app));
-    force->setToolTip(help);
-    force->setAccessibleName(toQt(localized("Forza la chiusura di %@", app.name)));
-    connect(force, &QPushButton::clicked, this, [forced = app.app] { forced->forceTerminate(); });
-    line.addWidget(show);
-    line.addWidget(force);
-    return {app.app, widget, show, force};
-}
-
 void StubbornAppsCard::render() {
     std::vector<ProcessId> order;
     for (const OpenApp& app : controller_.stubborn.get()) {
         order.push_back(app.id);
-        Row& row = rowOf_[app.id];
+        StubbornRow*& row = rowOf_[app.id];
         // Another application may have got the process id of one of an earlier run.
-        if (row.app != app.app) {
-            delete row.widget;
-            row = makeRow(app);
+        if (!row || row->app() != app.app) {
+            delete row;
+            row = new StubbornRow(controller_, app);
             order_.clear();
         }
         const auto& reasons = controller_.stayReasons.get();
         const auto reason = reasons.find(app.id);
-        const auto help =
-            reason == reasons.end() ? std::nullopt : PanelTexts::stayHelp(reason->second);
-        row.widget->setToolTip(toQt(help.value_or(std::string())));
+        row->render(reason == reasons.end() ? std::nullopt : std::optional(reason->second));
     }
     if (std::exchange(order_, order) == order)
         return;
@@ -104,7 +78,7 @@ void StubbornAppsCard::render() {
         const auto gone = next++;
         if (std::find(order.begin(), order.end(), gone->first) != order.end())
             continue;
-        QWidget* widget = gone->second.widget;
+        QWidget* widget = gone->second;
         widget->hide();
         widget->deleteLater();
         rows_->removeWidget(widget);
@@ -118,12 +92,13 @@ void StubbornAppsCard::layOut() {
     QWidget* previous = nullptr;
     int at = 0;
     for (const ProcessId id : order_) {
-        const Row& row = rowOf_[id];
-        rows_->insertWidget(at++, row.widget);
-        if (previous)
-            setTabOrder(previous, row.show);
-        setTabOrder(row.show, row.force);
-        previous = row.force;
+        StubbornRow* row = rowOf_[id];
+        rows_->insertWidget(at++, row);
+        for (QWidget* button : row->buttons()) {
+            if (previous)
+                setTabOrder(previous, button);
+            previous = button;
+        }
     }
     if (previous)
         setTabOrder(previous, leave_);

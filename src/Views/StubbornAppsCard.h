@@ -10,6 +10,8 @@ class QVBoxLayout;
 
 namespace velmorquit {
 
+class StubbornRow;
+
 /// The applications that did not quit when they were asked, and what can be done about them.
 class StubbornAppsCard : public GlassCard {
 public:
@@ -18,19 +20,11 @@ public:
     void render();
 
 private:
-    struct Row {
-        std::shared_ptr<RunningApplication> app;
-        QWidget* widget = nullptr;
-        QWidget* show = nullptr;
-        QWidget* force = nullptr;
-    };
-
-    Row makeRow(const OpenApp& app);
     void layOut();
 
     QuitController& controller_;
     QVBoxLayout* rows_;
-    std::map<ProcessId, Row> rowOf_;
+    std::map<ProcessId, StubbornRow*> rowOf_;
     std::vector<ProcessId> order_;
     QWidget* leave_;
     QWidget* forceAll_;

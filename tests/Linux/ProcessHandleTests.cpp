@@ -85,7 +85,8 @@ TEST_F(ForcingTest, AsksByASignalFirstAndKillsTheDeafTwoSecondsLater) {
     EXPECT_TRUE(one->forceTerminate());
     EXPECT_TRUE(waitUntil([&] { return one->isTerminated(); }));
     EXPECT_EQ(willing.status(), 128 + SIGTERM);
-    EXPECT_FALSE(one->terminate()) << "without a workspace there is nobody to ask politely";
+    EXPECT_FALSE(one->terminate(AskedBy::run))
+        << "without a workspace there is nobody to ask politely";
     EXPECT_FALSE(one->activate());
 
     Child stubborn({"sh", "-c", "trap '' TERM; echo deaf; while :; do sleep 1; done"});

@@ -215,6 +215,38 @@ TEST_F(QuitAllRun, OneThatGoesOnWithoutWindowsIsAskedOnceMoreInTheWayThatIsLeft)
     EXPECT_TRUE(controller->stayReasons->empty());
 }
 
+// A terminal's command ends, a legal notice is accepted.
+TEST_F(QuitAllRun, WhatCouldNotBeAskedIsAskedOnceWhenNothingStandsInTheWayAnyMore) {
+    auto& terminal = desktop.open("Terminal").hindered(StayReason::busyTerminal).ignoresAsking();
+    auto& notice = desktop.open("Notice").hindered(StayReason::cannotBeAsked).ignoresAsking();
+    start().quitAll(PowerAction::none);
+    desktop.advance(20s);
+    terminal.hindered(std::nullopt);
+    desktop.advance(700ms);
+    terminal.hindered(StayReason::busyTerminal);
+    desktop.advance(5s);
+    EXPECT_EQ(desktop.log().find("quit Terminal"), std::string::npos) << "between two commands";
+    desktop.startLog();
+    terminal.hindered(std::nullopt);
+    notice.hindered(std::nullopt).usedAt(desktop.loop.uptime());
+    desktop.advance(29s);
+    EXPECT_EQ(desktop.log(), Lines("1.55 quit Terminal")) << "once, and what is used is left alone";
+    desktop.advance(5s);
+    EXPECT_NE(desktop.log().find("quit Notice"), std::string::npos);
+    controller->leaveStubbornOpen();
+    terminal.hindered(StayReason::busyTerminal);
+    controller->quitAll(PowerAction::none);
+    desktop.advance(10min + 1s);
+    desktop.startLog();
+    terminal.hindered(std::nullopt);
+    desktop.advance(1min);
+    EXPECT_EQ(desktop.log(), "") << "nobody expects it any more";
+    EXPECT_EQ(controller->askAgain(controller->stubborn->front()), std::nullopt);
+    EXPECT_NE(desktop.log().find("quit "), std::string::npos);
+    terminal.hindered(StayReason::asking);
+    EXPECT_EQ(controller->askAgain(controller->stubborn->front()), StayReason::asking);
+}
+
 TEST_F(QuitAllRun, OneThatOpensMeanwhileIsNoTarget) {
     desktop.open("A").quitsAfter(1s);
     start().quitAll(PowerAction::none);

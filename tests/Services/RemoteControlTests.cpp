@@ -137,6 +137,14 @@ TEST_F(RemoteControlTest, TellsWhyTheyStayAndWhenThatChanges) {
     EXPECT_EQ(told(), "stubborn ");
     EXPECT_EQ(json::parse(desktop.remote.changes[0])["applications"][0]["reason"], "asking");
     EXPECT_EQ(status()["stubborn"][0]["reason"], "asking");
+    desktop.startLog();
+    EXPECT_EQ(desktop.remote.give("askAgain", {"note"}).status, Status::done);
+    EXPECT_EQ(desktop.log(), Lines("0.00 quit Note"));
+    EXPECT_EQ(desktop.remote.give("askAgain", {"other"}).status, Status::refused);
+    note.hindered(StayReason::asking);
+    const RemoteAnswer answer = desktop.remote.give("askAgain");
+    EXPECT_EQ(answer.status, Status::refused);
+    EXPECT_EQ(answer.text, "Note: Ha una finestra aperta che aspetta una risposta.");
 }
 
 TEST_F(RemoteControlTest, RefusesASecondRunInTheTurnInWhichAnEmptyOneBegan) {

@@ -28,7 +28,7 @@ TEST_F(RunningApplications, FollowLaunchesEndsAndWindows) {
     EXPECT_EQ(names(controller->apps), "Note Tray");
     note.end();
     EXPECT_EQ(names(controller->apps), "Tray");
-    tray.terminate();
+    tray.terminate(AskedBy::run);
     EXPECT_EQ(names(controller->apps), "");
 }
 

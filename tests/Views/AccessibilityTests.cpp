@@ -69,8 +69,9 @@ TEST_F(AccessibilityTest, ForcingSaysWhomItForces) {
     controller->quitAll(PowerAction::none);
     advance(7s);
     EXPECT_EQ(keyboardOrder(), Lines("button Impostazioni", "button Mostra Testardo",
-                                     "button Forza la chiusura di Testardo", "button Annulla",
-                                     "button Forza tutte"));
+                                     "button Forza la chiusura di Testardo",
+                                     "button Chiedi di nuovo a Testardo di chiudersi",
+                                     "button Annulla", "button Forza tutte"));
 }
 
 } // namespace

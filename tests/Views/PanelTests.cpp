@@ -147,18 +147,25 @@ TEST_F(PanelTest, StubbornOnesAreShownForcedOrLeft) {
     advance(8s);
     const auto rows = frame->findChildren<QWidget*>(QStringLiteral("stubborn"));
     ASSERT_EQ(rows.size(), 2);
-    EXPECT_EQ(rows[0]->toolTip(), "Ha una finestra aperta che aspetta una risposta.");
-    EXPECT_EQ(rows[1]->toolTip(), "");
+    const auto in = [&](int row, const char* name) {
+        return rows[row]->findChild<QWidget*>(QString::fromLatin1(name));
+    };
+    EXPECT_EQ(static_cast<QLabel*>(in(0, "why"))->text(),
+              "Ha una finestra aperta che aspetta una risposta.");
+    EXPECT_FALSE(in(0, "askAgain")->isVisible()) << "its question would be dismissed";
+    EXPECT_FALSE(in(1, "why")->isVisible());
     desktop.startLog();
-    QTest::mouseClick(rows[0]->findChild<QWidget*>(QStringLiteral("show")), Qt::LeftButton);
-    QTest::mouseClick(rows[1]->findChild<QWidget*>(QStringLiteral("force")), Qt::LeftButton);
-    EXPECT_EQ(desktop.log(), Lines("0.00 activate Atto", "0.00 force Blocco"));
+    QTest::mouseClick(in(0, "show"), Qt::LeftButton);
+    QTest::mouseClick(in(1, "askAgain"), Qt::LeftButton);
+    QTest::mouseClick(in(1, "force"), Qt::LeftButton);
+    EXPECT_EQ(desktop.log(), Lines("0.00 activate Atto", "0.00 quit Blocco", "0.00 force Blocco"));
     advance(1s);
     EXPECT_EQ(frame->findChildren<QWidget*>(QStringLiteral("stubborn")).size(), 1);
     click("leaveOpen");
     advance(10s);
     EXPECT_EQ(controller->afterQuit.get(), PowerAction::shutDown);
-    EXPECT_EQ(desktop.log(), Lines("0.00 activate Atto", "0.00 force Blocco", "0.00 ended Blocco"));
+    EXPECT_EQ(desktop.log(), Lines("0.00 activate Atto", "0.00 quit Blocco", "0.00 force Blocco",
+                                   "0.00 ended Blocco"));
 }
 
 TEST_F(PanelTest, GivesItsListUpFirstAndScrollsThen) {

@@ -45,7 +45,7 @@ TEST_F(StartedWorkspaceTest, AUnitNamesTheProgramItWasMadeForAndNotThoseStartedF
     const ProcessId snap = begin("snap.firebox.firebox-0a1b2c3d-0a1b-0a1b-0a1b-0a1b2c3d4e5f.scope",
                                  {"--class", "Mailer"});
     linger(200);
-    LinuxWorkspace other(loop, log, toplevels, {.askWithoutWindows = {}, .proc = proc});
+    LinuxWorkspace other(loop, log, toplevels, {.proc = proc});
     EXPECT_EQ(findIn(other, terminal)->bundleIdentifier(), "org.example.term");
     EXPECT_EQ(findIn(other, guest)->bundleIdentifier(), "mailer");
     EXPECT_EQ(findIn(other, snap)->bundleIdentifier(), "firebox_firebox");
@@ -62,15 +62,15 @@ TEST_F(StartedWorkspaceTest, AServiceHasEndedWithItsLastWindowAndAnyOtherIsAsked
     std::vector<ProcessId> asked;
     LinuxWorkspace other(
         loop, log, toplevels,
-        {.askWithoutWindows = [&](ProcessId id) { asked.push_back(id); }, .proc = proc});
+        {.withoutWindows = {.ask = [&](ProcessId id) { asked.push_back(id); }}, .proc = proc});
     int ends = 0;
     const Handle watch = other.observe(WorkspaceEvent::terminated, [&] { ++ends; });
     const auto serving = findIn(other, service);
     const auto playing = findIn(other, player);
     const auto begun = findIn(other, opened);
-    EXPECT_TRUE(serving->terminate());
-    EXPECT_TRUE(playing->terminate());
-    EXPECT_TRUE(begun->terminate());
+    EXPECT_TRUE(serving->terminate(AskedBy::run));
+    EXPECT_TRUE(playing->terminate(AskedBy::run));
+    EXPECT_TRUE(begun->terminate(AskedBy::run));
     EXPECT_TRUE(waitUntil([&] { return serving->isTerminated() && ends == 1; }));
     EXPECT_TRUE(
         waitUntil([&] { return playing->activationPolicy() == ActivationPolicy::accessory; }));
@@ -78,8 +78,8 @@ TEST_F(StartedWorkspaceTest, AServiceHasEndedWithItsLastWindowAndAnyOtherIsAsked
     EXPECT_FALSE(playing->isTerminated());
     EXPECT_FALSE(begun->isTerminated()) << "what a service has started is none";
     EXPECT_TRUE(asked.empty());
-    EXPECT_TRUE(playing->terminate());
-    EXPECT_FALSE(serving->terminate());
+    EXPECT_TRUE(playing->terminate(AskedBy::run));
+    EXPECT_FALSE(serving->terminate(AskedBy::run));
     EXPECT_EQ(asked, std::vector<ProcessId>{player});
 }
 

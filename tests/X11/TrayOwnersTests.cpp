@@ -22,11 +22,14 @@ TEST_F(TrayOwnersTest, AreThoseWhoseWindowsTheTrayHasTakenIn) {
     TrayOwners owners = makeOwners();
     EXPECT_EQ(owners.processes(), Ids());
     openRude({"--class", "Ordinary", "--windows", "120"});
-    const Child& one = openRude({"--tray"});
+    Child& one = openRude({"--tray"});
     const Child& two = openRude({"--tray", "--windows", "2"});
     EXPECT_TRUE(waitUntil([&] { return owners.processes() == Ids{pidOf(one), pidOf(two)}; }));
     TrayOwners ofOthers = makeOwners(pidOf(one));
     EXPECT_EQ(ofOthers.processes(), Ids{pidOf(two)}) << "who asks is left out";
+    EXPECT_TRUE(owners.click(pidOf(one)));
+    EXPECT_TRUE(waitUntil([&] { return one.output().find("clicked") != std::string::npos; }));
+    EXPECT_FALSE(owners.click(::getpid()));
     one.send(SIGKILL);
     EXPECT_TRUE(waitUntil([&] { return owners.processes() == Ids{pidOf(two)}; }));
     killOwnerOf(ownerOf("_NET_SYSTEM_TRAY_S0"));

@@ -14,11 +14,11 @@ TEST_F(WorkspaceTest, TellsOfLaunchesEndsAndWindows) {
     EXPECT_EQ(app->activationPolicy(), ActivationPolicy::regular);
     EXPECT_EQ(app->localizedName(), "Rude");
     EXPECT_FALSE(app->bundleIdentifier());
-    EXPECT_TRUE(app->terminate());
+    EXPECT_TRUE(app->terminate(AskedBy::run));
     EXPECT_TRUE(waitUntil([&] { return count(WorkspaceEvent::policyChanged) == 1; }));
     EXPECT_EQ(app->activationPolicy(), ActivationPolicy::accessory);
     EXPECT_FALSE(app->isTerminated());
-    EXPECT_FALSE(app->terminate()) << "nothing is left that could be asked";
+    EXPECT_FALSE(app->terminate(AskedBy::run)) << "nothing is left that could be asked";
     EXPECT_EQ(count(WorkspaceEvent::terminated), 0U);
     children.front()->send(SIGKILL);
     EXPECT_TRUE(waitUntil([&] { return count(WorkspaceEvent::terminated) == 1; }));
@@ -29,19 +29,18 @@ TEST_F(WorkspaceTest, TellsOfLaunchesEndsAndWindows) {
 TEST_F(WorkspaceTest, KnowsOneApplicationAProcessAndAsksEachOfItsWindowsOnce) {
     const auto app = open({"--windows", "3"});
     EXPECT_EQ(workspace.runningApplications().size(), 1U);
-    EXPECT_TRUE(app->terminate());
+    EXPECT_TRUE(app->terminate(AskedBy::run));
     EXPECT_TRUE(waitUntil([&] { return app->isTerminated(); }));
     EXPECT_EQ(timesAsked(*children.front()), 3U);
 }
 
 TEST_F(WorkspaceTest, AsksNeitherADialogNorAWindowThatDoesNotUnderstand) {
     const auto busy = open({"--ignore", "--windows", "2", "--modal"});
-    EXPECT_TRUE(busy->terminate());
-    EXPECT_TRUE(waitUntil([&] { return timesAsked(*children.front()) == 1; }));
+    EXPECT_FALSE(busy->terminate(AskedBy::run)) << "its dialog keeps it from closing";
     const auto deaf = open({"--class", "Deaf", "--no-protocol"});
-    EXPECT_FALSE(deaf->terminate());
+    EXPECT_FALSE(deaf->terminate(AskedBy::run));
     linger(200);
-    EXPECT_EQ(timesAsked(*children.front()), 1U);
+    EXPECT_EQ(timesAsked(*children.front()), 0U);
     EXPECT_FALSE(deaf->isTerminated()) << "the window manager was not made to kill it";
 }
 
@@ -50,7 +49,8 @@ TEST_F(WorkspaceTest, LeavesOutPanelsAndTheProgramsOfOtherHosts) {
     start({"--class", "Panel", "--type", "DOCK"});
     start({"--class", "Splash", "--type", "SPLASH", "--type", "NORMAL"});
     const auto dialog = open({"--class", "Question", "--type", "DIALOG"});
-    EXPECT_TRUE(dialog->terminate()) << "a dialog of nobody else is a program's own window";
+    EXPECT_TRUE(dialog->terminate(AskedBy::run))
+        << "a dialog of nobody else is a program's own window";
     linger(200);
     for (const auto& application : workspace.runningApplications())
         EXPECT_EQ(application->localizedName(), "Question");
@@ -111,19 +111,18 @@ TEST_F(WorkspaceTest, LeavesOutWhatMakesUpTheDesktopAndWhatIsNotForTheUser) {
 }
 
 TEST_F(WorkspaceTest, SaysWhyAnApplicationStays) {
-    const std::map<std::string, StayReason> manners{{"--asks", StayReason::asking},
-                                                    {"--stay", StayReason::windowless},
-                                                    {"--no-protocol", StayReason::cannotBeAsked},
-                                                    {"--frozen", StayReason::notResponding},
-                                                    {"--ignore", StayReason::unknown}};
+    const std::map<std::string, StayReason> manners{
+        {"--asks", StayReason::asking},          {"--asks-plainly", StayReason::asking},
+        {"--stay", StayReason::windowless},      {"--no-protocol", StayReason::cannotBeAsked},
+        {"--frozen", StayReason::notResponding}, {"--ignore", StayReason::unknown}};
     std::vector<std::shared_ptr<RunningApplication>> apps;
     std::vector<StayReason> expected;
     for (const auto& [manner, reason] : manners) {
-        apps.push_back(open({"--class", "C" + manner.substr(2), manner, "--ping"}));
+        apps.push_back(open({"--class", "C" + manner.substr(2), manner, "--pongs-as-qt"}));
         expected.push_back(reason);
     }
     for (const auto& app : apps)
-        app->terminate();
+        app->terminate(AskedBy::run);
     const auto reasons = [&] {
         std::vector<StayReason> found;
         for (const auto& app : apps)
@@ -134,6 +133,37 @@ TEST_F(WorkspaceTest, SaysWhyAnApplicationStays) {
         << testing::PrintToString(reasons());
     linger(3000);
     EXPECT_EQ(reasons(), expected) << "whoever answers is not deaf a while later";
+}
+
+// Being asked twice, some dismiss their question, and others lose what they have asked about.
+TEST_F(WorkspaceTest, ARunAsksAgainOnlyWhatWasUsedSinceAndShowsNoQuestion) {
+    const auto silent = open({"--ignore"});
+    Child& silentChild = *children.back();
+    const auto asking = open({"--class", "Asking", "--asks-plainly"});
+    Child& askingChild = *children.back();
+    const auto modal = open({"--class", "Modal", "--modal"});
+    for (const auto& app : {silent, asking})
+        EXPECT_TRUE(app->terminate(AskedBy::run));
+    EXPECT_EQ(modal->obstacle(), StayReason::asking);
+    EXPECT_FALSE(modal->terminate(AskedBy::run));
+    EXPECT_TRUE(waitUntil([&] { return timesAsked(silentChild) + timesAsked(askingChild) == 2; }));
+    linger(300);
+    for (const auto& app : {silent, asking})
+        EXPECT_TRUE(app->terminate(AskedBy::run)) << "it was asked";
+    EXPECT_FALSE(asking->terminate(AskedBy::user)) << "that would answer its question";
+    linger(300);
+    EXPECT_EQ(timesAsked(silentChild), 1U);
+    EXPECT_EQ(timesAsked(askingChild), 1U);
+    EXPECT_TRUE(silent->terminate(AskedBy::user));
+    EXPECT_TRUE(waitUntil([&] { return timesAsked(silentChild) == 2; }));
+    linger(1100);
+    silent->activate();
+    EXPECT_TRUE(waitUntil([&] {
+        const auto used = silent->lastUsed();
+        return used && loop.uptime() - *used < 100ms;
+    }));
+    silent->terminate(AskedBy::run);
+    EXPECT_TRUE(waitUntil([&] { return timesAsked(silentChild) == 3; }));
 }
 
 TEST_F(WorkspaceTest, HasIconsByNameByFileAndFromTheWindowAndKnowsWhenItBegan) {
@@ -209,7 +239,7 @@ TEST_F(WorkspaceTest, NobodySeemsToEndWhenTheWindowManagerDoes) {
     const Child manager({"openbox", "--sm-disable"});
     const auto late = open({"--class", "Late"});
     EXPECT_TRUE(waitUntil([&] { return app->activationPolicy() == ActivationPolicy::regular; }));
-    EXPECT_TRUE(app->terminate());
+    EXPECT_TRUE(app->terminate(AskedBy::run));
     EXPECT_TRUE(waitUntil([&] { return app->isTerminated(); }));
     EXPECT_FALSE(late->isTerminated());
     EXPECT_EQ(count(WorkspaceEvent::launched), 2U);
@@ -226,7 +256,7 @@ TEST_F(WorkspaceTest, AnApplicationMayOutliveTheWorkspace) {
             return app != nullptr;
         }));
     }
-    EXPECT_FALSE(app->terminate());
+    EXPECT_FALSE(app->terminate(AskedBy::run));
     EXPECT_FALSE(app->activate());
     EXPECT_TRUE(app->forceTerminate());
     EXPECT_TRUE(waitUntil([&] { return app->isTerminated(); }));
@@ -266,7 +296,7 @@ TEST_F(WorkspaceTest, LooksAgainAtWindowsThatHaveChangedBeforeItAsks) {
                  "-set", "_NET_WM_STATE", "_NET_WM_STATE_MODAL"});
     ASSERT_TRUE(waitUntil([&] { return !modal.isRunning(); }));
     linger(150);
-    EXPECT_FALSE(app->terminate());
+    EXPECT_FALSE(app->terminate(AskedBy::run));
     linger(100);
     EXPECT_EQ(timesAsked(child), 0U);
 }

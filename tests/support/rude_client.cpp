@@ -12,7 +12,9 @@
 //   --no-protocol         doesn't understand being asked to close
 //   --stay                lives on without windows
 //   --asks                opens a modal dialog that no list shows when it is asked to close
+//   --asks-plainly        opens a window like any other then, and asks nothing else
 //   --ping                understands being asked whether it reacts, and answers
+//   --pongs-as-qt         sends that answer with another event mask
 //   --frozen              understands it, and doesn't answer
 //   --dock                its first window is a panel of the desktop
 //   --tray                its windows are icons that it asks the tray to take in
@@ -48,6 +50,8 @@ struct Manners {
     bool hasProtocol = true;
     bool stays = false;
     bool asks = false;
+    bool asksPlainly = false;
+    bool pongsAsQt = false;
     bool canBePinged = false;
     bool isFrozen = false;
     bool isDock = false;
@@ -100,6 +104,10 @@ public:
             const int type = event->response_type & 0x7f;
             if (type == XCB_MAP_NOTIFY && ++mapped_ == windows_.size())
                 announce();
+            if (type == XCB_BUTTON_PRESS) {
+                std::printf("clicked\n");
+                std::fflush(stdout);
+            }
             if (type != XCB_CLIENT_MESSAGE)
                 continue;
             auto& message = *reinterpret_cast<xcb_client_message_event_t*>(event.get());
@@ -145,8 +153,10 @@ private:
         if (manners_.isFrozen)
             return;
         message.window = screen_->root;
+        const std::uint32_t listeners = manners_.pongsAsQt ? XCB_EVENT_MASK_STRUCTURE_NOTIFY
+                                                           : XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
         xcb_send_event(connection_, 0, screen_->root,
-                       XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                       listeners | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                        reinterpret_cast<const char*>(&message));
         xcb_flush(connection_);
     }
@@ -154,7 +164,8 @@ private:
     void open(const std::string& className) {
         const xcb_window_t window = xcb_generate_id(connection_);
         const auto offset = static_cast<std::int16_t>(40 * windows_.size() + 40);
-        const std::uint32_t values[] = {screen_->white_pixel, XCB_EVENT_MASK_STRUCTURE_NOTIFY};
+        const std::uint32_t values[] = {screen_->white_pixel, XCB_EVENT_MASK_STRUCTURE_NOTIFY |
+                                                                  XCB_EVENT_MASK_BUTTON_PRESS};
         xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, screen_->root, offset, offset,
                           240, 120, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, screen_->root_visual,
                           XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
@@ -225,7 +236,8 @@ private:
         std::fflush(stdout);
         if (manners_.asks) {
             open("Question");
-            makeModal(windows_.back());
+            if (!manners_.asksPlainly)
+                makeModal(windows_.back());
             xcb_map_window(connection_, windows_.back());
             xcb_flush(connection_);
         }
@@ -292,6 +304,10 @@ int main(int argc, char** argv) {
             manners.stays = true;
         else if (option == "--asks")
             manners.asks = true;
+        else if (option == "--asks-plainly")
+            manners.asks = manners.asksPlainly = true;
+        else if (option == "--pongs-as-qt")
+            manners.canBePinged = manners.pongsAsQt = true;
         else if (option == "--ping")
             manners.canBePinged = true;
         else if (option == "--frozen")

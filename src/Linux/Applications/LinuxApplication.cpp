@@ -1,5 +1,6 @@
 #include "Linux/Applications/LinuxApplication.h"
 
+#include <algorithm>
 #include <csignal>
 #include <utility>
 
@@ -33,17 +34,67 @@ std::optional<std::string> LinuxApplication::bundlePath() const {
     return identity_.path;
 }
 
-bool LinuxApplication::terminate() {
+void LinuxApplication::noteWindow(std::uint64_t window) {
+    if (asked_ && !asked_->windows.contains(window) &&
+        surroundings_.loop.uptime() - asked_->at <= questionTime)
+        questions_.insert(window);
+}
+
+void LinuxApplication::noteKeyboard(bool hasKeyboard) {
+    if (hasKeyboard || hasKeyboard_)
+        hadKeyboardAt_ = surroundings_.loop.uptime();
+    hasKeyboard_ = hasKeyboard;
+}
+
+std::optional<Uptime> LinuxApplication::lastUsed() const {
+    return hasKeyboard_ ? std::optional(surroundings_.loop.uptime()) : hadKeyboardAt_;
+}
+
+// One that keeps others from being used was there before, and keeps them from closing just as well.
+bool LinuxApplication::showsQuestion(ApplicationWindows& windows) const {
+    return std::ranges::any_of(windows.windowsOf(processId()), [this](const Toplevel& one) {
+        return (one.isDialogOfAnother && one.isModal) || questions_.contains(one.window);
+    });
+}
+
+// The question of some stands inside the window that was asked to close, where nobody sees it.
+bool LinuxApplication::isStillAsked(ApplicationWindows& windows) const {
+    if (!asked_)
+        return false;
+    const std::optional<Uptime> used = lastUsed();
+    const bool wasUsedSince = used && *used - asked_->at > noticeTime;
+    const bool isSameWindow =
+        std::ranges::any_of(windows.windowsOf(processId()), [this](const Toplevel& one) {
+            return asked_->windows.contains(one.window);
+        });
+    return showsQuestion(windows) || (isSameWindow && !wasUsedSince);
+}
+
+std::optional<StayReason> LinuxApplication::obstacle() {
+    const auto windows = surroundings_.windows.lock();
+    if (!windows || isTerminated())
+        return StayReason::cannotBeAsked;
+    if (policy_ == ActivationPolicy::accessory)
+        return std::nullopt;
+    return showsQuestion(*windows) ? StayReason::asking : windows->obstacle(processId());
+}
+
+bool LinuxApplication::terminate(AskedBy who) {
     const auto windows = surroundings_.windows.lock();
     if (!windows || isTerminated())
         return false;
     if (policy_ == ActivationPolicy::accessory)
         return windows->askWithoutWindows(processId());
-    formerDialogs_.clear();
-    for (const Toplevel& dialog : windows->dialogs(processId()))
-        formerDialogs_.insert(dialog.window);
-    notAsked_ = windows->askToClose(processId());
-    return !notAsked_;
+    if (who == AskedBy::run && isStillAsked(*windows))
+        return true;
+    if (obstacle())
+        return false;
+    asked_ = Asked{.at = surroundings_.loop.uptime(), .windows = {}};
+    questions_.clear();
+    for (const Toplevel& one : windows->windowsOf(processId()))
+        asked_->windows.insert(one.window);
+    windows->askToClose(processId());
+    return true;
 }
 
 StayReason LinuxApplication::stayReason() {
@@ -52,14 +103,15 @@ StayReason LinuxApplication::stayReason() {
         return StayReason::unknown;
     if (windows->isDeaf(processId()))
         return StayReason::notResponding;
-    // A modal one that was there before keeps it from closing just as well.
-    for (const Toplevel& dialog : windows->dialogs(processId())) {
-        if (dialog.isModal || !formerDialogs_.contains(dialog.window))
-            return StayReason::asking;
+    for (const Toplevel& one : windows->windowsOf(processId())) {
+        if (asked_ && !asked_->windows.contains(one.window))
+            questions_.insert(one.window);
     }
+    if (showsQuestion(*windows))
+        return StayReason::asking;
     if (policy_ == ActivationPolicy::accessory)
-        return StayReason::windowless;
-    return notAsked_.value_or(StayReason::unknown);
+        return windows->isInTray(processId()) ? StayReason::inTray : StayReason::windowless;
+    return asked_ ? StayReason::unknown : obstacle().value_or(StayReason::unknown);
 }
 
 bool LinuxApplication::forceTerminate() {
@@ -81,7 +133,8 @@ bool LinuxApplication::forceTerminate() {
 
 bool LinuxApplication::activate() {
     const auto windows = surroundings_.windows.lock();
-    return windows && !isTerminated() && windows->bringToFront(processId());
+    return windows && !isTerminated() &&
+           (windows->bringToFront(processId()) || windows->clickInTray(processId()));
 }
 
 } // namespace velmorquit

@@ -15,13 +15,18 @@ namespace velmorquit {
 class ApplicationWindows {
 public:
     virtual ~ApplicationWindows() = default;
-    /// Asks its windows to close. None when any was asked, else why not.
-    virtual std::optional<StayReason> askToClose(ProcessId process) = 0;
+    /// Why its windows can't be asked to close now; none when they can.
+    virtual std::optional<StayReason> obstacle(ProcessId process) = 0;
+    /// Asks its windows to close.
+    virtual void askToClose(ProcessId process) = 0;
     /// Asks one that has no windows to quit, should it understand any other way. False when it has
     /// windows, runs something that would be lost, or there is no other way at all.
     virtual bool askWithoutWindows(ProcessId process) = 0;
     virtual bool bringToFront(ProcessId process) = 0;
-    virtual std::vector<Toplevel> dialogs(ProcessId process) = 0;
+    virtual std::vector<Toplevel> windowsOf(ProcessId process) = 0;
+    virtual bool isInTray(ProcessId process) = 0;
+    /// Has its icon in the tray do what a click on it does. False when it has none.
+    virtual bool clickInTray(ProcessId process) = 0;
     /// Whether one of its windows has left a ping unanswered; pings them for the next time.
     virtual bool isDeaf(ProcessId process) = 0;
 };
@@ -31,6 +36,10 @@ class LinuxApplication final : public RunningApplication {
 public:
     /// Time between the signal that a process may answer and the one that it can't.
     static constexpr Duration killDelay = 2s;
+    /// What it opens so soon after it was asked is its question, whether anybody looks or not.
+    static constexpr Duration questionTime = 10s;
+    /// That another window has the keyboard now is noticed a moment later.
+    static constexpr Duration noticeTime = 1s;
 
     struct Surroundings {
         MainLoop& loop;
@@ -46,6 +55,9 @@ public:
     /// Takes note of a further identity that the process shows.
     void addIdentity(const Identity& identity);
     void setPolicy(ActivationPolicy policy) { policy_ = policy; }
+    /// Takes note of one of its windows that is open now.
+    void noteWindow(std::uint64_t window);
+    void noteKeyboard(bool hasKeyboard);
     /// Whether all that it has shown is meant to be hidden from the user.
     [[nodiscard]] bool isHidden() const { return isHidden_; }
     /// What it does without windows is none of the user's business.
@@ -68,13 +80,24 @@ public:
     [[nodiscard]] std::shared_ptr<const Icon> icon() const override { return icon_; }
     [[nodiscard]] ActivationPolicy activationPolicy() const override { return policy_; }
     [[nodiscard]] bool isTerminated() const override { return hasLeft_ || process_->hasEnded(); }
-    bool terminate() override;
+    bool terminate(AskedBy who) override;
+    [[nodiscard]] std::optional<StayReason> obstacle() override;
+    [[nodiscard]] std::optional<Uptime> lastUsed() const override;
     [[nodiscard]] StayReason stayReason() override;
     /// A polite signal first, the final one two seconds later.
     bool forceTerminate() override;
     bool activate() override;
 
 private:
+    /// When it was asked, and what windows it had then.
+    struct Asked {
+        Uptime at;
+        std::set<std::uint64_t> windows;
+    };
+
+    [[nodiscard]] bool isStillAsked(ApplicationWindows& windows) const;
+    [[nodiscard]] bool showsQuestion(ApplicationWindows& windows) const;
+
     std::unique_ptr<ProcessHandle> process_;
     Identity identity_;
     std::set<std::string> otherKeys_;
@@ -86,10 +109,11 @@ private:
     bool hasLeft_ = false;
     Surroundings surroundings_;
     ActivationPolicy policy_ = ActivationPolicy::regular;
-    /// Why it could not be asked when that was tried last.
-    std::optional<StayReason> notAsked_;
-    /// The dialogs that were open when it was asked.
-    std::set<std::uint64_t> formerDialogs_;
+    std::optional<Asked> asked_;
+    /// Windows that it has opened in answer to being asked.
+    std::set<std::uint64_t> questions_;
+    bool hasKeyboard_ = false;
+    std::optional<Uptime> hadKeyboardAt_;
     Handle killing_;
 };
 

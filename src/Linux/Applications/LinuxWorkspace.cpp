@@ -10,7 +10,7 @@ namespace velmorquit {
 LinuxWorkspace::LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source,
                                const Means& means)
     : loop_(loop), log_(log), source_(source),
-      windows_(std::make_shared<WorkspaceWindows>(loop, source, means.askWithoutWindows)),
+      windows_(std::make_shared<WorkspaceWindows>(loop, source, means.withoutWindows)),
       launch_(means.launch), hasAnotherDisplay_(means.hasAnotherDisplay), proc_(means.proc) {
     readToplevels();
     watching_ = source_.observe([this] { update(); });
@@ -98,6 +98,7 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
         const Member* member = known(toplevel.process);
         if (!member)
             continue;
+        member->application->noteWindow(toplevel.window);
         if (toplevel.isOrdinary)
             owners.insert(toplevel.process);
         ownersOfAny.insert(toplevel.process);
@@ -106,6 +107,8 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
             events.insert(WorkspaceEvent::activated);
         }
     }
+    for (const Member& member : members_)
+        member.application->noteKeyboard(member.application->processId() == focusedProcess);
     keepInBackground(focusedProcess);
     events.merge(updatePolicies(owners, ownersOfAny));
     return events;

@@ -24,8 +24,8 @@ public:
     static constexpr Duration serviceDelay = 1s;
 
     struct Means {
-        /// Asks a process without windows to quit; may be empty.
-        std::function<void(ProcessId)> askWithoutWindows;
+        /// What is done with processes that have no windows.
+        WorkspaceWindows::Means withoutWindows = {};
         /// Starts the application of a desktop entry, given its path, and returns at once; may be
         /// empty.
         std::function<void(const std::string&)> launch = {};

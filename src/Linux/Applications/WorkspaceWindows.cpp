@@ -3,6 +3,7 @@
 #include "Linux/Proc/TerminalJobs.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace velmorquit {
 
@@ -11,31 +12,36 @@ namespace {
 /// A run asks all applications at one go: they share one look at the processes.
 constexpr Duration sharedLook = 100ms;
 
+bool canBeAsked(const Toplevel& toplevel, ProcessId process) {
+    return toplevel.process == process && !toplevel.isDialogOfAnother && toplevel.canBeAskedToClose;
+}
+
 } // namespace
 
-std::optional<StayReason> WorkspaceWindows::askToClose(ProcessId process) {
+std::optional<StayReason> WorkspaceWindows::obstacle(ProcessId process) {
     if (hasJob(process))
         return StayReason::busyTerminal;
-    bool isAsked = false;
-    for (const Toplevel& toplevel : source_.toplevels()) {
-        if (toplevel.process != process || toplevel.isDialogOfAnother ||
-            !toplevel.canBeAskedToClose)
-            continue;
-        source_.askToClose(toplevel.window);
-        isAsked = true;
+    const auto& toplevels = source_.toplevels();
+    const bool isAskable = std::ranges::any_of(
+        toplevels, [process](const Toplevel& one) { return canBeAsked(one, process); });
+    return isAskable ? std::nullopt : std::optional(StayReason::cannotBeAsked);
+}
+
+void WorkspaceWindows::askToClose(ProcessId process) {
+    const std::vector<Toplevel> toplevels = source_.toplevels();
+    for (const Toplevel& toplevel : toplevels) {
+        if (canBeAsked(toplevel, process))
+            source_.askToClose(toplevel.window);
     }
-    if (!isAsked)
-        return StayReason::cannotBeAsked;
-    return std::nullopt;
 }
 
 bool WorkspaceWindows::askWithoutWindows(ProcessId process) {
     const auto& toplevels = source_.toplevels();
     const bool hasWindows = std::ranges::any_of(
         toplevels, [process](const Toplevel& one) { return one.process == process; });
-    if (!askOtherwise_ || hasWindows || hasJob(process))
+    if (!means_.ask || hasWindows || hasJob(process))
         return false;
-    askOtherwise_(process);
+    means_.ask(process);
     return true;
 }
 
@@ -50,13 +56,19 @@ bool WorkspaceWindows::bringToFront(ProcessId process) {
     return last != 0;
 }
 
-std::vector<Toplevel> WorkspaceWindows::dialogs(ProcessId process) {
+std::vector<Toplevel> WorkspaceWindows::windowsOf(ProcessId process) {
     std::vector<Toplevel> found;
-    for (const Toplevel& toplevel : source_.toplevels()) {
-        if (toplevel.process == process && toplevel.isDialogOfAnother)
-            found.push_back(toplevel);
-    }
+    std::ranges::copy_if(source_.toplevels(), std::back_inserter(found),
+                         [process](const Toplevel& one) { return one.process == process; });
     return found;
+}
+
+bool WorkspaceWindows::isInTray(ProcessId process) {
+    return means_.trayOwners && means_.trayOwners().contains(process);
+}
+
+bool WorkspaceWindows::clickInTray(ProcessId process) {
+    return means_.clickInTray && means_.clickInTray(process);
 }
 
 bool WorkspaceWindows::isDeaf(ProcessId process) {

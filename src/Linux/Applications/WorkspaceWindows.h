@@ -15,16 +15,26 @@ namespace velmorquit {
 /// The windows of a desktop, lent to its applications.
 class WorkspaceWindows final : public ApplicationWindows {
 public:
-    /// Both references outlive it. `askOtherwise` asks a process without windows to quit, and may
-    /// be empty.
-    WorkspaceWindows(MainLoop& loop, ToplevelSource& source,
-                     std::function<void(ProcessId)> askOtherwise)
-        : loop_(loop), source_(source), askOtherwise_(std::move(askOtherwise)) {}
+    /// What is done with processes that have no windows; each may be empty.
+    struct Means {
+        /// Asks it to quit.
+        std::function<void(ProcessId)> ask = {};
+        std::function<std::set<ProcessId>()> trayOwners = {};
+        /// Clicks its icon in the tray; false when it has none.
+        std::function<bool(ProcessId)> clickInTray = {};
+    };
 
-    std::optional<StayReason> askToClose(ProcessId process) override;
+    /// Both references outlive it.
+    WorkspaceWindows(MainLoop& loop, ToplevelSource& source, Means means)
+        : loop_(loop), source_(source), means_(std::move(means)) {}
+
+    std::optional<StayReason> obstacle(ProcessId process) override;
+    void askToClose(ProcessId process) override;
     bool askWithoutWindows(ProcessId process) override;
     bool bringToFront(ProcessId process) override;
-    std::vector<Toplevel> dialogs(ProcessId process) override;
+    std::vector<Toplevel> windowsOf(ProcessId process) override;
+    bool isInTray(ProcessId process) override;
+    bool clickInTray(ProcessId process) override;
     bool isDeaf(ProcessId process) override;
 
     /// Whether it is a terminal at work: see `hasTerminalJob`.
@@ -33,7 +43,7 @@ public:
 private:
     MainLoop& loop_;
     ToplevelSource& source_;
-    std::function<void(ProcessId)> askOtherwise_;
+    Means means_;
     std::vector<ProcessStat> table_;
     std::set<ProcessId> owners_;
     std::optional<Uptime> lookedAt_;

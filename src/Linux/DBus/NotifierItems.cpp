@@ -17,10 +17,18 @@ const QString busPath = QStringLiteral("/org/freedesktop/DBus");
 
 /// An entry is a name on the bus, which most watchers let the path of the icon's object follow,
 /// some of them after an "@".
-QString nameOf(const QString& entry) {
+struct Entry {
+    QString name;
+    QString path;
+};
+
+Entry parsed(const QString& entry) {
     const auto end =
         std::ranges::find_if(entry, [](QChar letter) { return letter == '/' || letter == '@'; });
-    return entry.left(end - entry.begin());
+    const auto path = std::find(end, entry.end(), QLatin1Char('/'));
+    return {entry.left(end - entry.begin()), path == entry.end()
+                                                 ? QStringLiteral("/StatusNotifierItem")
+                                                 : entry.mid(path - entry.begin())};
 }
 
 } // namespace
@@ -34,10 +42,23 @@ NotifierItems::NotifierItems(QDBusConnection bus) : bus_(std::move(bus)) {
 
 std::set<ProcessId> NotifierItems::processes() const {
     std::set<ProcessId> processes;
-    for (const auto& [name, process] : items_)
-        processes.insert(process);
+    for (const auto& [name, item] : items_)
+        processes.insert(item.process);
     processes.erase(0);
     return processes;
+}
+
+bool NotifierItems::click(ProcessId process) {
+    const auto found = std::ranges::find_if(
+        items_, [process](const auto& item) { return item.second.process == process; });
+    if (found == items_.end() || process == 0)
+        return false;
+    QDBusMessage call = QDBusMessage::createMethodCall(found->first, found->second.path,
+                                                       "org.kde.StatusNotifierItem", "Activate");
+    call.setAutoStartService(false);
+    call << 0 << 0;
+    bus_.asyncCall(call);
+    return true;
 }
 
 // The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
@@ -71,20 +92,20 @@ void NotifierItems::ask() {
 // holds until the answer.
 void NotifierItems::hearList(const QDBusMessage& answer) {
     isAsking_ = false;
-    std::map<QString, ProcessId> items;
+    std::map<QString, Item> items;
     const auto list = answer.arguments().value(0).value<QDBusVariant>().variant();
     for (const QString& entry : list.toStringList()) {
-        const QString name = nameOf(entry);
+        const auto [name, path] = parsed(entry);
         const auto known = items_.find(name);
         if (!name.isEmpty())
-            items.emplace(name, known == items_.end() ? 0 : known->second);
+            items.emplace(name, Item{known == items_.end() ? 0 : known->second.process, path});
     }
     items_ = std::move(items);
     if (isOutdated_) {
         ask();
         return;
     }
-    for (const auto& [name, process] : items_)
+    for (const auto& [name, item] : items_)
         askProcess(name);
 }
 
@@ -100,7 +121,7 @@ void NotifierItems::askProcess(const QString& name) {
                 if (number != question_ || item == items_.end())
                     return;
                 const bool isKnown = !finished->isError();
-                item->second = isKnown ? finished->reply().arguments().value(0).toInt() : 0;
+                item->second.process = isKnown ? finished->reply().arguments().value(0).toInt() : 0;
             });
 }
 

@@ -26,6 +26,10 @@ public:
     /// the broker that speaks for it. From memory; empty while there is no watcher.
     [[nodiscard]] std::set<ProcessId> processes() const;
 
+    /// Does what a click on the icon of that process does: most show their window. False when it
+    /// has no icon on the list. Returns at once; whether the icon has understood is not told.
+    bool click(ProcessId process);
+
 private Q_SLOTS:
     void hearOwner(const QDBusMessage& signal);
     void hearItems();
@@ -37,9 +41,14 @@ private:
     void hearList(const QDBusMessage& answer);
     void askProcess(const QString& name);
 
+    struct Item {
+        ProcessId process = 0; ///< 0 until the bus has said whose it is
+        QString path;          ///< of the icon's object
+    };
+
     QDBusConnection bus_;
-    /// By the names on the bus that have icons; 0 until the bus has said whose it is.
-    std::map<QString, ProcessId> items_;
+    /// By the names on the bus that have icons.
+    std::map<QString, Item> items_;
     unsigned question_ = 0; ///< the last one; answers to those before don't count
     bool isAsking_ = false;
     bool isOutdated_ = false; ///< the list has changed since it was asked for

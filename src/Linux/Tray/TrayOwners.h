@@ -19,6 +19,9 @@ public:
     /// from memory.
     [[nodiscard]] std::set<ProcessId> processes();
 
+    /// Clicks the icon of that process; false when it has none. Returns after some short questions.
+    bool click(ProcessId process);
+
 private:
     NotifierItems items_;
     X11Events& events_;

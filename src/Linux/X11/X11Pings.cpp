@@ -41,10 +41,12 @@ void X11Pings::keep(const std::set<xcb_window_t>& windows) {
 }
 
 // What the root window gets is only told together with every window that comes, moves or goes:
-// nobody at rest is to be woken by that.
+// nobody at rest is to be woken by that. Toolkits differ in which of the two masks they send an
+// answer with; Qt's is for those who listen to the structure of the root window itself.
 void X11Pings::listen() {
     connection_.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE |
-                                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+                                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY |
+                                 XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     listening_ = loop_.after(patience, [this] { stopListening(); });
 }
 

@@ -50,6 +50,35 @@ std::set<xcb_window_t> X11TrayIcons::windows() {
     }
 }
 
+void X11TrayIcons::click(xcb_window_t icon) {
+    const auto size = owned(xcb_get_geometry_reply(
+        connection_.get(), xcb_get_geometry(connection_.get(), icon), nullptr));
+    if (!size)
+        return;
+    const auto x = static_cast<std::int16_t>(size->width / 2);
+    const auto y = static_cast<std::int16_t>(size->height / 2);
+    const auto place = owned(xcb_translate_coordinates_reply(
+        connection_.get(),
+        xcb_translate_coordinates(connection_.get(), icon, connection_.root(), x, y), nullptr));
+    xcb_button_press_event_t event{};
+    event.detail = XCB_BUTTON_INDEX_1;
+    event.root = connection_.root();
+    event.event = icon;
+    event.root_x = place ? place->dst_x : x;
+    event.root_y = place ? place->dst_y : y;
+    event.event_x = x;
+    event.event_y = y;
+    event.same_screen = 1;
+    const auto send = [&](int type, std::uint32_t mask) {
+        event.response_type = static_cast<std::uint8_t>(type);
+        xcb_send_event(connection_.get(), 0, icon, mask, reinterpret_cast<const char*>(&event));
+    };
+    send(XCB_BUTTON_PRESS, XCB_EVENT_MASK_BUTTON_PRESS);
+    event.state = XCB_KEY_BUT_MASK_BUTTON_1;
+    send(XCB_BUTTON_RELEASE, XCB_EVENT_MASK_BUTTON_RELEASE);
+    xcb_flush(connection_.get());
+}
+
 xcb_window_t X11TrayIcons::tray() {
     const xcb_atom_t selection =
         connection_.atom("_NET_SYSTEM_TRAY_S" + std::to_string(connection_.screenNumber()));

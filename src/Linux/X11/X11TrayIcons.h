@@ -18,6 +18,9 @@ public:
     /// other. Of a screen with thousands of windows not all are looked at.
     [[nodiscard]] std::set<xcb_window_t> windows();
 
+    /// Sends the window a click into its middle. The pointer stays where it is.
+    void click(xcb_window_t icon);
+
 private:
     struct Found {
         xcb_window_t window;

@@ -84,6 +84,8 @@ std::optional<std::string> stayHelp(StayReason reason) {
         return localized("Vi è in corso un comando che andrebbe perso.");
     case StayReason::notResponding:
         return localized("Non risponde.");
+    case StayReason::inTray:
+        return localized("Ha chiuso le sue finestre e resta nell'area di notifica.");
     case StayReason::unknown:
         break;
     }

@@ -31,14 +31,18 @@ void QuitController::quitAll(PowerAction action) {
     }
 
     phase = phases::Quitting{static_cast<int>(targets_.size())};
-    for (const OpenApp& target : targets_)
-        target.app->terminate();
+    unasked_.clear();
+    for (const OpenApp& target : targets_) {
+        if (!target.app->terminate(AskedBy::run))
+            unasked_.insert_or_assign(target.id, std::nullopt);
+    }
     pollTask_ = pollTargets(desktop_.loop.uptime() + gracePeriod);
 }
 
 Task QuitController::pollTargets(Uptime deadline) {
     const int number = ++pollNumber_;
     std::optional<Uptime> lookedAt;
+    const Uptime lastAsking = desktop_.loop.uptime() + askingTime;
     for (;;) {
         co_await sleep(pollInterval);
         std::vector<OpenApp> running = targetsStillRunning();
@@ -48,6 +52,8 @@ Task QuitController::pollTargets(Uptime deadline) {
         }
         noteWindowless(running);
         const Uptime now = desktop_.loop.uptime();
+        if (now <= lastAsking)
+            askUnasked(running);
         if (now < deadline)
             continue;
         askWindowless(running);
@@ -106,9 +112,45 @@ void QuitController::askWindowless(const std::vector<OpenApp>& running) {
         if (found == windowlessSince_.end() || !found->second || isExcluded(app))
             continue;
         const bool isLong = desktop_.loop.uptime() - *found->second >= windowlessPatience;
-        if (isLong && app.app->terminate())
+        if (isLong && app.app->terminate(AskedBy::run))
             found->second.reset();
     }
+}
+
+// What stood in the way may be gone between two commands only, and the user may be about to begin
+// something there.
+void QuitController::askUnasked(const std::vector<OpenApp>& running) {
+    const Uptime now = desktop_.loop.uptime();
+    if (unasked_.empty() || now < lookForObstaclesAt_)
+        return;
+    lookForObstaclesAt_ = now + reasonInterval;
+    for (const OpenApp& app : running) {
+        const auto found = unasked_.find(app.id);
+        if (found == unasked_.end())
+            continue;
+        auto& freeSince = found->second;
+        const auto used = app.app->lastUsed();
+        const bool isInUse = used && now - *used < restBeforeAsking;
+        const bool isFree = !isInUse && !isExcluded(app) && !app.app->obstacle() &&
+                            app.app->activationPolicy() == ActivationPolicy::regular;
+        if (!isFree)
+            freeSince.reset();
+        else if (!freeSince)
+            freeSince = now;
+        else if (app.app->terminate(AskedBy::run))
+            unasked_.erase(found);
+    }
+}
+
+std::optional<StayReason> QuitController::askAgain(const OpenApp& app) {
+    if (isExcluded(app))
+        return StayReason::cannotBeAsked;
+    if (const auto obstacle = app.app->obstacle())
+        return obstacle;
+    if (!app.app->terminate(AskedBy::user))
+        return StayReason::cannotBeAsked;
+    unasked_.erase(app.id);
+    return std::nullopt;
 }
 
 std::map<ProcessId, StayReason> QuitController::reasonsOf(const std::vector<OpenApp>& running) {
@@ -154,6 +196,7 @@ void QuitController::finish(AfterSteps steps) {
     stayReasons = {};
     targets_.clear();
     windowlessSince_.clear();
+    unasked_.clear();
     refresh();
     const PowerAction action = pendingAction;
     pendingAction = PowerAction::none;

@@ -34,6 +34,10 @@ public:
     static constexpr Duration windowlessPatience = 1s;
     /// How often it is looked why the stubborn ones stay.
     static constexpr Duration reasonInterval = 1s;
+    /// So long after a run's beginning an application that could not be asked, for an obstacle, is
+    /// asked when that goes; but not while it is used, nor soon after that.
+    static constexpr Duration askingTime = 10min;
+    static constexpr Duration restBeforeAsking = 30s;
     static constexpr Duration refreshInterval = 2500ms;
     static constexpr Duration resultTime = 8s;
     static constexpr Duration unattendedGrace = 60s;
@@ -130,6 +134,10 @@ public:
     /// The applications that the present run has asked, with their figures of its beginning.
     [[nodiscard]] const std::vector<OpenApp>& targets() const { return targets_; }
 
+    /// Asks one of the stubborn applications once more, since the user says so. None when it was
+    /// asked, else why not.
+    std::optional<StayReason> askAgain(const OpenApp& app);
+
     /// Makes the stubborn applications end, but for those excluded meanwhile; the run then goes on
     /// by itself. Returns the names of those that the system protects.
     std::vector<std::string> forceQuitStubborn();
@@ -208,6 +216,7 @@ private:
     [[nodiscard]] std::vector<OpenApp> targetsStillRunning() const;
     void noteWindowless(const std::vector<OpenApp>& running);
     void askWindowless(const std::vector<OpenApp>& running);
+    void askUnasked(const std::vector<OpenApp>& running);
     [[nodiscard]] static std::map<ProcessId, StayReason>
     reasonsOf(const std::vector<OpenApp>& running);
     void finish(AfterSteps steps);
@@ -241,6 +250,9 @@ private:
     std::vector<OpenApp> targets_;
     /// When targets were first seen without windows; those that were asked once more have no time.
     std::map<ProcessId, std::optional<Uptime>> windowlessSince_;
+    /// Targets that could not be asked, with the moment from which on nothing stood in the way.
+    std::map<ProcessId, std::optional<Uptime>> unasked_;
+    Uptime lookForObstaclesAt_;
     /// Counts the poll loops, so that one that was interrupted by a callback knows that it is over.
     int pollNumber_ = 0;
     /// The result of a run that has ended while what follows it has not begun.

@@ -28,7 +28,7 @@ const QMap<QString, Command>& commands() {
         {"schedule", Command::schedule}, {"postpone", Command::postpone},
         {"confirm", Command::confirm},   {"actions", Command::actions},
         {"memory", Command::memory},     {"action", Command::action},
-        {"anyway", Command::anyway},
+        {"anyway", Command::anyway},     {"ask-again", Command::askAgain},
     };
     return words;
 }
@@ -98,6 +98,10 @@ std::optional<std::string> takeWords(CommandLine& line, QStringList& rest) {
                              words.join(", ").toStdString());
         line.word = rest.takeFirst();
     }
+    if (line.command == Command::askAgain) {
+        line.name = rest.join(' ').trimmed();
+        rest.clear();
+    }
     if (line.command == Command::postpone)
         line.time = rest.isEmpty() ? QStringLiteral("10") : rest.takeFirst();
     if (line.command == Command::schedule)
@@ -152,6 +156,7 @@ std::string usage() {
         "                       con --then aspetta anche lo spegnimento, il riavvio o l'uscita, "
         "se\n"
         "                       non dici --no-wait; con --timeout per S secondi al massimo\n"
+        "  ask-again [NOME]     chiede di nuovo a un'app rimasta aperta, o a tutte, di chiudersi\n"
         "  force                forza le app rimaste aperte: ciò che non è salvato va perso\n"
         "  leave                lascia aperte le app rimaste e finisce qui\n"
         "  exclude NOME         non chiudere mai quest'app (nome, id o numero di processo)\n"

@@ -27,6 +27,7 @@ struct CommandLine {
         status,
         watch,
         quitAll,
+        askAgain,
         force,
         leave,
         exclude,

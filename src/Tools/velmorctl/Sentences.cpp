@@ -30,6 +30,8 @@ std::string stubbornName(const QJsonValue& application) {
         return localized("%@ (ha un comando in corso)", name);
     if (reason == "notResponding")
         return localized("%@ (non risponde)", name);
+    if (reason == "inTray")
+        return localized("%@ (nell'area di notifica)", name);
     return name;
 }
 
@@ -45,6 +47,8 @@ std::string stubbornRemark(const QJsonValue& application) {
         return localized("ancora aperta: ha un comando in corso");
     if (reason == "notResponding")
         return localized("ancora aperta: non risponde");
+    if (reason == "inTray")
+        return localized("ancora in esecuzione, nell'area di notifica");
     return localized("ancora aperta");
 }
 

@@ -96,6 +96,9 @@ void Session::start() {
     case Command::quitAll:
         askThenQuitAll();
         break;
+    case Command::askAgain:
+        relay("askAgain", line_.name.isEmpty() ? QStringList() : QStringList{line_.name});
+        break;
     case Command::force:
         report("force", {});
         break;

@@ -23,6 +23,10 @@ void waiting(Stage& stage) {
             .asksToSaveFor(60s)
             .setStayReason(StayReason::asking);
     }
+    DemoApps::start(stage.desktop, stage.language(), "Jottings").ignoresAsking();
+    DemoApps::start(stage.desktop, stage.language(), "Chatter")
+        .ignoresAsking()
+        .setStayReason(StayReason::inTray);
     QuitController& controller = stage.start();
     stage.openPanel();
     controller.quitAll(PowerAction::restart);
