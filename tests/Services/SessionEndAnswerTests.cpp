@@ -105,9 +105,8 @@ TEST_F(SessionEndTest, TheWordForOneInhibitorIsNoneForTheNext) {
 TEST_F(SessionEndTest, WhatChangesAllTheTimeIsNotNamedForEver) {
     int process = 1000;
     desktop.processes.jobs = {{process, "sleep"}};
-    const Handle changing = desktop.loop.every(1s, [&] {
-        desktop.processes.jobs = {{++process, "sleep"}};
-    });
+    const Handle changing =
+        desktop.loop.every(1s, [&] { desktop.processes.jobs = {{++process, "sleep"}}; });
     request(LoginRequest::shutDown);
     desktop.advance(11s);
     EXPECT_TRUE(isCalled());

@@ -1,6 +1,5 @@
 #include "Linux/Applications/LinuxApplication.h"
 
-#include <algorithm>
 #include <csignal>
 #include <utility>
 
@@ -34,12 +33,6 @@ std::optional<std::string> LinuxApplication::bundlePath() const {
     return identity_.path;
 }
 
-void LinuxApplication::noteWindow(std::uint64_t window) {
-    if (asked_ && !asked_->windows.contains(window) &&
-        surroundings_.loop.uptime() - asked_->at <= questionTime)
-        questions_.insert(window);
-}
-
 void LinuxApplication::noteKeyboard(bool hasKeyboard) {
     if (hasKeyboard || hasKeyboard_)
         hadKeyboardAt_ = surroundings_.loop.uptime();
@@ -50,33 +43,15 @@ std::optional<Uptime> LinuxApplication::lastUsed() const {
     return hasKeyboard_ ? std::optional(surroundings_.loop.uptime()) : hadKeyboardAt_;
 }
 
-// One that keeps others from being used was there before, and keeps them from closing just as well.
-bool LinuxApplication::showsQuestion(ApplicationWindows& windows) const {
-    return std::ranges::any_of(windows.windowsOf(processId()), [this](const Toplevel& one) {
-        return (one.isDialogOfAnother && one.isModal) || questions_.contains(one.window);
-    });
-}
-
-// The question of some stands inside the window that was asked to close, where nobody sees it.
-bool LinuxApplication::isStillAsked(ApplicationWindows& windows) const {
-    if (!asked_)
-        return false;
-    const std::optional<Uptime> used = lastUsed();
-    const bool wasUsedSince = used && *used - asked_->at > noticeTime;
-    const bool isSameWindow =
-        std::ranges::any_of(windows.windowsOf(processId()), [this](const Toplevel& one) {
-            return asked_->windows.contains(one.window);
-        });
-    return showsQuestion(windows) || (isSameWindow && !wasUsedSince);
-}
-
 std::optional<StayReason> LinuxApplication::obstacle() {
     const auto windows = surroundings_.windows.lock();
     if (!windows || isTerminated())
         return StayReason::cannotBeAsked;
     if (policy_ == ActivationPolicy::accessory)
         return std::nullopt;
-    return showsQuestion(*windows) ? StayReason::asking : windows->obstacle(processId());
+    const bool isAsking =
+        request_.showsQuestion(windows->windowsOf(processId()), surroundings_.loop.uptime());
+    return isAsking ? StayReason::asking : windows->obstacle(processId());
 }
 
 bool LinuxApplication::terminate(AskedBy who) {
@@ -85,14 +60,13 @@ bool LinuxApplication::terminate(AskedBy who) {
         return false;
     if (policy_ == ActivationPolicy::accessory)
         return windows->askWithoutWindows(processId());
-    if (who == AskedBy::run && isStillAsked(*windows))
+    const std::vector<Toplevel> open = windows->windowsOf(processId());
+    const Uptime now = surroundings_.loop.uptime();
+    if (who == AskedBy::run && request_.isOpen(open, lastUsed(), now))
         return true;
     if (obstacle())
         return false;
-    asked_ = Asked{.at = surroundings_.loop.uptime(), .windows = {}};
-    questions_.clear();
-    for (const Toplevel& one : windows->windowsOf(processId()))
-        asked_->windows.insert(one.window);
+    request_.begin(open, now);
     windows->askToClose(processId());
     return true;
 }
@@ -103,15 +77,14 @@ StayReason LinuxApplication::stayReason() {
         return StayReason::unknown;
     if (windows->isDeaf(processId()))
         return StayReason::notResponding;
-    for (const Toplevel& one : windows->windowsOf(processId())) {
-        if (asked_ && !asked_->windows.contains(one.window))
-            questions_.insert(one.window);
-    }
-    if (showsQuestion(*windows))
+    const std::vector<Toplevel> open = windows->windowsOf(processId());
+    const Uptime now = surroundings_.loop.uptime();
+    request_.look(open, now);
+    if (request_.showsQuestion(open, now))
         return StayReason::asking;
     if (policy_ == ActivationPolicy::accessory)
         return windows->isInTray(processId()) ? StayReason::inTray : StayReason::windowless;
-    return asked_ ? StayReason::unknown : obstacle().value_or(StayReason::unknown);
+    return request_.hasBegun() ? StayReason::unknown : obstacle().value_or(StayReason::unknown);
 }
 
 bool LinuxApplication::forceTerminate() {

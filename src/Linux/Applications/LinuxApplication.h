@@ -3,6 +3,7 @@
 #include "Linux/Applications/DesktopEntries.h"
 #include "Linux/Applications/ProcessHandle.h"
 #include "Linux/Applications/ProcessOrigin.h"
+#include "Linux/Applications/QuitRequest.h"
 #include "Linux/Applications/ToplevelSource.h"
 #include "Platform/MainLoop.h"
 #include "Platform/SystemLog.h"
@@ -36,10 +37,6 @@ class LinuxApplication final : public RunningApplication {
 public:
     /// Time between the signal that a process may answer and the one that it can't.
     static constexpr Duration killDelay = 2s;
-    /// What it opens so soon after it was asked is its question, whether anybody looks or not.
-    static constexpr Duration questionTime = 10s;
-    /// That another window has the keyboard now is noticed a moment later.
-    static constexpr Duration noticeTime = 1s;
 
     struct Surroundings {
         MainLoop& loop;
@@ -56,7 +53,7 @@ public:
     void addIdentity(const Identity& identity);
     void setPolicy(ActivationPolicy policy) { policy_ = policy; }
     /// Takes note of one of its windows that is open now.
-    void noteWindow(std::uint64_t window);
+    void noteWindow(std::uint64_t window) { request_.note(window, surroundings_.loop.uptime()); }
     void noteKeyboard(bool hasKeyboard);
     /// Whether all that it has shown is meant to be hidden from the user.
     [[nodiscard]] bool isHidden() const { return isHidden_; }
@@ -89,15 +86,6 @@ public:
     bool activate() override;
 
 private:
-    /// When it was asked, and what windows it had then.
-    struct Asked {
-        Uptime at;
-        std::set<std::uint64_t> windows;
-    };
-
-    [[nodiscard]] bool isStillAsked(ApplicationWindows& windows) const;
-    [[nodiscard]] bool showsQuestion(ApplicationWindows& windows) const;
-
     std::unique_ptr<ProcessHandle> process_;
     Identity identity_;
     std::set<std::string> otherKeys_;
@@ -109,9 +97,7 @@ private:
     bool hasLeft_ = false;
     Surroundings surroundings_;
     ActivationPolicy policy_ = ActivationPolicy::regular;
-    std::optional<Asked> asked_;
-    /// Windows that it has opened in answer to being asked.
-    std::set<std::uint64_t> questions_;
+    QuitRequest request_;
     bool hasKeyboard_ = false;
     std::optional<Uptime> hadKeyboardAt_;
     Handle killing_;
