@@ -217,6 +217,7 @@ TEST_F(AfterQuit, ABackupIsStoppedWhileItsRecordIsAwaitedToo) {
     controller->stopBackup(Stop::cancel);
     desktop.advance(4s);
     EXPECT_EQ(note(), "Backup annullato");
+    EXPECT_NE(desktop.log().find("4.00 stop backup\n"), std::string::npos) << desktop.log();
 }
 
 TEST_F(AfterQuit, DrivesThatStayAreTriedThriceAndNamed) {

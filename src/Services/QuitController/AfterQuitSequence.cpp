@@ -158,6 +158,9 @@ void QuitController::cancelRun() {
     resolveBackupFailure(FailureChoice::stop);
 }
 
-void QuitController::stopBackup(BackupStop how) { backupStop_ = how; }
+void QuitController::stopBackup(BackupStop how) {
+    backupStop_ = how;
+    nextReading_.give({});
+}
 
 } // namespace velmorquit

@@ -62,8 +62,11 @@ Task QuitController::runBackup() {
             backupOutcome_.give({BackupEnd::completed, {}});
             co_return;
         }
-        if (!backupStop_)
-            co_await sleep(betweenReadings);
+        if (backupStop_)
+            break;
+        nextReading_.clear();
+        const Handle pause = desktop.loop.after(betweenReadings, [this] { nextReading_.give({}); });
+        co_await nextReading_;
     }
     if (!backupStop_) {
         backupOutcome_.give({BackupEnd::failed, failureReason(*process)});

@@ -18,6 +18,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace velmorquit {
@@ -262,6 +263,8 @@ private:
     int runNumber_ = 0;
     std::optional<BackupStop> backupStop_;
     Answer<BackupOutcome> backupOutcome_;
+    /// Ends the pause before it is looked again whether the backup is on record.
+    Answer<std::monostate> nextReading_;
     Answer<FailureChoice> failureChoice_;
     Answer<ExternalDrives::Ejected> ejected_;
     Answer<ExternalDrives::Ejected> ejectedNow_;
