@@ -4,17 +4,28 @@
 
 namespace velmorquit {
 
+namespace {
+
+/// The locales "C" and "POSIX", and "und" as the toolkit may call them, are nobody's language.
+bool isLanguage(const QString& code) {
+    return code.size() > 1 && code != QLatin1String("posix") && code != QLatin1String("und");
+}
+
+} // namespace
+
 Language interfaceLanguage(std::optional<Language> forced, const QStringList& userLanguages) {
     if (forced)
         return *forced;
+    bool isAnyKnown = false;
     for (const QString& language : userLanguages) {
         const auto isLetter = [](QChar letter) { return letter.isLetter(); };
         const auto end = std::ranges::find_if_not(language, isLetter);
-        const QString code(language.constData(), end - language.begin());
-        if (const auto spoken = languageFromCode(code.toLower().toStdString()))
+        const QString code = QString(language.constData(), end - language.begin()).toLower();
+        if (const auto spoken = languageFromCode(code.toStdString()))
             return *spoken;
+        isAnyKnown = isAnyKnown || isLanguage(code);
     }
-    return Language::italian;
+    return isAnyKnown ? Language::english : Language::italian;
 }
 
 QLocale formatLocale(Language language, const QLocale& user) {

@@ -10,7 +10,8 @@
 namespace velmorquit {
 
 /// The interface's language: the forced one, else the first of the user's languages ("en-GB",
-/// "it_IT") that the interface speaks, else Italian.
+/// "it_IT") that the interface speaks. Where it speaks none of them, English; Italian where nothing
+/// is known of the user, as in the locale "C".
 [[nodiscard]] Language interfaceLanguage(std::optional<Language> forced,
                                          const QStringList& userLanguages);
 

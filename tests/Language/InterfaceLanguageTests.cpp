@@ -20,8 +20,11 @@ TEST(InterfaceLanguage, IsTheForcedOneElseTheFirstOfTheUsersThatIsSpoken) {
     EXPECT_EQ(interfaceLanguage(Language::english, {"it-IT"}), Language::english);
     EXPECT_EQ(interfaceLanguage(std::nullopt, {"de-DE", "en_GB", "it"}), Language::english);
     EXPECT_EQ(interfaceLanguage(std::nullopt, {"eng-x", "it-Latn-CH", "en"}), Language::italian);
-    for (const QStringList& unspoken : {QStringList{}, {"C"}, {"", "fr-FR"}, {"iteso", "ento"}})
-        EXPECT_EQ(interfaceLanguage(std::nullopt, unspoken), Language::italian);
+    EXPECT_EQ(interfaceLanguage(std::nullopt, {"de", "it"}), Language::italian);
+    for (const QStringList& unspoken : {QStringList{"C", "fr-FR"}, {"iteso", "ento"}})
+        EXPECT_EQ(interfaceLanguage(std::nullopt, unspoken), Language::english);
+    for (const QStringList& unknown : {QStringList{}, {"C"}, {""}, {"POSIX"}, {"und"}})
+        EXPECT_EQ(interfaceLanguage(std::nullopt, unknown), Language::italian);
 }
 
 TEST(InterfaceLanguage, IsForcedByTheFirstTwoLettersOfTheFirstText) {
@@ -93,7 +96,10 @@ TEST_F(ProgramLanguage, FollowsTheEnvironment) {
     EXPECT_EQ(firstWord({"LANG=it_IT.UTF-8", "LC_MESSAGES=en_GB.UTF-8"}), "Usage:");
     EXPECT_EQ(firstWord({"LC_MESSAGES=en_GB.UTF-8", "LC_ALL=it_IT.UTF-8"}), "Uso:");
     EXPECT_EQ(firstWord({"LANG=it_IT.UTF-8", "LANGUAGE=fr:en_US:it"}), "Usage:");
-    EXPECT_EQ(firstWord({"LANG=de_DE.UTF-8"}), "Uso:");
+    EXPECT_EQ(firstWord({"LANG=de_DE.UTF-8"}), "Usage:");
+    EXPECT_EQ(firstWord({"LANG=de_DE.UTF-8", "LANGUAGE=de:it"}), "Uso:");
+    for (const char* nothing : {"C", "POSIX", "C.UTF-8", ""})
+        EXPECT_EQ(firstWord({"LANG=" + std::string(nothing)}), "Uso:") << nothing;
 }
 
 TEST_F(ProgramLanguage, IsForcedByThePreferencesOrTheirEarlierState) {
