@@ -32,6 +32,7 @@
 #include "Linux/X11/X11WindowSystem.h"
 #include "Services/LaunchAtLogin.h"
 #include "Services/SessionEnd/SessionEnd.h"
+#include "Services/StartSwitches.h"
 
 #include <QApplication>
 #include <QSessionManager>
@@ -167,6 +168,10 @@ int run(int argc, char** argv) {
         std::cout << *line << '\n';
         return EXIT_SUCCESS;
     }
+    if (const auto text = StartSwitches::answer({argv, argv + argc})) {
+        std::cout << *text << '\n';
+        return EXIT_SUCCESS;
+    }
     surviveTheTerminal();
     // Before Qt takes it for itself.
     const QVariantMap platformData = takePlatformData();
@@ -193,6 +198,9 @@ int run(int argc, char** argv) {
     QApplication::setDesktopFileName(QStringLiteral("org.velmorquit.VelmorQuit"));
     QApplication::setQuitOnLastWindowClosed(false);
     neverRestart(application);
+    // Qt has taken out what it understands, the session manager's own among them.
+    if (argc > 1)
+        log.write(StartSwitches::unknownLine({argv + 1, argv + argc}));
 
     BusCommands commands(log);
     if (const auto status = handOver(commands, log, platformData))

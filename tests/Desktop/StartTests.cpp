@@ -85,6 +85,28 @@ TEST_F(Start, TheSwitchesForTheSessionNeedNeitherDisplayNorBus) {
     EXPECT_THAT(failed.text, testing::EndsWith("\nAvvio automatico: disattivo\n"));
 }
 
+TEST_F(Start, SaysHowItIsUsedWithoutADisplayAndNamesWhatNobodyUnderstands) {
+    const auto alone = [](const char* program, const char* word) {
+        const std::string quiet = std::string(program) + ' ' + word + " 2>/dev/null";
+        return run({"env", "--unset=DISPLAY", "LC_ALL=en_GB.UTF-8",
+                    "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere", "sh", "-c", quiet});
+    };
+    for (const char* program : {VELMORQUIT, VELMORCTL}) {
+        const Outcome help = alone(program, "--help");
+        EXPECT_EQ(help.status, 0);
+        EXPECT_THAT(help.text, StartsWith("Usage: "));
+        const Outcome version = alone(program, "--version");
+        EXPECT_EQ(version.status, 0);
+        EXPECT_THAT(version.text, testing::MatchesRegex("velmor[a-z]+ [0-9.]+\n"));
+    }
+    startProgram();
+    const Outcome second =
+        run({VELMORQUIT, "-style", "fusion", "-session", "a_b", "--foo", "-name", "x"});
+    EXPECT_EQ(second.status, 0);
+    EXPECT_EQ(second.text, "Velmor Quit: argomento sconosciuto, lo ignoro: --foo "
+                           "(velmorquit --help)\nVelmor Quit: è già in esecuzione\n");
+}
+
 TEST_F(Start, LaunchersReachItByTheirOwnInterface) {
     startProgram();
     const auto call = [](const std::string& method, const std::vector<std::string>& arguments) {

@@ -17,18 +17,31 @@ using Command = CommandLine::Command;
 
 const QMap<QString, Command>& commands() {
     static const QMap<QString, Command> words{
-        {"help", Command::help},         {"--help", Command::help},
-        {"-h", Command::help},           {"status", Command::status},
-        {"watch", Command::watch},       {"quit-all", Command::quitAll},
-        {"force", Command::force},       {"leave", Command::leave},
-        {"exclude", Command::exclude},   {"include", Command::include},
-        {"show", Command::show},         {"backup", Command::backup},
-        {"eject", Command::eject},       {"cancel", Command::cancel},
-        {"reopen", Command::reopen},     {"forget", Command::forget},
-        {"schedule", Command::schedule}, {"postpone", Command::postpone},
-        {"confirm", Command::confirm},   {"actions", Command::actions},
-        {"memory", Command::memory},     {"action", Command::action},
-        {"anyway", Command::anyway},     {"ask-again", Command::askAgain},
+        {"help", Command::help},
+        {"--help", Command::help},
+        {"-h", Command::help},
+        {"--version", Command::version},
+        {"status", Command::status},
+        {"watch", Command::watch},
+        {"quit-all", Command::quitAll},
+        {"force", Command::force},
+        {"leave", Command::leave},
+        {"exclude", Command::exclude},
+        {"include", Command::include},
+        {"show", Command::show},
+        {"backup", Command::backup},
+        {"eject", Command::eject},
+        {"cancel", Command::cancel},
+        {"reopen", Command::reopen},
+        {"forget", Command::forget},
+        {"schedule", Command::schedule},
+        {"postpone", Command::postpone},
+        {"confirm", Command::confirm},
+        {"actions", Command::actions},
+        {"memory", Command::memory},
+        {"action", Command::action},
+        {"anyway", Command::anyway},
+        {"ask-again", Command::askAgain},
     };
     return words;
 }
@@ -178,6 +191,7 @@ std::string usage() {
         "  reopen               riapre in secondo piano le app dell'ultima chiusura\n"
         "  forget               dimentica quali erano\n"
         "  show                 apre il pannello\n"
+        "  --help, --version    questo testo; la versione\n"
         "\n"
         "Stato d'uscita: 0 fatto, 1 rifiutato o qualcosa è rimasto aperto o collegato, 2 uso\n"
         "sbagliato, 3 Velmor Quit non è in esecuzione, 4 tempo scaduto, 130 Ctrl+C.\n");

@@ -24,6 +24,7 @@ enum class ExitStatus {
 struct CommandLine {
     enum class Command {
         help,
+        version,
         status,
         watch,
         quitAll,

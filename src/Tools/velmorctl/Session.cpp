@@ -82,6 +82,7 @@ void Session::start() {
     }
     switch (line_.command) {
     case Command::help:
+    case Command::version:
         break;
     case Command::status:
         perform("status", {}, [this](const QString& json) {

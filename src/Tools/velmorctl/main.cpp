@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "Language/InstalledLanguage.h"
 #include "Session.h"
+#include "Texts/Version.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -25,6 +26,10 @@ int main(int argc, char** argv) {
     }
     if (std::get<CommandLine>(line).command == CommandLine::Command::help) {
         std::cout << usage();
+        return static_cast<int>(ExitStatus::success);
+    }
+    if (std::get<CommandLine>(line).command == CommandLine::Command::version) {
+        std::cout << versionLine("velmorctl") << '\n';
         return static_cast<int>(ExitStatus::success);
     }
     Session session(std::get<CommandLine>(line), language.formats());
