@@ -1,5 +1,6 @@
 #include "Services/RemoteControl.h"
 
+#include "Services/Panel/CardTexts.h"
 #include "Services/Panel/PanelTexts.h"
 #include "Services/RunAnswers.h"
 #include "Texts/Localized.h"
@@ -205,15 +206,15 @@ RemoteAnswer RemoteControl::eject() {
 
 RemoteAnswer RemoteControl::reopen() {
     const std::vector<SavedApp> apps = controller_.reopenable();
-    Json json{{"reopened", describeSaved(apps)}};
-    if (apps.empty()) {
-        json["text"] = localized("Non ci sono app da riaprire.");
-        return done(json);
+    const std::string lost = CardTexts::notReopenable(controller_.notReopenable());
+    std::string text = localized("Non ci sono app da riaprire.");
+    if (!apps.empty()) {
+        controller_.reopenLastSession();
+        text = apps.size() == 1 ? localized("Riapro 1 app.")
+                                : localized("Riapro %lld app.", apps.size());
     }
-    controller_.reopenLastSession();
-    json["text"] =
-        apps.size() == 1 ? localized("Riapro 1 app.") : localized("Riapro %lld app.", apps.size());
-    return done(json);
+    return done(
+        {{"reopened", describeSaved(apps)}, {"text", lost.empty() ? text : text + ' ' + lost}});
 }
 
 RemoteAnswer RemoteControl::forget() {

@@ -35,7 +35,7 @@ constexpr const char* mayPass = textKey("La chiusura delle app è finita: velmor
 constexpr const char* tooLate = textKey("È troppo tardi: il sistema lo sta già facendo.");
 constexpr const char* changed = textKey("Ciò che resta aperto è cambiato: non faccio niente.");
 
-constexpr std::size_t words = static_cast<std::size_t>(Word::endAnyway) + 1;
+constexpr std::size_t words = static_cast<std::size_t>(Word::reopen) + 1;
 constexpr std::size_t moments = static_cast<std::size_t>(Moment::underWay) + 1;
 
 /// By word and moment.
@@ -62,6 +62,8 @@ constexpr std::array<std::array<const char*, moments>, words> table{{
     {accepted, quits, quits, backupRuns, backupAsks, works, accepted, accepted, accepted},
     // endAnyway
     {accepted, changed, changed, changed, changed, changed, accepted, accepted, tooLate},
+    // reopen
+    {accepted, quits, quits, backupRuns, backupAsks, works, accepted, accepted, accepted},
 }};
 
 const char* answerTo(Word word, Moment moment) {
@@ -87,6 +89,7 @@ constexpr std::array<Command, 10> commands{{
     {"postpone", Word::postponeSchedule, 1},
     {"quitAll", Word::quitAll, 1},
     {"anyway", Word::endAnyway, 1},
+    {"reopen", Word::reopen},
 }};
 
 bool isMeant(const Command& one, const RemoteCommand& command) {

@@ -36,6 +36,7 @@ enum class Word {
     postponeSchedule,
     quitAll,
     endAnyway, ///< over what stays open
+    reopen,    ///< what the last run has closed
 };
 
 [[nodiscard]] Moment momentOf(const QuitController& controller, const EndState& end);

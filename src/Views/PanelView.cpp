@@ -209,7 +209,7 @@ void PanelView::renderCards() {
         isBusy(controller_.phase) ? std::vector<SavedApp>() : controller_.reopenable();
     reopen_->setVisible(!apps.empty());
     if (!apps.empty())
-        reopen_->render(apps);
+        reopen_->render(apps, controller_.notReopenable());
 }
 
 int PanelView::heightFor(int listHeight) {

@@ -24,12 +24,16 @@ ReopenCard::ReopenCard(QuitController& controller, const Workspace& workspace, Q
     : GlassCard(AppTheme::cardCornerRadius, std::nullopt, parent), controller_(controller),
       workspace_(workspace), icons_(new QWidget),
       title_(new Label(AppTheme::sectionFont(), AppTheme::text())),
-      names_(new Label(AppTheme::captionFont(), AppTheme::text(0.75))) {
+      names_(new Label(AppTheme::captionFont(), AppTheme::text(0.75))),
+      lost_(new Label(AppTheme::captionFont(), AppTheme::text(0.75))) {
     setObjectName(QStringLiteral("ReopenCard"));
     icons_->setObjectName(QStringLiteral("reopenIcons"));
     title_->setObjectName(QStringLiteral("reopenTitle"));
     names_->setObjectName(QStringLiteral("reopenNames"));
-    QHBoxLayout& line = row(*this, 10, allSides(12));
+    lost_->setObjectName(QStringLiteral("notReopenable"));
+    lost_->wrap();
+    QVBoxLayout& all = column(*this, 6, allSides(12));
+    QHBoxLayout& line = rowIn(all, 10);
     line.addWidget(icons_);
     auto* texts = new QWidget;
     QVBoxLayout& lines = column(*texts, 0);
@@ -47,9 +51,12 @@ ReopenCard::ReopenCard(QuitController& controller, const Workspace& workspace, Q
     forget->setObjectName(QStringLiteral("forget"));
     connect(forget, &QPushButton::clicked, this, [this] { controller_.forgetLastSession(); });
     line.addWidget(forget);
+    all.addWidget(lost_);
 }
 
-void ReopenCard::render(const std::vector<SavedApp>& apps) {
+void ReopenCard::render(const std::vector<SavedApp>& apps, const std::vector<std::string>& lost) {
+    lost_->setVisible(!lost.empty());
+    lost_->setText(toQt(CardTexts::notReopenable(lost)));
     if (shown_ == apps)
         return;
     shown_ = apps;

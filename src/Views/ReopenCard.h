@@ -3,6 +3,7 @@
 #include "Services/QuitController/QuitController.h"
 #include "Theme/GlassCard.h"
 
+#include <string>
 #include <vector>
 
 namespace velmorquit {
@@ -15,7 +16,8 @@ class ReopenCard : public GlassCard {
 public:
     ReopenCard(QuitController& controller, const Workspace& workspace, QWidget* parent = nullptr);
 
-    void render(const std::vector<SavedApp>& apps);
+    /// `lost` are the names of those that were closed with them and don't come back.
+    void render(const std::vector<SavedApp>& apps, const std::vector<std::string>& lost);
 
 private:
     QuitController& controller_;
@@ -23,6 +25,7 @@ private:
     QWidget* icons_;
     Label* title_;
     Label* names_;
+    Label* lost_;
     std::vector<SavedApp> shown_;
 };
 

@@ -221,5 +221,26 @@ TEST_F(LastSession, IsReopenedAndForgottenByOthers) {
     EXPECT_EQ(give("reopen")["text"], "Non ci sono app da riaprire.");
 }
 
+TEST_F(LastSession, WhatNoFileStartsIsNamedBesideWhatComesBack) {
+    openInstalled("one");
+    for (const char* name : {"Lost", "Lost", "Back"})
+        desktop.open(name);
+    start();
+    ActionRunner actions(desktop.loop, desktop.kernel, desktop.formats);
+    RemoteControl control(*controller, actions, desktop.ports());
+    const auto reopen = [this] { return desktop.remote.give("reopen"); };
+    controller->quitAll(PowerAction::none);
+    EXPECT_EQ(reopen().status, RemoteAnswer::Status::refused);
+    desktop.advance(20s);
+    desktop.open("Back");
+    controller->refresh();
+    EXPECT_EQ(json::parse(reopen().text)["text"], "Riapro 1 app. Non si può riaprire: Lost.");
+    EXPECT_EQ(json::parse(reopen().text)["text"], "Non ci sono app da riaprire.");
+    desktop.open("Gone");
+    quitAll();
+    EXPECT_EQ(json::parse(reopen().text)["text"],
+              "Non ci sono app da riaprire. Non si possono riaprire: Back, Gone.");
+}
+
 } // namespace
 } // namespace velmorquit

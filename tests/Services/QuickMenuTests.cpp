@@ -70,6 +70,9 @@ TEST_F(QuickMenuStory, ReopeningAndTheScheduleComeEachWithALineAbove) {
                                 "--", "(Controlla aggiornamenti…)")),
               std::string::npos)
         << menu();
+    controller->quitAll(PowerAction::none);
+    EXPECT_NE(menu().find("\n(Riapri le 2 app di prima) | "), std::string::npos) << menu();
+    desktop.advance(20s);
     desktop.files.paths.erase("/applications/one.desktop");
     controller->scheduleQuit(
         desktop.formats.nextOccurrence({.hour = 7, .minute = 5}, desktop.loop.now()),

@@ -29,7 +29,7 @@ constexpr auto backUp = [](SimulatedDesktop& desktop) {
 };
 
 const std::array<MomentStory, 8> stories{{
-    {"Idle", Moment::idle, nothing, 1min, "confirm quitAll anyway", ""},
+    {"Idle", Moment::idle, nothing, 1min, "confirm quitAll anyway reopen", ""},
     {"Quitting", Moment::quitting, nothing, 0s, "leave", ""},
     {"Waiting", Moment::waiting,
      [](SimulatedDesktop& desktop) { desktop.open("Editor").ignoresAsking(); }, 7s, "leave force",
@@ -47,8 +47,8 @@ const std::array<MomentStory, 8> stories{{
          desktop.volumes.mountStick("one", 3);
      },
      1s, "", "velmorctl cancel"},
-    {"Done", Moment::done, nothing, 4s, "confirm quitAll anyway", ""},
-    {"Ending", Moment::ending, nothing, 1s, "confirm quitAll anyway", "velmorctl cancel"},
+    {"Done", Moment::done, nothing, 4s, "confirm quitAll anyway reopen", ""},
+    {"Ending", Moment::ending, nothing, 1s, "confirm quitAll anyway reopen", "velmorctl cancel"},
 }};
 
 class EveryMoment : public ControllerStory, public testing::WithParamInterface<MomentStory> {};
@@ -61,7 +61,7 @@ TEST_P(EveryMoment, TakesTheWordsThatMakeSenseAndSaysWhatDoes) {
     desktop.advance(story.after);
     const Moment moment = RunAnswers::momentOf(*controller, desktop.loginWindow.state);
     ASSERT_EQ(moment, story.moment) << desktop.log();
-    const std::array<std::pair<std::string, RemoteCommand>, 9> commands{{
+    const std::array<std::pair<std::string, RemoteCommand>, 10> commands{{
         {"leave", {"leave", {}}},
         {"force", {"force", {}}},
         {"skip", {"backup", {"skip"}}},
@@ -71,6 +71,7 @@ TEST_P(EveryMoment, TakesTheWordsThatMakeSenseAndSaysWhatDoes) {
         {"confirm", {"confirm", {}}},
         {"quitAll", {"quitAll", {"none"}}},
         {"anyway", {"anyway", {"1"}}},
+        {"reopen", {"reopen", {}}},
     }};
     for (const auto& [word, command] : commands) {
         const bool isTaken = story.taken.find(word) != std::string_view::npos;

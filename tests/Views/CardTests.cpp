@@ -123,6 +123,7 @@ TEST_F(CardTest, WhatWasClosedCanBeReopenedOrForgotten) {
         desktop.open(name, 10_MiB).identified(name);
         desktop.files.paths.insert("/applications/" + name + ".desktop");
     }
+    desktop.open("Persa", 1_MiB);
     start();
     EXPECT_FALSE(isShown("ReopenCard"));
     click("quitAll");
@@ -130,11 +131,13 @@ TEST_F(CardTest, WhatWasClosedCanBeReopenedOrForgotten) {
     advance(1s);
     EXPECT_EQ(text("reopenTitle"), "5 app di prima");
     EXPECT_EQ(find("reopenIcons")->width(), 24 + 3 * 12);
+    EXPECT_EQ(text("notReopenable"), "Non si può riaprire: Persa.");
     const auto session = controller->lastSession.get();
     click("reopen");
     EXPECT_FALSE(isShown("ReopenCard"));
     controller->lastSession = session;
     settle();
+    EXPECT_FALSE(isShown("notReopenable"));
     click("forget");
     EXPECT_FALSE(isShown("ReopenCard"));
     EXPECT_TRUE(controller->lastSession->empty());

@@ -24,6 +24,7 @@ MenuBarItem::MenuBarItem(const Parts& parts, const Desktop& desktop)
     follow(parts_.controller.schedule);
     follow(parts_.controller.lastSession);
     follow(loginWindow_.state);
+    follow(parts_.controller.phase);
     follow(parts_.updater.canCheckForUpdates);
 }
 
@@ -111,7 +112,8 @@ void MenuBarItem::perform(const QuickMenuEntry& entry) {
         quitAll(entry.then);
         break;
     case Command::reopen:
-        parts_.controller.reopenLastSession();
+        if (RunAnswers::isTaken(RunAnswers::Word::reopen, RunAnswers::momentOf(parts_.controller)))
+            parts_.controller.reopenLastSession();
         break;
     case Command::cancelSchedule:
         parts_.controller.cancelSchedule();

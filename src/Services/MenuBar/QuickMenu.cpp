@@ -3,6 +3,7 @@
 #include "Services/AppUpdater.h"
 #include "Services/QuitController/QuitController.h"
 #include "Services/SessionEnd/EndTexts.h"
+#include "Services/RunAnswers.h"
 #include "Texts/Localized.h"
 
 #include <array>
@@ -42,6 +43,8 @@ QuickMenu quickMenu(const QuitController& controller, const LoginWindow& loginWi
                     .isEnabled = open > 0},
                    separator};
     const EndOutlook outlook = loginWindow.outlook(LoginRequest::shutDown);
+    const bool mayReopen =
+        RunAnswers::isTaken(RunAnswers::Word::reopen, RunAnswers::momentOf(controller));
     for (const auto& [action, symbol] : powerSymbols)
         menu.push_back({.command = Command::quit,
                         .title = buttonTitle(action),
@@ -56,7 +59,8 @@ QuickMenu quickMenu(const QuitController& controller, const LoginWindow& loginWi
         menu.push_back(separator);
         menu.push_back({.command = Command::reopen,
                         .title = reopenTitle(closed),
-                        .symbol = "arrow.uturn.backward.circle"});
+                        .symbol = "arrow.uturn.backward.circle",
+                        .isEnabled = mayReopen});
     }
     if (const auto& schedule = controller.schedule.get()) {
         menu.push_back(separator);

@@ -89,4 +89,14 @@ std::string names(const std::vector<SavedApp>& apps) {
     return text;
 }
 
+std::string notReopenable(const std::vector<std::string>& names) {
+    std::string list;
+    for (const std::string& name : names)
+        list += (list.empty() ? "" : ", ") + name;
+    if (names.empty())
+        return {};
+    return names.size() == 1 ? localized("Non si può riaprire: %@.", list)
+                             : localized("Non si possono riaprire: %@.", list);
+}
+
 } // namespace velmorquit::CardTexts

@@ -49,5 +49,7 @@ struct LastBackup {
 [[nodiscard]] std::string reopenTitle(std::size_t count);
 /// The names, with commas.
 [[nodiscard]] std::string names(const std::vector<SavedApp>& apps);
+/// What was closed beside them and doesn't come back; empty when there are no such names.
+[[nodiscard]] std::string notReopenable(const std::vector<std::string>& names);
 
 } // namespace velmorquit::CardTexts

@@ -44,16 +44,21 @@ void QuitController::loadLastSession() {
 /// `closed` are the applications that quit, most memory first.
 void QuitController::rememberSession(const std::vector<OpenApp>& closed) {
     std::vector<SavedApp> saved;
+    std::vector<std::string> lost;
     std::set<std::string> paths;
     for (const OpenApp& app : closed) {
         const auto path = app.app->bundlePath();
-        if (!path)
-            continue;
-        SavedApp record{app.name, *path};
+        SavedApp record{app.name, path.value_or(std::string())};
         // Several processes may have been the windows of one application.
-        if (SavedApps::canBeStored(record) && paths.insert(*path).second)
+        if (!path || !SavedApps::canBeStored(record)) {
+            if (std::ranges::find(lost, app.name) == lost.end())
+                lost.push_back(app.name);
+        } else if (paths.insert(*path).second) {
             saved.push_back(std::move(record));
+        }
     }
+    if (!closed.empty())
+        closedForGood = std::move(lost);
     // A run that closed nothing takes nothing away from what can be brought back.
     if (saved.empty())
         return;
@@ -77,6 +82,15 @@ std::vector<SavedApp> QuitController::reopenable() const {
     return apps;
 }
 
+std::vector<std::string> QuitController::notReopenable() const {
+    std::vector<std::string> lost = closedForGood;
+    std::erase_if(lost, [this](const std::string& name) {
+        return std::ranges::any_of(apps.get(),
+                                   [&name](const OpenApp& app) { return app.name == name; });
+    });
+    return lost;
+}
+
 void QuitController::reopenLastSession() {
     for (const SavedApp& app : reopenable())
         desktop_.workspace.open(app.path);
@@ -85,6 +99,7 @@ void QuitController::reopenLastSession() {
 
 void QuitController::forgetLastSession() {
     lastSession = {};
+    closedForGood = {};
     desktop_.preferences.remove(listKey);
     desktop_.preferences.remove(dateKey);
 }

@@ -12,8 +12,9 @@ QuitController::QuitController(const Desktop& desktop)
       timeMachine(desktop.loop, TimeMachine::info(desktop.files, desktop.backupTool)),
       externalDrives(desktop.loop), resultNote(desktop.loop), unattended(desktop.loop),
       autoContinueAt(desktop.loop), pendingAction(desktop.loop), runningAction(desktop.loop),
-      lastSession(desktop.loop), schedule(desktop.loop), awaitingConfirmation(desktop.loop),
-      confirmScheduled(desktop.loop), scheduleNote(desktop.loop), desktop_(desktop) {
+      lastSession(desktop.loop), closedForGood(desktop.loop), schedule(desktop.loop),
+      awaitingConfirmation(desktop.loop), confirmScheduled(desktop.loop),
+      scheduleNote(desktop.loop), desktop_(desktop) {
     loadPreferences();
     observers_.push_back(desktop_.preferences.observe([this] { loadPreferences(); }));
     loadLastSession();

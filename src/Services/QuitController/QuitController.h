@@ -90,6 +90,8 @@ public:
     Published<std::vector<SavedApp>> lastSession;
 
     /// The run that is to begin later; it isn't kept across starts.
+    /// Names of what that run has closed too, but that no file starts. They aren't stored.
+    Published<std::vector<std::string>> closedForGood;
     Published<std::optional<ScheduledQuit>> schedule;
     /// Its moment has come, and the user is asked whether it is to begin.
     Published<bool> awaitingConfirmation;
@@ -176,6 +178,9 @@ public:
 
     /// Starts all that is `reopenable` in the background, and forgets the last session. Returns at
     /// once; whether they come is not told.
+    /// Those of `closedForGood` that nobody has started again since.
+    [[nodiscard]] std::vector<std::string> notReopenable() const;
+
     void reopenLastSession();
 
     /// Forgets the last session, in the preferences too.

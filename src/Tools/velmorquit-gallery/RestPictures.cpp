@@ -55,6 +55,12 @@ void extras(Stage& stage) {
     stage.desktop.volumes.mountStick("Foto");
     stage.desktop.backupTool.earlierBackup = stage.desktop.loop.now() - 9 * 24h;
     DemoApps::rememberClosed(stage.desktop, stage.language(), {"Frames"});
+void reopenWithoutOne(Stage& stage) {
+    DemoApps::rememberClosed(stage.desktop, stage.language(), closedBefore);
+    stage.startUsually().closedForGood = {"editor.py", "Screen Recorder 0.9"};
+    stage.openPanel();
+}
+
     stage.startUsually();
     stage.openPanel();
 }
@@ -73,3 +79,4 @@ std::vector<Picture> restPictures() {
 }
 
 } // namespace velmorquit
+        {"panel-reopen-without-one", reopenWithoutOne},
