@@ -43,6 +43,11 @@ const char* rawValue(StayReason reason) {
     return names.at(static_cast<std::size_t>(reason));
 }
 
+const char* rawValue(Sight sight) {
+    static constexpr std::array<const char*, 3> names{"all", "noWindowList", "anotherDisplay"};
+    return names.at(static_cast<std::size_t>(sight));
+}
+
 /// Since 1970.
 std::int64_t seconds(WallTime date) {
     return std::chrono::duration_cast<std::chrono::seconds>(date.time_since_epoch()).count();
@@ -110,6 +115,7 @@ RemoteAnswer RemoteControl::status() {
     controller_.refresh();
     Json json = describePhase();
     json["applications"] = describeAll(controller_.apps);
+    json["sight"] = rawValue(controller_.sight.get());
     json["stubborn"] = describeStubborn();
     json["excluded"] = controller_.excluded.get();
     const MemoryMonitor::SystemMemory& memory = controller_.systemMemory;

@@ -35,7 +35,6 @@ AppList::AppList(QuitController& controller, const Formats& formats, QWidget* pa
     auto* hint = new Label(AppTheme::smallCaptionFont(), AppTheme::text(0.6));
     hint->setText(toQt(localized("clic per escludere")));
     empty_->setObjectName(QStringLiteral("emptyList"));
-    empty_->setText(toQt(localized("Tutto chiuso. La memoria è libera.")));
     empty_->setAlignment(Qt::AlignCenter);
     empty_->setContentsMargins(12, 18, 12, 18);
     empty_->wrap();
@@ -108,6 +107,7 @@ void AppList::render() {
     }
     if (isAimedAt())
         keepPlaces(order);
+    empty_->setText(toQt(PanelTexts::emptyList(controller_.sight)));
     empty_->setVisible(apps.empty());
     area_->setVisible(!apps.empty());
     if (std::exchange(order_, order) != order || area_->height() == 0)

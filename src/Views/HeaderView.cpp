@@ -37,7 +37,7 @@ HeaderView::HeaderView(QuitController& controller, AppUpdater& updater, Preferen
 }
 
 void HeaderView::render() {
-    count_->setText(toQt(PanelTexts::appCount(controller_.apps->size())));
+    count_->setText(toQt(PanelTexts::appCount(controller_)));
     update_->setVisible(updater_.updateAvailable);
 }
 

@@ -116,13 +116,14 @@ void PanelView::observe() {
     const auto onChange = [this](auto&... fields) {
         (observers_.push_back(fields.subscribe([this] { renderLater(); })), ...);
     };
-    onChange(controller_.apps, controller_.phase, controller_.stubborn, controller_.stayReasons,
-             controller_.systemMemory, controller_.excluded, controller_.afterQuit,
-             controller_.backupFirst, controller_.ejectDrives, controller_.timeMachine,
-             controller_.externalDrives, controller_.resultNote, controller_.autoContinueAt,
-             controller_.runningAction, controller_.lastSession, controller_.schedule,
-             controller_.awaitingConfirmation, controller_.confirmScheduled,
-             controller_.scheduleNote, desktop_.loginWindow.state, updater_.updateAvailable);
+    onChange(controller_.apps, controller_.sight, controller_.phase, controller_.stubborn,
+             controller_.stayReasons, controller_.systemMemory, controller_.excluded,
+             controller_.afterQuit, controller_.backupFirst, controller_.ejectDrives,
+             controller_.timeMachine, controller_.externalDrives, controller_.resultNote,
+             controller_.autoContinueAt, controller_.runningAction, controller_.lastSession,
+             controller_.closedForGood, controller_.schedule, controller_.awaitingConfirmation,
+             controller_.confirmScheduled, controller_.scheduleNote, desktop_.loginWindow.state,
+             updater_.updateAvailable);
 }
 
 // Several fields change in one turn: that is one picture.

@@ -67,7 +67,15 @@ TEST_F(PanelTest, WithNothingToQuitTheButtonStillDoesItsWork) {
     only.end();
     settle();
     EXPECT_EQ(text("appCount"), "Nessuna app aperta");
-    EXPECT_TRUE(isShown("emptyList"));
+    EXPECT_EQ(text("emptyList"), "Tutto chiuso. La memoria è libera.");
+    desktop.workspace.seen = Sight::noWindowList;
+    controller->refresh();
+    settle();
+    EXPECT_EQ(text("appCount"), "Nessuna app in vista");
+    EXPECT_EQ(text("status"), "Non vedo niente da chiudere");
+    EXPECT_EQ(text("emptyList").rfind("Non vedo che cosa è aperto", 0), 0);
+    desktop.workspace.seen = Sight::all;
+    controller->refresh();
     click("quitAll");
     EXPECT_EQ(text("status"), "Chiuse 0 app");
     EXPECT_FALSE(isShown("freed"));

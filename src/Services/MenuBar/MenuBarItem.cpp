@@ -20,11 +20,12 @@ MenuBarItem::MenuBarItem(const Parts& parts, const Desktop& desktop)
         subscriptions_.push_back(field.subscribe([this] { keepMenu(); }));
     };
     follow(parts_.controller.apps);
+    follow(parts_.controller.sight);
     follow(parts_.controller.excluded);
     follow(parts_.controller.schedule);
     follow(parts_.controller.lastSession);
-    follow(loginWindow_.state);
     follow(parts_.controller.phase);
+    follow(loginWindow_.state);
     follow(parts_.updater.canCheckForUpdates);
 }
 

@@ -1,9 +1,10 @@
 #include "Services/MenuBar/QuickMenu.h"
 
 #include "Services/AppUpdater.h"
+#include "Services/Panel/PanelTexts.h"
 #include "Services/QuitController/QuitController.h"
-#include "Services/SessionEnd/EndTexts.h"
 #include "Services/RunAnswers.h"
+#include "Services/SessionEnd/EndTexts.h"
 #include "Texts/Localized.h"
 
 #include <array>
@@ -20,9 +21,9 @@ constexpr std::array<std::pair<PowerAction, const char*>, 3> powerSymbols{
      {PowerAction::restart, "arrow.clockwise"},
      {PowerAction::logOut, "rectangle.portrait.and.arrow.right"}}};
 
-std::string quitTitle(std::size_t count) {
+std::string quitTitle(std::size_t count, Sight sight) {
     if (count == 0)
-        return localized("Niente da chiudere");
+        return PanelTexts::nothingToQuit(sight);
     return count == 1 ? localized("Chiudi 1 app") : localized("Chiudi %lld app", count);
 }
 
@@ -38,13 +39,13 @@ QuickMenu quickMenu(const QuitController& controller, const LoginWindow& loginWi
     const QuickMenuEntry separator;
     const std::size_t open = controller.quittable().size();
     QuickMenu menu{{.command = Command::quit,
-                    .title = quitTitle(open),
+                    .title = quitTitle(open, controller.sight),
                     .symbol = "xmark.circle",
                     .isEnabled = open > 0},
                    separator};
-    const EndOutlook outlook = loginWindow.outlook(LoginRequest::shutDown);
     const bool mayReopen =
         RunAnswers::isTaken(RunAnswers::Word::reopen, RunAnswers::momentOf(controller));
+    const EndOutlook outlook = loginWindow.outlook(LoginRequest::shutDown);
     for (const auto& [action, symbol] : powerSymbols)
         menu.push_back({.command = Command::quit,
                         .title = buttonTitle(action),

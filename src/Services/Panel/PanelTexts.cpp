@@ -25,10 +25,11 @@ StatusLine ordinary(std::string text) {
     return line;
 }
 
-StatusLine outlook(const std::vector<OpenApp>& quittable, const Formats& formats) {
+StatusLine outlook(const QuitController& controller, const Formats& formats) {
+    const std::vector<OpenApp> quittable = controller.quittable();
     if (quittable.empty())
         return {.kind = StatusLine::Kind::quiet,
-                .text = localized("Niente da chiudere"),
+                .text = nothingToQuit(controller.sight),
                 .badge = std::nullopt,
                 .note = std::nullopt};
     std::uint64_t memory = 0;
@@ -42,10 +43,30 @@ StatusLine outlook(const std::vector<OpenApp>& quittable, const Formats& formats
 
 } // namespace
 
-std::string appCount(std::size_t count) {
+std::string appCount(const QuitController& controller) {
+    const std::size_t count = controller.apps->size();
     if (count == 0)
-        return localized("Nessuna app aperta");
+        return controller.sight == Sight::all ? localized("Nessuna app aperta")
+                                              : localized("Nessuna app in vista");
     return count == 1 ? localized("1 app aperta") : localized("%lld app aperte", count);
+}
+
+std::string emptyList(Sight sight) {
+    switch (sight) {
+    case Sight::noWindowList:
+        return localized("Non vedo che cosa è aperto: nessun gestore di finestre me lo dice.");
+    case Sight::anotherDisplay:
+        return localized("Non vedo che cosa è aperto: di questa sessione vedo solo una parte delle "
+                         "finestre.");
+    case Sight::all:
+        break;
+    }
+    return localized("Tutto chiuso. La memoria è libera.");
+}
+
+std::string nothingToQuit(Sight sight) {
+    return sight == Sight::all ? localized("Niente da chiudere")
+                               : localized("Non vedo niente da chiudere");
 }
 
 StatusLine statusLine(const QuitController& controller, const Formats& formats) {
@@ -58,7 +79,7 @@ StatusLine statusLine(const QuitController& controller, const Formats& formats) 
         return ordinary(localized("Espulsione dei dischi…"));
     if (const auto* done = std::get_if<phases::Done>(&phase))
         return resultLine(*done, controller.resultNote, formats);
-    return outlook(controller.quittable(), formats);
+    return outlook(controller, formats);
 }
 
 std::string memory(const MemoryMonitor::SystemMemory& memory, const Formats& formats) {

@@ -12,7 +12,14 @@
 namespace velmorquit::PanelTexts {
 
 /// How many applications are open, excluded ones among them.
-[[nodiscard]] std::string appCount(std::size_t count);
+[[nodiscard]] std::string appCount(const QuitController& controller);
+
+/// What stands in the place of the list when it is empty: that nothing is open only where it would
+/// be seen.
+[[nodiscard]] std::string emptyList(Sight sight);
+
+/// That a run would close nothing.
+[[nodiscard]] std::string nothingToQuit(Sight sight);
 
 /// What stands below the round button.
 struct StatusLine {

@@ -6,9 +6,10 @@
 namespace velmorquit {
 
 QuitController::QuitController(const Desktop& desktop)
-    : apps(desktop.loop), phase(desktop.loop), stubborn(desktop.loop), stayReasons(desktop.loop),
-      systemMemory(desktop.loop, MemoryMonitor::system(desktop.kernel)), excluded(desktop.loop),
-      afterQuit(desktop.loop), backupFirst(desktop.loop), ejectDrives(desktop.loop),
+    : apps(desktop.loop), sight(desktop.loop), phase(desktop.loop), stubborn(desktop.loop),
+      stayReasons(desktop.loop), systemMemory(desktop.loop, MemoryMonitor::system(desktop.kernel)),
+      excluded(desktop.loop), afterQuit(desktop.loop), backupFirst(desktop.loop),
+      ejectDrives(desktop.loop),
       timeMachine(desktop.loop, TimeMachine::info(desktop.files, desktop.backupTool)),
       externalDrives(desktop.loop), resultNote(desktop.loop), unattended(desktop.loop),
       autoContinueAt(desktop.loop), pendingAction(desktop.loop), runningAction(desktop.loop),

@@ -61,6 +61,8 @@ public:
 
     /// Open applications, most memory first.
     Published<std::vector<OpenApp>> apps;
+    /// How much of the session was seen when they were listed.
+    Published<Sight> sight;
     Published<Phase> phase;
     /// Those still open after the grace period of the present run.
     Published<std::vector<OpenApp>> stubborn;
@@ -88,10 +90,10 @@ public:
     Published<PowerAction> runningAction;
     /// What the last run that closed anything has closed, most memory first.
     Published<std::vector<SavedApp>> lastSession;
-
-    /// The run that is to begin later; it isn't kept across starts.
     /// Names of what that run has closed too, but that no file starts. They aren't stored.
     Published<std::vector<std::string>> closedForGood;
+
+    /// The run that is to begin later; it isn't kept across starts.
     Published<std::optional<ScheduledQuit>> schedule;
     /// Its moment has come, and the user is asked whether it is to begin.
     Published<bool> awaitingConfirmation;
@@ -176,11 +178,11 @@ public:
     /// Those of the last session that don't run now and that can still be started.
     [[nodiscard]] std::vector<SavedApp> reopenable() const;
 
-    /// Starts all that is `reopenable` in the background, and forgets the last session. Returns at
-    /// once; whether they come is not told.
     /// Those of `closedForGood` that nobody has started again since.
     [[nodiscard]] std::vector<std::string> notReopenable() const;
 
+    /// Starts all that is `reopenable` in the background, and forgets the last session. Returns at
+    /// once; whether they come is not told.
     void reopenLastSession();
 
     /// Forgets the last session, in the preferences too.

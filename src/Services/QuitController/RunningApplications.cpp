@@ -34,6 +34,7 @@ void QuitController::refresh() {
     }
     std::ranges::stable_sort(listed, std::greater{}, &OpenApp::memory);
     apps = std::move(listed);
+    sight = desktop_.workspace.sight();
     systemMemory = MemoryMonitor::system(desktop_.kernel);
     timeMachine = TimeMachine::info(desktop_.files, desktop_.backupTool);
     externalDrives = ExternalDrives::connected(desktop_.volumes);

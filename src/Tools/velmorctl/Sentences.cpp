@@ -180,6 +180,16 @@ std::string reopenableText(const QJsonObject& status) {
     return localized("Da riaprire: %@", names) + '\n';
 }
 
+/// In the place of the table. An earlier program doesn't say how much it sees.
+std::string emptyText(const QString& sight) {
+    if (sight == "noWindowList")
+        return localized("Non vedo che cosa è aperto: nessun gestore di finestre me lo dice.");
+    if (sight == "anotherDisplay")
+        return localized("Non vedo che cosa è aperto: di questa sessione vedo solo una parte delle "
+                         "finestre.");
+    return localized("Nessuna app aperta");
+}
+
 } // namespace
 
 std::string statusText(const QJsonObject& status, const Formats& formats) {
@@ -198,7 +208,7 @@ std::string statusText(const QJsonObject& status, const Formats& formats) {
             phase += text.toStdString() + '\n';
     }
     if (applications.isEmpty())
-        return phase + localized("Nessuna app aperta") + '\n' + reopenableText(status);
+        return phase + emptyText(status["sight"].toString()) + '\n' + reopenableText(status);
     Table table({Table::Align::left, Table::Align::right, Table::Align::right, Table::Align::left,
                  Table::Align::left});
     for (const auto& application : applications)

@@ -40,11 +40,24 @@ void empty(Stage& stage) {
     stage.openPanel();
 }
 
+void emptyUnseen(Stage& stage) {
+    stage.useMemory(3.87);
+    stage.desktop.workspace.seen = Sight::noWindowList;
+    stage.start();
+    stage.openPanel();
+}
+
 void allExcluded(Stage& stage) {
     stage.useMemory(5.1);
     stage.open({"Melody", "Archive", "Jottings"});
     stage.exclude({"Melody", "Archive", "Jottings"});
     stage.start();
+    stage.openPanel();
+}
+
+void reopenWithoutOne(Stage& stage) {
+    DemoApps::rememberClosed(stage.desktop, stage.language(), closedBefore);
+    stage.startUsually().closedForGood = {"editor.py", "Screen Recorder 0.9"};
     stage.openPanel();
 }
 
@@ -55,12 +68,6 @@ void extras(Stage& stage) {
     stage.desktop.volumes.mountStick("Foto");
     stage.desktop.backupTool.earlierBackup = stage.desktop.loop.now() - 9 * 24h;
     DemoApps::rememberClosed(stage.desktop, stage.language(), {"Frames"});
-void reopenWithoutOne(Stage& stage) {
-    DemoApps::rememberClosed(stage.desktop, stage.language(), closedBefore);
-    stage.startUsually().closedForGood = {"editor.py", "Screen Recorder 0.9"};
-    stage.openPanel();
-}
-
     stage.startUsually();
     stage.openPanel();
 }
@@ -73,10 +80,11 @@ std::vector<Picture> restPictures() {
         {"panel-idle-one", idleWithOne},
         {"panel-idle-many", idleWithMany},
         {"panel-empty", empty},
+        {"panel-empty-unseen", emptyUnseen},
         {"panel-all-excluded", allExcluded},
+        {"panel-reopen-without-one", reopenWithoutOne},
         {"panel-extras", extras},
     };
 }
 
 } // namespace velmorquit
-        {"panel-reopen-without-one", reopenWithoutOne},
