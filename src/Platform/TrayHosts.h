@@ -2,6 +2,7 @@
 
 #include "Platform/Handle.h"
 
+#include <cstdint>
 #include <functional>
 
 namespace velmorquit {
@@ -20,6 +21,10 @@ public:
 
     /// A notifier where there are both. From memory.
     [[nodiscard]] virtual TrayHost present() const = 0;
+
+    /// Asks the one that takes windows in for that window of this program, which the toolkit has
+    /// made. Returns at once; nothing happens where there is none.
+    virtual void takeIn(std::uint64_t window) const = 0;
 
     /// Calls `changed` in a later turn when it changes, also when one was replaced by another of
     /// its kind.

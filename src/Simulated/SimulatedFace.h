@@ -62,6 +62,7 @@ private:
 class SimulatedTrayHosts final : public TrayHosts {
 public:
     [[nodiscard]] TrayHost present() const override { return host; }
+    void takeIn(std::uint64_t) const override {}
     [[nodiscard]] Handle observe(std::function<void()> changed) const override {
         return observers_.add(std::move(changed));
     }

@@ -58,24 +58,28 @@ TrayItem::~TrayItem() = default;
 void TrayItem::remake() {
     const TrayHost host = face_.trayHosts.present();
     icon_.reset();
+    embedded_.reset();
     kept_.reset();
     clickedAt_.reset();
     isGroundDark_.reset();
     if (host == TrayHost::none)
         return;
-    icon_ = std::make_unique<QSystemTrayIcon>();
-    icon_->setToolTip(QStringLiteral("Velmor Quit"));
-    QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(),
-                     [this](QSystemTrayIcon::ActivationReason reason) { hear(reason); });
-    // The others would have it popped up by Qt as well, in addition to what a click does.
-    if (host == TrayHost::notifier) {
+    const auto heard = [this](QSystemTrayIcon::ActivationReason reason) { hear(reason); };
+    if (host == TrayHost::embedding) {
+        embedded_ = std::make_unique<EmbeddedIcon>(face_.trayHosts);
+        embedded_->onPress = heard;
+        paint();
+    } else {
+        icon_ = std::make_unique<QSystemTrayIcon>();
+        icon_->setToolTip(QStringLiteral("Velmor Quit"));
+        QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(), heard);
         kept_ = std::make_unique<KeptMenu>([this](const QuickMenuEntry& entry) { choose(entry); });
         kept_->setEntries(entries_);
         kept_->onOpen = [this] { noteMenu(); };
         icon_->setContextMenu(&kept_->menu());
+        paint();
+        icon_->show();
     }
-    paint();
-    icon_->show();
     lookLater();
 }
 
@@ -116,7 +120,7 @@ void TrayItem::choose(const QuickMenuEntry& entry) {
 
 // Before it was taken in, an embedded icon is at the origin.
 QRect TrayItem::geometry() const {
-    const QRect place = icon_ ? icon_->geometry() : QRect();
+    const QRect place = embedded_ ? embedded_->place() : icon_ ? icon_->geometry() : QRect();
     return place.topLeft() == QPoint(0, 0) ? QRect() : place;
 }
 
@@ -163,7 +167,7 @@ void TrayItem::lookLater() { looks_.start(firstLook); }
 // somewhere in a panel.
 QRect TrayItem::ground() const {
     const QRect place = geometry();
-    if (place.isValid() || !icon_)
+    if (place.isValid() || (!icon_ && !embedded_))
         return place;
     if (!clickedAt_)
         return ScreenGround::panel();
@@ -187,10 +191,12 @@ bool TrayItem::isPanelDark() const {
 }
 
 void TrayItem::paint() {
-    if (!icon_)
-        return;
     const QString name = panelTints() ? installedName() : QString();
-    icon_->setIcon(MenuBarIcon::icon(isPanelDark() ? Qt::white : Qt::black, name));
+    const QIcon drawn = MenuBarIcon::icon(isPanelDark() ? Qt::white : Qt::black, name);
+    if (embedded_)
+        embedded_->setIcon(drawn);
+    else if (icon_)
+        icon_->setIcon(drawn);
 }
 
 } // namespace velmorquit

@@ -3,6 +3,7 @@
 #include "Platform/DesktopFace.h"
 #include "Platform/Handle.h"
 #include "Services/StatusItem.h"
+#include "Views/EmbeddedIcon.h"
 #include "Views/QuickMenuView.h"
 
 #include <QMenu>
@@ -14,8 +15,9 @@
 
 namespace velmorquit {
 
-/// The program's icon in the tray, whoever shows it there. It isn't made before there is a host:
-/// Qt finds out which kind there is with the first icon, and stays with that.
+/// The program's icon in the tray, whoever shows it there, also when hosts of either kind replace
+/// each other. Qt finds out which kind there is with the first of its icons, and stays with that:
+/// so it makes them for notifiers alone.
 class TrayItem final : public StatusItem {
 public:
     explicit TrayItem(const DesktopFace& face);
@@ -43,7 +45,9 @@ private:
     [[nodiscard]] bool isPanelDark() const;
 
     DesktopFace face_;
+    /// One of the two while there is a host.
     std::unique_ptr<QSystemTrayIcon> icon_;
+    std::unique_ptr<EmbeddedIcon> embedded_;
     QuickMenu entries_;
     /// Only for hosts that draw it.
     std::unique_ptr<KeptMenu> kept_;

@@ -1,5 +1,6 @@
 #include "Desktop/DesktopStory.h"
 
+#include "support/StandInWatcher.h"
 #include "support/Waiting.h"
 
 #include <algorithm>
@@ -234,6 +235,20 @@ TEST_F(TrayIcon, IsNotNeededForThePanelAndComesBackWithTheTray) {
     await("the end of the panel", [] { return !isPanelShown(); });
     const Child tray({"tint2", "-c", home().parent_path() / "tint2rc"});
     await("another tray", [] { return !windowsNamed("tint2").empty(); });
+    awaitIcon();
+    click("1");
+    await("the panel", isPanelShown);
+}
+
+TEST_F(TrayIcon, FollowsAHostOfTheOtherKindAndBack) {
+    startProgram();
+    awaitIcon();
+    StandInWatcher watcher(
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, "stand-in watcher"));
+    watcher.appear();
+    await("the icon on the watcher's list", [&] { return !watcher.registered.isEmpty(); });
+    await("the end of the icon in the panel", [] { return windowsNamed("velmorquit").empty(); });
+    watcher.disappear();
     awaitIcon();
     click("1");
     await("the panel", isPanelShown);

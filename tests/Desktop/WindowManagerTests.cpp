@@ -104,6 +104,9 @@ TEST_F(WindowManager, IsNotNeededToAsk) {
     EXPECT_FALSE(rude.isRunning());
     EXPECT_FALSE(editor.isRunning());
     EXPECT_THAT(names("applications"), IsEmpty());
+    EXPECT_THAT(control({"status"}).text, HasSubstr("Non vedo che cosa è aperto"));
+    startAnother();
+    EXPECT_THAT(control({"status"}).text, HasSubstr("Nessuna app aperta"));
 }
 
 } // namespace

@@ -44,9 +44,22 @@ public:
             reply(question);
     }
 
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+    /// As much as Qt wants to know of one before it tells it of icons.
+    [[nodiscard]] QString introspect(const QString&) const override {
+        return QStringLiteral(
+            "<interface name=\"org.kde.StatusNotifierWatcher\">"
+            "<property name=\"IsStatusNotifierHostRegistered\" type=\"b\" access=\"read\"/>"
+            "<method name=\"RegisterStatusNotifierItem\"><arg type=\"s\" "
+            "direction=\"in\"/></method>"
+            "</interface>");
+    }
     bool handleMessage(const QDBusMessage& question, const QDBusConnection&) override {
         const QVariantList in = question.arguments();
+        if (question.member() == "RegisterStatusNotifierItem") {
+            registered << in.value(0).toString();
+            bus.send(question.createReply());
+            return true;
+        }
         if (question.member() != "Get" || in.value(0).toString() != service)
             return false;
         ++questions;
@@ -61,6 +74,8 @@ public:
     bool isSlow = false;
     int hosts = 1;
     QStringList items;
+    /// Icons that have asked to be listed.
+    QStringList registered;
     int questions = 0;
     std::vector<QDBusMessage> pending;
 

@@ -19,6 +19,9 @@ public:
     /// within `NotifierWatcher::patience` whether it does, stops counting then.
     [[nodiscard]] TrayHost present() const override;
 
+    /// Over the toolkit's connection, so that the window is there when the host hears of it.
+    void takeIn(std::uint64_t window) const override;
+
     [[nodiscard]] Handle observe(std::function<void()> changed) const override {
         return observers_.add(std::move(changed));
     }
@@ -27,6 +30,7 @@ private:
     void noteEmbedding();
 
     MainLoop& loop_;
+    xcb_atom_t request_;
     mutable Subscribers observers_;
     NotifierWatcher notifier_;
     X11Selection embedding_;
