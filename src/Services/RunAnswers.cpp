@@ -78,7 +78,7 @@ struct Command {
     std::array<std::string_view, 2> arguments{};
 };
 
-constexpr std::array<Command, 10> commands{{
+constexpr std::array<Command, 11> commands{{
     {"leave", Word::leave},
     {"askAgain", Word::askAgain, 1},
     {"force", Word::force},
