@@ -56,6 +56,11 @@ public:
     /// other parts of an office suite. They never hold the first identity.
     [[nodiscard]] virtual std::vector<std::string> otherIdentities() const = 0;
 
+    /// Whether its name, identifiers, file and icon stay as they are. An application that has only
+    /// just shown itself may become better known; what it was known by before is then among its
+    /// other identities.
+    [[nodiscard]] virtual bool isIdentitySettled() const = 0;
+
     /// The file that starts the application; none when it is not known.
     [[nodiscard]] virtual std::optional<std::string> bundlePath() const = 0;
 

@@ -15,7 +15,7 @@ enum class WorkspaceEvent {
     launched,     ///< an application came, or showed its first window
     terminated,   ///< an application's process ended
     activated,    ///< another application came to the front
-    policyChanged ///< an application that lives on showed or lost its last window
+    policyChanged ///< one that lives on showed or lost its last window, or is better known now
 };
 
 /// Whether all windows of the session can be seen.

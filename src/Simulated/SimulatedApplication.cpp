@@ -24,6 +24,22 @@ SimulatedApplication& SimulatedApplication::withoutName() {
     return *this;
 }
 
+SimulatedApplication& SimulatedApplication::unsettled() {
+    isSettled_ = false;
+    return *this;
+}
+
+SimulatedApplication& SimulatedApplication::settled(std::string name, std::string bundle) {
+    const std::optional<std::string> former = bundle_ ? bundle_ : name_;
+    if (former && *former != bundle)
+        others_.push_back(*former);
+    name_ = std::move(name);
+    bundle_ = std::move(bundle);
+    isSettled_ = true;
+    surroundings_.policyChanged();
+    return *this;
+}
+
 SimulatedApplication& SimulatedApplication::withIcon(Icon icon) {
     icon_ = std::make_shared<Icon>(std::move(icon));
     return *this;

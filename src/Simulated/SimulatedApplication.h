@@ -26,6 +26,10 @@ public:
     SimulatedApplication& identified(std::string bundle);
     SimulatedApplication& alsoKnownAs(std::string identity);
     SimulatedApplication& withoutName();
+    /// Has shown itself only now, and may become better known.
+    SimulatedApplication& unsettled();
+    /// Becomes known by this from now on; what it was known by before stays among the others.
+    SimulatedApplication& settled(std::string name, std::string bundle);
     SimulatedApplication& withIcon(Icon icon);
     /// Runs without windows from the start.
     SimulatedApplication& withoutWindows();
@@ -61,6 +65,7 @@ public:
     [[nodiscard]] std::optional<std::string> localizedName() const override { return name_; }
     [[nodiscard]] std::optional<std::string> bundleIdentifier() const override { return bundle_; }
     [[nodiscard]] std::vector<std::string> otherIdentities() const override { return others_; }
+    [[nodiscard]] bool isIdentitySettled() const override { return isSettled_; }
     [[nodiscard]] std::optional<std::string> bundlePath() const override;
     [[nodiscard]] std::optional<WallTime> launchDate() const override { return launchDate_; }
     [[nodiscard]] std::shared_ptr<const Icon> icon() const override { return icon_; }
@@ -95,6 +100,7 @@ private:
     Duration quitTime_{};
     Duration forceTime_{};
     bool canBeForced_ = true;
+    bool isSettled_ = true;
     bool isTerminated_ = false;
     Handle quitting_;
     Handle forcing_;

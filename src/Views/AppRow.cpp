@@ -47,8 +47,7 @@ AppRow::AppRow(const Formats& formats, QWidget* parent) : Aimed(parent), formats
 }
 
 void AppRow::render(const OpenApp& app, bool isExcluded) {
-    const bool isSame = app_ && *app_ == app && app_->app == app.app && app_->name == app.name &&
-                        app_->icon == app.icon && isExcluded_ == isExcluded;
+    const bool isSame = app_ && *app_ == app && app_->app == app.app && isExcluded_ == isExcluded;
     if (!app_ || app_->icon != app.icon)
         icon_ = QPixmap();
     app_ = std::make_unique<OpenApp>(app);
@@ -209,7 +208,8 @@ void AppRow::changeEvent(QEvent* event) {
 
 bool AppRow::eventFilter(QObject* watched, QEvent* event) {
     if (watched == quitButton_ && event->type() == QEvent::FocusOut)
-        QMetaObject::invokeMethod(this, [this] { updateQuitButton(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { updateQuitButton(); }, Qt::QueuedConnection);
     return QCheckBox::eventFilter(watched, event);
 }
 

@@ -91,6 +91,42 @@ TEST_F(LastSession, IsKnownBeforeAnythingFollowsTheRun) {
     EXPECT_NE(desktop.log().find("known [{\"name\":\"note\""), std::string::npos) << desktop.log();
 }
 
+TEST_F(LastSession, HasWhatAnApplicationTurnedOutToBe) {
+    desktop.files.paths.insert(pathOf("writer"));
+    SimulatedApplication& office = desktop.open("Soffice").unsettled();
+    start();
+    controller->quitAll(PowerAction::none);
+    desktop.advance(1s);
+    EXPECT_FALSE(office.isTerminated()) << "it may be excluded";
+    office.settled("Writer", "writer");
+    desktop.advance(1s);
+    EXPECT_TRUE(office.isTerminated());
+    const std::vector<SavedApp> expected{{"Writer", pathOf("writer")}};
+    EXPECT_EQ(controller->lastSession.get(), expected);
+}
+
+TEST_F(LastSession, LacksWhatTurnedOutToBeExcluded) {
+    desktop.preferences.set("excludedApps", Value::Array{"writer", "Earlier"});
+    SimulatedApplication& office = desktop.open("Soffice").unsettled();
+    SimulatedApplication& player = desktop.open("Earlier").unsettled();
+    openInstalled("note").quitsAfter(2s);
+    start();
+    int drawn = 0;
+    const Handle list = controller->apps.subscribe([&] { ++drawn; });
+    controller->quitAll(PowerAction::none);
+    desktop.advance(1s);
+    drawn = 0;
+    office.settled("Writer", "writer");
+    player.settled("Player", "player");
+    desktop.advance(500ms);
+    EXPECT_GT(drawn, 0);
+    EXPECT_EQ(names(controller->quittable()), "note");
+    desktop.advance(5s);
+    EXPECT_NE(desktop.log().find("quitting 1"), std::string::npos) << desktop.log();
+    EXPECT_NE(desktop.log().find("done 1 "), std::string::npos) << desktop.log();
+    EXPECT_FALSE(office.isTerminated() || player.isTerminated());
+}
+
 TEST_F(LastSession, IsReplacedOnlyByARunThatClosedSomethingThatCanBeReopened) {
     openInstalled("one");
     start();

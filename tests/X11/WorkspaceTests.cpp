@@ -290,7 +290,8 @@ TEST_F(WorkspaceTest, LooksAgainAtWindowsThatHaveChangedBeforeItAsks) {
     ASSERT_TRUE(waitUntil([&] { return !rename.isRunning(); }));
     linger(150);
     ASSERT_EQ(workspace.runningApplications().size(), 1U);
-    EXPECT_EQ(app->otherIdentities(), std::vector<std::string>{"writer"});
+    EXPECT_EQ(app->bundleIdentifier(), "writer");
+    EXPECT_EQ(app->otherIdentities(), std::vector<std::string>{"Start"});
 
     Child modal({"xprop", "-id", window.substr(0, window.find('\n')), "-f", "_NET_WM_STATE", "32a",
                  "-set", "_NET_WM_STATE", "_NET_WM_STATE_MODAL"});

@@ -1,5 +1,6 @@
 #include "Linux/Applications/DesktopEntries.h"
 
+#include "Linux/Applications/MakeshiftName.h"
 #include "Linux/Proc/ProcessStat.h"
 #include "Linux/Text.h"
 
@@ -19,13 +20,6 @@ struct Unref {
     void operator()(void* object) const { g_object_unref(object); }
 };
 using AppInfo = std::unique_ptr<GDesktopAppInfo, Unref>;
-
-std::string lowered(std::string text) {
-    std::ranges::transform(text, text.begin(), [](unsigned char letter) {
-        return letter >= 'A' && letter <= 'Z' ? letter - 'A' + 'a' : letter;
-    });
-    return text;
-}
 
 void takeIcon(Identity& identity, GIcon* icon) {
     if (icon && G_IS_THEMED_ICON(icon)) {
@@ -63,8 +57,9 @@ std::optional<Identity> identityOf(GDesktopAppInfo* info) {
 } // namespace
 
 DesktopEntries::DesktopEntries() : monitor_(g_app_info_monitor_get()) {
-    const auto changed = +[](bool* isOutdated) { *isOutdated = true; };
-    g_signal_connect_swapped(monitor_, "changed", G_CALLBACK(changed), &isOutdated_);
+    const auto changed =
+        +[](DesktopEntries* self) { self->isOutdated_ = self->areProgramsOutdated_ = true; };
+    g_signal_connect_swapped(monitor_, "changed", G_CALLBACK(changed), this);
 }
 
 Icon DesktopEntries::iconOf(const std::string& path) {
@@ -78,14 +73,14 @@ Icon DesktopEntries::iconOf(const std::string& path) {
 }
 
 DesktopEntries::~DesktopEntries() {
-    g_signal_handlers_disconnect_by_data(monitor_, &isOutdated_);
+    g_signal_handlers_disconnect_by_data(monitor_, this);
     g_object_unref(monitor_);
 }
 
 // One that is meant for the user is preferred to one that isn't, such as that of a helper which
 // goes by the name of its program.
 Identity DesktopEntries::identify(const ToplevelIdentity& window, ProcessId process,
-                                  const std::vector<std::string>& started) {
+                                  const Evidence& evidence) {
     std::optional<Identity> hidden;
     std::optional<Identity> shown;
     const auto consider = [&](std::optional<Identity> found) {
@@ -98,7 +93,7 @@ Identity DesktopEntries::identify(const ToplevelIdentity& window, ProcessId proc
     const auto considerAll = [&](const std::vector<std::string>& ids) {
         return std::ranges::any_of(ids, [&](const std::string& id) { return consider(entry(id)); });
     };
-    if (consider(entryThatLaunched(process)) || considerAll(started) ||
+    if (consider(entryThatLaunched(process)) || considerAll(evidence.started) ||
         considerAll({window.applicationId, window.instance, lowered(window.instance)}) ||
         consider(entryByStartupClass(window)) ||
         considerAll({window.className, lowered(window.className)}))
@@ -106,12 +101,41 @@ Identity DesktopEntries::identify(const ToplevelIdentity& window, ProcessId proc
     if (hidden)
         return *hidden;
 
+    if (auto found = entryByProgram(evidence.program)) {
+        found->windowKey = window.className.empty() ? window.instance : window.className;
+        return *found;
+    }
+    return withoutEntry(window, process, evidence);
+}
+
+// A word that the program has given its window is the best name: it is the same at every start,
+// and written as its makers write it, where a title changes with what is open and a file may be
+// called anything. Where it is none, what a person reads on the window comes first, as long as it
+// seems to be no document. That may be another part of a title at the next start: what excludes the
+// program is then what it runs.
+Identity DesktopEntries::withoutEntry(const ToplevelIdentity& window, ProcessId process,
+                                      const Evidence& evidence) {
     Identity nameless;
-    nameless.name = window.className.empty() ? window.instance : window.className;
+    const std::string& word = window.className.empty() ? window.instance : window.className;
+    if (isOwnWord(word)) {
+        nameless.basis = Identity::Basis::ownWord;
+        nameless.name = word;
+        return nameless;
+    }
+    nameless.basis = Identity::Basis::makeshift;
+    nameless.windowKey = word;
+    const std::string& program = evidence.program.name;
+    const std::string& key = program.empty() ? word : program;
+    if (evidence.title)
+        nameless.name = programInTitle(evidence.title(), evidence.program, word);
+    if (nameless.name.empty())
+        nameless.name = key;
     if (nameless.name.empty()) {
         const auto stat = readProcessStat(process);
         nameless.name = stat ? utf8(stat->command) : "";
     }
+    if (!key.empty() && key != nameless.name)
+        nameless.id = key;
     return nameless;
 }
 
@@ -131,6 +155,16 @@ std::optional<Identity> DesktopEntries::entryByStartupClass(const ToplevelIdenti
             return entry(found->second.id);
     }
     return std::nullopt;
+}
+
+std::optional<Identity> DesktopEntries::entryByProgram(const RunProgram& program) {
+    if (program.isUnknown())
+        return std::nullopt;
+    if (areProgramsOutdated_)
+        programs_.index();
+    areProgramsOutdated_ = false;
+    const auto id = programs_.entryOf(program);
+    return id ? entry(*id) : std::nullopt;
 }
 
 /// A child inherits the variables of its parent: they are its own only with its own process id.

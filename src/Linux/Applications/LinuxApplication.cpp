@@ -9,16 +9,42 @@ LinuxApplication::LinuxApplication(std::unique_ptr<ProcessHandle> process, Ident
                                    const ProcessOrigin& origin, Image picture,
                                    Surroundings surroundings)
     : process_(std::move(process)), identity_(std::move(identity)),
+      isSettled_(identity_.basis == Identity::Basis::entry),
       icon_(
           std::make_shared<Icon>(Icon{identity_.iconName, identity_.iconFile, std::move(picture)})),
       launchDate_(origin.launchDate), isHidden_(identity_.isHidden), isService_(origin.isService),
-      isBackground_(origin.isBackground), surroundings_(std::move(surroundings)) {}
+      isBackground_(origin.isBackground), surroundings_(std::move(surroundings)) {
+    noteKey(identity_.windowKey);
+}
 
 void LinuxApplication::addIdentity(const Identity& identity) {
-    if (identity.id)
+    if (identity.basis == Identity::Basis::entry)
         isHidden_ &= identity.isHidden;
-    if (!identity.key().empty() && identity.key() != identity_.key())
-        otherKeys_.insert(identity.key());
+    noteKey(identity.key());
+}
+
+void LinuxApplication::noteKey(const std::string& key) {
+    if (!key.empty() && key != identity_.key())
+        otherKeys_.insert(key);
+}
+
+bool LinuxApplication::improve(const Identity& identity) {
+    const bool isMakeshift = identity.basis == Identity::Basis::makeshift;
+    const bool isOther = identity.name != identity_.name || identity.key() != identity_.key();
+    if (identity.basis < identity_.basis || (identity.basis == identity_.basis && !isMakeshift) ||
+        !isOther)
+        return false;
+    const Identity former = std::exchange(identity_, identity);
+    otherKeys_.erase(identity_.key());
+    noteKey(former.key());
+    noteKey(identity.windowKey);
+    if (identity.basis != Identity::Basis::entry)
+        return true;
+    // The first entry it has: had it been there from the start, it would have counted like this.
+    isHidden_ = identity.isHidden;
+    icon_ = std::make_shared<Icon>(Icon{identity.iconName, identity.iconFile, icon_->image});
+    isSettled_ = true;
+    return true;
 }
 
 std::optional<std::string> LinuxApplication::localizedName() const {

@@ -51,6 +51,12 @@ public:
 
     /// Takes note of a further identity that the process shows.
     void addIdentity(const Identity& identity);
+    /// Goes by this identity from now on if it is a better one, or another one as makeshift as the
+    /// present: true then. The former one still counts among the others.
+    bool improve(const Identity& identity);
+    /// From now on it keeps the identity that it has.
+    void settle() { isSettled_ = true; }
+    [[nodiscard]] Identity::Basis basis() const { return identity_.basis; }
     void setPolicy(ActivationPolicy policy) { policy_ = policy; }
     /// Takes note of one of its windows that is open now.
     void noteWindow(std::uint64_t window) { request_.note(window, surroundings_.loop.uptime()); }
@@ -72,6 +78,9 @@ public:
     [[nodiscard]] std::vector<std::string> otherIdentities() const override {
         return {otherKeys_.begin(), otherKeys_.end()};
     }
+    [[nodiscard]] bool isIdentitySettled() const override {
+        return isSettled_ || surroundings_.windows.expired();
+    }
     [[nodiscard]] std::optional<std::string> bundlePath() const override;
     [[nodiscard]] std::optional<WallTime> launchDate() const override { return launchDate_; }
     [[nodiscard]] std::shared_ptr<const Icon> icon() const override { return icon_; }
@@ -86,8 +95,11 @@ public:
     bool activate() override;
 
 private:
+    void noteKey(const std::string& key);
+
     std::unique_ptr<ProcessHandle> process_;
     Identity identity_;
+    bool isSettled_;
     std::set<std::string> otherKeys_;
     std::shared_ptr<const Icon> icon_;
     std::optional<WallTime> launchDate_;

@@ -93,8 +93,8 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
             focusedProcess = toplevel.process;
         if (toplevel.process <= 0 || toplevel.process == ::getpid())
             continue;
-        if (toplevel.isOrdinary && admit(toplevel))
-            events.insert(WorkspaceEvent::launched);
+        if (toplevel.isOrdinary)
+            admit(toplevel, events);
         const Member* member = known(toplevel.process);
         if (!member)
             continue;
@@ -167,13 +167,15 @@ std::set<ProcessId> LinuxWorkspace::windowOwners() {
     return owners;
 }
 
-/// Takes note of a window; true when it is the first one of its process.
-bool LinuxWorkspace::admit(const Toplevel& toplevel) {
+/// Takes note of a window.
+void LinuxWorkspace::admit(const Toplevel& toplevel, std::set<WorkspaceEvent>& events) {
     const ProcessId id = toplevel.process;
     if (Member* member = known(id)) {
+        if (member->settling.isSet() && improve(*member, toplevel))
+            events.insert(WorkspaceEvent::policyChanged);
         if (member->shown.insert(toplevel.identity).second)
-            member->application->addIdentity(entries_.identify(toplevel.identity, id, {}));
-        return false;
+            member->application->addIdentity(entries_.identify(toplevel.identity, id));
+        return;
     }
     auto process = ProcessHandle::open(id, [this, alive = std::weak_ptr(windows_)] {
         if (!alive.expired())
@@ -181,9 +183,12 @@ bool LinuxWorkspace::admit(const Toplevel& toplevel) {
     });
     // The window's own process may have ended since it was listed, and its id may be another's now.
     if (!process || !source_.belongsTo(toplevel.window, id))
-        return false;
+        return;
     const ProcessOrigin origin = originOf(id, proc_, windowOwners());
-    const Identity identity = entries_.identify(toplevel.identity, id, origin.entries);
+    const auto title = [&] { return source_.title(toplevel.window); };
+    const Identity identity =
+        entries_.identify(toplevel.identity, id,
+                          {.started = origin.entries, .program = origin.program, .title = title});
     const bool needsPicture = identity.iconName.empty() && identity.iconFile.empty();
     auto application =
         std::make_shared<LinuxApplication>(std::move(process), identity, origin,
@@ -191,11 +196,68 @@ bool LinuxWorkspace::admit(const Toplevel& toplevel) {
                                            LinuxApplication::Surroundings{loop_, log_, windows_});
     starts_.noteAppearance(identity.path, id, loop_.uptime());
     // What the window says of itself counts beside what its process was started from.
-    const Identity stated = entries_.identify(toplevel.identity, id, {});
-    if (stated.id)
+    const Identity stated = entries_.identify(toplevel.identity, id);
+    if (stated.basis == Identity::Basis::entry)
         application->addIdentity(stated);
-    members_.push_back({std::move(application), {toplevel.identity}, std::nullopt});
+    Member member{.application = std::move(application), .shown = {toplevel.identity}};
+    if (!member.application->isIdentitySettled()) {
+        member.program = origin.program;
+        member.lookedUp.emplace(toplevel.identity, origin.entries);
+        member.settling = loop_.after(identityDelay, [this, id] { settle(id); });
+    }
+    members_.push_back(std::move(member));
+    events.insert(WorkspaceEvent::launched);
+}
+
+/// Whether it is better known by what the window and the unit say now.
+bool LinuxWorkspace::improve(Member& member, const Toplevel& toplevel) {
+    auto entries = entriesOf(toplevel.process, proc_, windowOwners());
+    if (!member.lookedUp.emplace(toplevel.identity, entries).second)
+        return false;
+    LinuxApplication& application = *member.application;
+    const Identity identity =
+        entries_.identify(toplevel.identity, toplevel.process,
+                          {.started = std::move(entries), .program = member.program, .title = {}});
+    // The title is read once more at the end: until then one makeshift is as good as another.
+    if (identity.basis <= application.basis() || !application.improve(identity))
+        return false;
+    starts_.noteAppearance(identity.path, toplevel.process, loop_.uptime());
+    if (application.isIdentitySettled())
+        member.settling.reset();
     return true;
+}
+
+/// The last look at an application that has no entry so far.
+void LinuxWorkspace::settle(ProcessId id) {
+    std::set<WorkspaceEvent> events = readToplevels();
+    Member* member = known(id);
+    if (member && member->settling.isSet()) {
+        if (nameByTitle(*member))
+            events.insert(WorkspaceEvent::policyChanged);
+        member->application->settle();
+        member->settling.reset();
+    }
+    for (const WorkspaceEvent event : events)
+        tell(event);
+}
+
+/// Titles come late, and change: this name is kept.
+bool LinuxWorkspace::nameByTitle(Member& member) {
+    LinuxApplication& application = *member.application;
+    if (application.basis() != Identity::Basis::makeshift)
+        return false;
+    const std::vector<Toplevel> toplevels = source_.toplevels();
+    const auto found = std::ranges::find_if(toplevels, [&](const Toplevel& toplevel) {
+        return toplevel.isOrdinary && toplevel.process == application.processId();
+    });
+    if (found == toplevels.end())
+        return false;
+    const auto title = [&] { return source_.title(found->window); };
+    const Identity identity =
+        entries_.identify(found->identity, found->process,
+                          {.started = {}, .program = member.program, .title = title});
+    // None when the title doesn't say more than is known anyway.
+    return identity.id && application.improve(identity);
 }
 
 /// In a later turn: what has ended is told by an object that goes with it.

@@ -14,6 +14,8 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace velmorquit {
 
@@ -22,6 +24,10 @@ class LinuxWorkspace final : public Workspace {
 public:
     /// How long a background service has no windows before it counts as ended.
     static constexpr Duration serviceDelay = 1s;
+    /// For how long after its first window an application without a desktop entry may still become
+    /// known by one: some show a window before they say who they are, and a launcher may give them
+    /// their unit late.
+    static constexpr Duration identityDelay = 2s;
 
     struct Means {
         /// What is done with processes that have no windows.
@@ -61,13 +67,21 @@ private:
         /// The identities that its windows have shown, so that each is looked up once.
         std::set<ToplevelIdentity> shown;
         /// When a service was first seen without windows.
-        std::optional<Uptime> windowlessSince;
+        std::optional<Uptime> windowlessSince = {};
+        RunProgram program = {};
+        /// Set while its identity may still get better.
+        Handle settling = {};
+        /// What it was looked up by meanwhile: what a window shows, and the entries of its unit.
+        std::set<std::pair<ToplevelIdentity, std::vector<std::string>>> lookedUp = {};
     };
 
     void update();
     void tellUntold();
     std::set<WorkspaceEvent> readToplevels();
-    bool admit(const Toplevel& toplevel);
+    void admit(const Toplevel& toplevel, std::set<WorkspaceEvent>& events);
+    bool improve(Member& member, const Toplevel& toplevel);
+    void settle(ProcessId id);
+    bool nameByTitle(Member& member);
     bool hasClosed(Member& member, bool hasWindows);
     void keepInBackground(ProcessId focusedProcess);
     [[nodiscard]] std::set<ProcessId> windowOwners();

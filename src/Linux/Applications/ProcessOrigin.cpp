@@ -65,8 +65,8 @@ std::optional<WallTime> startOf(const ProcessStat& process, const ProcDirectory&
 }
 
 /// A program that offers its services on the bus may be started for these alone.
-bool isStartedAsService(const std::string& commandLine) {
-    return commandLine.find(std::string("\0--gapplication-service\0", 24)) != std::string::npos;
+bool isStartedAsService(const std::vector<std::string>& arguments) {
+    return std::ranges::find(arguments, "--gapplication-service") != arguments.end();
 }
 
 /// By the file names of the usual ones, and of what belongs to them.
@@ -78,6 +78,24 @@ bool isInputMethod(const std::string& executable) {
                                [&](std::string_view family) { return name.starts_with(family); });
 }
 
+/// A file that was replaced while it runs is still the same program.
+std::string executableOf(ProcessId process, const ProcDirectory& proc) {
+    constexpr std::string_view replaced = " (deleted)";
+    std::string path = proc.link(process, "exe");
+    if (path.ends_with(replaced))
+        path.resize(path.size() - replaced.size());
+    return path;
+}
+
+std::vector<std::string> entriesOf(const ProcessStat& process, const std::string& cgroup,
+                                   const ProcDirectory& proc,
+                                   const std::set<ProcessId>& windowOwners) {
+    const std::string_view unit = applicationUnit(cgroup);
+    if (unit.empty() || isGuest(process, unit, proc, windowOwners))
+        return {};
+    return desktopEntriesOfUnit(unit);
+}
+
 } // namespace
 
 ProcessOrigin originOf(ProcessId process, const ProcDirectory& proc,
@@ -87,14 +105,25 @@ ProcessOrigin originOf(ProcessId process, const ProcDirectory& proc,
     const auto stat = statOf(process, proc);
     if (!stat)
         return origin;
-    origin.isService = isStartedAsService(proc.read(process, "cmdline")) ||
+    const std::vector<std::string> arguments = processArguments(process, proc);
+    const std::string executable = executableOf(process, proc);
+    origin.isService = isStartedAsService(arguments) ||
                        (isUserService(cgroup) && isMainProcess(*stat, cgroup, proc));
-    origin.isBackground = isAutostarted(cgroup) || isInputMethod(proc.link(process, "exe"));
+    origin.isBackground = isAutostarted(cgroup) || isInputMethod(executable);
     origin.launchDate = startOf(*stat, proc);
-    const std::string_view unit = applicationUnit(cgroup);
-    if (!unit.empty() && !isGuest(*stat, unit, proc, windowOwners))
-        origin.entries = desktopEntriesOfUnit(unit);
+    // Another user's executable can't be seen, but how it was called.
+    const bool isKnown = !executable.empty() || arguments.empty();
+    origin.program =
+        programOf(isKnown ? executable : arguments.front(), arguments, proc.link(process, "cwd"));
+    origin.entries = entriesOf(*stat, cgroup, proc, windowOwners);
     return origin;
+}
+
+std::vector<std::string> entriesOf(ProcessId process, const ProcDirectory& proc,
+                                   const std::set<ProcessId>& windowOwners) {
+    const std::string cgroup = proc.read(process, "cgroup");
+    const auto stat = applicationUnit(cgroup).empty() ? std::nullopt : statOf(process, proc);
+    return stat ? entriesOf(*stat, cgroup, proc, windowOwners) : std::vector<std::string>();
 }
 
 } // namespace velmorquit

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Linux/Applications/RunProgram.h"
 #include "Linux/Proc/ProcDirectory.h"
 #include "Platform/Time.h"
 
@@ -21,11 +22,17 @@ struct ProcessOrigin {
     /// started it to work with it.
     bool isBackground = false;
     std::optional<WallTime> launchDate;
+    RunProgram program;
 };
 
 /// Looks at a process. Whatever a program starts is in its unit as well: the unit names the oldest
 /// one in there that is among `windowOwners`.
 [[nodiscard]] ProcessOrigin originOf(ProcessId process, const ProcDirectory& proc,
                                      const std::set<ProcessId>& windowOwners);
+
+/// The entries alone. Launchers start a program before they give it a unit of its own: what there
+/// was at first may not be all.
+[[nodiscard]] std::vector<std::string> entriesOf(ProcessId process, const ProcDirectory& proc,
+                                                 const std::set<ProcessId>& windowOwners);
 
 } // namespace velmorquit

@@ -5,9 +5,15 @@
 namespace velmorquit {
 
 OpenApp::OpenApp(std::shared_ptr<RunningApplication> application, std::uint64_t footprint)
-    : id(application->processId()), app(std::move(application)),
-      name(app->localizedName().value_or(app->bundleIdentifier().value_or("App"))),
-      bundleID(app->bundleIdentifier()), otherIdentities(app->otherIdentities()), icon(app->icon()),
-      memory(footprint) {}
+    : id(application->processId()), app(std::move(application)), memory(footprint) {
+    renew();
+}
+
+void OpenApp::renew() {
+    bundleID = app->bundleIdentifier();
+    name = app->localizedName().value_or(bundleID.value_or("App"));
+    otherIdentities = app->otherIdentities();
+    icon = app->icon();
+}
 
 } // namespace velmorquit

@@ -8,7 +8,8 @@
 
 namespace velmorquit {
 
-/// One application that the user has open, with the figures read when it was listed.
+/// One application that the user has open, as it was known, and with the figure read, when it was
+/// listed.
 struct OpenApp {
     ProcessId id = 0;
     std::shared_ptr<RunningApplication> app;
@@ -23,12 +24,18 @@ struct OpenApp {
 
     OpenApp(std::shared_ptr<RunningApplication> application, std::uint64_t footprint);
 
+    /// Brings what it is known by up to date; the figure stays.
+    void renew();
+
     /// What the exclusions know the application by: its bundle identifier, else its name.
     [[nodiscard]] const std::string& exclusionKey() const { return bundleID ? *bundleID : name; }
 
-    /// Equal means the same process with the same figure: what a list needs to be drawn again.
+    /// Equal means the same process, known by the same and with the same figure: a list needs not
+    /// be drawn again.
     friend bool operator==(const OpenApp& one, const OpenApp& other) {
-        return one.id == other.id && one.memory == other.memory;
+        return one.id == other.id && one.memory == other.memory && one.name == other.name &&
+               one.bundleID == other.bundleID && one.otherIdentities == other.otherIdentities &&
+               one.icon == other.icon;
     }
 };
 

@@ -31,11 +31,11 @@ void QuitController::quitAll(PowerAction action) {
     }
 
     phase = phases::Quitting{static_cast<int>(targets_.size())};
-    unasked_.clear();
-    for (const OpenApp& target : targets_) {
-        if (!target.app->terminate(AskedBy::run))
-            unasked_.insert_or_assign(target.id, std::nullopt);
-    }
+    hindered_.clear();
+    unsettled_.clear();
+    for (const OpenApp& target : targets_)
+        unsettled_.insert(target.id);
+    askTargets();
     pollTask_ = pollTargets(desktop_.loop.uptime() + gracePeriod);
 }
 
@@ -45,6 +45,7 @@ Task QuitController::pollTargets(Uptime deadline) {
     const Uptime lastAsking = desktop_.loop.uptime() + askingTime;
     for (;;) {
         co_await sleep(pollInterval);
+        askTargets();
         std::vector<OpenApp> running = targetsStillRunning();
         if (running.empty()) {
             finish(AfterSteps::run);
@@ -53,7 +54,7 @@ Task QuitController::pollTargets(Uptime deadline) {
         noteWindowless(running);
         const Uptime now = desktop_.loop.uptime();
         if (now <= lastAsking)
-            askUnasked(running);
+            askHindered(running);
         if (now < deadline)
             continue;
         askWindowless(running);
@@ -119,14 +120,14 @@ void QuitController::askWindowless(const std::vector<OpenApp>& running) {
 
 // What stood in the way may be gone between two commands only, and the user may be about to begin
 // something there.
-void QuitController::askUnasked(const std::vector<OpenApp>& running) {
+void QuitController::askHindered(const std::vector<OpenApp>& running) {
     const Uptime now = desktop_.loop.uptime();
-    if (unasked_.empty() || now < lookForObstaclesAt_)
+    if (hindered_.empty() || now < lookForObstaclesAt_)
         return;
     lookForObstaclesAt_ = now + reasonInterval;
     for (const OpenApp& app : running) {
-        const auto found = unasked_.find(app.id);
-        if (found == unasked_.end())
+        const auto found = hindered_.find(app.id);
+        if (found == hindered_.end())
             continue;
         auto& freeSince = found->second;
         const auto used = app.app->lastUsed();
@@ -138,7 +139,7 @@ void QuitController::askUnasked(const std::vector<OpenApp>& running) {
         else if (!freeSince)
             freeSince = now;
         else if (app.app->terminate(AskedBy::run))
-            unasked_.erase(found);
+            hindered_.erase(found);
     }
 }
 
@@ -149,7 +150,7 @@ std::optional<StayReason> QuitController::askAgain(const OpenApp& app) {
         return obstacle;
     if (!app.app->terminate(AskedBy::user))
         return StayReason::cannotBeAsked;
-    unasked_.erase(app.id);
+    hindered_.erase(app.id);
     return std::nullopt;
 }
 
@@ -188,6 +189,7 @@ void QuitController::finish(AfterSteps steps) {
     ++pollNumber_;
     pollTask_.cancel();
     asking_.reset();
+    renewTargets();
     const RunResult result = countClosed();
     // Before the refresh: that and all that follows may take long, and may be the last thing that
     // this session sees.
@@ -196,7 +198,7 @@ void QuitController::finish(AfterSteps steps) {
     stayReasons = {};
     targets_.clear();
     windowlessSince_.clear();
-    unasked_.clear();
+    hindered_.clear();
     refresh();
     const PowerAction action = pendingAction;
     pendingAction = PowerAction::none;

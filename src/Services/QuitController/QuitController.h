@@ -129,14 +129,14 @@ public:
     /// Chooses what happens after a run started from the panel, and stores the choice.
     void chooseAfterQuit(PowerAction action);
 
-    /// Asks every application of `quittable` to quit, with `action` to follow. Does nothing while a
-    /// run is in progress.
+    /// Asks every application of `quittable` to quit, with `action` to follow; one that has only
+    /// just shown itself once it is known for good. Does nothing while a run is in progress.
     void quitAll(PowerAction action);
 
     /// Whether a run is in progress, what follows it included.
     [[nodiscard]] bool isRunning() const { return isBusy(phase) || unfollowedResult_; }
 
-    /// The applications that the present run has asked, with their figures of its beginning.
+    /// The applications that the present run asks, with their figures of its beginning.
     [[nodiscard]] const std::vector<OpenApp>& targets() const { return targets_; }
 
     /// Asks one of the stubborn applications once more, since the user says so. None when it was
@@ -220,11 +220,13 @@ private:
     void takeOverEdits();
     void storeExclusions(std::set<std::string> keys);
 
+    void renewTargets();
+    void askTargets();
     Task pollTargets(Uptime deadline);
     [[nodiscard]] std::vector<OpenApp> targetsStillRunning() const;
     void noteWindowless(const std::vector<OpenApp>& running);
     void askWindowless(const std::vector<OpenApp>& running);
-    void askUnasked(const std::vector<OpenApp>& running);
+    void askHindered(const std::vector<OpenApp>& running);
     [[nodiscard]] static std::map<ProcessId, StayReason>
     reasonsOf(const std::vector<OpenApp>& running);
     void finish(AfterSteps steps);
@@ -256,10 +258,12 @@ private:
 
     Desktop desktop_;
     std::vector<OpenApp> targets_;
+    /// Those of them that are not asked yet, since they may turn out to be others.
+    std::set<ProcessId> unsettled_;
     /// When targets were first seen without windows; those that were asked once more have no time.
     std::map<ProcessId, std::optional<Uptime>> windowlessSince_;
     /// Targets that could not be asked, with the moment from which on nothing stood in the way.
-    std::map<ProcessId, std::optional<Uptime>> unasked_;
+    std::map<ProcessId, std::optional<Uptime>> hindered_;
     Uptime lookForObstaclesAt_;
     /// Counts the poll loops, so that one that was interrupted by a callback knows that it is over.
     int pollNumber_ = 0;
