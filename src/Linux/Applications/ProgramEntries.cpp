@@ -14,31 +14,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Command {
-    std::vector<std::string> arguments;
-    /// Those that don't depend on what is opened.
-    std::vector<std::string> fixed;
-};
-
-/// Without the "env" in front, and what that sets.
-Command commandOf(const char* line) {
-    Command command;
+/// Without the "env" in front and what that sets, and without what stands for files.
+std::vector<std::string> commandOf(const char* line) {
+    std::vector<std::string> command;
     char** parts = nullptr;
     if (!line || !g_shell_parse_argv(line, nullptr, &parts, nullptr))
         return command;
-    bool isFront = true;
     for (char** next = parts; *next; ++next) {
         const std::string part = *next;
         const bool isOfEnv =
             part == "env" || part.ends_with("/env") || part.find('=') != std::string::npos;
-        if (isFront && isOfEnv)
-            continue;
-        isFront = false;
         const bool isFieldCode = part.size() == 2 && part.front() == '%';
-        if (!isFieldCode)
-            command.arguments.push_back(part);
-        if (!isFieldCode && command.arguments.size() > 1)
-            command.fixed.push_back(part);
+        if (!isFieldCode && !(command.empty() && isOfEnv))
+            command.push_back(part);
     }
     g_strfreev(parts);
     return command;
@@ -87,16 +75,16 @@ void ProgramEntries::index() {
             continue;
         const std::string file = utf8(id);
         Owner owner{file.substr(0, file.rfind(".desktop")), {}, isInNoMenu};
-        const Command command = commandOf(g_app_info_get_commandline(app));
-        owner.arguments = command.fixed;
-        const std::string folder = textOf(info, G_KEY_FILE_DESKTOP_KEY_PATH);
-        if (!command.arguments.empty()) {
-            const std::string& called = command.arguments.front();
-            add(programOf(realPathOf(called), command.arguments, folder), called, owner);
+        const std::vector<std::string> command = commandOf(g_app_info_get_commandline(app));
+        if (!command.empty()) {
+            const RunProgram program = programOf(realPathOf(command.front()), command,
+                                                 textOf(info, G_KEY_FILE_DESKTOP_KEY_PATH));
+            owner.arguments = program.arguments;
+            add(program, command.front(), owner);
         }
         const std::string tried = textOf(info, G_KEY_FILE_DESKTOP_KEY_TRY_EXEC);
         if (!tried.empty())
-            add(programOf(realPathOf(tried), {tried}, folder), tried, owner);
+            add(programOf(realPathOf(tried), {tried}, ""), tried, owner);
     }
     g_list_free_full(all, g_object_unref);
 }

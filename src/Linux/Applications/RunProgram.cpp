@@ -4,8 +4,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace velmorquit {
 
@@ -122,7 +124,14 @@ std::string nameOfFile(const fs::path& path) {
     return utf8(withoutExtension(path.filename().string()));
 }
 
-RunProgram fileIn(const std::string& file, const std::string& folder) {
+std::vector<std::string> since(const std::vector<std::string>& arguments, std::size_t first) {
+    if (first >= arguments.size())
+        return {};
+    return {arguments.begin() + static_cast<std::ptrdiff_t>(first), arguments.end()};
+}
+
+RunProgram fileIn(const std::string& file, const std::string& folder,
+                  std::vector<std::string> arguments) {
     if (file.empty() || file.find('\0') != std::string::npos)
         return {};
     const fs::path path = fs::path(folder) / file;
@@ -131,17 +140,17 @@ RunProgram fileIn(const std::string& file, const std::string& folder) {
     if (error)
         real = path.lexically_normal();
     // By the name that it is called by: what a link leads to may serve several.
-    return {real.is_absolute() ? real.string() : "", nameOfFile(path), {}};
+    return {real.is_absolute() ? real.string() : "", nameOfFile(path), std::move(arguments)};
 }
 
 /// The last part of "a.b.c": of "a.__main__" that is "a".
-RunProgram moduleNamed(std::string name) {
+std::string moduleNamed(std::string name) {
     name = name.substr(0, name.find('\0'));
     name = name.substr(name.rfind('/') + 1);
     constexpr std::string_view whole = ".__main__";
     if (name.ends_with(whole))
         name.resize(name.size() - whole.size());
-    return {"", utf8(name.substr(name.rfind('.') + 1)), {}};
+    return utf8(name.substr(name.rfind('.') + 1));
 }
 
 RunProgram readBy(const Interpreter& interpreter, const std::vector<std::string>& arguments,
@@ -149,21 +158,21 @@ RunProgram readBy(const Interpreter& interpreter, const std::vector<std::string>
     bool isArchive = false;
     for (std::size_t at = 1; at < arguments.size(); ++at) {
         const std::string& argument = arguments[at];
-        if (argument == "--" || argument.empty())
-            continue;
         if (holds(interpreter.code, argument))
             return {};
-        if (holds(interpreter.module, argument))
-            return at + 1 < arguments.size() ? moduleNamed(arguments[at + 1]) : RunProgram();
-        if (holds(interpreter.withValue, argument)) {
-            ++at;
-            continue;
+        if (holds(interpreter.module, argument)) {
+            if (++at == arguments.size())
+                return {};
+            return {"", moduleNamed(arguments[at]), since(arguments, at + 1)};
         }
         isArchive |= argument == "-jar";
-        if (argument.front() == '-')
-            continue;
-        return interpreter.readsNames && !isArchive ? moduleNamed(argument)
-                                                    : fileIn(argument, folder);
+        if (holds(interpreter.withValue, argument))
+            ++at;
+        else if (!argument.empty() && argument.front() != '-' && interpreter.readsNames &&
+                 !isArchive)
+            return {"", moduleNamed(argument), since(arguments, at + 1)};
+        else if (!argument.empty() && argument.front() != '-')
+            return fileIn(argument, folder, since(arguments, at + 1));
     }
     return {};
 }
@@ -201,13 +210,11 @@ bool isCommonName(std::string_view name) {
 
 RunProgram programOf(const std::string& executable, const std::vector<std::string>& arguments,
                      const std::string& folder) {
-    RunProgram program;
     if (const Interpreter* interpreter = interpreterOf(executable))
-        program = readBy(*interpreter, arguments, folder);
-    else if (!isLauncher(executable))
-        program = fileIn(executable, folder);
-    program.arguments = arguments;
-    return program;
+        return readBy(*interpreter, arguments, folder);
+    if (isLauncher(executable))
+        return {};
+    return fileIn(executable, folder, since(arguments, 1));
 }
 
 } // namespace velmorquit

@@ -13,7 +13,7 @@ struct RunProgram {
     std::string path;
     /// What a person would call it: the file's name without folders and extension. UTF-8.
     std::string name;
-    /// All with which it was started, the command itself first.
+    /// What it was given itself: no options of the interpreter.
     std::vector<std::string> arguments;
 
     /// An interpreter without anything to read, or one that starts whatever it is told: nobody's
