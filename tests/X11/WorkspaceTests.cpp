@@ -281,7 +281,7 @@ TEST_F(WorkspaceTest, NobodySeemsToLoseTheirWindowsWhenAnotherWindowManagerTakes
 
 TEST_F(WorkspaceTest, LooksAgainAtWindowsThatHaveChangedBeforeItAsks) {
     installEntry("writer", "Name=Writer\n");
-    const auto app = open({"--class", "Start", "--ignore"});
+    const auto app = open({"--class", "Begin", "--ignore"});
     Child& child = *children.back();
     const std::string window =
         child.output().substr(child.output().rfind(' ') + 1, std::string::npos);
@@ -291,7 +291,7 @@ TEST_F(WorkspaceTest, LooksAgainAtWindowsThatHaveChangedBeforeItAsks) {
     linger(150);
     ASSERT_EQ(workspace.runningApplications().size(), 1U);
     EXPECT_EQ(app->bundleIdentifier(), "writer");
-    EXPECT_EQ(app->otherIdentities(), std::vector<std::string>{"Start"});
+    EXPECT_EQ(app->otherIdentities(), std::vector<std::string>{"Begin"});
 
     Child modal({"xprop", "-id", window.substr(0, window.find('\n')), "-f", "_NET_WM_STATE", "32a",
                  "-set", "_NET_WM_STATE", "_NET_WM_STATE_MODAL"});

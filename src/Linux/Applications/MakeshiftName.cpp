@@ -107,7 +107,7 @@ std::string programInTitle(const std::string& title, const RunProgram& program,
     for (const std::string_view part : parts) {
         constexpr std::size_t shortest = 3;
         const std::string letters = essence(part);
-        if (letters.size() >= shortest && isShort(part) &&
+        if (letters.size() >= shortest && isShort(part) && !seemsDocument(part) &&
             (named.find(letters) != std::string::npos ||
              classed.find(letters) != std::string::npos))
             return std::string(part);
