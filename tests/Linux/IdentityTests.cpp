@@ -71,7 +71,7 @@ protected:
 
     /// A window of a new process that runs this; without a folder in front it is in `folder`.
     Toplevel& show(const std::string& className, const std::string& executable,
-                   std::vector<std::string> arguments = {}, const std::string& title = "") {
+                   const std::vector<std::string>& arguments = {}, const std::string& title = "") {
         children.push_back(std::make_unique<Child>(std::vector<std::string>{"/bin/sleep", "1000"}));
         const ProcessId id = children.back()->id();
         const std::string place = std::to_string(id);
