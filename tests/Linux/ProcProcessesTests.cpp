@@ -296,6 +296,7 @@ TEST_F(RealProcessesTest, SeesTheJobInATerminalThatNoWindowShows) {
         return names;
     };
     EXPECT_TRUE(waitUntil([&] { return executableName(shell) == "bash"; }));
+    EXPECT_FALSE(ignoresHangup(shell));
     EXPECT_TRUE(waitUntil([&] { return jobs().empty(); }));
     type("nohup sleep 1000 >/dev/null 2>&1 & sleep 2000\n");
     EXPECT_TRUE(waitUntil([&] { return jobs() == std::set<std::string>{"sleep"}; }));
@@ -306,6 +307,9 @@ TEST_F(RealProcessesTest, SeesTheJobInATerminalThatNoWindowShows) {
     ::waitpid(shell, nullptr, 0);
     ::close(terminal);
     EXPECT_TRUE(waitUntil([&] { return jobs() == std::set<std::string>{"sleep"}; }));
+    EXPECT_TRUE(std::ranges::any_of(processes.windowlessJobs(), [&](const WindowlessJob& job) {
+        return readProcessStat(job.process)->session == shell && ignoresHangup(job.process);
+    }));
     for (const WindowlessJob& job : processes.windowlessJobs()) {
         const auto stat = readProcessStat(job.process);
         if (stat && stat->session == shell)

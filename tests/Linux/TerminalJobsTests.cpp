@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 namespace velmorquit {
 namespace {
 
@@ -24,9 +26,15 @@ protected:
         ProcessId group = 0;
         ProcessId session = 0;
         int terminal = 0;
+        std::uint64_t startTime = 0;
     };
     static Place inTerminal(ProcessId group, ProcessId session = 20) {
         return {group, session, device};
+    }
+    /// Seconds after the shell.
+    static Place inTerminalSince(double seconds, ProcessId group) {
+        const double ticks = seconds * static_cast<double>(::sysconf(_SC_CLK_TCK));
+        return {group, 20, device, static_cast<std::uint64_t>(ticks)};
     }
 
     void add(ProcessId id, ProcessId parent, Place place, const std::string& executable,
@@ -38,6 +46,8 @@ protected:
         stat.session = place.session;
         stat.terminal = place.terminal;
         stat.foreground = place.terminal != 0 ? place.session : -1;
+        stat.startTime = place.startTime;
+        stat.command = executable.substr(0, 15);
         table_.push_back(stat);
         executables_[id] = executable;
         arguments.insert(arguments.begin(), executable);
@@ -58,26 +68,52 @@ protected:
         }
     }
 
+    ProcessFacts facts() const {
+        return {.executable = [this](ProcessId id) { return executables_.at(id); },
+                .arguments = [this](ProcessId id) { return arguments_.at(id); },
+                .ownsWindows = [this](ProcessId id) { return windows.contains(id); },
+                .ignoresHangup = [this](ProcessId id) { return deaf.contains(id); }};
+    }
     bool isAtWork(ProcessId application = 10) const {
-        return hasTerminalJob(
-            application, table_,
-            {.executable = [this](ProcessId id) { return executables_.at(id); },
-             .arguments = [this](ProcessId id) { return arguments_.at(id); },
-             .ownsWindows = [this](ProcessId id) { return windows.contains(id); }});
+        return hasTerminalJob(application, table_, facts());
     }
 
     std::set<ProcessId> windows{10};
+    std::set<ProcessId> deaf;
+    std::vector<ProcessStat> table_;
 
 private:
-    std::vector<ProcessStat> table_;
     std::map<ProcessId, std::string> executables_;
     std::map<ProcessId, std::vector<std::string>> arguments_;
 };
 
-TEST_F(TerminalJobsTest, AShellAtItsPromptIsNoneWithOrWithoutJobsInTheBackground) {
+TEST_F(TerminalJobsTest, AJobInTheBackgroundIsOneButAPromptsHelperIsNot) {
     EXPECT_FALSE(isAtWork());
-    add(30, 20, inTerminal(30), "sleep");
+    add(30, 20, inTerminalSince(2, 30), "gitstatusd");
+    add(32, 1, inTerminalSince(9, 32), "left by a script");
+    add(33, 30, inTerminalSince(9, 33), "helper of another");
+    add(34, 20, inTerminalSince(9, 34), "nohup");
+    add(35, 20, inTerminalSince(9, 35), "velmorctl");
+    deaf = {34};
     EXPECT_FALSE(isAtWork());
+    // Commands in brackets, which the shell runs in a copy of itself.
+    add(36, 20, inTerminalSince(2.1, 36), "bash");
+    EXPECT_TRUE(isAtWork());
+    EXPECT_EQ(terminalJob(table_[1], table_, facts(), Loss::session), std::nullopt);
+}
+
+TEST_F(TerminalJobsTest, AMultiplexersClientAndServerGoOnWithoutTheTerminal) {
+    add(30, 20, inTerminal(30), "screen");
+    add(31, 30, {.group = 31, .session = 31}, "screen");
+    add(32, 31, {32, 32, device + 1}, "vim");
+    bringToForeground(30);
+    EXPECT_FALSE(isAtWork());
+    EXPECT_EQ(terminalJob(table_[1], table_, facts(), Loss::session), 30);
+    add(12, 1, {.group = 12, .session = 12}, "xterm");
+    add(22, 12, inTerminal(22, 22), "tmux");
+    EXPECT_FALSE(isAtWork(12));
+    add(33, 20, inTerminal(30), "tee");
+    EXPECT_TRUE(isAtWork()) << "what it says goes through another program";
 }
 
 TEST_F(TerminalJobsTest, AJobThatWasStoppedIsOneAndSoIsOneThatTheSystemHides) {
@@ -95,9 +131,11 @@ TEST_F(TerminalJobsTest, AJobInTheForegroundIsOneButOurOwnProgramsAreNot) {
     add(30, 20, inTerminal(30), "velmorctl");
     bringToForeground(30);
     EXPECT_FALSE(isAtWork());
+    EXPECT_TRUE(isFollowedFrom(10, table_, facts()));
     add(40, 20, inTerminal(40), "vim");
     bringToForeground(40);
     EXPECT_TRUE(isAtWork());
+    EXPECT_FALSE(isFollowedFrom(10, table_, facts()));
 }
 
 TEST_F(TerminalJobsTest, AProgramWithWindowsThatTheShellWouldTakeAlongIsOne) {
@@ -105,6 +143,8 @@ TEST_F(TerminalJobsTest, AProgramWithWindowsThatTheShellWouldTakeAlongIsOne) {
     EXPECT_FALSE(isAtWork());
     windows.insert(30);
     EXPECT_TRUE(isAtWork());
+    deaf.insert(30);
+    EXPECT_FALSE(isAtWork());
     EXPECT_FALSE(isAtWork(30)) << "the editor itself is no terminal";
 }
 

@@ -1,7 +1,5 @@
 #include "Linux/Applications/WorkspaceWindows.h"
 
-#include "Linux/Proc/TerminalJobs.h"
-
 #include <algorithm>
 #include <iterator>
 
@@ -12,27 +10,32 @@ namespace {
 /// A run asks all applications at one go: they share one look at the processes.
 constexpr Duration sharedLook = 100ms;
 
-bool canBeAsked(const Toplevel& toplevel, ProcessId process) {
-    return toplevel.process == process && !toplevel.isDialogOfAnother && toplevel.canBeAskedToClose;
-}
+/// Within which velmorctl has heard of a run and left the terminal that it was typed in.
+constexpr Duration leaveTaking = 400ms;
 
 } // namespace
 
 std::optional<StayReason> WorkspaceWindows::obstacle(ProcessId process) {
     if (hasJob(process))
         return StayReason::busyTerminal;
-    const auto& toplevels = source_.toplevels();
-    const bool isAskable = std::ranges::any_of(
-        toplevels, [process](const Toplevel& one) { return canBeAsked(one, process); });
-    return isAskable ? std::nullopt : std::optional(StayReason::cannotBeAsked);
+    return windowsToClose(process).empty() ? std::optional(StayReason::cannotBeAsked)
+                                           : std::nullopt;
 }
 
 void WorkspaceWindows::askToClose(ProcessId process) {
-    const std::vector<Toplevel> toplevels = source_.toplevels();
-    for (const Toplevel& toplevel : toplevels) {
-        if (canBeAsked(toplevel, process))
-            source_.askToClose(toplevel.window);
+    const auto ask = [this, process] {
+        for (const std::uint64_t window : windowsToClose(process))
+            source_.askToClose(window);
+    };
+    look();
+    if (!isFollowedFrom(process, table_, facts())) {
+        ask();
+        return;
     }
+    asking_[process] = loop_.after(leaveTaking, [this, ask, process] {
+        if (!hasJob(process))
+            ask();
+    });
 }
 
 bool WorkspaceWindows::askWithoutWindows(ProcessId process) {
@@ -84,18 +87,36 @@ bool WorkspaceWindows::isDeaf(ProcessId process) {
 }
 
 bool WorkspaceWindows::hasJob(ProcessId process) {
-    const Uptime now = loop_.uptime();
-    if (!lookedAt_ || now - *lookedAt_ > sharedLook) {
-        table_ = readProcessTable();
-        owners_.clear();
-        for (const Toplevel& toplevel : source_.toplevels())
-            owners_.insert(toplevel.process);
-        lookedAt_ = now;
+    look();
+    return hasTerminalJob(process, table_, facts());
+}
+
+std::vector<std::uint64_t> WorkspaceWindows::windowsToClose(ProcessId process) const {
+    std::vector<std::uint64_t> windows;
+    for (const Toplevel& toplevel : source_.toplevels()) {
+        if (toplevel.process == process && !toplevel.isDialogOfAnother &&
+            toplevel.canBeAskedToClose)
+            windows.push_back(toplevel.window);
     }
-    return hasTerminalJob(process, table_,
-                          {.executable = [](ProcessId id) { return executableName(id); },
-                           .arguments = [](ProcessId id) { return processArguments(id); },
-                           .ownsWindows = [this](ProcessId id) { return owners_.contains(id); }});
+    return windows;
+}
+
+void WorkspaceWindows::look() {
+    const Uptime now = loop_.uptime();
+    if (lookedAt_ && now - *lookedAt_ <= sharedLook)
+        return;
+    table_ = readProcessTable();
+    owners_.clear();
+    for (const Toplevel& toplevel : source_.toplevels())
+        owners_.insert(toplevel.process);
+    lookedAt_ = now;
+}
+
+ProcessFacts WorkspaceWindows::facts() const {
+    return {.executable = [](ProcessId id) { return executableName(id); },
+            .arguments = [](ProcessId id) { return processArguments(id); },
+            .ownsWindows = [this](ProcessId id) { return owners_.contains(id); },
+            .ignoresHangup = [](ProcessId id) { return ignoresHangup(id); }};
 }
 
 } // namespace velmorquit

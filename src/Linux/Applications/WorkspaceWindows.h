@@ -2,10 +2,12 @@
 
 #include "Linux/Applications/LinuxApplication.h"
 #include "Linux/Applications/ToplevelSource.h"
-#include "Linux/Proc/ProcessStat.h"
+#include "Linux/Proc/TerminalJobs.h"
 #include "Platform/MainLoop.h"
 
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <set>
 #include <vector>
@@ -41,12 +43,17 @@ public:
     bool hasJob(ProcessId process);
 
 private:
+    [[nodiscard]] std::vector<std::uint64_t> windowsToClose(ProcessId process) const;
+    void look();
+    [[nodiscard]] ProcessFacts facts() const;
+
     MainLoop& loop_;
     ToplevelSource& source_;
     Means means_;
     std::vector<ProcessStat> table_;
     std::set<ProcessId> owners_;
     std::optional<Uptime> lookedAt_;
+    std::map<ProcessId, Handle> asking_;
 };
 
 } // namespace velmorquit

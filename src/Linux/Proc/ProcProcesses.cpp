@@ -130,7 +130,8 @@ std::vector<WindowlessJob> ProcProcesses::windowlessJobs() const {
               .desktop = display_.desktopProcesses()};
     look.facts = {.executable = [this](ProcessId id) { return executableName(id, proc_); },
                   .arguments = [this](ProcessId id) { return processArguments(id, proc_); },
-                  .ownsWindows = [&look](ProcessId id) { return look.windowOwners.contains(id); }};
+                  .ownsWindows = [&look](ProcessId id) { return look.windowOwners.contains(id); },
+                  .ignoresHangup = [this](ProcessId id) { return ignoresHangup(id, proc_); }};
     std::vector<WindowlessJob> jobs;
     addTerminals(look, jobs);
     addOutliving(look, jobs);
@@ -150,7 +151,7 @@ void ProcProcesses::addTerminals(const Look& look, std::vector<WindowlessJob>& j
             shownSessions.contains(leader.id) || waitsForLogin(leader) || !isOwn(leader.id) ||
             look.isFromAWindow(leader))
             continue;
-        if (const auto job = terminalJob(leader, look.table, look.facts))
+        if (const auto job = terminalJob(leader, look.table, look.facts, Loss::session))
             jobs.push_back({.process = *job, .name = {}});
     }
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <csignal>
 
 namespace velmorquit {
 
@@ -94,6 +95,19 @@ std::string executableName(ProcessId id, const ProcDirectory& proc) {
 
 std::vector<std::string> processArguments(ProcessId id, const ProcDirectory& proc) {
     return splitAtNul(proc.read(id, "cmdline"));
+}
+
+bool ignoresHangup(ProcessId id, const ProcDirectory& proc) {
+    constexpr std::string_view field = "\nSigIgn:\t";
+    const std::string status = proc.read(id, "status");
+    const auto at = status.find(field);
+    if (at == std::string::npos)
+        return false;
+    // The first signal is the last bit of a number with sixteen digits, SIGHUP.
+    const char* const digits = status.data() + at + field.size();
+    std::uint64_t ignored = 0;
+    std::from_chars(digits, status.data() + status.size(), ignored, 16);
+    return ((ignored >> (SIGHUP - 1)) & 1U) != 0;
 }
 
 std::optional<std::string> processEnvironment(ProcessId id, std::string_view name) {

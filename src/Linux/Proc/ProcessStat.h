@@ -45,6 +45,9 @@ readProcessTable(const ProcDirectory& proc = ProcDirectory());
 [[nodiscard]] std::vector<std::string>
 processArguments(ProcessId id, const ProcDirectory& proc = ProcDirectory());
 
+/// Whether the process takes no notice of its terminal's closing; false when that can't be known.
+[[nodiscard]] bool ignoresHangup(ProcessId id, const ProcDirectory& proc = ProcDirectory());
+
 /// A variable of the environment with which the process was started; none without it.
 [[nodiscard]] std::optional<std::string> processEnvironment(ProcessId id, std::string_view name);
 

@@ -4,6 +4,8 @@
 #include <array>
 #include <string_view>
 
+#include <unistd.h>
+
 namespace velmorquit {
 
 namespace {
@@ -45,6 +47,49 @@ bool isShellAtItsPrompt(const ProcessStat& process, const ProcessFacts& facts) {
     return isShell(facts.executable(process.id)) && shellTask(facts.arguments(process.id)).isPrompt;
 }
 
+/// A client only shows what a server keeps, which has no terminal. What a program is that runs with
+/// the rights of a group can't be seen, so that only its name is known.
+bool isMultiplexer(const ProcessStat& process, const std::string& executable) {
+    static constexpr std::array<std::string_view, 8> names{
+        "tmux", "tmux: client", "tmux: server", "screen", "SCREEN", "zellij", "dtach", "abduco"};
+    return std::ranges::find(names, executable.empty() ? process.command : executable) !=
+           names.end();
+}
+
+/// What a shell would take along. What it starts for its prompt comes right after it, and what a
+/// script has left behind is no job of the shell, which doesn't know it.
+bool isBackgroundJob(const ProcessStat& process, const std::vector<ProcessStat>& table,
+                     const ProcessFacts& facts) {
+    static const auto settling = 2 * static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
+    const auto shell = std::ranges::find(table, process.parent, &ProcessStat::id);
+    return shell != table.end() && shell->session == process.session &&
+           shell->group != process.group && process.startTime > shell->startTime + settling &&
+           isShellAtItsPrompt(*shell, facts);
+}
+
+/// The leaders of the sessions in the terminals that an application has.
+std::vector<const ProcessStat*> terminalsOf(ProcessId application,
+                                            const std::vector<ProcessStat>& table,
+                                            const ProcessFacts& facts) {
+    const auto own = std::ranges::find(table, application, &ProcessStat::id);
+    const int ownTerminal = own == table.end() ? 0 : own->terminal;
+    std::vector<const ProcessStat*> leaders;
+    std::vector<ProcessId> family{application};
+    for (std::size_t next = 0; next < family.size(); ++next) {
+        for (const ProcessStat& process : table) {
+            if (process.parent != family[next] || process.id == application)
+                continue;
+            if (process.session == process.id && process.terminal != 0 &&
+                process.terminal != ownTerminal)
+                leaders.push_back(&process);
+            // A terminal that was opened by this application stands on its own feet.
+            else if (!facts.ownsWindows(process.id))
+                family.push_back(process.id);
+        }
+    }
+    return leaders;
+}
+
 } // namespace
 
 bool isOurProgram(std::string_view executable) {
@@ -53,7 +98,16 @@ bool isOurProgram(std::string_view executable) {
 
 std::optional<ProcessId> terminalJob(const ProcessStat& leader,
                                      const std::vector<ProcessStat>& table,
-                                     const ProcessFacts& facts) {
+                                     const ProcessFacts& facts, Loss loss) {
+    const bool isOfTerminal = loss == Loss::terminal;
+    const auto wouldBeLost = [&](const ProcessStat& process) {
+        if (process.state == 'T' || process.state == 't')
+            return true;
+        if (!facts.ownsWindows(process.id) &&
+            !(isOfTerminal && isBackgroundJob(process, table, facts)))
+            return false;
+        return !isOfTerminal || !facts.ignoresHangup(process.id);
+    };
     enum Rank { foremost, inFront, inPlaceOfShell, behind, none };
     Rank best = none;
     ProcessId job = leader.id;
@@ -65,9 +119,10 @@ std::optional<ProcessId> terminalJob(const ProcessStat& leader,
         const bool isInFront = process.group == leader.foreground;
         if (isInFront)
             isForegroundHidden = false;
-        if (process.hasEnded || isOurProgram(facts.executable(process.id)))
+        const std::string executable = facts.executable(process.id);
+        if (process.hasEnded || isOurProgram(executable) ||
+            (isOfTerminal && isMultiplexer(process, executable)))
             continue;
-        const bool isStopped = process.state == 'T' || process.state == 't';
         Rank rank = none;
         if (process.id == leader.id && isShellAtItsPrompt(process, facts))
             continue;
@@ -75,7 +130,7 @@ std::optional<ProcessId> terminalJob(const ProcessStat& leader,
             rank = process.id == leader.foreground ? foremost : inFront;
         else if (process.id == leader.id)
             rank = inPlaceOfShell;
-        else if (isStopped || facts.ownsWindows(process.id))
+        else if (wouldBeLost(process))
             rank = behind;
         if (rank < best) {
             best = rank;
@@ -111,23 +166,20 @@ std::string jobName(ProcessId job, const std::vector<ProcessStat>& table,
 
 bool hasTerminalJob(ProcessId application, const std::vector<ProcessStat>& table,
                     const ProcessFacts& facts) {
-    const auto own = std::ranges::find(table, application, &ProcessStat::id);
-    const int ownTerminal = own == table.end() ? 0 : own->terminal;
-    std::vector<ProcessId> family{application};
-    for (std::size_t next = 0; next < family.size(); ++next) {
-        for (const ProcessStat& process : table) {
-            if (process.parent != family[next] || process.id == application)
-                continue;
-            const bool leadsTerminal = process.session == process.id && process.terminal != 0 &&
-                                       process.terminal != ownTerminal;
-            if (leadsTerminal && terminalJob(process, table, facts))
-                return true;
-            // A terminal that was opened by this application stands on its own feet.
-            if (!leadsTerminal && !facts.ownsWindows(process.id))
-                family.push_back(process.id);
-        }
-    }
-    return false;
+    return std::ranges::any_of(terminalsOf(application, table, facts), [&](const auto* leader) {
+        return terminalJob(*leader, table, facts, Loss::terminal).has_value();
+    });
+}
+
+bool isFollowedFrom(ProcessId application, const std::vector<ProcessStat>& table,
+                    const ProcessFacts& facts) {
+    const auto terminals = terminalsOf(application, table, facts);
+    return std::ranges::any_of(table, [&](const ProcessStat& process) {
+        return process.group == process.foreground &&
+               std::ranges::find(terminals, process.session, &ProcessStat::session) !=
+                   terminals.end() &&
+               facts.executable(process.id) == "velmorctl";
+    });
 }
 
 } // namespace velmorquit
