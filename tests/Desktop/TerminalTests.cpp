@@ -1,4 +1,5 @@
 #include "Desktop/DesktopStory.h"
+#include "support/Waiting.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -8,6 +9,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
 using Terminal = DesktopStory;
@@ -60,6 +62,37 @@ TEST_F(Terminal, WithAJobInTheForegroundIsNotAsked) {
     const Outcome second = control({"quit-all"});
     EXPECT_EQ(second.status, 0) << second.text;
     EXPECT_FALSE(terminal.isRunning());
+}
+
+// A terminal may ask about any command in its foreground, so that velmorctl isn't one.
+TEST_F(Terminal, WithAJobInTheBackgroundIsNotAskedAndHasItsPromptBackDuringTheRun) {
+    startProgram();
+    Child& terminal = openTerminal();
+    linger(2100);
+    focus("xterm");
+    type("sleep 1000 &\n");
+    type("velmorctl quit-all >log 2>&1; echo $? >status\n");
+    await("the prompt", [] { return contents(home() / "status") == "0\n"; });
+    awaitStubborn({"XTerm"});
+    EXPECT_TRUE(terminal.isRunning());
+    EXPECT_EQ(control({"leave"}).status, 0);
+    await("the last line of velmorctl", [] {
+        return contents(home() / "log").find("Finito: nessuna app chiusa") != std::string::npos;
+    });
+    EXPECT_THAT(contents(home() / "log"), StartsWith("velmorctl: anche questo terminale"));
+
+    // Where the terminal isn't asked the shell waits, and is told how it ended.
+    EXPECT_EQ(control({"exclude", "XTerm"}).status, 0);
+    Child& application = openRude({"--ignore"});
+    focus("xterm");
+    type("velmorctl quit-all --timeout 0.5; echo $? >status\n");
+    await("the status", [] { return contents(home() / "status") == "4\n"; });
+    type("velmorctl watch\n");
+    linger(300);
+    run({"xdotool", "key", "ctrl+c"});
+    type("echo $? >status\n");
+    await("the status", [] { return contents(home() / "status") == "130\n"; });
+    EXPECT_TRUE(application.isRunning());
 }
 
 // The shell takes along what was started from it when its terminal closes, and an editor that is

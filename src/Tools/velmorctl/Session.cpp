@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <iostream>
+#include <map>
 #include <utility>
 
 #include <unistd.h>
@@ -61,8 +62,8 @@ qsizetype countToQuit(const QJsonObject& status) {
 
 } // namespace
 
-Session::Session(CommandLine line, const Formats& formats)
-    : line_(std::move(line)), formats_(formats), run_(line_, formats_) {
+Session::Session(CommandLine line, const Formats& formats, ForegroundJob job)
+    : line_(std::move(line)), formats_(formats), job_(std::move(job)), run_(line_, formats_) {
     watcher_.setConnection(bus_);
     watcher_.addWatchedService(service);
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
@@ -264,12 +265,45 @@ void Session::quitAll() {
                        "velmorctl cancel rinuncia a spegnere, riavviare o uscire."),
              ExitStatus::interrupted);
     });
+    if (!job_.isInFront()) {
+        beginRun();
+        return;
+    }
+    perform("status", {}, [this](const QString& json) {
+        const QJsonObject status = parsed(json);
+        // Where a run goes on already this one is refused.
+        if (status["phase"] == "idle" || status["phase"] == "done")
+            leaveTerminal(status);
+        beginRun();
+    });
+}
+
+void Session::beginRun() {
     perform("quitAll", {actionValue(line_.then)},
             [this](const QString& json) { run_.begin(parsed(json)["asked"].toArray()); });
 }
 
+void Session::leaveTerminal(const QJsonObject& status) {
+    std::map<pid_t, bool> isExcluded;
+    for (const auto& application : status["applications"].toArray()) {
+        const QJsonObject open = application.toObject();
+        isExcluded[open["process"].toInt()] = open["excluded"].toBool();
+    }
+    const auto terminal = std::ranges::find_if(
+        job_.ancestors(), [&](pid_t ancestor) { return isExcluded.contains(ancestor); });
+    if (terminal == job_.ancestors().end() || isExcluded.at(*terminal) || !job_.isInFront())
+        return;
+    std::cerr << "velmorctl: "
+              << localized("anche questo terminale viene chiuso: continuo in secondo piano.")
+              << '\n'
+              << std::flush;
+    job_.leave();
+}
+
 void Session::hear(const QString& json) {
     const QJsonObject change = parsed(json);
+    if (change["phase"] == "quitting" && job_.isInFront())
+        perform("status", {}, [this](const QString& now) { leaveTerminal(parsed(now)); });
     if (line_.command == CommandLine::Command::quitAll) {
         watchRun(change);
         return;

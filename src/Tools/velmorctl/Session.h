@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "FollowedRun.h"
+#include "ForegroundJob.h"
 #include "Interruption.h"
 #include "Platform/Formats.h"
 
@@ -23,7 +24,7 @@ class Session final : public QObject {
     Q_OBJECT
 
 public:
-    Session(CommandLine line, const Formats& formats);
+    Session(CommandLine line, const Formats& formats, ForegroundJob job);
 
     /// Begins; to be called from within the event loop.
     void start();
@@ -42,6 +43,9 @@ private:
     /// Puts a question to whoever sits at the terminal; without one nobody says yes.
     static bool isAgreed(const std::string& question);
     void quitAll();
+    void beginRun();
+    /// Leaves the terminal, when a run asks that one too: it would ask about velmorctl.
+    void leaveTerminal(const QJsonObject& status);
     void watchRun(const QJsonObject& change);
     void report(const QString& verb, const QStringList& arguments);
     /// Prints what the program says to it.
@@ -51,6 +55,7 @@ private:
 
     CommandLine line_;
     const Formats& formats_;
+    ForegroundJob job_;
     QDBusConnection bus_ = QDBusConnection::sessionBus();
     QDBusServiceWatcher watcher_;
     FollowedRun run_;

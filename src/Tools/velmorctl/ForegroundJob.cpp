@@ -1,0 +1,131 @@
+#include "ForegroundJob.h"
+
+#include <chrono>
+#include <csignal>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <thread>
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace velmorquit {
+
+namespace {
+
+struct Place {
+    char state = '?';
+    pid_t parent = 0, group = 0, session = 0;
+    int terminal = 0;
+    pid_t foreground = 0; ///< the group that its terminal has in front
+};
+
+std::optional<Place> placeOf(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+    std::string line;
+    std::getline(file, line, '\0');
+    // The name before it may hold anything, but it is in parentheses.
+    std::istringstream fields(line.substr(line.rfind(')') + 1));
+    Place place;
+    if (fields >> place.state >> place.parent >> place.group >> place.session >> place.terminal >>
+        place.foreground)
+        return place;
+    return std::nullopt;
+}
+
+/// A command in a pipe, in a script or in place of a shell can't go by itself.
+bool isWaitedFor(const Place& own) {
+    const auto shell = placeOf(own.parent);
+    return shell && shell->session == own.session && shell->group != own.group &&
+           own.terminal != 0 && own.foreground == own.group && own.group == ::getpid() &&
+           own.session != own.group;
+}
+
+[[noreturn]] void endAs(int status) {
+    if (!WIFSIGNALED(status))
+        ::_exit(WEXITSTATUS(status));
+    sigset_t all;
+    ::sigfillset(&all);
+    std::signal(WTERMSIG(status), SIG_DFL);
+    ::sigprocmask(SIG_UNBLOCK, &all, nullptr);
+    std::raise(WTERMSIG(status));
+    ::_exit(128 + WTERMSIG(status));
+}
+
+/// Ends as the worker does, or as soon as it says that it leaves.
+[[noreturn]] void standInFor(pid_t worker, const sigset_t& heard) {
+    for (;;) {
+        siginfo_t said{};
+        const int signal = ::sigwaitinfo(&heard, &said);
+        if (signal == SIGUSR1 && said.si_pid == worker)
+            ::_exit(0);
+        // What is typed reaches the whole group, what a process sends only this one.
+        if ((signal == SIGINT || signal == SIGTERM) && said.si_code <= 0)
+            ::kill(worker, signal);
+        int status = 0;
+        if (::waitpid(worker, &status, WNOHANG) == worker)
+            endAs(status);
+    }
+}
+
+} // namespace
+
+ForegroundJob ForegroundJob::begin() {
+    const auto own = placeOf(::getpid());
+    if (!own || !isWaitedFor(*own))
+        return {};
+    ForegroundJob job;
+    job.standIn_ = ::getpid();
+    for (auto next = own; next && next->parent > 0; next = placeOf(next->parent))
+        job.ancestors_.push_back(next->parent);
+    sigset_t heard;
+    sigset_t before;
+    ::sigemptyset(&heard);
+    for (const int signal : {SIGCHLD, SIGUSR1, SIGINT, SIGTERM})
+        ::sigaddset(&heard, signal);
+    // One that is ignored is never heard.
+    for (const int signal : {SIGCHLD, SIGUSR1})
+        std::signal(signal, SIG_DFL);
+    ::sigprocmask(SIG_BLOCK, &heard, &before);
+    const pid_t worker = ::fork();
+    if (worker > 0)
+        standInFor(worker, heard);
+    if (worker == 0)
+        ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+    ::sigprocmask(SIG_SETMASK, &before, nullptr);
+    return worker == 0 ? job : ForegroundJob();
+}
+
+bool ForegroundJob::isInFront() const {
+    const auto own = standIn_ > 0 ? placeOf(::getpid()) : std::nullopt;
+    return own && own->foreground == standIn_;
+}
+
+// A shell that is about to show its prompt may lose the signal by which its terminal ends it: the
+// terminal would wait for ever. So it has to have come to rest.
+void ForegroundJob::leave() {
+    using namespace std::chrono_literals;
+    constexpr auto step = 5ms;
+    constexpr auto patience = 1s;
+    constexpr auto rest = 100ms;
+    if (standIn_ == 0)
+        return;
+    ::prctl(PR_SET_PDEATHSIG, 0);
+    ::setsid();
+    ::kill(standIn_, SIGUSR1);
+    auto rested = 0ms;
+    for (auto waited = 0ms; waited < patience && rested < rest; waited += step) {
+        std::this_thread::sleep_for(step);
+        const auto shell = placeOf(ancestors_.front());
+        if (!shell)
+            break;
+        const bool rests = shell->state == 'S' && shell->foreground != standIn_;
+        rested = rests ? rested + step : 0ms;
+    }
+    standIn_ = 0;
+}
+
+} // namespace velmorquit
