@@ -38,7 +38,7 @@ void requests(benchmark::State& state) {
         linger(120);
         state.ResumeTiming();
         for (const auto& application : workspace.runningApplications()) {
-            if (!application->terminate())
+            if (!application->terminate(AskedBy::user))
                 state.SkipWithError("a window could not be asked");
         }
     }

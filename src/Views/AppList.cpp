@@ -169,8 +169,7 @@ bool AppList::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Leave) {
         for (const auto& [id, row] : rowOf_)
             row->setHovering(false);
-        QMetaObject::invokeMethod(
-            this, [this] { render(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, [this] { render(); }, Qt::QueuedConnection);
     }
     return GlassCard::eventFilter(watched, event);
 }

@@ -93,8 +93,8 @@ protected:
 
     std::shared_ptr<RunningApplication> last() {
         if (!workspace)
-            workspace = std::make_unique<LinuxWorkspace>(
-                loop, log, source, LinuxWorkspace::Means{.askWithoutWindows = {}, .proc = proc});
+            workspace = std::make_unique<LinuxWorkspace>(loop, log, source,
+                                                         LinuxWorkspace::Means{.proc = proc});
         source.tell();
         return workspace->runningApplications().back();
     }

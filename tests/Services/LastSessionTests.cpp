@@ -120,7 +120,7 @@ TEST_F(LastSession, LacksWhatTurnedOutToBeExcluded) {
     player.settled("Player", "player");
     desktop.advance(500ms);
     EXPECT_GT(drawn, 0);
-    EXPECT_EQ(names(controller->quittable()), "note");
+    EXPECT_EQ(ControllerStory::names(controller->quittable()), "note");
     desktop.advance(5s);
     EXPECT_NE(desktop.log().find("quitting 1"), std::string::npos) << desktop.log();
     EXPECT_NE(desktop.log().find("done 1 "), std::string::npos) << desktop.log();
