@@ -71,8 +71,11 @@ TEST_F(Terminal, WithAJobInTheBackgroundIsNotAskedAndHasItsPromptBackDuringTheRu
     linger(2100);
     focus("xterm");
     type("sleep 1000 &\n");
-    type("velmorctl quit-all >log 2>&1; echo $? >status\n");
-    await("the prompt", [] { return contents(home() / "status") == "0\n"; });
+    type("velmorctl quit-all >log 2>&1; echo poweroff >next\n");
+    await("the run", [] { return phase() == "quitting"; });
+    type("echo $? >status\n");
+    await("the prompt", [] { return contents(home() / "status") == "130\n"; });
+    EXPECT_EQ(contents(home() / "next"), "") << "that was to come after the run";
     awaitStubborn({"XTerm"});
     EXPECT_TRUE(terminal.isRunning());
     EXPECT_EQ(control({"leave"}).status, 0);

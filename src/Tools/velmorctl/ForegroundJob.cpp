@@ -44,6 +44,7 @@ bool isWaitedFor(const Place& own) {
            own.session != own.group;
 }
 
+/// The status is one of `waitpid`.
 [[noreturn]] void endAs(int status) {
     if (!WIFSIGNALED(status))
         ::_exit(WEXITSTATUS(status));
@@ -55,13 +56,14 @@ bool isWaitedFor(const Place& own) {
     ::_exit(128 + WTERMSIG(status));
 }
 
-/// Ends as the worker does, or as soon as it says that it leaves.
+/// Ends as the worker does, or as soon as it says that it leaves: as by Ctrl+C then, since what was
+/// typed behind it on the same line ("; poweroff") was to wait for the run.
 [[noreturn]] void standInFor(pid_t worker, const sigset_t& heard) {
     for (;;) {
         siginfo_t said{};
         const int signal = ::sigwaitinfo(&heard, &said);
         if (signal == SIGUSR1 && said.si_pid == worker)
-            ::_exit(0);
+            endAs(SIGINT);
         // What is typed reaches the whole group, what a process sends only this one.
         if ((signal == SIGINT || signal == SIGTERM) && said.si_code <= 0)
             ::kill(worker, signal);
