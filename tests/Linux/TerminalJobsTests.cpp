@@ -41,6 +41,7 @@ protected:
              std::vector<std::string> arguments = {}) {
         ProcessStat stat;
         stat.id = id;
+        stat.state = 'S';
         stat.parent = parent;
         stat.group = place.group;
         stat.session = place.session;
@@ -131,11 +132,11 @@ TEST_F(TerminalJobsTest, AJobInTheForegroundIsOneButOurOwnProgramsAreNot) {
     add(30, 20, inTerminal(30), "velmorctl");
     bringToForeground(30);
     EXPECT_FALSE(isAtWork());
-    EXPECT_TRUE(isFollowedFrom(10, table_, facts()));
+    EXPECT_FALSE(terminalsRest(10, table_, facts()));
     add(40, 20, inTerminal(40), "vim");
     bringToForeground(40);
     EXPECT_TRUE(isAtWork());
-    EXPECT_FALSE(isFollowedFrom(10, table_, facts()));
+    EXPECT_TRUE(terminalsRest(10, table_, facts()));
 }
 
 TEST_F(TerminalJobsTest, AProgramWithWindowsThatTheShellWouldTakeAlongIsOne) {

@@ -110,7 +110,11 @@ StayReason LinuxApplication::stayReason() {
         return StayReason::asking;
     if (policy_ == ActivationPolicy::accessory)
         return windows->isInTray(processId()) ? StayReason::inTray : StayReason::windowless;
-    return request_.hasBegun() ? StayReason::unknown : obstacle().value_or(StayReason::unknown);
+    // A command may have begun in a terminal since it was asked.
+    const auto hindrance = obstacle();
+    return request_.hasBegun() && hindrance != StayReason::busyTerminal
+               ? StayReason::unknown
+               : hindrance.value_or(StayReason::unknown);
 }
 
 bool LinuxApplication::forceTerminate() {

@@ -7,11 +7,14 @@ namespace velmorquit {
 
 namespace {
 
-/// A run asks all applications at one go: they share one look at the processes.
-constexpr Duration sharedLook = 100ms;
+/// A run asks all applications at one go: they share one look at the processes. What ended before
+/// the run began must not count any more.
+constexpr Duration sharedLook = 20ms;
 
-/// Within which velmorctl has heard of a run and left the terminal that it was typed in.
-constexpr Duration leaveTaking = 400ms;
+/// So long a terminal's shell has to have rested before it is asked, and so often that is looked at
+/// before it is asked all the same.
+constexpr Duration rest = 150ms;
+constexpr int mostLooks = 10;
 
 } // namespace
 
@@ -23,19 +26,30 @@ std::optional<StayReason> WorkspaceWindows::obstacle(ProcessId process) {
 }
 
 void WorkspaceWindows::askToClose(ProcessId process) {
-    const auto ask = [this, process] {
-        for (const std::uint64_t window : windowsToClose(process))
-            source_.askToClose(window);
-    };
     look();
-    if (!isFollowedFrom(process, table_, facts())) {
-        ask();
-        return;
-    }
-    asking_[process] = loop_.after(leaveTaking, [this, ask, process] {
-        if (!hasJob(process))
-            ask();
+    if (hasTerminal(process, table_, facts()))
+        askAtRest(process, mostLooks, terminalsRest(process, table_, facts()));
+    else
+        askNow(process);
+}
+
+// A shell that is just about to show its prompt may miss that its terminal hangs up, which waits
+// for it for ever then. And velmorctl needs a moment to hear of a run and to leave.
+void WorkspaceWindows::askAtRest(ProcessId process, int looks, bool hasRested) {
+    asking_[process] = loop_.after(rest, [this, process, looks, hasRested] {
+        if (hasJob(process))
+            return;
+        const bool rests = terminalsRest(process, table_, facts());
+        if ((rests && hasRested) || looks == 0)
+            askNow(process);
+        else
+            askAtRest(process, looks - 1, rests);
     });
+}
+
+void WorkspaceWindows::askNow(ProcessId process) {
+    for (const std::uint64_t window : windowsToClose(process))
+        source_.askToClose(window);
 }
 
 bool WorkspaceWindows::askWithoutWindows(ProcessId process) {

@@ -43,6 +43,8 @@ public:
     bool hasJob(ProcessId process);
 
 private:
+    void askAtRest(ProcessId process, int looks, bool hasRested);
+    void askNow(ProcessId process);
     [[nodiscard]] std::vector<std::uint64_t> windowsToClose(ProcessId process) const;
     void look();
     [[nodiscard]] ProcessFacts facts() const;

@@ -171,15 +171,21 @@ bool hasTerminalJob(ProcessId application, const std::vector<ProcessStat>& table
     });
 }
 
-bool isFollowedFrom(ProcessId application, const std::vector<ProcessStat>& table,
-                    const ProcessFacts& facts) {
-    const auto terminals = terminalsOf(application, table, facts);
-    return std::ranges::any_of(table, [&](const ProcessStat& process) {
-        return process.group == process.foreground &&
-               std::ranges::find(terminals, process.session, &ProcessStat::session) !=
-                   terminals.end() &&
-               facts.executable(process.id) == "velmorctl";
-    });
+bool hasTerminal(ProcessId application, const std::vector<ProcessStat>& table,
+                 const ProcessFacts& facts) {
+    return !terminalsOf(application, table, facts).empty();
+}
+
+bool terminalsRest(ProcessId application, const std::vector<ProcessStat>& table,
+                   const ProcessFacts& facts) {
+    const auto rests = [&](const ProcessStat* leader) {
+        return leader->state == 'S' && std::ranges::none_of(table, [&](const ProcessStat& process) {
+                   return process.session == leader->session &&
+                          process.group == leader->foreground &&
+                          facts.executable(process.id) == "velmorctl";
+               });
+    };
+    return std::ranges::all_of(terminalsOf(application, table, facts), rests);
 }
 
 } // namespace velmorquit

@@ -50,9 +50,13 @@ enum class Loss {
 [[nodiscard]] bool hasTerminalJob(ProcessId application, const std::vector<ProcessStat>& table,
                                   const ProcessFacts& facts);
 
-/// Whether velmorctl is in the foreground of a terminal of `application`, which would ask about it
-/// when it is to close.
-[[nodiscard]] bool isFollowedFrom(ProcessId application, const std::vector<ProcessStat>& table,
-                                  const ProcessFacts& facts);
+/// Whether `application` has a terminal in which somebody has a session.
+[[nodiscard]] bool hasTerminal(ProcessId application, const std::vector<ProcessStat>& table,
+                               const ProcessFacts& facts);
+
+/// Whether nothing goes on in the terminals of `application`: their shells wait, and velmorctl,
+/// about which a terminal would ask before it closes, is not in front.
+[[nodiscard]] bool terminalsRest(ProcessId application, const std::vector<ProcessStat>& table,
+                                 const ProcessFacts& facts);
 
 } // namespace velmorquit

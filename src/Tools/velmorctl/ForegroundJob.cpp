@@ -1,12 +1,10 @@
 #include "ForegroundJob.h"
 
-#include <chrono>
 #include <csignal>
 #include <fstream>
 #include <optional>
 #include <sstream>
 #include <string>
-#include <thread>
 
 #include <sys/prctl.h>
 #include <sys/wait.h>
@@ -106,27 +104,12 @@ bool ForegroundJob::isInFront() const {
     return own && own->foreground == standIn_;
 }
 
-// A shell that is about to show its prompt may lose the signal by which its terminal ends it: the
-// terminal would wait for ever. So it has to have come to rest.
 void ForegroundJob::leave() {
-    using namespace std::chrono_literals;
-    constexpr auto step = 5ms;
-    constexpr auto patience = 1s;
-    constexpr auto rest = 100ms;
     if (standIn_ == 0)
         return;
     ::prctl(PR_SET_PDEATHSIG, 0);
     ::setsid();
     ::kill(standIn_, SIGUSR1);
-    auto rested = 0ms;
-    for (auto waited = 0ms; waited < patience && rested < rest; waited += step) {
-        std::this_thread::sleep_for(step);
-        const auto shell = placeOf(ancestors_.front());
-        if (!shell)
-            break;
-        const bool rests = shell->state == 'S' && shell->foreground != standIn_;
-        rested = rests ? rested + step : 0ms;
-    }
     standIn_ = 0;
 }
 

@@ -23,8 +23,7 @@ public:
     /// The shell and what it was started from, the nearest first.
     [[nodiscard]] const std::vector<pid_t>& ancestors() const { return ancestors_; }
 
-    /// Ends for the shell, as by Ctrl+C. Returns when the shell waits at its prompt, after a
-    /// second or so at the latest.
+    /// Ends for the shell, as by Ctrl+C.
     void leave();
 
 private:
