@@ -220,12 +220,16 @@ int run(int argc, char** argv) {
     X11Events faceEvents(std::move(*faceConnection));
     TrayOwners trayOwners(faceBus, faceEvents, ::getpid());
     const auto inTray = [&trayOwners] { return trayOwners.processes(); };
+    DesktopInput input(loop, faceBus, faceEvents,
+                       displays.hasAnotherDisplay() ? DesktopInput::Server::guest
+                                                    : DesktopInput::Server::whole);
     LinuxWorkspace workspace(
         loop, log, toplevels,
         {.withoutWindows = {.ask = askWithoutWindows,
                             .trayOwners = inTray,
                             .clickInTray =
-                                [&trayOwners](ProcessId owner) { return trayOwners.click(owner); }},
+                                [&trayOwners](ProcessId owner) { return trayOwners.click(owner); },
+                            .sinceInput = [&input] { return input.askServer(); }},
          .launch = [&launcher](const std::string& path) { launcher.launch(path); },
          .hasAnotherDisplay = [&displays] { return displays.hasAnotherDisplay(); }});
     kernel.setWindowOwners([&toplevels] { return windowOwners(toplevels); });
@@ -235,9 +239,6 @@ int run(int argc, char** argv) {
         {.windowOwners = [&toplevels] { return windowOwners(toplevels); },
          .trayOwners = inTray,
          .desktopProcesses = [&toplevels] { return toplevels.shellProcesses(); }});
-    DesktopInput input(loop, faceBus, faceEvents,
-                       displays.hasAnotherDisplay() ? DesktopInput::Server::guest
-                                                    : DesktopInput::Server::whole);
     QtProgram program;
     LinuxChildProcesses children;
     const LinuxFiles files;

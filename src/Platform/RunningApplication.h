@@ -84,6 +84,9 @@ public:
     /// twice means that what isn't saved may be lost. That counts as asked. Returns at once.
     virtual bool terminate(AskedBy who) = 0;
 
+    /// What `terminate` has not said to it so far is not said any more.
+    virtual void takeBack() = 0;
+
     /// Why `terminate` would not ask it now; none when it would.
     [[nodiscard]] virtual std::optional<StayReason> obstacle() = 0;
 

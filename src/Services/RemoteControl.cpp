@@ -163,12 +163,18 @@ RemoteAnswer RemoteControl::askAgain(const std::vector<std::string>& name) {
         return refused(name.empty()
                            ? localized("Nessuna app è rimasta aperta.")
                            : localized("Nessuna app rimasta aperta si chiama «%@».", name.front()));
+    // Being asked twice is an answer to some: it is to be meant.
+    if (name.empty() && apps.size() > 1) {
+        std::string names;
+        for (const OpenApp& app : apps)
+            names += (names.empty() ? "" : ", ") + app.name;
+        return refused(localized("Di' a quale: %@.", names));
+    }
     std::vector<OpenApp> asked;
     std::string text;
     for (const OpenApp& app : apps) {
         if (const auto why = controller_.askAgain(app))
-            text += (text.empty() ? "" : "\n") + app.name + ": " +
-                    PanelTexts::stayHelp(*why).value_or(std::string());
+            text += (text.empty() ? "" : "\n") + app.name + ": " + PanelTexts::stayHelp(*why);
         else
             asked.push_back(app);
     }

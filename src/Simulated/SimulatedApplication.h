@@ -73,6 +73,7 @@ public:
     [[nodiscard]] ActivationPolicy activationPolicy() const override { return policy_; }
     [[nodiscard]] bool isTerminated() const override { return isTerminated_; }
     bool terminate(AskedBy who) override;
+    void takeBack() override {}
     [[nodiscard]] std::optional<StayReason> obstacle() override;
     [[nodiscard]] std::optional<Uptime> lastUsed() const override { return lastUsed_; }
     bool forceTerminate() override;

@@ -69,10 +69,9 @@ void AppList::quitOne(AppRow& row, const OpenApp& app) {
     constexpr int readingTime = 6000;
     if (app.app->terminate(AskedBy::user))
         return;
-    const auto why = PanelTexts::stayHelp(app.app->stayReason());
-    const auto fallback = PanelTexts::stayHelp(StayReason::cannotBeAsked);
-    QToolTip::showText(row.mapToGlobal(QPoint(0, row.height())),
-                       toQt(why ? *why : fallback.value_or(std::string())), &row, {}, readingTime);
+    const StayReason why = app.app->obstacle().value_or(StayReason::cannotBeAsked);
+    QToolTip::showText(row.mapToGlobal(QPoint(0, row.height())), toQt(PanelTexts::stayHelp(why)),
+                       &row, {}, readingTime);
 }
 
 AppRow& AppList::rowOf(ProcessId id) {

@@ -43,23 +43,20 @@ StubbornRow::StubbornRow(QuitController& controller, OpenApp app, QWidget* paren
     show_ = show;
     force_ = force;
 
-    QHBoxLayout& more = row(*more_, gap, {iconSize + gap, 0, 0, 0});
+    QVBoxLayout& more = column(*more_, 1, {iconSize + gap, 0, 0, 0});
     why_->setObjectName(QStringLiteral("why"));
     why_->wrap();
     again_->setObjectName(QStringLiteral("askAgain"));
     again_->setAccessibleName(toQt(localized("Chiedi di nuovo a %@ di chiudersi", app_.name)));
     connect(again_, &QPushButton::clicked, this, [this] { askAgain(); });
-    more.addWidget(why_, 1);
+    more.addWidget(why_);
     more.addWidget(again_);
-    more.addStretch();
     lines.addWidget(more_);
     render(std::nullopt);
 }
 
 void StubbornRow::render(std::optional<StayReason> reason) {
-    const auto why = reason ? PanelTexts::stayHelp(*reason) : std::nullopt;
-    why_->setText(toQt(why.value_or(std::string())));
-    why_->setVisible(why.has_value());
+    why_->setText(reason ? toQt(PanelTexts::stayHelp(*reason)) : QString());
     again_->setVisible(reason == StayReason::unknown);
     more_->setVisible(reason.has_value());
 }

@@ -56,6 +56,21 @@ TEST_F(SessionEndTest, ARefusedRequestMayBePassedOverOnlyByOneWhoAttends) {
     EXPECT_EQ(stage(), EndState::Stage::waiting) << "the word held for that once";
 }
 
+TEST_F(SessionEndTest, AQuestionGoesWithItsRequest) {
+    desktop.open("Note").ignoresAsking();
+    request(LoginRequest::shutDown);
+    desktop.advance(2s);
+    EXPECT_TRUE(notice.press("anyway"));
+    end->cancel();
+    desktop.advance(1s);
+    request(LoginRequest::shutDown);
+    desktop.advance(5s);
+    EXPECT_EQ(notice.shown->title, "Sto per spegnere il computer");
+    notice.onButton("confirm");
+    desktop.advance(1s);
+    EXPECT_FALSE(isCalled());
+}
+
 TEST_F(SessionEndTest, ThePanelComesOnceWhereNoNoticeCanBeAnswered) {
     int panels = 0;
     endNotice->onUnanswerable = [&] { ++panels; };

@@ -78,7 +78,7 @@ TEST_F(AppListTest, AnExcludedOneCanStillBeQuitByItself) {
 }
 
 TEST_F(AppListTest, SaysWhyOneWasNotAskedToQuit) {
-    desktop.open("Terminale").cannotBeAsked().setStayReason(StayReason::busyTerminal);
+    desktop.open("Terminale").hindered(StayReason::busyTerminal);
     start();
     point(find("quitAll"));
     point(rows().front());

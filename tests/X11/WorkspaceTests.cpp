@@ -137,7 +137,9 @@ TEST_F(WorkspaceTest, SaysWhyAnApplicationStays) {
 
 // Being asked twice, some dismiss their question, and others lose what they have asked about.
 TEST_F(WorkspaceTest, ARunAsksAgainOnlyWhatWasUsedSinceAndShowsNoQuestion) {
-    const auto silent = open({"--ignore"});
+    const auto old = open({"--class", "Old", "--ignore"});
+    Child& oldChild = *children.back();
+    const auto silent = open({"--ignore", "--ping"});
     Child& silentChild = *children.back();
     const auto asking = open({"--class", "Asking", "--asks-plainly"});
     Child& askingChild = *children.back();
@@ -156,7 +158,12 @@ TEST_F(WorkspaceTest, ARunAsksAgainOnlyWhatWasUsedSinceAndShowsNoQuestion) {
     EXPECT_EQ(timesAsked(askingChild), 1U);
     EXPECT_TRUE(silent->terminate(AskedBy::user));
     EXPECT_TRUE(waitUntil([&] { return timesAsked(silentChild) == 2; }));
+    EXPECT_TRUE(old->terminate(AskedBy::run));
     linger(1100);
+    old->activate();
+    EXPECT_TRUE(waitUntil([&] { return old->lastUsed() && timesAsked(oldChild) == 1; }));
+    linger(1100);
+    EXPECT_TRUE(old->terminate(AskedBy::run));
     silent->activate();
     EXPECT_TRUE(waitUntil([&] {
         const auto used = silent->lastUsed();
@@ -164,6 +171,7 @@ TEST_F(WorkspaceTest, ARunAsksAgainOnlyWhatWasUsedSinceAndShowsNoQuestion) {
     }));
     silent->terminate(AskedBy::run);
     EXPECT_TRUE(waitUntil([&] { return timesAsked(silentChild) == 3; }));
+    EXPECT_EQ(timesAsked(oldChild), 1U) << "nobody can know what that would mean to it";
 }
 
 TEST_F(WorkspaceTest, HasIconsByNameByFileAndFromTheWindowAndKnowsWhenItBegan) {

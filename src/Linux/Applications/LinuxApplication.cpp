@@ -62,7 +62,27 @@ std::optional<std::string> LinuxApplication::bundlePath() const {
 void LinuxApplication::noteKeyboard(bool hasKeyboard) {
     if (hasKeyboard || hasKeyboard_)
         hadKeyboardAt_ = surroundings_.loop.uptime();
+    if (hasKeyboard && !hasKeyboard_)
+        keyboardSince_ = surroundings_.loop.uptime();
+    if (!hasKeyboard && hasKeyboard_)
+        workedWith_ = workedWith();
     hasKeyboard_ = hasKeyboard;
+}
+
+// The window manager gives the keyboard to whatever is left, and nobody may be there.
+std::optional<Uptime> LinuxApplication::workedWith() const {
+    const auto windows = surroundings_.windows.lock();
+    if (!hasKeyboard_ || !windows)
+        return workedWith_;
+    const Duration held = surroundings_.loop.uptime() - keyboardSince_;
+    const Duration idle = windows->sinceInput().value_or(Duration::zero());
+    return idle <= held ? std::optional(keyboardSince_ + (held - idle)) : workedWith_;
+}
+
+void LinuxApplication::takeBack() {
+    const auto windows = surroundings_.windows.lock();
+    if (windows && windows->takeBack(processId()))
+        request_ = {};
 }
 
 std::optional<Uptime> LinuxApplication::lastUsed() const {
@@ -73,10 +93,10 @@ std::optional<StayReason> LinuxApplication::obstacle() {
     const auto windows = surroundings_.windows.lock();
     if (!windows || isTerminated())
         return StayReason::cannotBeAsked;
+    const std::vector<Toplevel> open = windows->windowsOf(processId());
     if (policy_ == ActivationPolicy::accessory)
-        return std::nullopt;
-    const bool isAsking =
-        request_.showsQuestion(windows->windowsOf(processId()), surroundings_.loop.uptime());
+        return open.empty() ? std::nullopt : std::optional(StayReason::cannotBeAsked);
+    const bool isAsking = request_.showsQuestion(open, surroundings_.loop.uptime());
     return isAsking ? StayReason::asking : windows->obstacle(processId());
 }
 
@@ -88,7 +108,7 @@ bool LinuxApplication::terminate(AskedBy who) {
         return windows->askWithoutWindows(processId());
     const std::vector<Toplevel> open = windows->windowsOf(processId());
     const Uptime now = surroundings_.loop.uptime();
-    if (who == AskedBy::run && request_.isOpen(open, lastUsed(), now))
+    if (who == AskedBy::run && request_.isOpen(open, workedWith(), now))
         return true;
     if (obstacle())
         return false;
@@ -105,16 +125,16 @@ StayReason LinuxApplication::stayReason() {
         return StayReason::notResponding;
     const std::vector<Toplevel> open = windows->windowsOf(processId());
     const Uptime now = surroundings_.loop.uptime();
-    request_.look(open, now);
+    request_.look(open, workedWith(), now);
     if (request_.showsQuestion(open, now))
         return StayReason::asking;
     if (policy_ == ActivationPolicy::accessory)
         return windows->isInTray(processId()) ? StayReason::inTray : StayReason::windowless;
     // A command may have begun in a terminal since it was asked.
     const auto hindrance = obstacle();
-    return request_.hasBegun() && hindrance != StayReason::busyTerminal
-               ? StayReason::unknown
-               : hindrance.value_or(StayReason::unknown);
+    if (hindrance == StayReason::busyTerminal)
+        request_ = {};
+    return request_.hasBegun() ? StayReason::unknown : hindrance.value_or(StayReason::unknown);
 }
 
 bool LinuxApplication::forceTerminate() {

@@ -18,8 +18,12 @@ public:
     virtual ~ApplicationWindows() = default;
     /// Why its windows can't be asked to close now; none when they can.
     virtual std::optional<StayReason> obstacle(ProcessId process) = 0;
-    /// Asks its windows to close.
+    /// Asks its windows to close; those of a terminal in a moment.
     virtual void askToClose(ProcessId process) = 0;
+    /// Asks those no more that have not been asked so far; false when there are none.
+    virtual bool takeBack(ProcessId process) = 0;
+    /// How long nobody has touched keyboard or pointer; none when that isn't known.
+    virtual std::optional<Duration> sinceInput() = 0;
     /// Asks one that has no windows to quit, should it understand any other way. False when it has
     /// windows, runs something that would be lost, or there is no other way at all.
     virtual bool askWithoutWindows(ProcessId process) = 0;
@@ -87,6 +91,7 @@ public:
     [[nodiscard]] ActivationPolicy activationPolicy() const override { return policy_; }
     [[nodiscard]] bool isTerminated() const override { return hasLeft_ || process_->hasEnded(); }
     bool terminate(AskedBy who) override;
+    void takeBack() override;
     [[nodiscard]] std::optional<StayReason> obstacle() override;
     [[nodiscard]] std::optional<Uptime> lastUsed() const override;
     [[nodiscard]] StayReason stayReason() override;
@@ -110,7 +115,12 @@ private:
     Surroundings surroundings_;
     ActivationPolicy policy_ = ActivationPolicy::regular;
     QuitRequest request_;
+    [[nodiscard]] std::optional<Uptime> workedWith() const;
+
     bool hasKeyboard_ = false;
+    Uptime keyboardSince_;
+    /// When somebody typed or clicked while it had the keyboard, before it lost that last.
+    std::optional<Uptime> workedWith_;
     std::optional<Uptime> hadKeyboardAt_;
     Handle killing_;
 };

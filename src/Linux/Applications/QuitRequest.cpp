@@ -17,12 +17,21 @@ void QuitRequest::note(std::uint64_t window, Uptime now) {
         questions_.insert(window);
 }
 
-void QuitRequest::look(const std::vector<Toplevel>& windows, Uptime now) {
+void QuitRequest::look(const std::vector<Toplevel>& windows, std::optional<Uptime> used,
+                       Uptime now) {
     lookedAt_ = now;
     for (const Toplevel& one : windows) {
-        if (askedAt_ && !asked_.contains(one.window))
+        if (askedAt_ && !asked_.contains(one.window) && (!isPlain(one) || !wasUsedSince(used)))
             questions_.insert(one.window);
     }
+}
+
+bool QuitRequest::isPlain(const Toplevel& window) {
+    return window.isOrdinary && !window.isDialogOfAnother;
+}
+
+bool QuitRequest::wasUsedSince(std::optional<Uptime> used) const {
+    return used && askedAt_ && *used - *askedAt_ > noticeTime;
 }
 
 bool QuitRequest::showsQuestion(const std::vector<Toplevel>& windows, Uptime now) const {
@@ -32,19 +41,20 @@ bool QuitRequest::showsQuestion(const std::vector<Toplevel>& windows, Uptime now
 bool QuitRequest::isQuestion(const Toplevel& window, Uptime now) const {
     if (window.isDialogOfAnother && window.isModal)
         return true;
-    const bool isPlain = window.isOrdinary && !window.isDialogOfAnother;
     const bool isFresh = now - lookedAt_ <= plainQuestionTime;
-    return questions_.contains(window.window) && (!isPlain || isFresh);
+    return questions_.contains(window.window) && (!isPlain(window) || isFresh);
 }
 
 bool QuitRequest::isOpen(const std::vector<Toplevel>& windows, std::optional<Uptime> used,
                          Uptime now) const {
     if (!askedAt_)
         return false;
-    const bool wasUsedSince = used && *used - *askedAt_ > noticeTime;
-    const bool isSameWindow = std::ranges::any_of(
-        windows, [&](const Toplevel& one) { return asked_.contains(one.window); });
-    return showsQuestion(windows, now) || (isSameWindow && !wasUsedSince);
+    const bool hasAsked = !questions_.empty();
+    const auto maySayMore = [&](const Toplevel& one) {
+        return asked_.contains(one.window) &&
+               (!wasUsedSince(used) || (!hasAsked && !one.canBePinged));
+    };
+    return showsQuestion(windows, now) || std::ranges::any_of(windows, maySayMore);
 }
 
 } // namespace velmorquit

@@ -27,7 +27,8 @@ public:
     /// Takes note of one of its windows that is open now.
     void note(std::uint64_t window, Uptime now);
     /// Somebody wants to know why it stays: what is new among its windows is a question.
-    void look(const std::vector<Toplevel>& windows, Uptime now);
+    /// One like any other that has come after somebody has worked with it is the user's own.
+    void look(const std::vector<Toplevel>& windows, std::optional<Uptime> used, Uptime now);
 
     /// Whether one of these windows waits for an answer. One that keeps others from being used may
     /// have been there before, and keeps them from closing just as well.
@@ -35,11 +36,14 @@ public:
 
     /// Whether asking once more might be an answer: a question is open; or a window that was asked
     /// is, and nobody has used the application since (some put their question inside, where nobody
-    /// else sees it).
+    /// else sees it). Of programs so old that they can't be asked whether they react, some close
+    /// when they are asked a second time, whatever is lost: that holds until the user speaks.
     [[nodiscard]] bool isOpen(const std::vector<Toplevel>& windows, std::optional<Uptime> used,
                               Uptime now) const;
 
 private:
+    [[nodiscard]] static bool isPlain(const Toplevel& window);
+    [[nodiscard]] bool wasUsedSince(std::optional<Uptime> used) const;
     [[nodiscard]] bool isQuestion(const Toplevel& window, Uptime now) const;
 
     std::optional<Uptime> askedAt_;

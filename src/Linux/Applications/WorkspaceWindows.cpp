@@ -30,25 +30,29 @@ void WorkspaceWindows::askToClose(ProcessId process) {
     if (hasTerminal(process, table_, facts()))
         askAtRest(process, mostLooks, terminalsRest(process, table_, facts()));
     else
-        askNow(process);
+        askNow(windowsToClose(process));
 }
 
 // A shell that is just about to show its prompt may miss that its terminal hangs up, which waits
 // for it for ever then. And velmorctl needs a moment to hear of a run and to leave.
 void WorkspaceWindows::askAtRest(ProcessId process, int looks, bool hasRested) {
-    asking_[process] = loop_.after(rest, [this, process, looks, hasRested] {
-        if (hasJob(process))
-            return;
-        const bool rests = terminalsRest(process, table_, facts());
-        if ((rests && hasRested) || looks == 0)
-            askNow(process);
-        else
-            askAtRest(process, looks - 1, rests);
-    });
+    asking_[process] =
+        loop_.after(rest, [this, process, looks, hasRested, windows = windowsToClose(process)] {
+            // Prompts have helpers, too.
+            const bool isBusy = hasJob(process);
+            const bool rests = !isBusy && terminalsRest(process, table_, facts());
+            if (looks > 0 && !(rests && hasRested)) {
+                askAtRest(process, looks - 1, rests);
+                return;
+            }
+            asking_.erase(process);
+            if (!isBusy)
+                askNow(windows);
+        });
 }
 
-void WorkspaceWindows::askNow(ProcessId process) {
-    for (const std::uint64_t window : windowsToClose(process))
+void WorkspaceWindows::askNow(const std::vector<std::uint64_t>& windows) {
+    for (const std::uint64_t window : windows)
         source_.askToClose(window);
 }
 

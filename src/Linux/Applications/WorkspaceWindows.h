@@ -24,6 +24,8 @@ public:
         std::function<std::set<ProcessId>()> trayOwners = {};
         /// Clicks its icon in the tray; false when it has none.
         std::function<bool(ProcessId)> clickInTray = {};
+        /// How long nobody has touched keyboard or pointer.
+        std::function<std::optional<Duration>()> sinceInput = {};
     };
 
     /// Both references outlive it.
@@ -32,6 +34,10 @@ public:
 
     std::optional<StayReason> obstacle(ProcessId process) override;
     void askToClose(ProcessId process) override;
+    bool takeBack(ProcessId process) override { return asking_.erase(process) > 0; }
+    std::optional<Duration> sinceInput() override {
+        return means_.sinceInput ? means_.sinceInput() : std::nullopt;
+    }
     bool askWithoutWindows(ProcessId process) override;
     bool bringToFront(ProcessId process) override;
     std::vector<Toplevel> windowsOf(ProcessId process) override;
@@ -44,7 +50,7 @@ public:
 
 private:
     void askAtRest(ProcessId process, int looks, bool hasRested);
-    void askNow(ProcessId process);
+    void askNow(const std::vector<std::uint64_t>& windows);
     [[nodiscard]] std::vector<std::uint64_t> windowsToClose(ProcessId process) const;
     void look();
     [[nodiscard]] ProcessFacts facts() const;

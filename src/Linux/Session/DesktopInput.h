@@ -39,6 +39,9 @@ public:
     /// order to be asked.
     [[nodiscard]] Handle sinceLastInput(std::function<void(std::optional<Duration>)> told) override;
 
+    /// What the X server alone knows, by a short question.
+    [[nodiscard]] std::optional<Duration> askServer();
+
 private:
     struct Question;
     struct Questions final : Handle::Source {
@@ -48,7 +51,6 @@ private:
         std::uint64_t lastId = 0;
     };
 
-    [[nodiscard]] std::optional<Duration> askServer();
     void askCompositor(std::uint64_t id, const QDBusMessage& message);
     void hear(std::uint64_t id, const QDBusMessage& answer);
     void finishIn(Duration wait, std::uint64_t id);

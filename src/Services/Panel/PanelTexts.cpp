@@ -93,7 +93,7 @@ std::string rowHelp(const OpenApp& app, bool isExcluded) {
 
 std::string rowQuitHelp(const OpenApp& app) { return localized("Chiudi solo %@", app.name); }
 
-std::optional<std::string> stayHelp(StayReason reason) {
+std::string stayHelp(StayReason reason) {
     switch (reason) {
     case StayReason::asking:
         return localized("Ha una finestra aperta che aspetta una risposta.");
@@ -110,7 +110,7 @@ std::optional<std::string> stayHelp(StayReason reason) {
     case StayReason::unknown:
         break;
     }
-    return std::nullopt;
+    return localized("Forse chiede qualcosa dentro la sua finestra.");
 }
 
 std::string forceHelp(const OpenApp& app) {

@@ -46,8 +46,8 @@ struct StatusLine {
 [[nodiscard]] std::string rowHelp(const OpenApp& app, bool isExcluded);
 [[nodiscard]] std::string rowQuitHelp(const OpenApp& app);
 
-/// Why an application that was asked to quit is still open; none when nobody knows.
-[[nodiscard]] std::optional<std::string> stayHelp(StayReason reason);
+/// Why an application that was asked to quit is still open; a guess where nobody knows.
+[[nodiscard]] std::string stayHelp(StayReason reason);
 [[nodiscard]] std::string forceHelp(const OpenApp& app);
 
 /// In the list of choices, and in the round button.

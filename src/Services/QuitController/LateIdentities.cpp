@@ -17,13 +17,20 @@ void QuitController::renewTargets() {
 void QuitController::askTargets() {
     renewTargets();
     const auto isSpared = [this](const OpenApp& target) {
-        return unsettled_.contains(target.id) && !target.app->isTerminated() && isExcluded(target);
+        // One that is known by now for what the user doesn't see isn't on the user's list.
+        const bool isHidden = target.app->isIdentitySettled() &&
+                              target.app->activationPolicy() == ActivationPolicy::accessory &&
+                              target.app->obstacle();
+        return unsettled_.contains(target.id) && !target.app->isTerminated() &&
+               (isExcluded(target) || isHidden);
     };
     if (std::erase_if(targets_, isSpared) > 0 && is<phases::Quitting>(phase))
         phase = phases::Quitting{static_cast<int>(targets_.size())};
     for (const OpenApp& target : targets_) {
+        const bool isRegular = target.app->activationPolicy() == ActivationPolicy::regular;
+        // Between two windows it isn't asked: one that has none for long is asked otherwise.
         if (target.app->isIdentitySettled() && unsettled_.erase(target.id) > 0 &&
-            !target.app->terminate(AskedBy::run))
+            !(isRegular && target.app->terminate(AskedBy::run)))
             hindered_.insert_or_assign(target.id, std::nullopt);
     }
 }

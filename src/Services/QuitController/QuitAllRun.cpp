@@ -31,6 +31,7 @@ void QuitController::quitAll(PowerAction action) {
     }
 
     phase = phases::Quitting{static_cast<int>(targets_.size())};
+    beginningUntil_ = desktop_.loop.uptime() + beginning;
     hindered_.clear();
     unsettled_.clear();
     for (const OpenApp& target : targets_)
@@ -60,6 +61,10 @@ Task QuitController::pollTargets(Uptime deadline) {
         askWindowless(running);
         if (!lookedAt || now - *lookedAt >= reasonInterval) {
             stayReasons = reasonsOf(running);
+            for (const auto& [id, reason] : stayReasons.get()) {
+                if (reason == StayReason::busyTerminal)
+                    hindered_.try_emplace(id);
+            }
             lookedAt = now;
         }
         stubborn = std::move(running);
@@ -131,7 +136,8 @@ void QuitController::askHindered(const std::vector<OpenApp>& running) {
             continue;
         auto& freeSince = found->second;
         const auto used = app.app->lastUsed();
-        const bool isInUse = used && now - *used < restBeforeAsking;
+        // What is in the way at the very beginning may be a prompt's helper.
+        const bool isInUse = now > beginningUntil_ && used && now - *used < restBeforeAsking;
         const bool isFree = !isInUse && !isExcluded(app) && !app.app->obstacle() &&
                             app.app->activationPolicy() == ActivationPolicy::regular;
         if (!isFree)
@@ -189,6 +195,8 @@ void QuitController::finish(AfterSteps steps) {
     ++pollNumber_;
     pollTask_.cancel();
     asking_.reset();
+    for (const OpenApp& target : targets_)
+        target.app->takeBack();
     renewTargets();
     const RunResult result = countClosed();
     // Before the refresh: that and all that follows may take long, and may be the last thing that

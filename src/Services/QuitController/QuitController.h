@@ -39,6 +39,8 @@ public:
     /// asked when that goes; but not while it is used, nor soon after that.
     static constexpr Duration askingTime = 10min;
     static constexpr Duration restBeforeAsking = 30s;
+    /// An obstacle that is gone so soon was none.
+    static constexpr Duration beginning = 3s;
     static constexpr Duration refreshInterval = 2500ms;
     static constexpr Duration resultTime = 8s;
     static constexpr Duration unattendedGrace = 60s;
@@ -265,6 +267,7 @@ private:
     /// Targets that could not be asked, with the moment from which on nothing stood in the way.
     std::map<ProcessId, std::optional<Uptime>> hindered_;
     Uptime lookForObstaclesAt_;
+    Uptime beginningUntil_;
     /// Counts the poll loops, so that one that was interrupted by a callback knows that it is over.
     int pollNumber_ = 0;
     /// The result of a run that has ended while what follows it has not begun.

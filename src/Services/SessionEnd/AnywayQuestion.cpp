@@ -7,7 +7,13 @@
 namespace velmorquit {
 
 AnywayQuestion::AnywayQuestion(MainLoop& loop, LoginWindow& loginWindow, Duration readingTime)
-    : loop_(loop), loginWindow_(loginWindow), readingTime_(readingTime) {}
+    : loop_(loop), loginWindow_(loginWindow), readingTime_(readingTime) {
+    // Nobody may be looking when the request goes: the next one is another question.
+    following_ = loginWindow_.state.subscribe([this] {
+        if (!loginWindow_.state->canBeForced)
+            giveUp();
+    });
+}
 
 void AnywayQuestion::follow() {
     const EndState& state = loginWindow_.state;

@@ -31,6 +31,7 @@ private:
     bool isAsked_ = false;
     std::uint64_t list_ = 0;
     Uptime shownAt_;
+    Handle following_;
 };
 
 } // namespace velmorquit

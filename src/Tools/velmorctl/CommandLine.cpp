@@ -169,7 +169,7 @@ std::string usage() {
         "                       con --then aspetta anche lo spegnimento, il riavvio o l'uscita, "
         "se\n"
         "                       non dici --no-wait; con --timeout per S secondi al massimo\n"
-        "  ask-again [NOME]     chiede di nuovo a un'app rimasta aperta, o a tutte, di chiudersi\n"
+        "  ask-again [NOME]     chiede di nuovo di chiudersi a un'app rimasta aperta\n"
         "  force                forza le app rimaste aperte: ciò che non è salvato va perso\n"
         "  leave                lascia aperte le app rimaste e finisce qui\n"
         "  exclude NOME         non chiudere mai quest'app (nome, id o numero di processo)\n"

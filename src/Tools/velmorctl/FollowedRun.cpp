@@ -30,6 +30,9 @@ std::optional<ExitStatus> FollowedRun::hear(const QJsonObject& change) {
     // What the user had begun to eject before the run ends before the drives of the run do.
     if (change["event"] == "disksEjected")
         isDriveLeft_ = !change["failed"].toArray().isEmpty();
+    // One that turned out to be excluded is no target any more.
+    if (change["change"] == "phase" && change["phase"] == "quitting")
+        asked_ = change["total"].toInteger();
     const bool isResult = change["change"] == "phase" && change["phase"] == "done";
     // Where nothing was asked to quit only a note says more.
     const bool isEmpty = asked_ == 0 && isResult && change["note"].isNull();
