@@ -41,12 +41,18 @@ WindowOwner LinuxWindows::ownerOf(const Toplevel& toplevel) {
     return owner;
 }
 
+// Programs that can't be asked whether they react are of a kind of which some close when they are
+// asked a second time, whatever is lost: they count as asked for as long as the window is open.
 bool LinuxWindows::askToClose(std::uint64_t window) {
     const std::vector<Toplevel> toplevels = source_.toplevels();
+    std::erase_if(askedOnce_, [&](std::uint64_t one) {
+        return std::ranges::find(toplevels, one, &Toplevel::window) == toplevels.end();
+    });
     const auto found = std::ranges::find(toplevels, window, &Toplevel::window);
     if (found == toplevels.end() || (found->process > 0 && workspace_.hasJob(found->process)))
         return false;
-    source_.askToClose(window);
+    if (found->canBePinged || askedOnce_.insert(window).second)
+        source_.askToClose(window);
     return true;
 }
 

@@ -37,6 +37,8 @@ private:
     ToplevelSource& source_;
     LinuxWorkspace& workspace_;
     Means means_;
+    /// Windows that are not to be asked again.
+    std::set<std::uint64_t> askedOnce_;
 };
 
 } // namespace velmorquit
