@@ -32,8 +32,8 @@ const std::array<MomentStory, 8> stories{{
     {"Idle", Moment::idle, nothing, 1min, "confirm quitAll anyway reopen", ""},
     {"Quitting", Moment::quitting, nothing, 0s, "leave", ""},
     {"Waiting", Moment::waiting,
-     [](SimulatedDesktop& desktop) { desktop.open("Editor").ignoresAsking(); }, 7s, "leave force",
-     ""},
+     [](SimulatedDesktop& desktop) { desktop.open("Editor").ignoresAsking(); }, 7s,
+     "leave force askAgain", ""},
     {"BackingUp", Moment::backingUp, backUp, 1s, "skip backup-cancel", "velmorctl backup skip"},
     {"BackupFailed", Moment::backupFailed,
      [](SimulatedDesktop& desktop) {
@@ -61,9 +61,10 @@ TEST_P(EveryMoment, TakesTheWordsThatMakeSenseAndSaysWhatDoes) {
     desktop.advance(story.after);
     const Moment moment = RunAnswers::momentOf(*controller, desktop.loginWindow.state);
     ASSERT_EQ(moment, story.moment) << desktop.log();
-    const std::array<std::pair<std::string, RemoteCommand>, 10> commands{{
+    const std::array<std::pair<std::string, RemoteCommand>, 11> commands{{
         {"leave", {"leave", {}}},
         {"force", {"force", {}}},
+        {"askAgain", {"askAgain", {}}},
         {"skip", {"backup", {"skip"}}},
         {"backup-cancel", {"backup", {"cancel"}}},
         {"continue", {"backup", {"continue"}}},

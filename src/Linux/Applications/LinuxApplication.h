@@ -101,6 +101,8 @@ public:
 
 private:
     void noteKey(const std::string& key);
+    /// When somebody last typed or clicked while it had the keyboard; none when nobody has.
+    [[nodiscard]] std::optional<Uptime> workedWith() const;
 
     std::unique_ptr<ProcessHandle> process_;
     Identity identity_;
@@ -115,11 +117,9 @@ private:
     Surroundings surroundings_;
     ActivationPolicy policy_ = ActivationPolicy::regular;
     QuitRequest request_;
-    [[nodiscard]] std::optional<Uptime> workedWith() const;
-
     bool hasKeyboard_ = false;
     Uptime keyboardSince_;
-    /// When somebody typed or clicked while it had the keyboard, before it lost that last.
+    /// What `workedWith` was when it lost the keyboard last.
     std::optional<Uptime> workedWith_;
     std::optional<Uptime> hadKeyboardAt_;
     Handle killing_;
