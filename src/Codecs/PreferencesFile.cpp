@@ -1,10 +1,9 @@
 #include "Codecs/PreferencesFile.h"
 
 #include "Codecs/PropertyList.h"
+#include "Codecs/SmallFile.h"
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 
 namespace velmorquit {
 
@@ -12,13 +11,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// None for what is no property list, or no ordinary file: a pipe would have to be waited for.
 std::optional<Value> decoded(const fs::path& file) {
-    std::error_code unreadable;
-    if (!fs::is_regular_file(file, unreadable))
-        return std::nullopt;
-    std::ifstream stream(file, std::ios::binary);
-    return PropertyList::decode(std::string(std::istreambuf_iterator<char>(stream), {}));
+    const auto content = readSmallFile(file);
+    return content ? PropertyList::decode(*content) : std::nullopt;
 }
 
 } // namespace

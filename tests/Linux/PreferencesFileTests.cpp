@@ -21,6 +21,8 @@
 namespace velmorquit {
 namespace {
 
+using namespace std::string_literals;
+
 namespace fs = std::filesystem;
 using Dictionary = Value::Dictionary;
 using Names = std::set<std::string>;
@@ -254,6 +256,16 @@ TEST_F(PreferencesFile, NoticesEditsOfOtherPrograms) {
     writeInPlace(PropertyList::encode(Dictionary{{"n", 3}}));
     EXPECT_TRUE(comesTrue([&] { return told == 2; }));
     EXPECT_EQ(preferences->object("n"), Value(3));
+
+    // A key with a zero byte in the binary form.
+    writeInPlace("bplist00\xD1\x01\x02\x53k\0x\x09\x08\x0B\x0F\0\0\0\0\0\0\1\1"s +
+                 std::string(7, '\0') + "\3" + std::string(15, '\0') + "\x10");
+    EXPECT_TRUE(comesTrue([&] { return preferences->object("k\0x"s) == Value(true); }));
+    EXPECT_EQ(preferences->object("n"), std::nullopt);
+    preferences->set("n", 3);
+    preferences->remove("k\0x"s);
+    settle();
+    told = 2;
 
     writeInPlace("rubbish");
     EXPECT_TRUE(comesTrue([&] { return decoded(file) == Value(Dictionary{{"n", 3}}); }));

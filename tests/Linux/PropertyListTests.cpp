@@ -12,6 +12,7 @@
 namespace velmorquit {
 namespace {
 
+using namespace std::string_literals;
 using Array = Value::Array;
 using Dictionary = Value::Dictionary;
 
@@ -33,6 +34,22 @@ std::string binary(const std::string& values, const std::string& offsets) {
     return "bplist00" + values + offsets + trailer;
 }
 
+/// The same with offsets of four bytes.
+std::string wideBinary(const std::string& values, const std::vector<std::size_t>& offsets) {
+    const auto number = [](std::size_t value) {
+        std::string bytes(4, '\0');
+        for (std::size_t at = 4; at-- > 0; value >>= 8)
+            bytes[at] = static_cast<char>(value);
+        return bytes;
+    };
+    std::string table;
+    for (const std::size_t offset : offsets)
+        table += number(offset);
+    const std::string pad(4, '\0');
+    return "bplist00" + values + table + "\0\0\0\0\0\0\4\1"s + pad + number(offsets.size()) + pad +
+           pad + pad + number(8 + values.size());
+}
+
 Value everything() {
     return Dictionary{
         {"flags", Array{true, false}},
@@ -41,7 +58,7 @@ Value everything() {
         {"reals", Array{0.0, 1.0, 0.1, -1234.5, 1e300, 5e-324, std::numeric_limits<double>::max(),
                         -std::numeric_limits<double>::infinity()}},
         {"texts", Array{"", "caffè & <tè> ]]> \"'", " spazi \r\n\t", "\x01\x1b\x7f", "\xff\xfe",
-                        "\xed\xa0\x80", "&amp;&#65;"}},
+                        "\xed\xa0\x80", "&amp;&#65;", "a\0b"s, "\U0010F000\U0010F0FF\uFFFF"}},
         {"dates", Array{at(2026, 3, 2, 9h), at(2000, 12, 31, 23h), at(1969, 7, 20, 20h)}},
         {"data", Array{Value::Data{}, Value::Data(1000, std::byte{0xA5})}},
         {"empty", Array{Array{}, Dictionary{}}},
@@ -58,16 +75,19 @@ TEST(PropertyList, GivesBackWhatWasWritten) {
     EXPECT_TRUE(std::isnan(*number->as<double>()));
 }
 
-TEST(PropertyList, AdaptsWhatXmlCannotHold) {
+TEST(PropertyList, KeepsDatesWithinTheirLimits) {
     const auto kept = [](const Value& value) {
         return PropertyList::decode(PropertyList::encode(value));
     };
     EXPECT_EQ(kept(at(2026, 3, 2, 1999ms)), Value(at(2026, 3, 2, 1s)));
-    EXPECT_EQ(kept(at(1969, 7, 20, 1999ms)), Value(at(1969, 7, 20, 1s)));
-    EXPECT_EQ(kept(at(1900, 1, 1)), Value(at(1932, 12, 13, 20h + 45min + 52s)));
-    EXPECT_EQ(kept(at(2200, 1, 1)), Value(at(2069, 1, 19, 3h + 14min + 7s)));
-    EXPECT_EQ(kept(std::string("a\0b", 3)), Value("a"));
-    EXPECT_EQ(kept(Dictionary{{std::string("k\0x", 3), 1}}), Value(Dictionary{{"k", 1}}));
+    EXPECT_EQ(kept(at(1900, 1, 1, -500ms)), Value(at(1899, 12, 31, 24h - 1s)));
+    EXPECT_EQ(PropertyList::decode(xml("<date>4001-01-01T00:00:00Z</date>")),
+              Value(at(2262, 4, 11, 23h + 47min + 16s)));
+    EXPECT_EQ(PropertyList::decode(binary("\x33\x7f\xf0\0\0\0\0\0\0"s, "\x08")),
+              Value(at(2262, 4, 11, 23h + 47min + 16s)));
+    for (const char* text :
+         {"2026-13-01T00:00:00Z", "2026-02-29T00:00:00Z", "2026-02-28", "morgen"})
+        EXPECT_FALSE(PropertyList::decode(xml("<date>" + std::string(text) + "</date>"))) << text;
 }
 
 TEST(PropertyList, HasAnEndToNesting) {
@@ -90,12 +110,10 @@ TEST(PropertyList, HasAnEndToNesting) {
             body += "</array>";
         return xml(body);
     };
-    EXPECT_TRUE(PropertyList::decode(nested(15'000)));
-    EXPECT_FALSE(PropertyList::decode(nested(500'000)));
+    EXPECT_EQ(PropertyList::decode(nested(500'000)), kept);
 }
 
 TEST(PropertyList, LeavesOutTypesThatNoValueHas) {
-    using namespace std::string_literals;
     EXPECT_FALSE(PropertyList::decode(binary("\x80\x05", "\x08")));
     EXPECT_EQ(PropertyList::decode(binary("\xA2\x01\x02\x80\x05\x09", "\x08\x0B\x0D")),
               Value(Array{true}));
@@ -103,6 +121,38 @@ TEST(PropertyList, LeavesOutTypesThatNoValueHas) {
     EXPECT_FALSE(PropertyList::decode(xml("<dict><key>a</key><null/></dict>")));
     // An array that holds itself.
     EXPECT_FALSE(PropertyList::decode(binary("\xA1\0"s, "\x08")));
+}
+
+TEST(PropertyList, KeepsKeysWithZeroBytes) {
+    EXPECT_EQ(PropertyList::decode(binary("\xD1\x01\x02\x53k\0x\x09"s, "\x08\x0B\x0F")),
+              Value(Dictionary{{"k\0x"s, true}}));
+}
+
+TEST(PropertyList, ReadsNothingFromListsThatStandForMoreThanTheySay) {
+    // Each array holds the next one twice: 2^60 values in some hundred bytes.
+    std::string values;
+    std::string offsets;
+    for (char next = 1; next <= 60; ++next) {
+        offsets += static_cast<char>(8 + values.size());
+        values += "\xA2"s + next + next;
+    }
+    offsets += static_cast<char>(8 + values.size());
+    EXPECT_FALSE(PropertyList::decode(binary(values + "\x09", offsets)));
+
+    std::string text(1 << 20, 'x');
+    const std::string array = "\xAF\x10\xFF" + std::string(255, '\1');
+    const std::string size = "\x5F\x12\0\x10\0\0"s;
+    EXPECT_FALSE(PropertyList::decode(wideBinary(array + size + text, {8, 8 + array.size()})));
+
+    std::string entities = "<!DOCTYPE plist [<!ENTITY a \"aaaaaaaaaaaaaaaaaaaa\">";
+    for (char name = 'b'; name < 'k'; ++name) {
+        const std::string previous = "&"s + static_cast<char>(name - 1) + ";";
+        entities += "<!ENTITY "s + name + " \"";
+        for (int times = 0; times < 10; ++times)
+            entities += previous;
+        entities += "\">";
+    }
+    EXPECT_FALSE(PropertyList::decode(entities + "]><plist><string>&j;</string></plist>"));
 }
 
 TEST(PropertyList, ReadsNothingFromWhatIsNoPropertyList) {

@@ -2,6 +2,7 @@
 
 #include "Codecs/PreferencesFile.h"
 #include "Codecs/PropertyList.h"
+#include "Codecs/PropertyListLimits.h"
 #include "Linux/Descriptor.h"
 #include "Linux/Preferences/FileWatch.h"
 
@@ -59,16 +60,18 @@ std::error_code writeAll(int descriptor, std::string_view text) {
     return {};
 }
 
+/// All of it, or the first part of what is too large to be read as a list.
 std::optional<std::string> readAll(int descriptor) {
     std::string text;
     std::array<char, 16384> part;
-    for (;;) {
+    while (text.size() <= PropertyList::largestList) {
         const ssize_t count = read(descriptor, part.data(), part.size());
         if (count > 0)
             text.append(part.data(), static_cast<std::size_t>(count));
         else if (count == 0 || errno != EINTR)
             return count == 0 ? std::optional(text) : std::nullopt;
     }
+    return text;
 }
 
 void store(Value::Dictionary& values, const std::string& key, const std::optional<Value>& value) {
@@ -267,8 +270,9 @@ void PropertyListPreferences::write() {
 }
 
 std::error_code PropertyListPreferences::replace(const fs::path& file, std::string_view list) {
-    if (list.empty())
-        return std::make_error_code(std::errc::not_enough_memory);
+    // It couldn't be read again.
+    if (list.size() > PropertyList::largestList)
+        return std::make_error_code(std::errc::file_too_large);
     if (const auto error = makeDirectories(file.parent_path()))
         return error;
     const fs::path fresh = withSuffix(file, ".new");

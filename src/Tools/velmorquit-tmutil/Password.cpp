@@ -10,7 +10,6 @@
 #include <csignal>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <string_view>
 
 #include <sys/stat.h>
@@ -94,8 +93,12 @@ std::optional<std::string> ask(const std::string& question) {
 
 Outcome<std::string> read(const std::string& file) {
     std::ifstream stream(file, std::ios::binary);
-    const std::string content(std::istreambuf_iterator<char>(stream), {});
-    if (!stream)
+    // Not to the end: it may be a pipe, or a device that has none.
+    constexpr std::size_t longest = 1 << 16;
+    std::string content(longest, '\0');
+    stream.read(content.data(), longest);
+    content.resize(static_cast<std::size_t>(stream.gcount()));
+    if (!stream.eof() || stream.bad())
         return Problem{localized("Non posso leggere il file della password %@.", file)};
     std::string password = trimmed(content);
     if (password.empty())

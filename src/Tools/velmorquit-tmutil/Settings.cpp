@@ -2,13 +2,12 @@
 
 #include "Codecs/PreferencesFile.h"
 #include "Codecs/PropertyList.h"
+#include "Codecs/SmallFile.h"
 #include "Folders.h"
 #include "Linux/Descriptor.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -133,14 +132,11 @@ Outcome<std::vector<Destination>> Settings::load() {
     std::error_code error;
     if (fs::status(file, error).type() == fs::file_type::not_found)
         return std::vector<Destination>();
-    std::ifstream stream;
-    // Anything else than an ordinary file might have to be waited for.
-    if (fs::is_regular_file(file, error))
-        stream.open(file, std::ios::binary);
-    if (!stream.is_open())
+    const auto content = readSmallFile(file);
+    if (!content)
         return Problem{
             localized("Non posso leggere il file delle destinazioni %@.", file.string())};
-    auto destinations = destinationsIn(std::string(std::istreambuf_iterator<char>(stream), {}));
+    auto destinations = destinationsIn(*content);
     if (!destinations)
         return Problem{localized("Il file delle destinazioni %@ è danneggiato. Resta com’è: "
                                  "spostalo e ripeti setup, oppure ripristinalo.",
