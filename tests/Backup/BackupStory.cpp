@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <random>
+#include <sys/stat.h>
 
 namespace velmorquit {
 
@@ -27,6 +28,8 @@ std::string content(const fs::path& file) {
 } // namespace
 
 BackupStory::BackupStory() : root(makeRoot()) {
+    // What others may read is left to the tool.
+    ::umask(0);
     for (const char* name : {"home", "run", "config", "cache", "state", "bin"})
         fs::create_directory(root / name);
     ::setenv("HOME", home.c_str(), 1);
@@ -83,6 +86,8 @@ void BackupStory::setUp(const fs::path& place, const std::vector<std::string>& o
     words.insert(words.end(), options.begin(), options.end());
     const End end = tool(words);
     ASSERT_EQ(end.status, 0) << end.output;
+    EXPECT_EQ(end.output.find(content(passwordFile()).substr(0, 29)), end.output.npos)
+        << "what isn't read on a terminal may become a log";
 }
 
 void BackupStory::limit(int kilobytes) {

@@ -163,6 +163,7 @@ TEST_F(ApplicationLauncherTest, WhatCannotBeStartedIsALineInTheLog) {
         entry("link.desktop", "Type=Link\nURL=/\n"),
         entry("uninstalled.desktop", "Exec=/nonexistent/program\n"),
         entry("quote.desktop", command() + " \"unfinished\n"),
+        entry("entry.txt", command() + "\n"),
     };
     for (const std::string& path : paths) {
         log.lines.clear();

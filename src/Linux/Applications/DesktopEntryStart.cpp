@@ -18,13 +18,12 @@ struct Unref {
 };
 template <class T> using Owned = std::unique_ptr<T, Unref>;
 
+constexpr std::string_view suffix = ".desktop";
+
 /// For an entry that has no command. The answer comes when the program has dealt with it.
 bool activateOverBus(const std::string& path) {
-    constexpr std::string_view suffix = ".desktop";
     constexpr int milliseconds = 25000;
     std::string name = path.substr(path.rfind('/') + 1);
-    if (!name.ends_with(suffix))
-        return false;
     name.resize(name.size() - suffix.size());
     const Owned<GDBusConnection> bus(g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
     if (!bus || g_dbus_is_name(name.c_str()) == 0)
@@ -45,6 +44,9 @@ bool activateOverBus(const std::string& path) {
 } // namespace
 
 bool startDesktopEntry(const std::string& path) {
+    // What was remembered is an entry by its whole path; another file is not read as one.
+    if (!path.starts_with('/') || !path.ends_with(suffix))
+        return false;
     // What hangs, such as a file of a server that has gone, is given up. The alarm is not
     // inherited.
     ::alarm(60);

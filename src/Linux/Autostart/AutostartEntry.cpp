@@ -1,13 +1,12 @@
 #include "Linux/Autostart/AutostartEntry.h"
 
+#include "Linux/Files/PrivateFiles.h"
+
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
-#include <fstream>
 #include <glib.h>
 #include <memory>
 #include <string_view>
-#include <unistd.h>
 
 namespace velmorquit {
 
@@ -129,24 +128,13 @@ std::optional<fs::path> AutostartEntry::systemFile() const {
     return std::nullopt;
 }
 
-// To a new file that is then renamed: a session that starts meanwhile reads the old one or the new
-// one.
+// A session that starts meanwhile reads the old one or the new one.
 std::optional<std::string> AutostartEntry::write(const std::string& lines) const {
-    std::error_code error;
-    fs::create_directories(folders_.own, error);
-    const fs::path fresh = folders_.own / (std::string(fileName) + ".new");
-    std::ofstream file(fresh, std::ios::trunc);
-    file << "[Desktop Entry]\n" << lines;
-    file.close();
-    if (!file)
-        error.assign(errno, std::generic_category());
-    else
-        fs::rename(fresh, ownFile(), error);
+    auto error = PrivateFiles::makeFolder(folders_.own);
     if (!error)
-        return std::nullopt;
-    std::error_code ignored;
-    fs::remove(fresh, ignored);
-    return error.message();
+        error = PrivateFiles::replace(ownFile(), "[Desktop Entry]\n" + lines,
+                                      PrivateFiles::Durability::untilShutdown);
+    return error ? std::optional(error.message()) : std::nullopt;
 }
 
 } // namespace velmorquit

@@ -4,6 +4,7 @@
 #include "Codecs/PropertyList.h"
 #include "Codecs/PropertyListLimits.h"
 #include "Linux/Descriptor.h"
+#include "Linux/Files/PrivateFiles.h"
 #include "Linux/Preferences/FileWatch.h"
 
 #include <array>
@@ -25,39 +26,6 @@ std::error_code lastError() { return {errno, std::generic_category()}; }
 fs::path withSuffix(fs::path file, std::string_view suffix) {
     file += suffix;
     return file;
-}
-
-/// Where symbolic links lead, also when there is nothing.
-fs::path targetOf(fs::path file) {
-    constexpr int mostLinks = 40;
-    for (int links = 0; links < mostLinks; ++links) {
-        std::error_code isNoLink;
-        const fs::path next = fs::read_symlink(file, isNoLink);
-        if (isNoLink)
-            break;
-        file = file.parent_path() / next;
-    }
-    return file;
-}
-
-std::error_code makeDirectories(const fs::path& directory) {
-    std::error_code ignored;
-    if (directory.empty() || fs::is_directory(directory, ignored))
-        return {};
-    if (const auto error = makeDirectories(directory.parent_path()))
-        return error;
-    return mkdir(directory.c_str(), 0700) == 0 ? std::error_code() : lastError();
-}
-
-std::error_code writeAll(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(descriptor, text.data(), text.size());
-        if (written < 0 && errno != EINTR)
-            return lastError();
-        if (written > 0)
-            text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return {};
 }
 
 /// All of it, or the first part of what is too large to be read as a list.
@@ -100,8 +68,9 @@ struct PropertyListPreferences::Contents {
     std::error_code error;
 
     explicit Contents(const fs::path& file) {
-        // Non-blocking, lest a pipe in the file's place hold up the program.
-        const Descriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+        // Non-blocking, lest a pipe in the file's place hold up the program. What is still a link
+        // was put there by somebody else.
+        const Descriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
         struct stat status{};
         if (!opened || fstat(opened.get(), &status) != 0) {
             error = lastError();
@@ -164,7 +133,7 @@ void PropertyListPreferences::change(std::string_view key, std::optional<Value> 
 }
 
 void PropertyListPreferences::start() {
-    const fs::path file = targetOf(file_);
+    const fs::path file = PrivateFiles::targetOf(file_);
     watch_->add(file_);
     watch_->add(file);
     Contents contents(file);
@@ -200,7 +169,7 @@ void PropertyListPreferences::noticeEdit() {
 
 /// Takes over what is in the file now; false when the file may not be written over.
 bool PropertyListPreferences::catchUp() {
-    const fs::path file = targetOf(file_);
+    const fs::path file = PrivateFiles::targetOf(file_);
     struct stat status{};
     if (known_ && stat(file.c_str(), &status) == 0 && Identity(status) == known_)
         return true;
@@ -244,7 +213,8 @@ std::error_code PropertyListPreferences::setAside(const fs::path& file) const {
 
 void PropertyListPreferences::reportDamage(std::string_view consequence) {
     log_.write("Velmor Quit: preferenze danneggiate, messe da parte in " +
-               targetOf(file_).parent_path().string() + "; " + std::string(consequence));
+               PrivateFiles::targetOf(file_).parent_path().string() + "; " +
+               std::string(consequence));
 }
 
 void PropertyListPreferences::reportOnce(bool& isTold, std::string_view what,
@@ -255,7 +225,7 @@ void PropertyListPreferences::reportOnce(bool& isTold, std::string_view what,
 }
 
 void PropertyListPreferences::write() {
-    const fs::path file = targetOf(file_);
+    const fs::path file = PrivateFiles::targetOf(file_);
     if (const auto error = replace(file, PropertyList::encode(values_)))
         return reportOnce(isWriteFailureTold_, "non salvate", error);
     unwritten_.clear();
@@ -273,14 +243,14 @@ std::error_code PropertyListPreferences::replace(const fs::path& file, std::stri
     // It couldn't be read again.
     if (list.size() > PropertyList::largestList)
         return std::make_error_code(std::errc::file_too_large);
-    if (const auto error = makeDirectories(file.parent_path()))
+    if (const auto error = PrivateFiles::makeFolder(file.parent_path()))
         return error;
     const fs::path fresh = withSuffix(file, ".new");
     unlink(fresh.c_str());
-    Descriptor descriptor(open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    Descriptor descriptor = PrivateFiles::create(fresh);
     if (!descriptor)
         return lastError();
-    auto error = writeAll(descriptor.get(), list);
+    auto error = PrivateFiles::writeAll(descriptor.get(), list);
     struct stat status{};
     if (!error && fstat(descriptor.get(), &status) != 0)
         error = lastError();

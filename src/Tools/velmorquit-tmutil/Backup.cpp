@@ -2,6 +2,7 @@
 
 #include "Folders.h"
 #include "Language/LocalTime.h"
+#include "Linux/Files/PrivateFiles.h"
 #include "Linux/Session/BusSleepHold.h"
 #include "Linux/Session/PowerBus.h"
 #include "Repository.h"
@@ -223,7 +224,9 @@ ExitStatus backUpInBackground() {
     if (RunningBackup::process())
         return fail(alreadyRunning());
     const fs::path log = Folders::state() / "backup.log";
-    if (!Folders::makePrivate(log.parent_path()))
+    // What opens it later keeps its mode.
+    if (PrivateFiles::makeFolder(log.parent_path()) ||
+        PrivateFiles::replace(log, {}, PrivateFiles::Durability::untilShutdown))
         return fail(
             {localized("Non posso scrivere nella cartella %@.", log.parent_path().string())});
     QProcess process;

@@ -1,6 +1,7 @@
 #include "Password.h"
 
 #include "Folders.h"
+#include "Linux/Files/PrivateFiles.h"
 #include "Texts/Localized.h"
 
 #include <QRandomGenerator>
@@ -108,10 +109,11 @@ Outcome<std::string> read(const std::string& file) {
 
 Outcome<fs::path> keep(const std::string& password) {
     const fs::path folder = Folders::configuration() / "passwords";
-    const bool isPrivate = Folders::makePrivate(folder) && ::chmod(folder.c_str(), 0700) == 0;
+    const bool isPrivate = !PrivateFiles::makeFolder(folder) && ::chmod(folder.c_str(), 0700) == 0;
     const fs::path file =
         folder / (QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString() + ".txt");
-    if (!isPrivate || !Folders::replace(file, password + '\n', Folders::Durability::onDisk))
+    if (!isPrivate ||
+        PrivateFiles::replace(file, password + '\n', PrivateFiles::Durability::onDisk))
         return Problem{localized("Non posso scrivere nella cartella %@.", folder.string())};
     return file;
 }

@@ -1,6 +1,7 @@
 #include "RunningBackup.h"
 
 #include "Folders.h"
+#include "Linux/Files/PrivateFiles.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -56,9 +57,9 @@ bool hasEnded(const Descriptor& process, std::chrono::milliseconds patience) {
 // Such a lock, unlike that of flock(2), tells who has it without being taken for a moment, and no
 // child inherits it. It would go with any descriptor of the file: nothing else here opens it.
 std::optional<RunningBackup> RunningBackup::begin() {
-    if (!Folders::makePrivate(Folders::runtime()))
+    if (PrivateFiles::makeFolder(Folders::runtime()))
         return RunningBackup(Descriptor(-1));
-    Descriptor file(::open(lockPath().c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    Descriptor file = PrivateFiles::openLock(lockPath());
     struct flock lock = wholeFile();
     if (file && ::fcntl(file.get(), F_SETLK, &lock) != 0 && (errno == EAGAIN || errno == EACCES))
         return std::nullopt;
@@ -76,8 +77,8 @@ void RunningBackup::publish(double fraction) {
     published_ = std::clamp(fraction, 0.0, 1.0);
     const std::string line = std::to_string(::getpid()) + ' ' + std::to_string(*published_) + '\n';
     // Who looks meanwhile sees the figure from before.
-    [[maybe_unused]] const bool isWritten =
-        Folders::replace(statusPath(), line, Folders::Durability::untilShutdown);
+    [[maybe_unused]] const std::error_code unwritten =
+        PrivateFiles::replace(statusPath(), line, PrivateFiles::Durability::untilShutdown);
 }
 
 std::optional<pid_t> RunningBackup::process() {

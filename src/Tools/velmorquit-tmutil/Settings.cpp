@@ -4,7 +4,7 @@
 #include "Codecs/PropertyList.h"
 #include "Codecs/SmallFile.h"
 #include "Folders.h"
-#include "Linux/Descriptor.h"
+#include "Linux/Files/PrivateFiles.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
@@ -110,9 +110,9 @@ std::optional<std::vector<Destination>> destinationsIn(const std::string& conten
 /// Held while the file is read and written anew.
 Descriptor lockFile() {
     const fs::path folder = Folders::runtime();
-    if (!Folders::makePrivate(folder))
+    if (PrivateFiles::makeFolder(folder))
         return Descriptor(-1);
-    Descriptor file(::open((folder / "settings.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+    Descriptor file = PrivateFiles::openLock(folder / "settings.lock");
     if (file)
         ::flock(file.get(), LOCK_EX);
     return file;
@@ -158,9 +158,8 @@ Settings::change(const std::function<void(std::vector<Destination>&)>& edit) {
         places.push_back(valueOf(destination));
     const std::string list =
         PropertyList::encode(Value::Dictionary{{"Destinations", std::move(places)}});
-    const bool isWritten = Folders::makePrivate(file.parent_path()) &&
-                           Folders::replace(file, list, Folders::Durability::onDisk);
-    if (!isWritten)
+    if (PrivateFiles::makeFolder(file.parent_path()) ||
+        PrivateFiles::replace(file, list, PrivateFiles::Durability::onDisk))
         return Problem{
             localized("Non posso scrivere il file delle destinazioni %@.", file.string())};
     return std::nullopt;

@@ -103,7 +103,11 @@ void printRecoverySheet(const Destination& destination, const std::string& passw
                   "  4. restic -r CARTELLA restore latest --target CARTELLA_NUOVA\n"
                   "restic chiede la password: è quella scritta qui.\n"
                   "─────────────────────────────────────────────────────\n",
-                  destination.path, destination.id, password));
+                  destination.path, destination.id,
+                  // What isn't read on a terminal may become somebody's log.
+                  ::isatty(STDOUT_FILENO)
+                      ? password
+                      : localized("quella nel file %@", destination.passwordFile)));
 }
 
 /// Opens what the destination's path and password file name, and fills in what is there.
