@@ -28,7 +28,8 @@ public:
 
     struct Result {
         int status = -1; ///< as in `ChildProcess`; -1 when it could not be started
-        /// All that it wrote to standard output, none when it could not be started.
+        /// All that it wrote to standard output; none when it could not be started, or was longer
+        /// than 16 MiB.
         std::optional<std::string> output;
     };
 

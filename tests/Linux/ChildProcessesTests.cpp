@@ -2,6 +2,7 @@
 #include "Linux/Proc/LinuxChildProcesses.h"
 #include "support/Waiting.h"
 
+#include <csignal>
 #include <gtest/gtest.h>
 
 namespace velmorquit {
@@ -45,6 +46,17 @@ TEST_F(ChildProcessesTest, GoesOnByItselfHoweverMuchItSays) {
     const auto helped = launch("sleep 3 & echo gone >&2");
     ASSERT_TRUE(waitUntil([&] { return !helped->isRunning(); }));
     EXPECT_EQ(helped->errorOutput(), "gone\n") << "whoever holds the pipe isn't waited for";
+}
+
+TEST_F(ChildProcessesTest, OneThatNeverStopsTalkingHoldsNothingUp) {
+    const auto cut = children.run("/bin/sh", {"-c", "exec yes"});
+    EXPECT_FALSE(cut.output);
+    EXPECT_EQ(cut.status, 128 + SIGPIPE);
+
+    const auto endless = launch("exec timeout 20 yes >&2");
+    for (int turn = 0; turn < 20; ++turn)
+        EXPECT_LE(endless->errorOutput().size(), 65536U);
+    EXPECT_TRUE(endless->isRunning());
 }
 
 TEST_F(ChildProcessesTest, SaysWhyAProgramCannotBeStarted) {

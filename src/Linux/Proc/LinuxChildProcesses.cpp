@@ -65,10 +65,15 @@ int exitStatus(int status) {
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
+/// More than any tool has to say; what is longer is not read at all.
+constexpr std::size_t mostOutput = 16 << 20;
+
 /// What comes from a pipe, of which the last part is kept.
 class Drain {
 public:
     explicit Drain(Descriptor reading) : reading_(std::move(reading)) {
+        if (!reading_)
+            return;
         ::fcntl(reading_.get(), F_SETFL, O_NONBLOCK);
         notifier_ = std::make_unique<QSocketNotifier>(reading_.get(), QSocketNotifier::Read);
         QObject::connect(notifier_.get(), &QSocketNotifier::activated, notifier_.get(),
@@ -83,14 +88,20 @@ public:
 private:
     void read() {
         constexpr std::size_t most = 65536;
-        std::array<char, 4096> buffer;
+        // The most that a pipe can hold, unless somebody raised that: one that writes on and on is
+        // read again in a later turn.
+        constexpr int turns = (1 << 20) / most;
+        std::array<char, most> buffer;
         ssize_t count = 0;
-        while ((count = ::read(reading_.get(), buffer.data(), buffer.size())) > 0) {
+        for (int turn = 0; turn < turns; ++turn) {
+            count = ::read(reading_.get(), buffer.data(), buffer.size());
+            if (count <= 0)
+                break;
             text_.append(buffer.data(), static_cast<std::size_t>(count));
             if (text_.size() > most)
                 text_.erase(0, text_.size() - most);
         }
-        if (count == 0)
+        if (count == 0 && notifier_)
             notifier_->setEnabled(false);
     }
 
@@ -138,6 +149,14 @@ ChildProcesses::Result LinuxChildProcesses::run(const std::string& program,
         if (count <= 0)
             break;
         result.output->append(buffer.data(), static_cast<std::size_t>(count));
+        if (result.output->size() > mostOutput) {
+            result.output.reset();
+            break;
+        }
+    }
+    // Who writes on has nobody who reads.
+    {
+        const Descriptor closed(std::move(output.reading));
     }
     int status = 0;
     while (::waitpid(process, &status, 0) < 0 && errno == EINTR) {

@@ -72,6 +72,9 @@ public:
             begin = end + 1;
         }
         rest_.erase(0, begin);
+        // Longer than what it says in one line: a report has one name of a file at most.
+        if (rest_.size() > mostErrors)
+            rest_.clear();
     }
 
 private:
