@@ -1,5 +1,7 @@
 #include "Services/ExternalDrives.h"
 
+#include "Texts/Shown.h"
+
 #include <algorithm>
 
 namespace velmorquit::ExternalDrives {
@@ -22,8 +24,10 @@ bool isListed(const Volume& volume) {
 std::vector<Drive> connected(const Volumes& volumes) {
     std::vector<Drive> drives;
     for (const Volume& volume : volumes.mounted()) {
-        if (isListed(volume))
-            drives.push_back({*volume.name, volume.path});
+        if (!isListed(volume))
+            continue;
+        std::string name = shownName(*volume.name);
+        drives.push_back({name.empty() ? shownName(volume.path) : std::move(name), volume.path});
     }
     return drives;
 }

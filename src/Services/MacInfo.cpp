@@ -1,5 +1,7 @@
 #include "Services/MacInfo.h"
 
+#include "Texts/Shown.h"
+
 #include <algorithm>
 #include <memory>
 #include <utility>
@@ -68,8 +70,8 @@ Handle load(MainLoop& loop, const Kernel& kernel,
     auto line = std::make_shared<std::string>();
     return loop.background(
         [line, &kernel] {
-            *line =
-                kernel.machineModel().value_or("Mac") + " · " + chipName(kernel.processorBrand());
+            *line = shownText(kernel.machineModel().value_or("Mac") + " · " +
+                              chipName(kernel.processorBrand()));
         },
         [line, completion = std::move(completion)] { completion(*line); });
 }

@@ -2,6 +2,7 @@
 
 #include "Services/SessionEnd/EndTexts.h"
 #include "Texts/Localized.h"
+#include "Texts/Shown.h"
 
 #include <array>
 #include <string>
@@ -54,7 +55,7 @@ RemoteEnd::Json RemoteEnd::describe() const {
         return {};
     Json obstacles = Json::array();
     for (const EndObstacle& obstacle : state.obstacles)
-        obstacles.push_back({{"kind", rawValue(obstacle.kind)}, {"name", obstacle.name}});
+        obstacles.push_back({{"kind", rawValue(obstacle.kind)}, {"name", shownName(obstacle.name)}});
     Json json{{"stage", rawValue(state.stage)},
               {"then", rawValue(state.request)},
               {"text", EndTexts::line(state)},

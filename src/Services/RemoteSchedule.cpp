@@ -15,7 +15,9 @@ using Json = RemoteSchedule::Json;
 
 constexpr int longestPostponement = 600;
 
-RemoteAnswer done(const Json& json) { return {RemoteAnswer::Status::done, json.dump()}; }
+RemoteAnswer done(const Json& json) {
+    return {RemoteAnswer::Status::done, json.dump(-1, ' ', false, Json::error_handler_t::replace)};
+}
 RemoteAnswer said(const std::string& text) { return done({{"text", text}}); }
 RemoteAnswer refused(std::string why) { return {RemoteAnswer::Status::refused, std::move(why)}; }
 RemoteAnswer unknown(const std::string& what) {

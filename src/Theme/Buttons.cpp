@@ -2,6 +2,7 @@
 
 #include "Theme/AppTheme.h"
 #include "Theme/Drawing.h"
+#include "Theme/Help.h"
 #include "Theme/Symbols.h"
 
 #include <QFontMetricsF>
@@ -105,7 +106,7 @@ SymbolButton::SymbolButton(const QString& symbol, double textSize, const QColor&
     : Aimed(parent), symbol_(symbol), colour_(colour),
       size_(Symbols::boxSize(textSize * AppTheme::look().textScale)), margin_(margin) {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    setToolTip(help);
+    setHelp(*this, help);
     setAccessibleName(help);
 }
 

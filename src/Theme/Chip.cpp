@@ -3,6 +3,7 @@
 #include "Theme/AppTheme.h"
 #include "Theme/Buttons.h"
 #include "Theme/Drawing.h"
+#include "Theme/Help.h"
 #include "Theme/Symbols.h"
 
 #include <QFontMetricsF>
@@ -32,7 +33,7 @@ Chip::Chip(const QString& title, const QString& symbol, QWidget* parent)
 void Chip::render(bool isSelected, bool isOn, const QString& help) {
     setChecked(isSelected);
     setEnabled(isOn);
-    setToolTip(help);
+    setHelp(*this, help);
 }
 
 QSize Chip::sizeHint() const {

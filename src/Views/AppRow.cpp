@@ -6,6 +6,7 @@
 #include "Theme/AppTheme.h"
 #include "Theme/Buttons.h"
 #include "Theme/Drawing.h"
+#include "Theme/Help.h"
 #include "Theme/Symbols.h"
 #include "Views/AppIcons.h"
 #include "Views/Layouts.h"
@@ -57,10 +58,10 @@ void AppRow::render(const OpenApp& app, bool isExcluded) {
     // One of these would make the letter that follows it a key of the whole panel.
     setText(toQt(app.name).replace(QLatin1Char('&'), QLatin1String("&&")));
     setChecked(!isExcluded);
-    setToolTip(toQt(PanelTexts::rowHelp(app, isExcluded)));
+    setHelp(*this, toQt(PanelTexts::rowHelp(app, isExcluded)));
     if (quitButton_) {
         const QString help = toQt(PanelTexts::rowQuitHelp(app));
-        quitButton_->setToolTip(help);
+        setHelp(*quitButton_, help);
         quitButton_->setAccessibleName(help);
     }
     update();

@@ -18,6 +18,7 @@ void ConfirmDialog::ask(const std::string& question, const std::string& button,
     const QIcon icon(QStringLiteral(":/icons/org.velmorquit.VelmorQuit.svg"));
     box_->setWindowIcon(icon);
     box_->setIconPixmap(icon.pixmap(48));
+    box_->setTextFormat(Qt::PlainText);
     box_->setText(QString::fromStdString(question));
     QPushButton* yes = box_->addButton(QString::fromStdString(button), QMessageBox::AcceptRole);
     QPushButton* no =

@@ -5,6 +5,7 @@
 #include "Texts/Localized.h"
 #include "Theme/AppTheme.h"
 #include "Theme/Buttons.h"
+#include "Theme/Help.h"
 #include "Theme/Label.h"
 #include "Views/IconView.h"
 #include "Views/Layouts.h"
@@ -73,7 +74,7 @@ void ReopenCard::render(const std::vector<SavedApp>& apps, const std::vector<std
                          iconSize);
     title_->setText(toQt(CardTexts::reopenTitle(apps.size())));
     names_->setText(toQt(CardTexts::names(apps)));
-    names_->setToolTip(names_->text());
+    setHelp(*names_, names_->text());
 }
 
 } // namespace velmorquit

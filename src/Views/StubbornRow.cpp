@@ -4,6 +4,7 @@
 #include "Texts/Localized.h"
 #include "Theme/AppTheme.h"
 #include "Theme/Buttons.h"
+#include "Theme/Help.h"
 #include "Theme/Label.h"
 #include "Views/IconView.h"
 #include "Views/Layouts.h"
@@ -35,7 +36,7 @@ StubbornRow::StubbornRow(QuitController& controller, OpenApp app, QWidget* paren
     connect(show, &QPushButton::clicked, this, [this] { app_.app->activate(); });
     auto* force = new PrimaryButton(toQt(localized("Forza")), AppTheme::dangerRed());
     force->setObjectName(QStringLiteral("force"));
-    force->setToolTip(toQt(PanelTexts::forceHelp(app_)));
+    setHelp(*force, toQt(PanelTexts::forceHelp(app_)));
     force->setAccessibleName(toQt(localized("Forza la chiusura di %@", app_.name)));
     connect(force, &QPushButton::clicked, this, [this] { app_.app->forceTerminate(); });
     line.addWidget(show);

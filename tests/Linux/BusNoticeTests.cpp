@@ -107,8 +107,8 @@ protected:
 };
 
 TEST_F(BusNoticeTest, SaysWhatItWaitsForAndWhatHasCome) {
-    notice->wait("R&D <Note>");
-    EXPECT_EQ(heard(), QStringList{"show | Waiting | R&amp;D &lt;Note&gt; | cancel=No | 0"});
+    notice->wait("Note");
+    EXPECT_EQ(heard(), QStringList{"show | Waiting | Note | cancel=No | 0"});
     notice->wait("Mail");
     EXPECT_EQ(heard(), QStringList{"replace 7 | Waiting | Mail | cancel=No | 0"});
     notice->tell("Note");
@@ -118,6 +118,18 @@ TEST_F(BusNoticeTest, SaysWhatItWaitsForAndWhatHasCome) {
     notice->notice.withdraw();
     notice.reset();
     EXPECT_EQ(heard(), QStringList());
+}
+
+TEST_F(BusNoticeTest, NamesAreNoMarkupWhateverTheServiceTakesThemFor) {
+    notice->wait("<b>R&D</b>");
+    EXPECT_EQ(heard(), QStringList{"show | Waiting | <b>R&D</b> | cancel=No | 0"});
+    service.capabilities << "body-markup";
+    notice->wait("<b>");
+    EXPECT_EQ(heard(), QStringList{"replace 7 | Waiting | &lt;b&gt; | cancel=No | 0"});
+    // What came while the service was asked counts.
+    notice->wait("<i>");
+    notice->notice.withdraw();
+    EXPECT_EQ(heard(), QStringList{"close 7"});
 }
 
 TEST_F(BusNoticeTest, WhatComesWhileTheServiceIsSlowIsToldWhenItHasAnswered) {

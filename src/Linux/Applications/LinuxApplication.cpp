@@ -1,5 +1,7 @@
 #include "Linux/Applications/LinuxApplication.h"
 
+#include "Texts/Shown.h"
+
 #include <csignal>
 #include <utility>
 
@@ -142,7 +144,7 @@ bool LinuxApplication::forceTerminate() {
         return true;
     if (process_->send(SIGTERM) == ProcessHandle::Signalled::refused) {
         surroundings_.log.write("Velmor Quit: il sistema non permette di forzare " +
-                                identity_.name + " (processo " + std::to_string(processId()) + ")");
+                                shownName(identity_.name) + " (processo " + std::to_string(processId()) + ")");
         return false;
     }
     // Asked again, the first deadline stays.

@@ -48,12 +48,36 @@ void BusNotice::update() {
         return;
     }
     if (wanted_)
-        send(*wanted_);
+        prepare(*wanted_);
     else if (shown_ != 0)
         close();
 }
 
-void BusNotice::send(const Content& content) {
+// Only a service that takes the text for markup is told it in that form: any other would show the
+// marks. It matters seldom, so that none is asked before it does.
+void BusNotice::prepare(const Content& content) {
+    const QString text = QString::fromStdString(content.text);
+    const QString markup = text.toHtmlEscaped();
+    if (markup == text) {
+        send(content, text);
+        return;
+    }
+    isSending_ = true;
+    ask(message(QStringLiteral("GetCapabilities")),
+        [this, text, markup](const QDBusMessage& reply) {
+            isSending_ = false;
+            if (!isTold_) {
+                update();
+                return;
+            }
+            const QStringList can = reply.arguments().value(0).toStringList();
+            const bool isPlain = reply.type() == QDBusMessage::ReplyMessage &&
+                                 !can.contains(QLatin1String("body-markup"));
+            send(*wanted_, isPlain ? text : markup);
+        });
+}
+
+void BusNotice::send(const Content& content, const QString& text) {
     listen();
     QStringList actions;
     for (const Button& button : content.buttons)
@@ -63,8 +87,7 @@ void BusNotice::send(const Content& content) {
     const QVariantMap hints{{QStringLiteral("desktop-entry"), applicationId}};
     QDBusMessage call = message(QStringLiteral("Notify"));
     call << QStringLiteral("Velmor Quit") << shown_ << applicationId
-         << QString::fromStdString(content.title)
-         << QString::fromStdString(content.text).toHtmlEscaped() << actions << hints << expiry;
+         << QString::fromStdString(content.title) << text << actions << hints << expiry;
     isSending_ = true;
     ask(call, [this](const QDBusMessage& reply) { hearReply(reply); });
 }

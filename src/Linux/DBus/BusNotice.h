@@ -33,7 +33,9 @@ private Q_SLOTS:
 private:
     /// Brings what the service shows in line with `wanted_`.
     void update();
-    void send(const Content& content);
+    void prepare(const Content& content);
+    /// `text` is the content's in the form that the service understands.
+    void send(const Content& content, const QString& text);
     void close();
     void ask(const QDBusMessage& call, std::function<void(const QDBusMessage&)> answered);
     void hearReply(const QDBusMessage& reply);

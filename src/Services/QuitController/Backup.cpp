@@ -1,6 +1,7 @@
 #include "Services/QuitController/QuitController.h"
 
 #include "Texts/Localized.h"
+#include "Texts/Shown.h"
 
 #include <cmath>
 
@@ -26,7 +27,7 @@ Task QuitController::runBackup() {
     const WallTime started = desktop.loop.now();
     auto launched = TimeMachine::startBackup(desktop.children, desktop.backupTool);
     if (const auto* error = std::get_if<std::string>(&launched)) {
-        backupOutcome_.give({BackupEnd::failed, *error});
+        backupOutcome_.give({BackupEnd::failed, shownText(*error)});
         co_return;
     }
     const auto process = std::get<std::shared_ptr<ChildProcess>>(launched);
@@ -99,7 +100,7 @@ void QuitController::publishProgress(const TimeMachine::Status& status, int& las
 
 std::string QuitController::failureReason(const ChildProcess& process) {
     if (const auto message = TimeMachine::errorMessage(process))
-        return localized("Time Machine: %@", *message);
+        return localized("Time Machine: %@", shownText(*message));
     return localized("Time Machine non ha registrato un backup nuovo. Controlla che il disco sia "
                      "collegato.");
 }

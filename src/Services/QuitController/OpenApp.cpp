@@ -1,5 +1,7 @@
 #include "Services/QuitController/OpenApp.h"
 
+#include "Texts/Shown.h"
+
 #include <utility>
 
 namespace velmorquit {
@@ -11,7 +13,13 @@ OpenApp::OpenApp(std::shared_ptr<RunningApplication> application, std::uint64_t 
 
 void OpenApp::renew() {
     bundleID = app->bundleIdentifier();
-    name = app->localizedName().value_or(bundleID.value_or("App"));
+    const std::string stated = app->localizedName().value_or(bundleID.value_or("App"));
+    key_ = bundleID.value_or(stated);
+    name = shownName(stated);
+    if (name.empty())
+        name = shownName(key_);
+    if (name.empty())
+        name = "App";
     otherIdentities = app->otherIdentities();
     icon = app->icon();
 }

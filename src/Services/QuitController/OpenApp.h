@@ -13,6 +13,7 @@ namespace velmorquit {
 struct OpenApp {
     ProcessId id = 0;
     std::shared_ptr<RunningApplication> app;
+    /// As it may be shown; never empty. Others may look the same.
     std::string name;
     std::optional<std::string> bundleID;
     /// The other identities of the same process; an exclusion of one of them holds for it as well.
@@ -27,16 +28,20 @@ struct OpenApp {
     /// Brings what it is known by up to date; the figure stays.
     void renew();
 
-    /// What the exclusions know the application by: its bundle identifier, else its name.
-    [[nodiscard]] const std::string& exclusionKey() const { return bundleID ? *bundleID : name; }
+    /// What the exclusions know the application by: its bundle identifier, else its name as it
+    /// says it itself.
+    [[nodiscard]] const std::string& exclusionKey() const { return key_; }
 
     /// Equal means the same process, known by the same and with the same figure: a list needs not
     /// be drawn again.
     friend bool operator==(const OpenApp& one, const OpenApp& other) {
         return one.id == other.id && one.memory == other.memory && one.name == other.name &&
-               one.bundleID == other.bundleID && one.otherIdentities == other.otherIdentities &&
+               one.key_ == other.key_ && one.bundleID == other.bundleID && one.otherIdentities == other.otherIdentities &&
                one.icon == other.icon;
     }
+
+private:
+    std::string key_;
 };
 
 } // namespace velmorquit

@@ -1,5 +1,7 @@
 #include "Services/QuitController/SavedApp.h"
 
+#include "Texts/Shown.h"
+
 #include <nlohmann/json.hpp>
 
 namespace velmorquit::SavedApps {
@@ -36,7 +38,7 @@ std::optional<std::vector<SavedApp>> decode(std::string_view json) {
         auto path = textAt(record, "path");
         if (!name || !path)
             return std::nullopt;
-        apps.push_back({std::move(*name), std::move(*path)});
+        apps.push_back({shownName(*name), std::move(*path)});
     }
     return apps;
 }

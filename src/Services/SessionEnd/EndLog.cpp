@@ -1,5 +1,7 @@
 #include "Services/SessionEnd/EndLog.h"
 
+#include "Texts/Shown.h"
+
 namespace velmorquit::EndLog {
 
 std::string name(LoginRequest request) {
@@ -28,7 +30,7 @@ std::string text(const std::vector<EndObstacle>& obstacles) {
         else if (obstacle.kind == Kind::unknown)
             list += "il registro delle sessioni non risponde";
         else
-            list += obstacle.name + (obstacle.kind == Kind::work ? " (lavora ancora)" : "");
+            list += shownName(obstacle.name) + (obstacle.kind == Kind::work ? " (lavora ancora)" : "");
     }
     return list;
 }

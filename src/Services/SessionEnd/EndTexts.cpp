@@ -1,6 +1,7 @@
 #include "Services/SessionEnd/EndTexts.h"
 
 #include "Texts/Localized.h"
+#include "Texts/Shown.h"
 
 #include <algorithm>
 #include <array>
@@ -35,29 +36,34 @@ const Keys& keysOf(LoginRequest request) {
     return keys.at(static_cast<std::size_t>(request));
 }
 
+std::string nameOf(const EndObstacle& obstacle) {
+    std::string name = shownName(obstacle.name);
+    return name.empty() ? "App" : name;
+}
+
 std::string described(const EndObstacle& obstacle) {
+    const std::string name = nameOf(obstacle);
+    const std::string detail = shownText(obstacle.detail);
     switch (obstacle.kind) {
     case Kind::question:
-        return localized("%@ (aspetta una tua risposta)", obstacle.name);
+        return localized("%@ (aspetta una tua risposta)", name);
     case Kind::unaskable:
-        return localized("%@ (non si può chiederle di chiudersi)", obstacle.name);
+        return localized("%@ (non si può chiederle di chiudersi)", name);
     case Kind::work:
-        return obstacle.detail.empty()
-                   ? localized("%@ (sta ancora lavorando)", obstacle.name)
-                   : localized("%@ (sta ancora lavorando: %@)", obstacle.name, obstacle.detail);
+        return detail.empty() ? localized("%@ (sta ancora lavorando)", name)
+                              : localized("%@ (sta ancora lavorando: %@)", name, detail);
     case Kind::inhibitor:
-        return obstacle.detail.empty() ? obstacle.name
-                                       : obstacle.name + " (" + obstacle.detail + ')';
+        return detail.empty() ? name : name + " (" + detail + ')';
     case Kind::secondSession:
         return localized("Hai un'altra sessione aperta su questo computer.");
     case Kind::slept:
         return localized("Il computer è stato a lungo in stop nel frattempo.");
     case Kind::unseen:
-        return obstacle.detail;
+        return detail;
     case Kind::unknown:
         return localized("Il sistema non dice chi è collegato e che cosa non va interrotto.");
     default:
-        return obstacle.name;
+        return name;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "Sentences.h"
 #include "Texts/Localized.h"
+#include "Texts/Shown.h"
 
 #include <QCoreApplication>
 #include <QDBusMessage>
@@ -31,9 +32,44 @@ const QString interface = QStringLiteral("org.velmorquit.VelmorQuit1");
 /// Milliseconds within which a program that isn't held up answers.
 constexpr int patience = 5000;
 
-void print(const std::string& text) { std::cout << text << std::flush; }
+// Whoever holds the program's name on the bus may have sent anything.
+void print(const std::string& text) { std::cout << shownLines(text) << std::flush; }
 
-QJsonObject parsed(const QString& json) { return QJsonDocument::fromJson(json.toUtf8()).object(); }
+void printJson(const QString& json) {
+    std::cout << shownJson(json.toStdString()) << '\n' << std::flush;
+}
+
+QJsonValue shown(const QJsonValue& value);
+
+QJsonObject shown(QJsonObject object) {
+    for (auto member = object.begin(); member != object.end(); ++member)
+        member.value() = shown(member.value());
+    return object;
+}
+
+/// With every text in it on one line, so that no name makes lines or columns of its own.
+QJsonValue shown(const QJsonValue& value) {
+    constexpr std::size_t longest = 4000;
+    if (value.isString())
+        return QString::fromStdString(shownText(value.toString().toStdString(), longest));
+    if (value.isObject())
+        return shown(value.toObject());
+    if (!value.isArray())
+        return value;
+    QJsonArray array;
+    for (const auto& element : value.toArray())
+        array.append(shown(element));
+    return array;
+}
+
+QJsonObject parsed(const QString& json) {
+    return shown(QJsonDocument::fromJson(json.toUtf8()).object());
+}
+
+/// What the program has to say, which may be several lines.
+std::string saidIn(const QString& json) {
+    return QJsonDocument::fromJson(json.toUtf8()).object()["text"].toString().toStdString();
+}
 
 /// The bus says the one or the other, depending on whether it knows how to start the service.
 bool isNobodyThere(const QDBusError& error) {
@@ -87,7 +123,10 @@ void Session::start() {
         break;
     case Command::status:
         perform("status", {}, [this](const QString& json) {
-            print(line_.wantsJson ? json.toStdString() + '\n' : statusText(parsed(json), formats_));
+            if (line_.wantsJson)
+                printJson(json);
+            else
+                print(statusText(parsed(json), formats_));
             end(ExitStatus::success);
         });
         break;
@@ -137,7 +176,10 @@ void Session::start() {
         break;
     case Command::actions:
         perform("actions", {}, [this](const QString& json) {
-            print(line_.wantsJson ? json.toStdString() + '\n' : actionsText(parsed(json)));
+            if (line_.wantsJson)
+                printJson(json);
+            else
+                print(actionsText(parsed(json)));
             end(ExitStatus::success);
         });
         break;
@@ -317,7 +359,7 @@ void Session::hear(const QString& json) {
         return;
     }
     if (line_.wantsJson)
-        print(json.toStdString() + '\n');
+        printJson(json);
     else if (!text.empty())
         print(QTime::currentTime().toString("HH:mm:ss.zzz").toStdString() + "  " + text + '\n');
 }
@@ -353,7 +395,10 @@ void Session::report(const QString& verb, const QStringList& arguments) {
 
 void Session::relay(const QString& verb, const QStringList& arguments) {
     perform(verb, arguments, [this](const QString& json) {
-        print((line_.wantsJson ? json : parsed(json)["text"].toString()).toStdString() + '\n');
+        if (line_.wantsJson)
+            printJson(json);
+        else
+            print(saidIn(json) + '\n');
         end(ExitStatus::success);
     });
 }
@@ -363,7 +408,7 @@ void Session::loseBus() {
 }
 
 void Session::fail(const std::string& why, ExitStatus status) {
-    std::cerr << "velmorctl: " << why << '\n' << std::flush;
+    std::cerr << "velmorctl: " << shownLines(why) << '\n' << std::flush;
     end(status);
 }
 

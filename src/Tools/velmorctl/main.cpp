@@ -3,6 +3,7 @@
 #include "ForegroundJob.h"
 #include "Language/InstalledLanguage.h"
 #include "Session.h"
+#include "Texts/Shown.h"
 #include "Texts/Version.h"
 
 #include <QCoreApplication>
@@ -37,7 +38,7 @@ int main(int argc, char** argv) {
         storedPreference(defaultPreferencesFile(), std::string(languagePreference))));
     const auto line = parseCommandLine(QCoreApplication::arguments().mid(1));
     if (const auto* wrong = std::get_if<std::string>(&line)) {
-        std::cerr << "velmorctl: " << *wrong << "\n\n" << usage();
+        std::cerr << "velmorctl: " << shownLines(*wrong) << "\n\n" << usage();
         return static_cast<int>(ExitStatus::usage);
     }
     if (std::get<CommandLine>(line).command == CommandLine::Command::help) {

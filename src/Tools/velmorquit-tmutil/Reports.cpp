@@ -5,12 +5,15 @@
 #include "Say.h"
 #include "Stamp.h"
 #include "Texts/Localized.h"
+#include "Texts/Shown.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
 #include <iostream>
+
+#include <unistd.h>
 
 namespace velmorquit {
 
@@ -48,9 +51,10 @@ std::string rulesText(const KeepRules& keep) {
 }
 
 std::string joined(const std::vector<std::string>& texts) {
+    constexpr std::size_t longest = 4096;
     std::string all;
     for (const std::string& text : texts)
-        all += (all.empty() ? "" : ", ") + text;
+        all += (all.empty() ? "" : ", ") + shownText(text, longest);
     return all;
 }
 
@@ -115,7 +119,12 @@ ExitStatus printLatestBackup() {
     }
     if (!newest)
         return fail({localized("Non c’è ancora nessun backup.")});
-    say(pathOf(*newest, *newest->latest()));
+    const std::string path = pathOf(*newest, *newest->latest());
+    // A script gets the folder's very name.
+    if (::isatty(STDOUT_FILENO))
+        say(path);
+    else
+        std::cout << path << std::endl;
     return ExitStatus::success;
 }
 
@@ -220,7 +229,7 @@ ExitStatus listSnapshots(Restic& restic) {
         say(destination.path);
         for (const Snapshot& snapshot : std::get<std::vector<Snapshot>>(read)) {
             say("  " + stampOf(snapshot.date) + "  " + snapshot.id.substr(0, 8) + "  " +
-                snapshot.host + "  " + joined(snapshot.paths));
+                shownName(snapshot.host) + "  " + joined(snapshot.paths));
         }
     }
     return status;

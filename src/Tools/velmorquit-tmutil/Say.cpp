@@ -1,12 +1,18 @@
 #include "Say.h"
 
+#include "Texts/Shown.h"
+
 #include <iostream>
 
 namespace velmorquit {
 
-void say(const std::string& line) { std::cout << line << std::endl; }
+void say(const std::string& line) { std::cout << shownLines(line) << std::endl; }
 
-void warn(const std::string& line) { std::cerr << line << std::endl; }
+// Whoever started this takes the last line for the reason: it is the whole of it.
+void warn(const std::string& line) {
+    constexpr std::size_t longest = 4000;
+    std::cerr << shownText(line, longest) << std::endl;
+}
 
 ExitStatus fail(const Problem& problem) {
     warn(problem.sentence);

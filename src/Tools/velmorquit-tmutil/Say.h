@@ -7,10 +7,10 @@
 
 namespace velmorquit {
 
-/// Writes a line to standard output at once.
+/// Writes one or more lines to standard output at once, as a terminal may show them.
 void say(const std::string& line);
 
-/// Writes a line to standard error at once.
+/// Writes a line to standard error at once, as a terminal may show it.
 void warn(const std::string& line);
 
 /// Says what is wrong on standard error, and gives the status for that.

@@ -7,6 +7,7 @@
 #include "Restore.h"
 #include "Say.h"
 #include "Setup.h"
+#include "Texts/Shown.h"
 #include "Usage.h"
 
 #include <QCoreApplication>
@@ -93,7 +94,7 @@ int main(int argc, char** argv) {
     if (!line) {
         // What is wrong is said in the language that is known only now.
         const auto again = parseCommandLine({argv + 1, argv + argc});
-        std::cerr << "velmorquit-tmutil: " << problemOf(again)->sentence << "\n\n" << usage();
+        std::cerr << "velmorquit-tmutil: " << shownText(problemOf(again)->sentence) << "\n\n" << usage();
         return static_cast<int>(ExitStatus::usage);
     }
     return static_cast<int>(perform(*line, language.formats()));
