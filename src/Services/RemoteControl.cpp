@@ -4,6 +4,7 @@
 #include "Services/Panel/PanelTexts.h"
 #include "Services/RunAnswers.h"
 #include "Texts/Localized.h"
+#include "Texts/Shown.h"
 
 #include <algorithm>
 #include <array>
@@ -253,6 +254,8 @@ RemoteAnswer RemoteControl::setExcluded(const std::string& name, bool isExcluded
     if (!isExcluded && controller_.includeAgain(name))
         return done({{"key", name}, {"excluded", false}});
     const auto apps = named(name, controller_.apps);
+    if (apps.empty() && !isExcluded)
+        return includeShown(name);
     if (apps.empty())
         return refused(localized("Nessuna app aperta si chiama «%@».", name));
     const std::string& key = apps.front().exclusionKey();
@@ -263,6 +266,18 @@ RemoteAnswer RemoteControl::setExcluded(const std::string& name, bool isExcluded
     if (controller_.isExcluded(apps.front()) != isExcluded)
         controller_.toggleExclusion(apps.front());
     return done({{"key", key}, {"excluded", isExcluded}});
+}
+
+/// One that doesn't run is known to a person as it was shown.
+RemoteAnswer RemoteControl::includeShown(const std::string& name) {
+    std::vector<std::string> keys;
+    std::ranges::copy_if(controller_.excluded.get(), std::back_inserter(keys),
+                         [&](const std::string& key) { return shownName(key) == name; });
+    if (keys.size() > 1)
+        return refused(localized("Più app si chiamano «%@»: indica l'id di una.", name));
+    if (keys.empty() || !controller_.includeAgain(keys.front()))
+        return refused(localized("Nessuna app aperta si chiama «%@».", name));
+    return done({{"key", keys.front()}, {"excluded", false}});
 }
 
 /// Those of the applications that a person means by `name`: the first way of reading it that fits

@@ -54,6 +54,7 @@ private:
     [[nodiscard]] Json describeDrives() const;
     [[nodiscard]] static Json describeSaved(const std::vector<SavedApp>& apps);
     RemoteAnswer setExcluded(const std::string& name, bool isExcluded);
+    RemoteAnswer includeShown(const std::string& name);
 
     [[nodiscard]] static std::vector<OpenApp> named(const std::string& name,
                                                     const std::vector<OpenApp>& apps);

@@ -1,5 +1,9 @@
 #include "Desktop/DesktopStory.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+
 #include <cstdlib>
 #include <filesystem>
 
@@ -12,6 +16,29 @@ using testing::Not;
 using testing::StartsWith;
 
 using CommandLine = DesktopStory;
+
+/// Holds the program's name on the bus, and says the same to everything.
+class Impostor final : public QDBusVirtualObject {
+public:
+    explicit Impostor(QString answer) : answer_(std::move(answer)) {
+        EXPECT_TRUE(bus_.registerVirtualObject("/org/velmorquit/VelmorQuit", this));
+        EXPECT_TRUE(bus_.registerService("org.velmorquit.VelmorQuit"));
+    }
+    ~Impostor() override { QDBusConnection::disconnectFromBus("impostor"); }
+
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        const bool isRefused = message.arguments().value(0) == "leave";
+        return bus.send(isRefused
+                            ? message.createErrorReply("org.velmorquit.Error.Refused", answer_)
+                            : message.createReply(answer_));
+    }
+
+private:
+    QDBusConnection bus_ =
+        QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), "impostor");
+    QString answer_;
+};
 
 TEST_F(CommandLine, ThatIsNotUnderstoodIsExplainedOnStandardError) {
     const std::vector<std::vector<std::string>> wrong{{},
@@ -46,6 +73,19 @@ TEST_F(CommandLine, NeedsTheProgramToBeRunning) {
         const Outcome answer = control({word});
         EXPECT_EQ(answer.status, 3) << word;
         EXPECT_EQ(answer.text, "velmorctl: Velmor Quit non è in esecuzione.\n") << word;
+    }
+}
+
+TEST_F(CommandLine, GivesTheTerminalNothingToObeyWhoeverAnswers) {
+    const Impostor impostor(QStringLiteral(
+        R"({"applications":[{"name":"a\u001b[2J\n\u202eb","id":"\u009b1m","process":1}],)"
+        "\"text\":\"c\x1b]0;\u009bd\",\"phase\":\"idle\"}"));
+    EXPECT_THAT(control({"status"}).text, HasSubstr("a [2J b  "));
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"status"}, {"status", "--json"}, {"memory"}, {"leave"}}) {
+        const Outcome answer = control(words);
+        for (const char* harm : {"\x1b", "\u202e", "\u009b"})
+            EXPECT_THAT(answer.text, Not(HasSubstr(harm))) << words.front();
     }
 }
 

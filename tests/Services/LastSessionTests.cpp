@@ -187,8 +187,8 @@ TEST_F(LastSession, HoldsWhatJsonCanHold) {
     desktop.open("Ca\xff").identified("name");
     start();
     quitAll();
-    EXPECT_EQ(names(controller->lastSession), "\"Quoted\"\n Ca\xff");
-    const std::vector<SavedApp> expected{{"\"Quoted\"\n", pathOf("back\\slash \"é\"")},
+    EXPECT_EQ(names(controller->lastSession), "\"Quoted\" Ca\uFFFD");
+    const std::vector<SavedApp> expected{{"\"Quoted\"", pathOf("back\\slash \"é\"")},
                                          {"Ca\uFFFD", pathOf("name")}};
     EXPECT_EQ(start().lastSession.get(), expected);
 

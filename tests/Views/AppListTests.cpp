@@ -2,8 +2,11 @@
 #include "Views/PanelStory.h"
 #include "Views/ThinScrollArea.h"
 
+#include <QAccessible>
+#include <QAccessibleInterface>
 #include <QScrollBar>
 #include <QTest>
+#include <QTextDocumentFragment>
 #include <QToolTip>
 
 #include <algorithm>
@@ -123,6 +126,34 @@ TEST_F(AppListTest, KeepsHoverAndPlaceOverARefresh) {
     QApplication::sendEvent(find<ThinScrollArea>("rows")->viewport(), &leave);
     settle();
     EXPECT_EQ(rows().front()->text(), "App 299");
+}
+
+TEST_F(AppListTest, ANameIsNeitherMarkupNorAKey) {
+    const std::string name = "<b>R&D</b> _x";
+    desktop.open(name).ignoresAsking().identified("d");
+    desktop.files.paths.insert(*desktop.open("<b>x</b>").identified("e").bundlePath());
+    start();
+    AppRow* row = rows().front();
+    const QAccessibleInterface* face = QAccessible::queryAccessibleInterface(row);
+    EXPECT_EQ(face->text(QAccessible::Name).toStdString(), name);
+    EXPECT_TRUE(row->shortcut().isEmpty());
+    const QString help = QStringLiteral("Clic per escludere <b>R&D</b> _x da «Chiudi tutto»");
+    EXPECT_EQ(face->text(QAccessible::Description), help);
+    EXPECT_EQ(QTextDocumentFragment::fromHtml(row->toolTip()).toPlainText(), help)
+        << "the toolkit takes it for markup";
+
+    controller->quitAll(PowerAction::none);
+    advance(7s);
+    const auto* force = find<QAbstractButton>("force");
+    EXPECT_TRUE(QTextDocumentFragment::fromHtml(force->toolTip())
+                    .toPlainText()
+                    .startsWith("Chiude subito <b>R&D</b> _x:"));
+    for (const QLabel* label : frame->findChildren<QLabel*>())
+        EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
+    controller->leaveStubbornOpen();
+    advance(10s);
+    EXPECT_EQ(QTextDocumentFragment::fromHtml(find("reopenNames")->toolTip()).toPlainText(),
+              "<b>x</b>");
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 //
 //   --class NAME          WM_CLASS: the class as given, the instance in lower case (Rude)
 //   --next-class NAME     opens one more window, of that class
+//   --title TEXT          the title of its windows, which otherwise is the class
+//   --title-length N      fills the title up to so many bytes
 //   --windows N           opens N windows (1)
 //   --machine HOST        says that it runs on that host
 //   --type TYPE           _NET_WM_WINDOW_TYPE_TYPE; several in order of preference
@@ -42,6 +44,8 @@ namespace {
 
 struct Manners {
     std::vector<std::string> classes{"Rude"};
+    std::string title;
+    std::size_t titleLength = 0;
     int windows = 1;
     std::string machine;
     std::vector<std::string> types;
@@ -174,7 +178,9 @@ private:
                                [](unsigned char letter) { return std::tolower(letter); });
         setText(window, XCB_ATOM_WM_CLASS,
                 instance + std::string(1, '\0') + className + std::string(1, '\0'));
-        setText(window, XCB_ATOM_WM_NAME, className);
+        std::string title = manners_.title.empty() ? className : manners_.title;
+        title.resize(std::max(title.size(), manners_.titleLength), 'x');
+        setText(window, XCB_ATOM_WM_NAME, title);
         setNumbers(window, "_NET_WM_PID", XCB_ATOM_CARDINAL,
                    {static_cast<std::uint32_t>(getpid())});
         if (!manners_.machine.empty())
@@ -288,6 +294,10 @@ int main(int argc, char** argv) {
             manners.classes.front() = value();
         else if (option == "--next-class")
             manners.classes.push_back(value());
+        else if (option == "--title")
+            manners.title = value();
+        else if (option == "--title-length")
+            manners.titleLength = std::stoul(value());
         else if (option == "--windows")
             manners.windows = std::stoi(value());
         else if (option == "--machine")

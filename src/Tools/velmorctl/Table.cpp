@@ -27,19 +27,9 @@ std::size_t widthOf(const std::string& text) {
     return width;
 }
 
-std::string printable(const std::string& cell) {
-    std::u32string text = QString::fromStdString(cell).toStdU32String();
-    std::ranges::replace_if(
-        text, [](char32_t character) { return u_iscntrl(static_cast<UChar32>(character)); }, U' ');
-    return QString::fromStdU32String(text).toStdString();
-}
-
 } // namespace
 
-void Table::add(Row row) {
-    std::ranges::transform(row, row.begin(), printable);
-    rows_.push_back(std::move(row));
-}
+void Table::add(Row row) { rows_.push_back(std::move(row)); }
 
 std::string Table::text() const {
     std::vector<std::size_t> widths(columns_.size());

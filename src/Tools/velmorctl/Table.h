@@ -14,7 +14,7 @@ public:
 
     explicit Table(std::vector<Align> columns) : columns_(std::move(columns)) {}
 
-    /// Adds a row with a cell for each column. What would disturb the terminal becomes a blank.
+    /// Adds a row with a cell for each column, each of which may be shown on a line.
     void add(Row row);
 
     /// A line for each row, indented.
