@@ -33,6 +33,7 @@
 #include "Services/LaunchAtLogin.h"
 #include "Services/SessionEnd/SessionEnd.h"
 #include "Services/StartSwitches.h"
+#include "Texts/Shown.h"
 
 #include <QApplication>
 #include <QSessionManager>
@@ -53,7 +54,7 @@ namespace {
 /// The terminal that started the program may be one of those that are asked to quit. A handler,
 /// unlike ignoring, is not inherited by the programs that are started from here.
 void surviveTheTerminal() {
-    struct sigaction nothing{};
+    struct sigaction nothing {};
     nothing.sa_handler = [](int) {};
     nothing.sa_flags = SA_RESTART;
     for (const int signal : {SIGHUP, SIGPIPE})
@@ -69,13 +70,14 @@ std::filesystem::path ownExecutable() {
 }
 
 /// Qt ends the program on the spot when the display has gone, with a line of its own that says so.
-/// Nothing is lost by that: preferences are in their file as soon as they are changed.
+/// Nothing is lost by that: preferences are in their file as soon as they are changed. What else Qt
+/// says may name files and services that others have called what they like.
 void hear(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     const bool isDisplayGone = message.startsWith(QLatin1String("The X11 connection broke"));
     if (isDisplayGone)
         JournalLog().write("Velmor Quit: senza server X11 non posso continuare, termino");
     else if (usualHandler)
-        usualHandler(type, context, message);
+        usualHandler(type, context, QString::fromStdString(shownText(message.toStdString())));
 }
 
 /// The autostart entry starts the program; a session that starts it as well would do it twice.

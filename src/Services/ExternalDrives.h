@@ -11,7 +11,7 @@ namespace velmorquit::ExternalDrives {
 /// One external volume.
 struct Drive {
     std::string name; ///< as it may be shown
-    std::string url; ///< where it is mounted
+    std::string url;  ///< where it is mounted
 
     friend bool operator==(const Drive&, const Drive&) = default;
 };

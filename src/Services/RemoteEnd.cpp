@@ -55,7 +55,8 @@ RemoteEnd::Json RemoteEnd::describe() const {
         return {};
     Json obstacles = Json::array();
     for (const EndObstacle& obstacle : state.obstacles)
-        obstacles.push_back({{"kind", rawValue(obstacle.kind)}, {"name", shownName(obstacle.name)}});
+        obstacles.push_back(
+            {{"kind", rawValue(obstacle.kind)}, {"name", shownName(obstacle.name)}});
     Json json{{"stage", rawValue(state.stage)},
               {"then", rawValue(state.request)},
               {"text", EndTexts::line(state)},

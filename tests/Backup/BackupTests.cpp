@@ -16,7 +16,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 unsigned modeOf(const fs::path& path) {
-    struct stat its{};
+    struct stat its {};
     return ::stat(path.c_str(), &its) == 0 ? its.st_mode & 07777U : 0;
 }
 
@@ -96,7 +96,9 @@ TEST_F(BackupStory, BacksUpAndGivesBackEveryKindOfFile) {
     ASSERT_EQ(tool({"restore", "latest", odd, "--to", root / "odd"}).status, 0);
     EXPECT_EQ(contentOf((root / "odd").string() + odd.string()), "pattern");
     EXPECT_FALSE(fs::exists((root / "odd").string() + (home / "docs/note.txt").string()));
-    EXPECT_EQ(tool({"restore", "latest", "/no/such", "--to", root / "none"}).status, 1);
+    end = tool({"restore", "latest", "/no\n\x1b[2J\u202esuch", "--to", root / "none"});
+    EXPECT_EQ(end.status, 1);
+    EXPECT_THAT(end.lastLine(), testing::HasSubstr("/no [2Jsuch"));
     EXPECT_FALSE(fs::exists(root / "none"));
 }
 

@@ -89,6 +89,19 @@ TEST_F(CommandLine, GivesTheTerminalNothingToObeyWhoeverAnswers) {
     }
 }
 
+TEST_F(CommandLine, NamesAWindowWhoseTitleIsMeantForTheTerminal) {
+    startProgram();
+    openRude({"--class", "main", "--title", "Letter - R\x1bude\u202e"});
+    openRude({"--class", "main", "--title", "R\x1b[2J\n", "--title-length", "1000000"});
+    openRude({"--class", "Ru\u200bde\u009b"});
+    const std::string text = control({"status"}).text;
+    for (const char* name : {"  R ude  ", "  rude_client  ", "  Rude  "})
+        EXPECT_THAT(text, HasSubstr(name));
+    EXPECT_LT(text.size(), 1000U);
+    for (const char* harm : {"\x1b", "\u202e", "\u009b", "\u200b"})
+        EXPECT_THAT(text + program->output(), Not(HasSubstr(harm)));
+}
+
 TEST_F(CommandLine, NeedsASessionBus) {
     const std::filesystem::path empty = home() / "empty";
     std::filesystem::create_directory(empty);

@@ -144,7 +144,8 @@ bool LinuxApplication::forceTerminate() {
         return true;
     if (process_->send(SIGTERM) == ProcessHandle::Signalled::refused) {
         surroundings_.log.write("Velmor Quit: il sistema non permette di forzare " +
-                                shownName(identity_.name) + " (processo " + std::to_string(processId()) + ")");
+                                shownName(identity_.name) + " (processo " +
+                                std::to_string(processId()) + ")");
         return false;
     }
     // Asked again, the first deadline stays.

@@ -1,5 +1,7 @@
 #include "Linux/Applications/LinuxWindows.h"
 
+#include "Texts/Shown.h"
+
 #include <algorithm>
 
 #include <unistd.h>
@@ -33,11 +35,13 @@ WindowOwner LinuxWindows::ownerOf(const Toplevel& toplevel) {
     if (owner.name.empty())
         owner.name = toplevel.identity.className;
     if (owner.name.empty())
-        owner.name = source_.title(toplevel.window);
+        owner.name = shownName(source_.title(toplevel.window));
     if (owner.name.empty())
         owner.name = "App";
+    // Both are seen, however long.
+    constexpr std::size_t half = longestShownName / 2 - 2;
     if (!toplevel.machine.empty())
-        owner.name += " (" + toplevel.machine + ')';
+        owner.name = shownText(owner.name, half) + " (" + shownText(toplevel.machine, half) + ')';
     return owner;
 }
 

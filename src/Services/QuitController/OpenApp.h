@@ -36,8 +36,8 @@ struct OpenApp {
     /// be drawn again.
     friend bool operator==(const OpenApp& one, const OpenApp& other) {
         return one.id == other.id && one.memory == other.memory && one.name == other.name &&
-               one.key_ == other.key_ && one.bundleID == other.bundleID && one.otherIdentities == other.otherIdentities &&
-               one.icon == other.icon;
+               one.key_ == other.key_ && one.bundleID == other.bundleID &&
+               one.otherIdentities == other.otherIdentities && one.icon == other.icon;
     }
 
 private:

@@ -38,7 +38,8 @@ std::optional<std::vector<SavedApp>> decode(std::string_view json) {
         auto path = textAt(record, "path");
         if (!name || !path)
             return std::nullopt;
-        apps.push_back({shownName(*name), std::move(*path)});
+        const std::string shown = shownName(*name);
+        apps.push_back({shown.empty() ? shownName(*path) : shown, std::move(*path)});
     }
     return apps;
 }

@@ -30,7 +30,8 @@ std::string text(const std::vector<EndObstacle>& obstacles) {
         else if (obstacle.kind == Kind::unknown)
             list += "il registro delle sessioni non risponde";
         else
-            list += shownName(obstacle.name) + (obstacle.kind == Kind::work ? " (lavora ancora)" : "");
+            list +=
+                shownName(obstacle.name) + (obstacle.kind == Kind::work ? " (lavora ancora)" : "");
     }
     return list;
 }

@@ -94,7 +94,8 @@ int main(int argc, char** argv) {
     if (!line) {
         // What is wrong is said in the language that is known only now.
         const auto again = parseCommandLine({argv + 1, argv + argc});
-        std::cerr << "velmorquit-tmutil: " << shownText(problemOf(again)->sentence) << "\n\n" << usage();
+        std::cerr << "velmorquit-tmutil: " << shownText(problemOf(again)->sentence) << "\n\n"
+                  << usage();
         return static_cast<int>(ExitStatus::usage);
     }
     return static_cast<int>(perform(*line, language.formats()));
