@@ -54,7 +54,7 @@ namespace {
 /// The terminal that started the program may be one of those that are asked to quit. A handler,
 /// unlike ignoring, is not inherited by the programs that are started from here.
 void surviveTheTerminal() {
-    struct sigaction nothing {};
+    struct sigaction nothing{};
     nothing.sa_handler = [](int) {};
     nothing.sa_flags = SA_RESTART;
     for (const int signal : {SIGHUP, SIGPIPE})

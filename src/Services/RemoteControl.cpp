@@ -15,7 +15,9 @@ namespace velmorquit {
 
 namespace {
 
-template <class... Cases> struct Overloaded : Cases... { using Cases::operator()...; };
+template <class... Cases> struct Overloaded : Cases... {
+    using Cases::operator()...;
+};
 template <class... Cases> Overloaded(Cases...) -> Overloaded<Cases...>;
 
 /// Names come from other programs and are shown whatever bytes they hold.
@@ -330,15 +332,11 @@ RemoteControl::Json RemoteControl::describePhase() const {
     const auto& until = controller_.autoContinueAt.get();
     const auto& note = controller_.resultNote.get();
     return std::visit(
-        Overloaded{[](phases::Idle) {
-                       return Json{{"phase", "idle"}};
-                   },
+        Overloaded{[](phases::Idle) { return Json{{"phase", "idle"}}; },
                    [](phases::Quitting quitting) {
                        return Json{{"phase", "quitting"}, {"total", quitting.total}};
                    },
-                   [](phases::Waiting) {
-                       return Json{{"phase", "waiting"}};
-                   },
+                   [](phases::Waiting) { return Json{{"phase", "waiting"}}; },
                    [](const phases::BackingUp& backup) {
                        return Json{{"phase", "backingUp"},
                                    {"fraction", backup.fraction ? Json(*backup.fraction) : Json()}};
@@ -348,9 +346,7 @@ RemoteControl::Json RemoteControl::describePhase() const {
                                    {"reason", failed.reason},
                                    {"continuesAt", until ? Json(seconds(*until)) : Json()}};
                    },
-                   [](phases::Ejecting) {
-                       return Json{{"phase", "ejecting"}};
-                   },
+                   [](phases::Ejecting) { return Json{{"phase", "ejecting"}}; },
                    [&](phases::Done done) {
                        return Json{{"phase", "done"},
                                    {"closed", done.closed},
@@ -423,29 +419,24 @@ void RemoteControl::announceExclusions() {
 
 void RemoteControl::announce(const Event& event) {
     Json change = std::visit(
-        Overloaded{[](events::QuitDone quit) {
-                       return Json{{"event", "quitDone"}, {"closed", quit.closed}};
-                   },
-                   [](events::StubbornApps) {
-                       return Json{{"event", "stubbornApps"}};
-                   },
-                   [](events::BackupStarted) {
-                       return Json{{"event", "backupStarted"}};
-                   },
-                   [](events::BackupProgress progress) {
-                       return Json{{"event", "backupProgress"}, {"fraction", progress.fraction}};
-                   },
-                   [](events::BackupFinished finished) {
-                       return Json{{"event", "backupFinished"}, {"success", finished.success}};
-                   },
-                   [](const events::DisksEjected& ejected) {
-                       return Json{{"event", "disksEjected"},
-                                   {"count", ejected.count},
-                                   {"failed", ejected.failed}};
-                   },
-                   [](events::ConfirmationNeeded) {
-                       return Json{{"event", "confirmationNeeded"}};
-                   }},
+        Overloaded{
+            [](events::QuitDone quit) {
+                return Json{{"event", "quitDone"}, {"closed", quit.closed}};
+            },
+            [](events::StubbornApps) { return Json{{"event", "stubbornApps"}}; },
+            [](events::BackupStarted) { return Json{{"event", "backupStarted"}}; },
+            [](events::BackupProgress progress) {
+                return Json{{"event", "backupProgress"}, {"fraction", progress.fraction}};
+            },
+            [](events::BackupFinished finished) {
+                return Json{{"event", "backupFinished"}, {"success", finished.success}};
+            },
+            [](const events::DisksEjected& ejected) {
+                return Json{{"event", "disksEjected"},
+                            {"count", ejected.count},
+                            {"failed", ejected.failed}};
+            },
+            [](events::ConfirmationNeeded) { return Json{{"event", "confirmationNeeded"}}; }},
         event);
     Json told = {{"change", "event"}};
     told.update(change);

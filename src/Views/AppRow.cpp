@@ -209,8 +209,7 @@ void AppRow::changeEvent(QEvent* event) {
 
 bool AppRow::eventFilter(QObject* watched, QEvent* event) {
     if (watched == quitButton_ && event->type() == QEvent::FocusOut)
-        QMetaObject::invokeMethod(
-            this, [this] { updateQuitButton(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, [this] { updateQuitButton(); }, Qt::QueuedConnection);
     return QCheckBox::eventFilter(watched, event);
 }
 

@@ -16,7 +16,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 unsigned modeOf(const fs::path& path) {
-    struct stat its {};
+    struct stat its{};
     return ::stat(path.c_str(), &its) == 0 ? its.st_mode & 07777U : 0;
 }
 

@@ -27,8 +27,7 @@ TEST(Shown, IsOneLineWithoutWhatHidesOrIsObeyed) {
         {"\xc0\x80\xf5/\xed\xa0\x80\xef\xbf\xbf", "\ufffd\ufffd\ufffd/\ufffd\ufffd"},
         // What other scripts and emoji are written with.
         {"می\u200cخواهم שָׁלוֹם e\u0301", "می\u200cخواهم שָׁלוֹם e\u0301"},
-        {"👩🏽\u200d💻❤\ufe0f1\ufe0f\u20e3🇮🇹",
-         "👩🏽\u200d💻❤\ufe0f1\ufe0f\u20e3🇮🇹"},
+        {"👩🏽\u200d💻❤\ufe0f1\ufe0f\u20e3🇮🇹", "👩🏽\u200d💻❤\ufe0f1\ufe0f\u20e3🇮🇹"},
         {"❤\ufe0f\ufe0e\ufe0f \u0301x\u200c\u200d ", "❤\ufe0f x"},
         {"Z\u0300\u0301\u0302\u0303\u0304\u0305\u0306algo", "Z\u0300\u0301\u0302\u0303algo"}};
     for (const Case& one : cases)

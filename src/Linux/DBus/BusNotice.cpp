@@ -44,8 +44,7 @@ void BusNotice::update() {
         return;
     isTold_ = true;
     if (!bus_.isConnected()) {
-        QMetaObject::invokeMethod(
-            this, [this] { noteUnanswerable(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, [this] { noteUnanswerable(); }, Qt::QueuedConnection);
         return;
     }
     if (wanted_)
