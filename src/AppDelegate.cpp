@@ -43,6 +43,14 @@ void AppDelegate::serveOthers(Notice& answers) {
                                  std::function<void(bool)> answer) {
         confirmDialog_.ask(question, button, std::move(answer));
     };
+    remoteControl_.callerQuestion().screen = {
+        .ask =
+            [this](const std::string& question, const std::string& button,
+                   std::function<void(bool)> answer) {
+                callerDialog_.ask(question, button, std::move(answer),
+                                  ConfirmDialog::Manner::unbidden);
+            },
+        .withdraw = [this] { callerDialog_.withdraw(); }};
     published.onAnswer = [&answers](const ActionAnswer& answer) {
         answers.show({.title = "Velmor Quit", .text = answer.text});
     };

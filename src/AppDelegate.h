@@ -55,6 +55,8 @@ private:
     EndNotice endNotice_;
     RunNotice runNotice_;
     ConfirmDialog confirmDialog_;
+    /// What others want doesn't take the place of what the user is being asked.
+    ConfirmDialog callerDialog_;
     TrayItem trayItem_;
     PanelPopover popover_;
     MenuBarItem menuBarItem_;

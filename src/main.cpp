@@ -33,6 +33,7 @@
 #include "Services/LaunchAtLogin.h"
 #include "Services/SessionEnd/SessionEnd.h"
 #include "Services/StartSwitches.h"
+#include "Texts/Localized.h"
 #include "Texts/Shown.h"
 
 #include <QApplication>
@@ -46,6 +47,7 @@
 #include <iostream>
 #include <optional>
 #include <set>
+#include <string>
 #include <string_view>
 
 namespace velmorquit {
@@ -90,28 +92,48 @@ void neverRestart(const QApplication& application) {
         QObject::connect(&application, request, &application, answer, Qt::DirectConnection);
 }
 
-/// Takes the program's name, or asks the process that has it to show itself and returns the status
-/// with which this one is to end.
-std::optional<int> handOver(BusCommands& commands, SystemLog& log,
-                            const QVariantMap& platformData) {
+/// How a start goes on.
+struct Start {
+    std::optional<int> status{};       ///< with which the program is to end
+    std::optional<std::string> note{}; ///< what the user has to know otherwise
+};
+
+/// Somebody else has the name: the icon does the main job all the same.
+Start goOnWithoutName(BusCommands& commands, SystemLog& log, const BusCommands::Holder& holder) {
+    const std::string name = holder.name.empty() ? "?" : holder.name;
+    log.write("Velmor Quit: il mio nome sul bus (org.velmorquit.VelmorQuit) è di " + name +
+              " (processo " + std::to_string(holder.process) +
+              "), che non è Velmor Quit: finché lo tiene, velmorctl non può raggiungermi");
+    commands.claimLater();
+    return {.note = localized("Un altro programma, %@ (processo %lld), ha preso il nome di Velmor "
+                              "Quit: velmorctl e le scorciatoie non funzionano finché lo tiene.",
+                              name, holder.process)};
+}
+
+/// Takes the program's name, or asks the process that has it to show itself.
+Start handOver(BusCommands& commands, SystemLog& log, const QVariantMap& platformData) {
     // The process that has the name may be about to end: then the second attempt gets it.
     for (const std::chrono::milliseconds patience : {3000ms, 500ms}) {
         switch (commands.claimName()) {
         case BusCommands::Claim::ours:
-            return std::nullopt;
+            return {};
         case BusCommands::Claim::noBus:
             log.write("Velmor Quit: nessun bus di sessione, velmorctl non potrà raggiungermi");
-            return std::nullopt;
+            return {};
         case BusCommands::Claim::taken:
             break;
         }
+        const BusCommands::Holder holder = commands.holder();
+        // Without a process it has just gone.
+        if (!holder.isThisProgram && holder.process > 0)
+            return goOnWithoutName(commands, log, holder);
         if (commands.showOther(platformData, patience)) {
             log.write("Velmor Quit: è già in esecuzione");
-            return EXIT_SUCCESS;
+            return {.status = EXIT_SUCCESS};
         }
     }
     log.write("Velmor Quit: è già in esecuzione, ma non risponde");
-    return EXIT_FAILURE;
+    return {.status = EXIT_FAILURE};
 }
 
 /// Work on other threads uses what is made before this: it is done when this goes. A disk that does
@@ -205,8 +227,9 @@ int run(int argc, char** argv) {
         log.write(StartSwitches::unknownLine({argv + 1, argv + argc}));
 
     BusCommands commands(log);
-    if (const auto status = handOver(commands, log, platformData))
-        return *status;
+    const Start start = handOver(commands, log, platformData);
+    if (start.status)
+        return *start.status;
     // Until here such a signal may end the program at once: there is nothing to put in order yet.
     EndSignals endSignals;
 
@@ -267,6 +290,8 @@ int run(int argc, char** argv) {
                           backupTool()},
                          {windowSystem, appearance, trayHosts},
                          {scheduleNotice, answerNotice, endNotice, runNotice});
+    if (start.note)
+        answerNotice.show({.title = "Velmor Quit", .text = *start.note});
     endSignals.onAsked = [&delegate] { delegate.end(); };
     return QApplication::exec();
 }

@@ -66,19 +66,35 @@ RemoteControl::RemoteControl(QuitController& controller, ActionRunner& actions,
       schedule_({controller, actions, desktop.formats, desktop.kernel},
                 [this](const Json& change) { announce(change); }),
       end_(desktop.loginWindow, [this](const Json& change) { announce(change); }),
+      callerQuestion_(desktop.loop),
       knownApps_(controller.apps), knownExclusions_(controller.excluded) {
-    remote_.serve([this](const RemoteCommand& command) { return answer(command); });
+    remote_.serve({.answer = [this](const RemoteCommand& command) { return answer(command); },
+                   .mattersWhose = CallerQuestion::isAbout});
     announceChanges();
     subscriptions_.push_back(
         desktop.workspace.observe(WorkspaceEvent::terminated, [this] { announceEnds(); }));
 }
 
 RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
-    const auto& [verb, arguments] = command;
-    const std::size_t count = arguments.size();
     const auto moment = RunAnswers::momentOf(controller_, loginWindow_.state);
     if (auto why = RunAnswers::refusal(command, moment))
         return refused(std::move(*why));
+    if (auto asked = callerQuestion_.consider(command, [this, command] { perform(command); }))
+        return *std::move(asked);
+    return carryOut(command);
+}
+
+void RemoteControl::perform(RemoteCommand command) {
+    command.caller = {};
+    const RemoteAnswer answer = this->answer(command);
+    if (answer.status != RemoteAnswer::Status::done && schedule_.onAnswer)
+        schedule_.onAnswer({.status = ActionAnswer::Status::done, .text = answer.text});
+}
+
+RemoteAnswer RemoteControl::carryOut(const RemoteCommand& command) {
+    const std::string& verb = command.verb;
+    const std::vector<std::string>& arguments = command.arguments;
+    const std::size_t count = arguments.size();
     if (verb == "status" && count == 0)
         return status();
     if (verb == "quitAll" && count <= 1)

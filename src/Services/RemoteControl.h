@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Platform/RemoteCommands.h"
+#include "Services/CallerQuestion.h"
 #include "Services/QuitController/QuitController.h"
 #include "Services/RemoteEnd.h"
 #include "Services/RemoteSchedule.h"
@@ -32,6 +33,9 @@ public:
     /// The part that is about the schedule and the published actions.
     [[nodiscard]] RemoteSchedule& schedule() { return schedule_; }
 
+    /// Where the user is asked about what programs in a sandbox want.
+    [[nodiscard]] CallerQuestion& callerQuestion() { return callerQuestion_; }
+
     /// Shows the program to its user. The token lets a window come to the front; it may be empty.
     std::function<void(const std::string& activationToken)> onShow;
 
@@ -42,6 +46,9 @@ private:
     using Json = nlohmann::ordered_json;
 
     RemoteAnswer answer(const RemoteCommand& command);
+    /// Does what the user has agreed to. Whoever wanted it has its answer already.
+    void perform(RemoteCommand command);
+    RemoteAnswer carryOut(const RemoteCommand& command);
     [[nodiscard]] RemoteAnswer status();
     RemoteAnswer quitAll(const std::vector<std::string>& arguments);
     RemoteAnswer force();
@@ -75,6 +82,7 @@ private:
     const LoginWindow& loginWindow_;
     RemoteSchedule schedule_;
     RemoteEnd end_;
+    CallerQuestion callerQuestion_;
     std::vector<OpenApp> knownApps_;
     /// Those told as windowless, whose end nobody has heard of yet.
     std::vector<OpenApp> windowless_;

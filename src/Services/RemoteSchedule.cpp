@@ -70,7 +70,8 @@ RemoteSchedule::RemoteSchedule(const Surroundings& surroundings, Announce announ
 }
 
 std::optional<RemoteAnswer> RemoteSchedule::answer(const RemoteCommand& command) {
-    const auto& [verb, arguments] = command;
+    const std::string& verb = command.verb;
+    const std::vector<std::string>& arguments = command.arguments;
     const std::size_t count = arguments.size();
     if (verb == "schedule" && count == 3)
         return schedule(arguments);

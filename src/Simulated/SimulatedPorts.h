@@ -78,20 +78,25 @@ public:
 /// Lets a test be the other process.
 class SimulatedRemoteCommands final : public RemoteCommands {
 public:
-    bool serve(std::function<RemoteAnswer(const RemoteCommand&)> handler) override {
+    bool serve(Handler handler) override {
         handler_ = std::move(handler);
         return true;
     }
     void announce(std::string_view change) override { changes.emplace_back(change); }
 
     RemoteAnswer give(std::string verb, std::vector<std::string> arguments = {}) {
-        return handler_({std::move(verb), std::move(arguments)});
+        RemoteCommand command{std::move(verb), std::move(arguments)};
+        if (handler_.mattersWhose(command))
+            command.caller = caller;
+        return handler_.answer(command);
     }
 
+    /// The other process.
+    RemoteCaller caller;
     std::vector<std::string> changes;
 
 private:
-    std::function<RemoteAnswer(const RemoteCommand&)> handler_;
+    Handler handler_;
 };
 
 /// A list of which a test says how it fails.

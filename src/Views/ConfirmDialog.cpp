@@ -4,13 +4,14 @@
 
 #include <QIcon>
 #include <QPushButton>
+#include <QTimer>
 
 #include <utility>
 
 namespace velmorquit {
 
 void ConfirmDialog::ask(const std::string& question, const std::string& button,
-                        std::function<void(bool)> answered) {
+                        std::function<void(bool)> answered, Manner manner) {
     finish(false);
     answered_ = std::move(answered);
     box_ = std::make_unique<QMessageBox>();
@@ -18,6 +19,7 @@ void ConfirmDialog::ask(const std::string& question, const std::string& button,
     const QIcon icon(QStringLiteral(":/icons/org.velmorquit.VelmorQuit.svg"));
     box_->setWindowIcon(icon);
     box_->setIconPixmap(icon.pixmap(48));
+    // What the question quotes may look like markup.
     box_->setTextFormat(Qt::PlainText);
     box_->setText(QString::fromStdString(question));
     QPushButton* yes = box_->addButton(QString::fromStdString(button), QMessageBox::AcceptRole);
@@ -29,9 +31,15 @@ void ConfirmDialog::ask(const std::string& question, const std::string& button,
     box_->setModal(false);
     QObject::connect(box_.get(), &QMessageBox::finished, box_.get(),
                      [this, yes] { finish(box_->clickedButton() == yes); });
+    if (manner == Manner::unbidden) {
+        box_->setAttribute(Qt::WA_ShowWithoutActivating);
+        yes->setEnabled(false);
+        QTimer::singleShot(readingTime, yes, [yes] { yes->setEnabled(true); });
+    }
     box_->show();
     box_->raise();
-    box_->activateWindow();
+    if (manner == Manner::wanted)
+        box_->activateWindow();
 }
 
 void ConfirmDialog::finish(bool isYes) {

@@ -9,10 +9,19 @@ namespace velmorquit {
 
 namespace {
 
-/// The reply to a call that returns nothing unless it fails.
-void fail(const QDBusMessage& call, QDBusError::ErrorType error, const QString& why) {
+/// Replies when the answer has come: with nothing, unless it failed.
+ApplicationInterface::Answered replyTo(const QDBusMessage& call) {
     call.setDelayedReply(true);
-    QDBusConnection::sessionBus().send(call.createErrorReply(error, why));
+    return [call](const RemoteAnswer& answer) {
+        if (!call.isReplyRequired())
+            return;
+        const bool isUnknown = answer.status == RemoteAnswer::Status::unknown;
+        QDBusConnection::sessionBus().send(
+            answer.status == RemoteAnswer::Status::done
+                ? call.createReply()
+                : call.createErrorReply(isUnknown ? QDBusError::InvalidArgs : QDBusError::Failed,
+                                        QString::fromStdString(answer.text)));
+    };
 }
 
 } // namespace
@@ -29,9 +38,7 @@ void ApplicationInterface::Activate(const QVariantMap& platformData, const QDBus
             break;
         }
     }
-    const RemoteAnswer answer = perform_(show);
-    if (answer.status != RemoteAnswer::Status::done)
-        fail(call, QDBusError::Failed, QString::fromStdString(answer.text));
+    perform_(show, call.service(), replyTo(call));
 }
 
 void ApplicationInterface::Open(const QStringList& /*files*/, const QVariantMap& platformData,
@@ -49,12 +56,7 @@ void ApplicationInterface::ActivateAction(const QString& action, const QVariantL
         for (const QString& text : parameter.toStringList())
             command.arguments.push_back(text.toStdString());
     }
-    const RemoteAnswer answer = perform_(command);
-    if (answer.status == RemoteAnswer::Status::done)
-        return;
-    const bool isUnknown = answer.status == RemoteAnswer::Status::unknown;
-    fail(call, isUnknown ? QDBusError::InvalidArgs : QDBusError::Failed,
-         QString::fromStdString(answer.text));
+    perform_(command, call.service(), replyTo(call));
 }
 
 QVariantMap takePlatformData() {

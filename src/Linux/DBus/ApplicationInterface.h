@@ -17,7 +17,10 @@ class ApplicationInterface final : public QDBusAbstractAdaptor {
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
 public:
-    using Perform = std::function<RemoteAnswer(const RemoteCommand&)>;
+    using Answered = std::function<void(const RemoteAnswer&)>;
+    /// Takes a command and the connection that gave it, and tells the answer, maybe later.
+    using Perform =
+        std::function<void(const RemoteCommand&, const QString& connection, const Answered&)>;
 
     /// `owner` is what is registered on the bus. Whatever comes in goes to `perform`.
     ApplicationInterface(QObject* owner, Perform perform);

@@ -1,8 +1,11 @@
 #include "Linux/DBus/BusCommands.h"
 
+#include "Linux/Proc/ProcessStat.h"
 #include "Texts/Localized.h"
 
 #include <QDBusMessage>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <utility>
 
@@ -12,6 +15,21 @@ namespace {
 
 const QString service = QStringLiteral("org.velmorquit.VelmorQuit");
 const QString path = QStringLiteral("/org/velmorquit/VelmorQuit");
+
+/// Null when there is none.
+const char* errorOf(RemoteAnswer::Status status) {
+    switch (status) {
+    case RemoteAnswer::Status::refused:
+        return "org.velmorquit.VelmorQuit.Error.Refused";
+    case RemoteAnswer::Status::unknown:
+        return "org.velmorquit.VelmorQuit.Error.Unknown";
+    case RemoteAnswer::Status::asking:
+        return "org.velmorquit.VelmorQuit.Error.Asking";
+    case RemoteAnswer::Status::done:
+        break;
+    }
+    return nullptr;
+}
 
 } // namespace
 
@@ -31,6 +49,46 @@ BusCommands::Claim BusCommands::claimName() {
     return bus_.registerService(service) ? Claim::ours : Claim::taken;
 }
 
+BusCommands::Holder BusCommands::holder() {
+    constexpr int ofBus = 1000;
+    constexpr int ofHolder = 1500;
+    QDBusMessage question =
+        QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                       "org.freedesktop.DBus", "GetConnectionUnixProcessID");
+    question << service;
+    const QDBusMessage known = bus_.call(question, QDBus::Block, ofBus);
+    Holder holder{.process = static_cast<ProcessId>(known.arguments().value(0).toUInt())};
+    if (known.type() == QDBusMessage::ReplyMessage)
+        holder.name = executableName(holder.process);
+    else
+        holder.process = 0;
+    holder.isThisProgram = holder.name.find("velmorquit") != std::string::npos;
+    if (holder.isThisProgram)
+        return holder;
+    // One that was started with a sandbox around it speaks through a broker.
+    QDBusMessage status = QDBusMessage::createMethodCall(
+        service, path, "org.velmorquit.VelmorQuit1", "Perform");
+    status.setAutoStartService(false);
+    status << QStringLiteral("status") << QStringList();
+    const QDBusMessage answer = bus_.call(status, QDBus::Block, ofHolder);
+    const QByteArray json = answer.arguments().value(0).toString().toUtf8();
+    holder.isThisProgram = answer.type() == QDBusMessage::ReplyMessage &&
+                           QJsonDocument::fromJson(json).object().value("phase").isString();
+    return holder;
+}
+
+void BusCommands::claimLater() {
+    waiting_.setConnection(bus_);
+    waiting_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    waiting_.addWatchedService(service);
+    connect(&waiting_, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
+        if (claimName() != Claim::ours)
+            return;
+        waiting_.setWatchedServices({});
+        log_.write("Velmor Quit: il mio nome sul bus è libero, velmorctl può raggiungermi");
+    });
+}
+
 bool BusCommands::showOther(const QVariantMap& platformData, std::chrono::milliseconds limit) {
     QDBusMessage call =
         QDBusMessage::createMethodCall(service, path, "org.freedesktop.Application", "Activate");
@@ -40,7 +98,7 @@ bool BusCommands::showOther(const QVariantMap& platformData, std::chrono::millis
     return reply.type() == QDBusMessage::ReplyMessage;
 }
 
-bool BusCommands::serve(std::function<RemoteAnswer(const RemoteCommand&)> handler) {
+bool BusCommands::serve(Handler handler) {
     handler_ = std::move(handler);
     return bus_.isConnected();
 }
@@ -49,24 +107,38 @@ void BusCommands::announce(std::string_view change) {
     Q_EMIT Changed(QString::fromUtf8(change.data(), static_cast<qsizetype>(change.size())));
 }
 
-RemoteAnswer BusCommands::answer(const RemoteCommand& command) const {
-    if (handler_)
-        return handler_(command);
-    return {RemoteAnswer::Status::refused,
-            localized("Velmor Quit non è pronta: riprova tra un attimo.")};
+void BusCommands::take(RemoteCommand command, const QString& connection,
+                       const Answered& answered) {
+    if (!handler_.answer) {
+        answered({RemoteAnswer::Status::refused,
+                  localized("Velmor Quit non è pronta: riprova tra un attimo.")});
+        return;
+    }
+    if (!handler_.mattersWhose(command)) {
+        answered(handler_.answer(command));
+        return;
+    }
+    callers_.find(connection, [this, command = std::move(command),
+                               answered](const RemoteCaller& caller) mutable {
+        command.caller = caller;
+        answered(handler_.answer(command));
+    });
 }
 
 QString BusCommands::Perform(const QString& verb, const QStringList& arguments) {
     RemoteCommand command{verb.toStdString(), {}};
     for (const QString& argument : arguments)
         command.arguments.push_back(argument.toStdString());
-    const RemoteAnswer given = answer(command);
-    const QString text = QString::fromStdString(given.text);
-    if (given.status == RemoteAnswer::Status::refused)
-        sendErrorReply("org.velmorquit.VelmorQuit.Error.Refused", text);
-    else if (given.status == RemoteAnswer::Status::unknown)
-        sendErrorReply("org.velmorquit.VelmorQuit.Error.Unknown", text);
-    return text;
+    const QDBusMessage call = message();
+    call.setDelayedReply(true);
+    take(std::move(command), call.service(), [bus = bus_, call](const RemoteAnswer& given) {
+        if (!call.isReplyRequired())
+            return;
+        const QString text = QString::fromStdString(given.text);
+        const char* error = errorOf(given.status);
+        bus.send(error ? call.createErrorReply(error, text) : call.createReply(text));
+    });
+    return {};
 }
 
 // What the bus brought is a convenience: the icon does the main job without it, and a run that is

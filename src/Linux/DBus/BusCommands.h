@@ -1,14 +1,18 @@
 #pragma once
 
 #include "Linux/DBus/ApplicationInterface.h"
+#include "Linux/DBus/BusCallers.h"
 #include "Platform/RemoteCommands.h"
+#include "Platform/RunningApplication.h"
 #include "Platform/SystemLog.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>
+#include <QDBusServiceWatcher>
 #include <QObject>
 
 #include <chrono>
+#include <string>
 
 namespace velmorquit {
 
@@ -22,8 +26,15 @@ class BusCommands final : public QObject, protected QDBusContext, public RemoteC
 public:
     enum class Claim {
         ours,  ///< this process has the name now
-        taken, ///< another process of the user has it
+        taken, ///< another process has it
         noBus, ///< there is no session bus
+    };
+
+    /// The process that has the program's name.
+    struct Holder {
+        ProcessId process = 0; ///< 0 when the bus doesn't tell
+        std::string name{};    ///< file name of its program; empty when that can't be told
+        bool isThisProgram = false;
     };
 
     explicit BusCommands(SystemLog& log);
@@ -31,16 +42,24 @@ public:
     /// Takes the program's name on the session bus. May be called again when it was taken.
     Claim claimName();
 
+    /// Looks at who has the name: this program, by its file or by what it answers. Waits at most
+    /// 2.5 seconds, for the start of a program.
+    [[nodiscard]] Holder holder();
+
+    /// Takes the name as soon as whoever has it lets it go.
+    void claimLater();
+
     /// Asks the process that has the name to show itself, and waits for its answer, at most
     /// `limit`: for the start of a program that is going to end. False when there was no good
     /// answer.
     bool showOther(const QVariantMap& platformData, std::chrono::milliseconds limit);
 
-    bool serve(std::function<RemoteAnswer(const RemoteCommand&)> handler) override;
+    bool serve(Handler handler) override;
     void announce(std::string_view change) override;
 
 public Q_SLOTS:
-    /// Does what `verb` says and returns a JSON text. Errors: `….Error.Refused`, `….Error.Unknown`.
+    /// Does what `verb` says and returns a JSON text. Errors: `….Error.Refused`, `….Error.Unknown`
+    /// and, when the user is asked first because the caller is in a sandbox, `….Error.Asking`.
     Q_SCRIPTABLE QString Perform(const QString& verb, const QStringList& arguments);
 
 Q_SIGNALS:
@@ -51,13 +70,19 @@ private Q_SLOTS:
     void loseBus();
 
 private:
-    [[nodiscard]] RemoteAnswer answer(const RemoteCommand& command) const;
+    using Answered = ApplicationInterface::Answered;
+
+    /// Has the command carried out that `connection` gave: at once, unless it matters whose it is.
+    void take(RemoteCommand command, const QString& connection, const Answered& answered);
 
     SystemLog& log_;
+    QDBusServiceWatcher waiting_;
     QDBusConnection bus_ = QDBusConnection::sessionBus();
-    std::function<RemoteAnswer(const RemoteCommand&)> handler_;
+    BusCallers callers_{bus_};
+    Handler handler_;
     ApplicationInterface application_{
-        this, [this](const RemoteCommand& command) { return answer(command); }};
+        this, [this](const RemoteCommand& command, const QString& connection,
+                     const Answered& answered) { take(command, connection, answered); }};
 };
 
 } // namespace velmorquit

@@ -17,6 +17,8 @@ enum class ExitStatus {
     usage = 2,         ///< the words were not understood
     notRunning = 3,    ///< there is no program to talk to
     timedOut = 4,      ///< the wait took longer than it was to; what was waited for goes on
+    stranger = 5,      ///< another program has the name of the one to talk to
+    asking = 6,        ///< nothing is done until the user has agreed on the screen
     interrupted = 130, ///< by Ctrl+C; what was waited for goes on
 };
 

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <iostream>
 #include <map>
 #include <utility>
@@ -86,6 +87,20 @@ QString saidBy(const QDBusError& error) {
     return error.message().isEmpty() ? error.name() : error.message();
 }
 
+/// Whether it has what every answer to that has.
+bool isAnswerTo(const QString& verb, const QString& json) {
+    const QJsonDocument answer = QJsonDocument::fromJson(json.toUtf8());
+    return answer.isObject() && (verb != "status" || answer["phase"].isString()) &&
+           (verb != "quitAll" || answer["asked"].isArray());
+}
+
+/// File name of what the process executes; empty when that can't be told.
+std::string programOf(uint process) {
+    std::error_code unreadable;
+    const auto link = "/proc/" + std::to_string(process) + "/exe";
+    return std::filesystem::read_symlink(link, unreadable).filename().string();
+}
+
 /// As the program calls it.
 QString actionValue(const QString& then) { return then == "nothing" ? "none" : then; }
 
@@ -102,9 +117,13 @@ Session::Session(CommandLine line, const Formats& formats, ForegroundJob job)
     : line_(std::move(line)), formats_(formats), job_(std::move(job)), run_(line_, formats_) {
     watcher_.setConnection(bus_);
     watcher_.addWatchedService(service);
-    watcher_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
-    connect(&watcher_, &QDBusServiceWatcher::serviceUnregistered, this,
-            [this] { fail(localized("Velmor Quit è terminata."), ExitStatus::notRunning); });
+    watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    // Whoever has the name after it knows nothing of what was asked.
+    connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString& before) {
+                if (!before.isEmpty())
+                    fail(localized("Velmor Quit è terminata."), ExitStatus::notRunning);
+            });
     // Nobody tells of a service any more when the bus itself has gone.
     bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
                  this, SLOT(loseBus()));
@@ -205,7 +224,12 @@ void Session::perform(const QString& verb, const QStringList& arguments,
                       std::function<void(const QString& json)> done) {
     QDBusMessage call = QDBusMessage::createMethodCall(service, path, interface, "Perform");
     call << verb << arguments;
-    send(call, std::move(done));
+    send(call, [this, verb, done = std::move(done)](const QString& json) {
+        if (isAnswerTo(verb, json))
+            done(json);
+        else
+            blameAnswerer(localized("la risposta di Velmor Quit non ha senso."));
+    });
 }
 
 void Session::send(QDBusMessage call, std::function<void(const QString& answer)> done) {
@@ -219,19 +243,46 @@ void Session::send(QDBusMessage call, std::function<void(const QString& answer)>
             [this, pending, done = std::move(done)] {
                 pending->deleteLater();
                 const QDBusMessage reply = pending->reply();
-                if (!pending->isError())
-                    done(reply.arguments().value(0).toString());
-                else if (isNobodyThere(pending->error()))
-                    fail(localized("Velmor Quit non è in esecuzione."), ExitStatus::notRunning);
-                else if (hasFailedToStart(pending->error()))
-                    fail(localized("Velmor Quit non si avvia (%@).",
-                                   saidBy(pending->error()).toStdString()),
-                         ExitStatus::notRunning);
-                else if (pending->error().type() == QDBusError::NoReply)
-                    fail(localized("Velmor Quit non risponde."), ExitStatus::failure);
+                if (pending->isError())
+                    hearError(pending->error());
                 else
-                    fail(saidBy(pending->error()).toStdString(), ExitStatus::failure);
+                    done(reply.arguments().value(0).toString());
             });
+}
+
+void Session::hearError(const QDBusError& error) {
+    const bool isOwn = error.name().startsWith("org.velmorquit.VelmorQuit.Error.");
+    if (isNobodyThere(error))
+        fail(localized("Velmor Quit non è in esecuzione."), ExitStatus::notRunning);
+    else if (hasFailedToStart(error))
+        fail(localized("Velmor Quit non si avvia (%@).", saidBy(error).toStdString()),
+             ExitStatus::notRunning);
+    else if (error.type() == QDBusError::NoReply)
+        blameAnswerer(localized("Velmor Quit non risponde."));
+    else if (!isOwn)
+        blameAnswerer(saidBy(error).toStdString());
+    else
+        fail(saidBy(error).toStdString(), error.name().endsWith(".Asking") ? ExitStatus::asking
+                                                                           : ExitStatus::failure);
+}
+
+void Session::blameAnswerer(const std::string& otherwise) {
+    QDBusMessage question =
+        QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                       "org.freedesktop.DBus", "GetConnectionUnixProcessID");
+    question << service;
+    auto* pending = new QDBusPendingCallWatcher(bus_.asyncCall(question, patience), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this, [this, pending, otherwise] {
+        const uint process = pending->isError() ? 0 : pending->reply().arguments().at(0).toUInt();
+        const std::string name = programOf(process);
+        if (name.empty() || name.find("velmorquit") != std::string::npos)
+            fail(otherwise, ExitStatus::failure);
+        else
+            fail(localized("a rispondere è un altro programma, %@ (processo %lld), che ha preso il "
+                           "nome di Velmor Quit.",
+                           name, process),
+                 ExitStatus::stranger);
+    });
 }
 
 void Session::show() {
@@ -244,7 +295,10 @@ void Session::show() {
     QDBusMessage call =
         QDBusMessage::createMethodCall(service, path, "org.freedesktop.Application", "Activate");
     call << platformData;
-    send(call, [](const QString&) { end(ExitStatus::success); });
+    // Who has nothing to show answers that as well.
+    send(call, [this](const QString&) {
+        perform("status", {}, [](const QString&) { end(ExitStatus::success); });
+    });
 }
 
 void Session::askThenQuitAll() {

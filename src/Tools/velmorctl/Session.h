@@ -7,6 +7,7 @@
 #include "Platform/Formats.h"
 
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusServiceWatcher>
 #include <QJsonObject>
@@ -37,6 +38,9 @@ private:
     void perform(const QString& verb, const QStringList& arguments,
                  std::function<void(const QString& json)> done);
     void send(QDBusMessage call, std::function<void(const QString& answer)> done);
+    void hearError(const QDBusError& error);
+    /// What answered is not as the program answers: finds out who it was, and ends.
+    void blameAnswerer(const std::string& otherwise);
     void show();
     void askThenQuitAll();
     void askThenEndAnyway();
