@@ -183,6 +183,36 @@ TEST_F(BusNoticeTest, WhatTheUserPutAwayIsNeitherReplacedNorWithdrawn) {
     EXPECT_TRUE(heard().value(0).startsWith("show | "));
 }
 
+TEST_F(BusNoticeTest, TheNextServiceIsAskedAnewAndNeverByTheNumberOfTheLast) {
+    for (const bool isQuestion : {true, false}) {
+        if (isQuestion)
+            notice->wait("Note");
+        else
+            notice->tell("Note");
+        heard();
+        QDBusConnection(service.bus()).unregisterService("org.freedesktop.Notifications");
+        settleAll();
+        Service next(bus.connect());
+        const auto heardByNext = [&] {
+            settle({session.connection(), next.bus()});
+            return std::exchange(next.log, {});
+        };
+        EXPECT_EQ(heardByNext().size(), isQuestion ? 1 : 0);
+        service.emitSignal("ActionInvoked", 7, "cancel");
+        settleAll();
+        EXPECT_EQ(cancelled, 0) << "who showed it last speaks no more";
+        next.emitSignal("ActionInvoked", 7, "cancel");
+        heardByNext();
+        EXPECT_EQ(std::exchange(cancelled, 0), isQuestion ? 1 : 0);
+        notice->tell("Mail");
+        EXPECT_TRUE(heardByNext().value(0).startsWith(isQuestion ? "replace 7" : "show | "));
+        notice->notice.withdraw();
+        QDBusConnection(next.bus()).unregisterService("org.freedesktop.Notifications");
+        EXPECT_TRUE(QDBusConnection(service.bus()).registerService("org.freedesktop.Notifications"));
+        settleAll();
+    }
+}
+
 TEST_F(BusNoticeTest, SaysWhenTheServiceHasNoButtonsWhichItIsAskedOnce) {
     int unanswerable = 0;
     notice->wait("Note");

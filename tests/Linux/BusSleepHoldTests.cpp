@@ -116,6 +116,31 @@ TEST_F(BusSleepHoldTest, WhatIsGrantedTooLateIsGivenBack) {
     EXPECT_FALSE(hold->isHeldBySystem() || hold->isHeldBySession());
 }
 
+TEST_F(BusSleepHoldTest, OneThatHangsIsPassedOverAndItsGrantIsNeverForgotten) {
+    hold.emplace(session, system, 50);
+    gnome->isSlow = power.isSlow = true;
+    hold->begin("Plan", BusSleepHold::Against::idleSleep);
+    ASSERT_TRUE(waitUntil([&] { return power.log.size() == 1; }));
+    power.answer();
+    ASSERT_TRUE(waitUntil([&] { return hold->isHeldBySession(); }));
+    gnome->answer();
+    EXPECT_TRUE(waitUntil([&] { return gnome->log.size() == 2; }));
+    EXPECT_EQ(gnome->log.value(1), "Uninhibit | 42");
+    EXPECT_EQ(power.log.size(), 1);
+
+    // When both are late the first one that grants it has it.
+    hold->begin("Plan", BusSleepHold::Against::idleSleep);
+    ASSERT_TRUE(waitUntil([&] { return power.log.size() == 3; }));
+    linger(100);
+    EXPECT_FALSE(hold->isHeldBySession());
+    gnome->answer();
+    ASSERT_TRUE(waitUntil([&] { return hold->isHeldBySession(); }));
+    hold.reset();
+    EXPECT_TRUE(waitUntil([&] { return gnome->log.size() == 4; }));
+    power.answer();
+    EXPECT_TRUE(waitUntil([&] { return power.log.size() == 4; }));
+}
+
 TEST_F(BusSleepHoldTest, TheNextManagerIsAskedWhereOneRefusesAndNobodyIsMissed) {
     gnome->doesRefuse = login1.doesRefuse = true;
     hold->begin("Backup", BusSleepHold::Against::anySleep);

@@ -33,6 +33,7 @@ void BusNotice::show(const Content& content) {
 
 void BusNotice::withdraw() {
     wanted_.reset();
+    isLost_ = false;
     isTold_ = false;
     update();
 }
@@ -89,6 +90,7 @@ void BusNotice::send(const Content& content, const QString& text) {
     call << QStringLiteral("Velmor Quit") << shown_ << applicationId
          << QString::fromStdString(content.title) << text << actions << hints << expiry;
     isSending_ = true;
+    isLost_ = false;
     ask(call, [this](const QDBusMessage& reply) { hearReply(reply); });
 }
 
@@ -158,6 +160,8 @@ void BusNotice::listen() {
         return;
     bus_.connect({}, path, service, "ActionInvoked", this, SLOT(hearAction(QDBusMessage)));
     bus_.connect({}, path, service, "NotificationClosed", this, SLOT(hearClosed(QDBusMessage)));
+    bus_.connect({}, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged", {service},
+                 {}, this, SLOT(hearOwner(QDBusMessage)));
 }
 
 bool BusNotice::isOurs(const QDBusMessage& signal) const {
@@ -173,6 +177,20 @@ void BusNotice::hearAction(const QDBusMessage& signal) {
     const auto pressed = onButton;
     if (isOurs(signal) && isThere && pressed)
         pressed(id);
+}
+
+// The next service knows our number for something else, if at all: nothing of it may be replaced or
+// closed. A question that was still there is put again.
+void BusNotice::hearOwner(const QDBusMessage& signal) {
+    const QString owner = signal.arguments().value(2).toString();
+    if (signal.service() != "org.freedesktop.DBus" || (shown_ != 0 && owner == shownBy_))
+        return;
+    isLost_ = isLost_ || (shown_ != 0 && wanted_ && wanted_->stays);
+    shown_ = 0;
+    if (isLost_ && !owner.isEmpty()) {
+        isTold_ = false;
+        update();
+    }
 }
 
 // What the user put away doesn't come back by itself, but a number that has gone can't be replaced.

@@ -29,6 +29,7 @@ public:
 private Q_SLOTS:
     void hearAction(const QDBusMessage& signal);
     void hearClosed(const QDBusMessage& signal);
+    void hearOwner(const QDBusMessage& signal);
 
 private:
     /// Brings what the service shows in line with `wanted_`.
@@ -54,6 +55,8 @@ private:
     /// The number of the notice that is shown, 0 without one, and the service that shows it.
     uint shown_ = 0;
     QString shownBy_;
+    /// Whether what stays has gone with the service that showed it.
+    bool isLost_ = false;
     /// The service that has last told what it can do, and whether its notices have buttons.
     QString knownService_;
     bool hasButtons_ = false;

@@ -68,7 +68,7 @@ void NotifierItems::listen() {
     bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
                  this, SLOT(forget()));
     for (const char* signal : {"StatusNotifierItemRegistered", "StatusNotifierItemUnregistered"})
-        bus_.connect({}, path, service, signal, this, SLOT(hearItems()));
+        bus_.connect({}, path, service, signal, this, SLOT(hearItems(QDBusMessage)));
 }
 
 void NotifierItems::ask() {
@@ -92,6 +92,8 @@ void NotifierItems::ask() {
 // holds until the answer.
 void NotifierItems::hearList(const QDBusMessage& answer) {
     isAsking_ = false;
+    if (answer.type() == QDBusMessage::ReplyMessage)
+        owner_ = answer.service();
     std::map<QString, Item> items;
     const auto list = answer.arguments().value(0).value<QDBusVariant>().variant();
     for (const QString& entry : list.toStringList()) {
@@ -129,13 +131,16 @@ void NotifierItems::hearOwner(const QDBusMessage& signal) {
     if (signal.service() != busName)
         return;
     forget();
-    if (!signal.arguments().value(2).toString().isEmpty())
+    owner_ = signal.arguments().value(2).toString();
+    if (!owner_.isEmpty())
         ask();
 }
 
 // What the signals say of an icon differs between the watchers, the list hardly. Many icons come at
 // once when somebody logs in.
-void NotifierItems::hearItems() {
+void NotifierItems::hearItems(const QDBusMessage& signal) {
+    if (!owner_.isEmpty() && signal.service() != owner_)
+        return;
     isOutdated_ = true;
     if (!isAsking_)
         ask();
@@ -144,6 +149,7 @@ void NotifierItems::hearItems() {
 void NotifierItems::forget() {
     ++question_;
     isAsking_ = false;
+    owner_.clear();
     items_.clear();
 }
 

@@ -32,7 +32,7 @@ public:
 
 private Q_SLOTS:
     void hearOwner(const QDBusMessage& signal);
-    void hearItems();
+    void hearItems(const QDBusMessage& signal);
     void forget();
 
 private:
@@ -49,6 +49,7 @@ private:
     QDBusConnection bus_;
     /// By the names on the bus that have icons.
     std::map<QString, Item> items_;
+    QString owner_; ///< the watcher, by its unique name; empty until it is known
     unsigned question_ = 0; ///< the last one; answers to those before don't count
     bool isAsking_ = false;
     bool isOutdated_ = false; ///< the list has changed since it was asked for

@@ -38,7 +38,7 @@ void NotifierWatcher::listen() {
     bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
                  this, SLOT(hearDisconnected()));
     for (const char* signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
-        bus_.connect({}, path, service, signal, this, SLOT(hearHosts()));
+        bus_.connect({}, path, service, signal, this, SLOT(hearHosts(QDBusMessage)));
 }
 
 /// Empty when nobody has the name.
@@ -55,6 +55,8 @@ QString NotifierWatcher::askOwner() const {
 void NotifierWatcher::askForHosts() {
     constexpr int endlessly = std::numeric_limits<int>::max();
     const unsigned number = ++question_;
+    isAsking_ = true;
+    isOutdated_ = false;
     QDBusMessage question =
         QDBusMessage::createMethodCall(owner_, path, "org.freedesktop.DBus.Properties", "Get");
     question << service << "IsStatusNotifierHostRegistered";
@@ -69,6 +71,9 @@ void NotifierWatcher::askForHosts() {
 
 void NotifierWatcher::hearAnswer(const QDBusMessage& answer) {
     losingPatience_.reset();
+    isAsking_ = false;
+    if (isOutdated_ && !owner_.isEmpty())
+        askForHosts();
     const auto hasHost = answer.arguments().value(0).value<QDBusVariant>().variant();
     become(answer.type() == QDBusMessage::ReplyMessage && hasHost.toBool() ? owner_ : QString());
 }
@@ -83,10 +88,13 @@ void NotifierWatcher::hearOwner(const QDBusMessage& signal) {
         askForHosts();
 }
 
-// It may be the last one that has gone, or one of several. The watcher itself is asked, whoever
-// said so.
-void NotifierWatcher::hearHosts() {
-    if (!owner_.isEmpty())
+// It may be the last one that has gone, or one of several: the watcher is asked, and however often
+// it says so, once at a time.
+void NotifierWatcher::hearHosts(const QDBusMessage& signal) {
+    if (owner_.isEmpty() || signal.service() != owner_)
+        return;
+    isOutdated_ = true;
+    if (!isAsking_)
         askForHosts();
 }
 

@@ -32,7 +32,7 @@ public:
 
 private Q_SLOTS:
     void hearOwner(const QDBusMessage& signal);
-    void hearHosts();
+    void hearHosts(const QDBusMessage& signal);
     void hearDisconnected();
 
 private:
@@ -47,6 +47,8 @@ private:
     QString owner_;
     QString present_;
     unsigned question_ = 0; ///< the last one; answers to those before don't count
+    bool isAsking_ = false;
+    bool isOutdated_ = false; ///< somebody has come or gone since it was asked
     Handle losingPatience_;
 };
 

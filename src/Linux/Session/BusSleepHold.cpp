@@ -1,15 +1,18 @@
 #include "Linux/Session/BusSleepHold.h"
 
 #include <QDBusPendingCallWatcher>
+#include <QTimer>
 
 #include <iterator>
+#include <limits>
 #include <utility>
 
 namespace velmorquit {
 
 namespace {
 
-constexpr int patience = 3000;
+/// A grant that nobody hears any more would hold until the process ends.
+constexpr int endlessly = std::numeric_limits<int>::max();
 const QString who = QStringLiteral("Velmor Quit");
 
 } // namespace
@@ -53,7 +56,7 @@ void BusSleepHold::call(const PowerBus& bus, const QDBusMessage& message, const 
     if (!bus.problem().empty())
         return;
     // It outlives this object: what is granted then has to be given back.
-    auto* watcher = new QDBusPendingCallWatcher(bus.connection().asyncCall(message, patience));
+    auto* watcher = new QDBusPendingCallWatcher(bus.connection().asyncCall(message, endlessly));
     connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
             [answer](QDBusPendingCallWatcher* finished) {
                 finished->deleteLater();
@@ -102,19 +105,25 @@ void BusSleepHold::askSession(const Manager* manager) {
     } else {
         message << QString::fromStdString(reason_);
     }
+    const auto goOn = [this, manager, round = round_,
+                       isFirst = std::make_shared<bool>(true)](bool isWanted) {
+        if (std::exchange(*isFirst, false) && isWanted && round == round_ && !grant_)
+            askSession(std::next(manager));
+    };
+    QTimer::singleShot(patience_, this, [goOn] { goOn(true); });
     call(session_, message,
-         [this, alive = std::weak_ptr(alive_), bus = session_.connection(), manager,
+         [this, alive = std::weak_ptr(alive_), bus = session_.connection(), manager, goOn,
           round = round_](const QDBusMessage& reply) {
              const bool isGranted = reply.type() == QDBusMessage::ReplyMessage;
              const Grant grant{manager, reply.service(), reply.arguments().value(0).toUInt()};
-             if (alive.expired() || round != round_) {
+             if (alive.expired() || round != round_ || grant_) {
                  if (isGranted)
                      giveBack(bus, grant);
-             } else if (isGranted) {
-                 grant_ = grant;
-             } else {
-                 askSession(std::next(manager));
+                 return;
              }
+             if (isGranted)
+                 grant_ = grant;
+             goOn(!isGranted);
          });
 }
 

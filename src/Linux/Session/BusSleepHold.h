@@ -27,12 +27,13 @@ public:
         anySleep,  ///< also one that somebody asks for
     };
 
-    /// Both buses outlive it.
-    BusSleepHold(const PowerBus& session, const PowerBus& system)
-        : session_(session), system_(system) {}
+    /// Both buses outlive it. `patience` is in milliseconds.
+    BusSleepHold(const PowerBus& session, const PowerBus& system, int patience = 3000)
+        : session_(session), system_(system), patience_(patience) {}
     ~BusSleepHold() override;
 
-    /// Asks for the hold and returns at once; who doesn't answer within three seconds is given up.
+    /// Asks for the hold and returns at once. For who doesn't answer in time the next one is asked;
+    /// what is granted all the same is taken when nobody else has, and given back otherwise.
     /// `reason` is told to a user who wants the computer to sleep. A hold from before ends.
     void begin(const std::string& reason, Against against);
     /// What is answered after this is given back.
@@ -55,7 +56,7 @@ private:
     };
     using Answer = std::function<void(const QDBusMessage&)>;
 
-    void call(const PowerBus& bus, const QDBusMessage& message, const Answer& answer);
+    static void call(const PowerBus& bus, const QDBusMessage& message, const Answer& answer);
     void askSystem();
     /// Asks the managers from this one on, until one grants it.
     void askSession(const Manager* manager);
@@ -65,6 +66,7 @@ private:
 
     const PowerBus& session_;
     const PowerBus& system_;
+    int patience_;
     std::string reason_;
     Against against_ = Against::idleSleep;
     /// Counts begins and ends: an answer to a call from before another one is too late.
