@@ -6,6 +6,7 @@
 #include "Linux/Applications/LinuxWindows.h"
 #include "Linux/Applications/LinuxWorkspace.h"
 #include "Linux/Autostart/AutostartEntry.h"
+#include "Linux/DBus/BusBacklog.h"
 #include "Linux/DBus/BusCommands.h"
 #include "Linux/DBus/BusNotice.h"
 #include "Linux/DBus/BusQuit.h"
@@ -78,7 +79,7 @@ void hear(QtMsgType type, const QMessageLogContext& context, const QString& mess
     const bool isDisplayGone = message.startsWith(QLatin1String("The X11 connection broke"));
     if (isDisplayGone)
         JournalLog().write("Velmor Quit: senza server X11 non posso continuare, termino");
-    else if (usualHandler)
+    else if (usualHandler && JournalLog::isRoomForLine())
         usualHandler(type, context, QString::fromStdString(shownText(message.toStdString())));
 }
 
@@ -226,6 +227,7 @@ int run(int argc, char** argv) {
     if (argc > 1)
         log.write(StartSwitches::unknownLine({argv + 1, argv + argc}));
 
+    limitBacklog(QDBusConnection::sessionBus());
     BusCommands commands(log);
     const Start start = handOver(commands, log, platformData);
     if (start.status)
@@ -270,6 +272,8 @@ int run(int argc, char** argv) {
     const auto environment = PowerBus::Environment::ofThisProcess();
     PowerBus sessionBus = PowerBus::session(environment);
     PowerBus systemBus = PowerBus::system(environment);
+    limitBacklog(sessionBus.connection());
+    limitBacklog(systemBus.connection());
     BusEndService endService(sessionBus, systemBus,
                              {qEnvironmentVariable("XDG_SESSION_ID").toStdString()});
     BusSessionRegistry registry(sessionBus, systemBus, {});
@@ -283,7 +287,7 @@ int run(int argc, char** argv) {
     BusNotice endNotice(sessionBus.connection());
     BusNotice runNotice(sessionBus.connection());
     X11WindowSystem windowSystem(loop, faceEvents);
-    const DesktopAppearance appearance(loop, faceBus, faceEvents);
+    const DesktopAppearance appearance(faceBus, faceEvents);
     const DesktopTrayHosts trayHosts(loop, faceBus, faceEvents);
     AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program,
                           language.formats(), volumes, sessionEnd, sleepHold, children, files,

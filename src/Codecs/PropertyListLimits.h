@@ -9,8 +9,9 @@
 /// a few bytes of the binary form can stand for more values than any memory holds.
 namespace velmorquit::PropertyList {
 
-/// Bytes of a list that is read at all.
-inline constexpr std::size_t largestList = 16 << 20;
+/// Bytes of a list that is read at all: preferences are some kilobytes, ten thousand backups two
+/// million.
+inline constexpr std::size_t largestList = 4 << 20;
 /// Arrays and dictionaries around a value, at most. What lies deeper is left out.
 inline constexpr int deepestNesting = 100;
 /// Values in one list, keys among them, at most.

@@ -2,9 +2,9 @@
 
 #include "Linux/DBus/PortalSettings.h"
 #include "Linux/DesktopLook.h"
+#include "Linux/Paced.h"
 #include "Linux/X11/XSettings.h"
 #include "Platform/Appearance.h"
-#include "Platform/MainLoop.h"
 #include "Platform/Subscribers.h"
 
 namespace velmorquit {
@@ -13,8 +13,8 @@ namespace velmorquit {
 /// at once, and its portal, which is asked without waiting.
 class DesktopAppearance final : public Appearance {
 public:
-    /// `bus` is the session bus, connected or not. The loop and the events outlive it.
-    DesktopAppearance(MainLoop& loop, const QDBusConnection& bus, X11Events& events);
+    /// `bus` is the session bus, connected or not. The events outlive it.
+    DesktopAppearance(const QDBusConnection& bus, X11Events& events);
 
     [[nodiscard]] bool isHighContrast() const override { return look_.isHighContrast; }
     [[nodiscard]] bool isMotionReduced() const override { return look_.isMotionReduced; }
@@ -26,8 +26,8 @@ public:
 private:
     void update();
 
-    MainLoop& loop_;
     mutable Subscribers observers_;
+    Paced changes_;
     PortalSettings portal_;
     XSettings manager_;
     DesktopLook look_;

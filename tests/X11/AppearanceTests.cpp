@@ -26,7 +26,7 @@ TEST_F(AppearanceTest, FollowsTheSettingsManagerThroughItsLife) {
     manager->say("HighContrast", 1);
     manager->begin();
     ASSERT_TRUE(waitUntil([&] { return ownerOf("_XSETTINGS_S0") == manager->window; }));
-    const DesktopAppearance look(loop, QDBusConnection("no bus"), events);
+    const DesktopAppearance look(QDBusConnection("no bus"), events);
     EXPECT_TRUE(look.isHighContrast()) << "known from the start on";
     int changes = 0;
     const Handle watch = look.observe([&] { ++changes; });
@@ -66,7 +66,7 @@ TEST_F(AppearanceTest, HearsThePortalBeforeTheSettingsManager) {
     Manager manager;
     manager.say("Adwaita-dark", 1);
     manager.begin();
-    const DesktopAppearance look(loop, QDBusConnection::sessionBus(), events);
+    const DesktopAppearance look(QDBusConnection::sessionBus(), events);
     EXPECT_TRUE(waitUntil([&] { return look.isDark() && look.isHighContrast(); }));
     portal.change(group, "color-scheme", 2U);
     EXPECT_TRUE(waitUntil([&] { return !look.isDark(); }));

@@ -1,11 +1,23 @@
 #include "Linux/Applications/LinuxWorkspace.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <utility>
 
 #include <unistd.h>
 
 namespace velmorquit {
+
+namespace {
+
+/// A program has a handful of identities; one whose windows change theirs all the time must not be
+/// looked up for ever, nor remembered under all of them.
+constexpr std::size_t mostIdentities = 64;
+
+bool isThere(ProcessId id) { return ::kill(id, 0) == 0 || errno == EPERM; }
+
+} // namespace
 
 LinuxWorkspace::LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source,
                                const Means& means)
@@ -33,7 +45,7 @@ std::vector<std::shared_ptr<RunningApplication>> LinuxWorkspace::runningApplicat
 Sight LinuxWorkspace::sight() {
     if (hasAnotherDisplay_ && hasAnotherDisplay_())
         return Sight::anotherDisplay;
-    return source_.seesAll() ? Sight::all : Sight::noWindowList;
+    return source_.seesAll() && !lacksDescriptors_ ? Sight::all : Sight::noWindowList;
 }
 
 std::shared_ptr<const LinuxApplication> LinuxWorkspace::application(ProcessId id) const {
@@ -88,6 +100,7 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
     std::set<ProcessId> owners;
     std::set<ProcessId> ownersOfAny;
     ProcessId focusedProcess = 0;
+    lacksDescriptors_ = false;
     for (const Toplevel& toplevel : toplevels) {
         if (toplevel.window == source_.focusedWindow())
             focusedProcess = toplevel.process;
@@ -173,7 +186,7 @@ void LinuxWorkspace::admit(const Toplevel& toplevel, std::set<WorkspaceEvent>& e
     if (Member* member = known(id)) {
         if (member->settling.isSet() && improve(*member, toplevel))
             events.insert(WorkspaceEvent::policyChanged);
-        if (member->shown.insert(toplevel.identity).second)
+        if (member->shown.size() < mostIdentities && member->shown.insert(toplevel.identity).second)
             member->application->addIdentity(entries_.identify(toplevel.identity, id));
         return;
     }
@@ -182,6 +195,8 @@ void LinuxWorkspace::admit(const Toplevel& toplevel, std::set<WorkspaceEvent>& e
             removeEndedLater();
     });
     // The window's own process may have ended since it was listed, and its id may be another's now.
+    if (!process)
+        lacksDescriptors_ |= isThere(id);
     if (!process || !source_.belongsTo(toplevel.window, id))
         return;
     const ProcessOrigin origin = originOf(id, proc_, windowOwners());
@@ -212,7 +227,8 @@ void LinuxWorkspace::admit(const Toplevel& toplevel, std::set<WorkspaceEvent>& e
 /// Whether it is better known by what the window and the unit say now.
 bool LinuxWorkspace::improve(Member& member, const Toplevel& toplevel) {
     auto entries = entriesOf(toplevel.process, proc_, windowOwners());
-    if (!member.lookedUp.emplace(toplevel.identity, entries).second)
+    if (member.lookedUp.size() >= mostIdentities ||
+        !member.lookedUp.emplace(toplevel.identity, entries).second)
         return false;
     LinuxApplication& application = *member.application;
     const Identity identity =

@@ -104,6 +104,8 @@ private:
     ProcDirectory proc_;
     /// In the order in which they appeared.
     std::vector<Member> members_;
+    /// A process that is there can't be held on to: applications are missing among the members.
+    bool lacksDescriptors_ = false;
     std::weak_ptr<LinuxApplication> frontmost_;
     std::array<Subscribers, 4> observers_;
     Handle watching_;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include <unistd.h>
+
 namespace velmorquit {
 
 namespace {
@@ -20,13 +22,15 @@ constexpr int mostLooks = 10;
 
 std::optional<StayReason> WorkspaceWindows::obstacle(ProcessId process) {
     if (hasJob(process))
-        return StayReason::busyTerminal;
+        return knowsProcesses_ ? StayReason::busyTerminal : StayReason::cannotBeAsked;
     return windowsToClose(process).empty() ? std::optional(StayReason::cannotBeAsked)
                                            : std::nullopt;
 }
 
 void WorkspaceWindows::askToClose(ProcessId process) {
     look();
+    if (!knowsProcesses_)
+        return;
     if (hasTerminal(process, table_, facts()))
         askAtRest(process, mostLooks, terminalsRest(process, table_, facts()));
     else
@@ -106,7 +110,7 @@ bool WorkspaceWindows::isDeaf(ProcessId process) {
 
 bool WorkspaceWindows::hasJob(ProcessId process) {
     look();
-    return hasTerminalJob(process, table_, facts());
+    return !knowsProcesses_ || hasTerminalJob(process, table_, facts());
 }
 
 std::vector<std::uint64_t> WorkspaceWindows::windowsToClose(ProcessId process) const {
@@ -124,6 +128,8 @@ void WorkspaceWindows::look() {
     if (lookedAt_ && now - *lookedAt_ <= sharedLook)
         return;
     table_ = readProcessTable();
+    // It takes descriptors. Without them nobody knows what runs in a terminal.
+    knowsProcesses_ = std::ranges::find(table_, ::getpid(), &ProcessStat::id) != table_.end();
     owners_.clear();
     for (const Toplevel& toplevel : source_.toplevels())
         owners_.insert(toplevel.process);

@@ -59,6 +59,7 @@ private:
     ToplevelSource& source_;
     Means means_;
     std::vector<ProcessStat> table_;
+    bool knowsProcesses_ = false; ///< whether the table could be read
     std::set<ProcessId> owners_;
     std::optional<Uptime> lookedAt_;
     std::map<ProcessId, Handle> asking_;

@@ -41,9 +41,8 @@ void BusCallers::find(const QString& connection, std::function<void(const Remote
 RemoteCaller BusCallers::callerOf(const QVariantMap& credentials) const {
     const auto process = static_cast<ProcessId>(credentials.value("ProcessID").toUInt());
     const QByteArray label = credentials.value("LinuxSecurityLabel").toByteArray();
-    const Confinement found =
-        confinementOf(process, {label.constData(), static_cast<std::size_t>(label.size())},
-                      ProcDirectory(proc_));
+    const Confinement found = confinementOf(
+        process, {label.constData(), static_cast<std::size_t>(label.size())}, ProcDirectory(proc_));
     // Newer buses hold on to the process. It is looked at last: what was read is of that one then.
     const auto held = credentials.value("ProcessFD").value<QDBusUnixFileDescriptor>();
     if (held.isValid() && hasEnded(held))

@@ -7,6 +7,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
+#include <ctime>
 #include <utility>
 
 namespace velmorquit {
@@ -30,6 +31,27 @@ const char* errorOf(RemoteAnswer::Status status) {
     }
     return nullptr;
 }
+
+/// In bytes, with all arguments: names of applications and tokens are the longest of them.
+constexpr std::size_t longestCommand = 64 << 10;
+
+std::size_t sizeOf(const RemoteCommand& command) {
+    std::size_t size = command.verb.size();
+    for (const std::string& argument : command.arguments)
+        size += sizeof(argument) + argument.size();
+    return size;
+}
+
+Duration clock(clockid_t id) {
+    timespec time{};
+    ::clock_gettime(id, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+Uptime uptime() { return {clock(CLOCK_MONOTONIC)}; }
+
+/// Of this thread.
+Duration processorTime() { return clock(CLOCK_THREAD_CPUTIME_ID); }
 
 } // namespace
 
@@ -66,8 +88,8 @@ BusCommands::Holder BusCommands::holder() {
     if (holder.isThisProgram)
         return holder;
     // One that was started with a sandbox around it speaks through a broker.
-    QDBusMessage status = QDBusMessage::createMethodCall(
-        service, path, "org.velmorquit.VelmorQuit1", "Perform");
+    QDBusMessage status =
+        QDBusMessage::createMethodCall(service, path, "org.velmorquit.VelmorQuit1", "Perform");
     status.setAutoStartService(false);
     status << QStringLiteral("status") << QStringList();
     const QDBusMessage answer = bus_.call(status, QDBus::Block, ofHolder);
@@ -107,22 +129,32 @@ void BusCommands::announce(std::string_view change) {
     Q_EMIT Changed(QString::fromUtf8(change.data(), static_cast<qsizetype>(change.size())));
 }
 
-void BusCommands::take(RemoteCommand command, const QString& connection,
-                       const Answered& answered) {
-    if (!handler_.answer) {
-        answered({RemoteAnswer::Status::refused,
-                  localized("Velmor Quit non è pronta: riprova tra un attimo.")});
-        return;
-    }
-    if (!handler_.mattersWhose(command)) {
-        answered(handler_.answer(command));
-        return;
-    }
-    callers_.find(connection, [this, command = std::move(command),
+// To cancel costs next to nothing and must always be possible.
+void BusCommands::take(RemoteCommand command, const QString& connection, const Answered& answered) {
+    const auto refuse = [&](const std::string& why) {
+        answered({RemoteAnswer::Status::refused, why});
+    };
+    if (!handler_.answer)
+        return refuse(localized("Velmor Quit non è pronta: riprova tra un attimo."));
+    if (sizeOf(command) > longestCommand)
+        return refuse(localized("Il comando è troppo lungo."));
+    if (command.verb != "cancel" && !budget_.allows(connection.toStdString(), uptime()))
+        return refuse(localized("Velmor Quit riceve troppi comandi: riprova fra poco."));
+    if (!handler_.mattersWhose(command))
+        return perform(command, connection, answered);
+    callers_.find(connection, [this, command = std::move(command), connection,
                                answered](const RemoteCaller& caller) mutable {
         command.caller = caller;
-        answered(handler_.answer(command));
+        perform(command, connection, answered);
     });
+}
+
+void BusCommands::perform(const RemoteCommand& command, const QString& connection,
+                          const Answered& answered) {
+    const Duration before = processorTime();
+    answered(handler_.answer(command));
+    budget_.charge(connection.toStdString(), uptime(), processorTime() - before);
+}
 }
 
 QString BusCommands::Perform(const QString& verb, const QStringList& arguments) {

@@ -2,6 +2,7 @@
 
 #include "Linux/DBus/ApplicationInterface.h"
 #include "Linux/DBus/BusCallers.h"
+#include "Linux/DBus/CallBudget.h"
 #include "Platform/RemoteCommands.h"
 #include "Platform/RunningApplication.h"
 #include "Platform/SystemLog.h"
@@ -58,8 +59,9 @@ public:
     void announce(std::string_view change) override;
 
 public Q_SLOTS:
-    /// Does what `verb` says and returns a JSON text. Errors: `….Error.Refused`, `….Error.Unknown`
-    /// and, when the user is asked first because the caller is in a sandbox, `….Error.Asking`.
+    /// Does what `verb` says and returns a JSON text. Errors: `….Error.Refused`, also for whoever
+    /// calls too often or with too much, `….Error.Unknown` and, when the user is asked first
+    /// because the caller is in a sandbox, `….Error.Asking`.
     Q_SCRIPTABLE QString Perform(const QString& verb, const QStringList& arguments);
 
 Q_SIGNALS:
@@ -74,6 +76,7 @@ private:
 
     /// Has the command carried out that `connection` gave: at once, unless it matters whose it is.
     void take(RemoteCommand command, const QString& connection, const Answered& answered);
+    void perform(const RemoteCommand& command, const QString& connection, const Answered& answered);
 
     SystemLog& log_;
     QDBusServiceWatcher waiting_;
@@ -83,6 +86,7 @@ private:
     ApplicationInterface application_{
         this, [this](const RemoteCommand& command, const QString& connection,
                      const Answered& answered) { take(command, connection, answered); }};
+    CallBudget budget_;
 };
 
 } // namespace velmorquit

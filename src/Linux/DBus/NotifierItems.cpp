@@ -15,6 +15,9 @@ const QString path = QStringLiteral("/StatusNotifierWatcher");
 const QString busName = QStringLiteral("org.freedesktop.DBus");
 const QString busPath = QStringLiteral("/org/freedesktop/DBus");
 
+/// A list of icons that changes all the time is asked for no oftener than this.
+constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(100)};
+
 /// An entry is a name on the bus, which most watchers let the path of the icon's object follow,
 /// some of them after an "@".
 struct Entry {
@@ -33,7 +36,13 @@ Entry parsed(const QString& entry) {
 
 } // namespace
 
-NotifierItems::NotifierItems(QDBusConnection bus) : bus_(std::move(bus)) {
+NotifierItems::NotifierItems(QDBusConnection bus)
+    : bus_(std::move(bus)), questions_(pace, [this] {
+          if (isAsking_)
+              isOutdated_ = true;
+          else
+              ask();
+      }) {
     if (!bus_.isConnected())
         return;
     listen();
@@ -97,16 +106,16 @@ void NotifierItems::hearList(const QDBusMessage& answer) {
     std::map<QString, Item> items;
     const auto list = answer.arguments().value(0).value<QDBusVariant>().variant();
     for (const QString& entry : list.toStringList()) {
+        if (items.size() == mostItems)
+            break;
         const auto [name, path] = parsed(entry);
         const auto known = items_.find(name);
         if (!name.isEmpty())
             items.emplace(name, Item{known == items_.end() ? 0 : known->second.process, path});
     }
     items_ = std::move(items);
-    if (isOutdated_) {
-        ask();
-        return;
-    }
+    if (isOutdated_)
+        questions_.ask();
     for (const auto& [name, item] : items_)
         askProcess(name);
 }
@@ -133,17 +142,14 @@ void NotifierItems::hearOwner(const QDBusMessage& signal) {
     forget();
     owner_ = signal.arguments().value(2).toString();
     if (!owner_.isEmpty())
-        ask();
+        questions_.ask();
 }
 
 // What the signals say of an icon differs between the watchers, the list hardly. Many icons come at
 // once when somebody logs in.
 void NotifierItems::hearItems(const QDBusMessage& signal) {
-    if (!owner_.isEmpty() && signal.service() != owner_)
-        return;
-    isOutdated_ = true;
-    if (!isAsking_)
-        ask();
+    if (owner_.isEmpty() || signal.service() == owner_)
+        questions_.ask();
 }
 
 void NotifierItems::forget() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Linux/Paced.h"
 #include "Platform/RunningApplication.h"
 
 #include <QDBusConnection>
@@ -18,6 +19,9 @@ class NotifierItems final : public QObject {
     Q_OBJECT
 
 public:
+    /// Of a longer list the rest is left out: no desktop has room for so many.
+    static constexpr std::size_t mostItems = 256;
+
     /// Asks the watcher at once, without waiting, and whenever the list changes. Nobody is started
     /// in order to be asked.
     explicit NotifierItems(QDBusConnection bus);
@@ -49,10 +53,11 @@ private:
     QDBusConnection bus_;
     /// By the names on the bus that have icons.
     std::map<QString, Item> items_;
-    QString owner_; ///< the watcher, by its unique name; empty until it is known
+    QString owner_;         ///< the watcher, by its unique name; empty until it is known
     unsigned question_ = 0; ///< the last one; answers to those before don't count
     bool isAsking_ = false;
     bool isOutdated_ = false; ///< the list has changed since it was asked for
+    Paced questions_;
 };
 
 } // namespace velmorquit

@@ -3,7 +3,6 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 
-#include <limits>
 #include <utility>
 
 namespace velmorquit {
@@ -15,10 +14,17 @@ const QString path = QStringLiteral("/StatusNotifierWatcher");
 const QString busName = QStringLiteral("org.freedesktop.DBus");
 const QString busPath = QStringLiteral("/org/freedesktop/DBus");
 
+/// The watcher is asked for every change that somebody says there was, but no oftener than this.
+constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(100)};
+
 } // namespace
 
 NotifierWatcher::NotifierWatcher(MainLoop& loop, QDBusConnection bus, std::function<void()> changed)
-    : bus_(std::move(bus)), changed_(std::move(changed)) {
+    : bus_(std::move(bus)), changed_(std::move(changed)), questions_(pace, [this] {
+          isOutdated_ = true;
+          if (!owner_.isEmpty() && !isAsking_)
+              askForHosts();
+      }) {
     if (!bus_.isConnected())
         return;
     listen();
@@ -53,7 +59,8 @@ QString NotifierWatcher::askOwner() const {
 }
 
 void NotifierWatcher::askForHosts() {
-    constexpr int endlessly = std::numeric_limits<int>::max();
+    // In ms: the answer counts however late it comes, but what is never answered piles up.
+    constexpr int endlessly = 600'000;
     const unsigned number = ++question_;
     isAsking_ = true;
     isOutdated_ = false;
@@ -72,8 +79,8 @@ void NotifierWatcher::askForHosts() {
 void NotifierWatcher::hearAnswer(const QDBusMessage& answer) {
     losingPatience_.reset();
     isAsking_ = false;
-    if (isOutdated_ && !owner_.isEmpty())
-        askForHosts();
+    if (isOutdated_)
+        questions_.ask();
     const auto hasHost = answer.arguments().value(0).value<QDBusVariant>().variant();
     become(answer.type() == QDBusMessage::ReplyMessage && hasHost.toBool() ? owner_ : QString());
 }
@@ -83,19 +90,16 @@ void NotifierWatcher::hearOwner(const QDBusMessage& signal) {
         return;
     losingPatience_.reset();
     owner_ = signal.arguments().value(2).toString();
+    ++question_;
+    isAsking_ = false;
     become({});
-    if (!owner_.isEmpty())
-        askForHosts();
+    questions_.ask();
 }
 
-// It may be the last one that has gone, or one of several: the watcher is asked, and however often
-// it says so, once at a time.
+// It may be the last one that has gone, or one of several: the watcher is asked.
 void NotifierWatcher::hearHosts(const QDBusMessage& signal) {
-    if (owner_.isEmpty() || signal.service() != owner_)
-        return;
-    isOutdated_ = true;
-    if (!isAsking_)
-        askForHosts();
+    if (!owner_.isEmpty() && signal.service() == owner_)
+        questions_.ask();
 }
 
 void NotifierWatcher::hearDisconnected() {

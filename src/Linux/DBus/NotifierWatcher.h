@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Linux/Paced.h"
 #include "Platform/MainLoop.h"
 
 #include <QDBusConnection>
@@ -50,6 +51,7 @@ private:
     bool isAsking_ = false;
     bool isOutdated_ = false; ///< somebody has come or gone since it was asked
     Handle losingPatience_;
+    Paced questions_;
 };
 
 } // namespace velmorquit

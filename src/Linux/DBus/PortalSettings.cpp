@@ -17,6 +17,9 @@ const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString settings = QStringLiteral("org.freedesktop.portal.Settings");
 
+/// A portal that comes and goes is asked no oftener than this.
+constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(200)};
+
 std::string fullName(const QString& group, const QString& key) {
     return (group + ' ' + key).toStdString();
 }
@@ -40,7 +43,8 @@ std::optional<DesktopSettings::mapped_type> settingOf(const QVariant& value) {
 
 PortalSettings::PortalSettings(QDBusConnection bus, std::set<std::string> wanted,
                                std::function<void()> changed)
-    : bus_(std::move(bus)), wanted_(std::move(wanted)), changed_(std::move(changed)) {
+    : bus_(std::move(bus)), wanted_(std::move(wanted)), changed_(std::move(changed)),
+      questions_(pace, [this] { ask(); }) {
     if (!bus_.isConnected())
         return;
     listen();
@@ -102,8 +106,9 @@ void PortalSettings::hearOwner(const QDBusMessage& signal) {
     if (signal.service() != "org.freedesktop.DBus")
         return;
     owner_.clear();
+    ++question_;
     if (!signal.arguments().value(2).toString().isEmpty())
-        ask();
+        questions_.ask();
 }
 
 // What comes before the answer is in the answer.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Linux/DesktopSettings.h"
+#include "Linux/Paced.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -40,7 +41,8 @@ private:
     std::set<std::string> wanted_;
     std::function<void()> changed_;
     DesktopSettings values_;
-    QString owner_;         ///< whose values these are, by its unique name
+    QString owner_; ///< whose values these are, by its unique name
+    Paced questions_;
     unsigned question_ = 0; ///< the last one; answers to those before don't count
 };
 

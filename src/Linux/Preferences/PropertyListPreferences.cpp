@@ -21,6 +21,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
+/// However often others write the file, it is read no oftener than this.
+constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(200)};
+
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
 fs::path withSuffix(fs::path file, std::string_view suffix) {
@@ -28,7 +31,7 @@ fs::path withSuffix(fs::path file, std::string_view suffix) {
     return file;
 }
 
-/// All of it, or the first part of what is too large to be read as a list.
+/// All of it; of what has grown too large for a list meanwhile the first part.
 std::optional<std::string> readAll(int descriptor) {
     std::string text;
     std::array<char, 16384> part;
@@ -77,6 +80,10 @@ struct PropertyListPreferences::Contents {
             state = errno == ENOENT ? State::missing : State::unreadable;
             return;
         }
+        if (status.st_size > static_cast<off_t>(PropertyList::largestList)) {
+            error = std::make_error_code(std::errc::file_too_large);
+            return;
+        }
         const auto text = readAll(opened.get());
         if (!text || !S_ISREG(status.st_mode)) {
             error = text ? std::make_error_code(std::errc::invalid_argument) : lastError();
@@ -109,8 +116,8 @@ struct PropertyListPreferences::Sync {
 };
 
 PropertyListPreferences::PropertyListPreferences(MainLoop& loop, SystemLog& log, fs::path file)
-    : loop_(loop), log_(log), file_(std::move(file)),
-      watch_(std::make_unique<FileWatch>([this] { noticeEdit(); })) {
+    : loop_(loop), log_(log), file_(std::move(file)), edits_(pace, [this] { noticeEdit(); }),
+      watch_(std::make_unique<FileWatch>([this] { edits_.ask(); })) {
     start();
 }
 
@@ -202,13 +209,20 @@ void PropertyListPreferences::adopt(Contents contents) {
     isReadFailureTold_ = false;
 }
 
-std::error_code PropertyListPreferences::setAside(const fs::path& file) const {
+// Who damages them again and again must not fill the disk: what is there then is left alone.
+std::error_code PropertyListPreferences::setAside(const fs::path& file) {
+    constexpr int most = 20;
+    if (setAside_ == most)
+        return std::make_error_code(std::errc::invalid_argument);
     const fs::path wanted = withSuffix(file, ".damaged-" + utcStamp(loop_.now()));
     fs::path name = wanted;
     struct stat taken{};
     for (int number = 2; lstat(name.c_str(), &taken) == 0; ++number)
         name = withSuffix(wanted, "-" + std::to_string(number));
-    return rename(file.c_str(), name.c_str()) == 0 ? std::error_code() : lastError();
+    if (rename(file.c_str(), name.c_str()) != 0)
+        return lastError();
+    ++setAside_;
+    return {};
 }
 
 void PropertyListPreferences::reportDamage(std::string_view consequence) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Linux/Paced.h"
 #include "Platform/MainLoop.h"
 #include "Platform/Preferences.h"
 #include "Platform/Subscribers.h"
@@ -40,6 +41,8 @@ class FileWatch;
 /// Other programs' edits are taken over when they are made (for a directory that exists), at the
 /// latest before the next write; changes of ours that are not written yet prevail. A damaged edit
 /// is set aside and the file written again; a removed file is written again with the next change.
+/// At most 20 are set aside; the next one is left as it is and counts as one that can't be read, as
+/// does one of more than 4 MiB.
 ///
 /// For the main thread, with a QCoreApplication.
 class PropertyListPreferences final : public Preferences {
@@ -78,7 +81,7 @@ private:
     void noticeEdit();
     bool catchUp();
     void adopt(Contents contents);
-    [[nodiscard]] std::error_code setAside(const std::filesystem::path& file) const;
+    [[nodiscard]] std::error_code setAside(const std::filesystem::path& file);
     void reportDamage(std::string_view consequence);
     void reportOnce(bool& isTold, std::string_view what, std::error_code error);
 
@@ -92,7 +95,9 @@ private:
     std::filesystem::path file_;
     Value::Dictionary values_;
     Subscribers observers_;
+    Paced edits_;
     std::unique_ptr<FileWatch> watch_;
+    int setAside_ = 0; ///< how many damaged files since the start
 
     /// What was changed here and is not in the file yet; none for a removed key.
     std::map<std::string, std::optional<Value>, std::less<>> unwritten_;

@@ -4,9 +4,17 @@
 
 namespace velmorquit {
 
+namespace {
+
+/// With every change of hosts the icon is made anew.
+constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(300)};
+
+} // namespace
+
 DesktopTrayHosts::DesktopTrayHosts(MainLoop& loop, const QDBusConnection& bus, X11Events& events)
-    : loop_(loop), request_(events.connection().atom("_NET_SYSTEM_TRAY_OPCODE")),
-      notifier_(loop, bus, [this] { observers_.tellLater(loop_); }),
+    : request_(events.connection().atom("_NET_SYSTEM_TRAY_OPCODE")),
+      changes_(pace, [this] { observers_.tell(); }),
+      notifier_(loop, bus, [this] { changes_.ask(); }),
       embedding_(events, "_NET_SYSTEM_TRAY_S", [this] { noteEmbedding(); }) {}
 
 TrayHost DesktopTrayHosts::present() const {
@@ -38,7 +46,7 @@ void DesktopTrayHosts::takeIn(std::uint64_t window) const {
 // Beside a notifier it makes no difference.
 void DesktopTrayHosts::noteEmbedding() {
     if (notifier_.presentOne().isEmpty())
-        observers_.tellLater(loop_);
+        changes_.ask();
 }
 
 } // namespace velmorquit

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Linux/DBus/NotifierWatcher.h"
+#include "Linux/Paced.h"
 #include "Linux/X11/X11Selection.h"
 #include "Platform/MainLoop.h"
 #include "Platform/Subscribers.h"
@@ -29,9 +30,9 @@ public:
 private:
     void noteEmbedding();
 
-    MainLoop& loop_;
     xcb_atom_t request_;
     mutable Subscribers observers_;
+    Paced changes_;
     NotifierWatcher notifier_;
     X11Selection embedding_;
 };

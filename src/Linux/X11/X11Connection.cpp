@@ -7,8 +7,18 @@ namespace velmorquit {
 
 namespace {
 
-/// In units of four bytes. More than any list of windows, states or protocols in use.
-constexpr std::uint32_t longestProperty = 65536;
+/// The length without the beginning of a UTF-8 character whose end is missing.
+std::size_t lengthOfWholeCharacters(std::string_view text) {
+    constexpr std::size_t longest = 4;
+    for (std::size_t back = 1; back <= std::min(longest, text.size()); ++back) {
+        const auto byte = static_cast<unsigned char>(text[text.size() - back]);
+        if ((byte & 0xC0) == 0x80)
+            continue;
+        const std::size_t length = byte < 0xC0 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+        return length > back ? text.size() - back : text.size();
+    }
+    return text.size();
+}
 
 } // namespace
 
@@ -48,16 +58,20 @@ xcb_atom_t X11Connection::atom(const std::string& name) {
     return atom;
 }
 
-xcb_get_property_cookie_t X11Connection::request(xcb_window_t window, const std::string& name) {
-    return xcb_get_property(get(), 0, window, atom(name), XCB_ATOM_ANY, 0, longestProperty);
+xcb_get_property_cookie_t X11Connection::request(xcb_window_t window, const std::string& name,
+                                                 std::uint32_t most) {
+    return xcb_get_property(get(), 0, window, atom(name), XCB_ATOM_ANY, 0, most);
 }
 
 std::string X11Connection::bytes(xcb_get_property_cookie_t cookie) {
     const auto reply = owned(xcb_get_property_reply(get(), cookie, nullptr));
     if (!reply || reply->format != 8)
         return {};
-    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
-            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+    const std::string_view text(
+        static_cast<const char*>(xcb_get_property_value(reply.get())),
+        static_cast<std::size_t>(xcb_get_property_value_length(reply.get())));
+    return std::string(
+        text.substr(0, reply->bytes_after > 0 ? lengthOfWholeCharacters(text) : text.size()));
 }
 
 std::vector<std::uint32_t> X11Connection::numbers(xcb_get_property_cookie_t cookie) {

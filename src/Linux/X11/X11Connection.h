@@ -29,10 +29,18 @@ public:
     /// The atom of that name; asks the server the first time.
     [[nodiscard]] xcb_atom_t atom(const std::string& name);
 
-    /// Sends the request for a property without waiting for the answer.
-    [[nodiscard]] xcb_get_property_cookie_t request(xcb_window_t window, const std::string& name);
+    /// In units of four bytes, how much is read of a property: a text that a person reads, and a
+    /// list of atoms or numbers. What programs put there has no bounds.
+    static constexpr std::uint32_t longestText = 1024;
+    static constexpr std::uint32_t longestList = 65536;
 
-    /// Waits for the answers; empty where there is no such property.
+    /// Sends the request for a property without waiting for the answer, which is cut off after so
+    /// many units of four bytes.
+    [[nodiscard]] xcb_get_property_cookie_t request(xcb_window_t window, const std::string& name,
+                                                    std::uint32_t most = longestList);
+
+    /// Waits for the answers; empty where there is no such property. A text that is cut off ends
+    /// with a whole UTF-8 character, if it is UTF-8.
     [[nodiscard]] std::string bytes(xcb_get_property_cookie_t cookie);
     [[nodiscard]] std::vector<std::uint32_t> numbers(xcb_get_property_cookie_t cookie);
 

@@ -2,6 +2,14 @@
 
 namespace velmorquit {
 
+namespace {
+
+/// So many events are heard in a turn: whoever sends them faster than they are heard must not keep
+/// the program from everything else.
+constexpr int mostEvents = 1000;
+
+} // namespace
+
 X11Events::Listener::Listener(X11Events& events) : events_(events) {
     events_.listeners_.push_back(this);
 }
@@ -14,7 +22,14 @@ X11Events::X11Events(X11Connection connection) : connection_(std::move(connectio
 }
 
 void X11Events::read() {
-    while (const auto event = owned(xcb_poll_for_event(connection_.get()))) {
+    for (int left = mostEvents;; --left) {
+        if (left == 0) {
+            later_.ask();
+            break;
+        }
+        const auto event = owned(xcb_poll_for_event(connection_.get()));
+        if (!event)
+            break;
         for (Listener* listener : listeners_)
             listener->hear(*event);
     }

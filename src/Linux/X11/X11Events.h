@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Linux/Paced.h"
 #include "Linux/X11/X11Connection.h"
 
 #include <QSocketNotifier>
@@ -41,12 +42,14 @@ public:
     [[nodiscard]] X11Connection& connection() { return connection_; }
 
     /// To be called after every answer that was waited for, except while events are heard: those
-    /// that came with it are in xcb's memory, and the socket stays silent about them.
+    /// that came with it are in xcb's memory, and the socket stays silent about them. Of very many
+    /// the later ones are heard in a later turn.
     void read();
 
 private:
     X11Connection connection_;
     std::vector<Listener*> listeners_;
+    Paced later_{{}, [this] { read(); }};
     std::optional<QSocketNotifier> notifier_;
 };
 

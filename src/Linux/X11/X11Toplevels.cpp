@@ -17,14 +17,21 @@ constexpr Duration burst = 30ms;
 /// One run asks all windows at one go: they share one look at them.
 constexpr Duration freshness = 100ms;
 
-bool holds(const std::vector<xcb_window_t>& windows, xcb_window_t window) {
-    return std::ranges::find(windows, window) != windows.end();
+/// So many events are heard in a turn: whoever sends them faster than they are heard must not keep
+/// the program from everything else.
+constexpr int mostEvents = 1000;
+
+bool holds(const std::vector<xcb_window_t>& sorted, xcb_window_t window) {
+    return std::ranges::binary_search(sorted, window);
 }
 
 } // namespace
 
 X11Toplevels::X11Toplevels(MainLoop& loop, SystemLog& log, X11Connection connection)
-    : loop_(loop), log_(log), connection_(std::move(connection)), pings_(loop, connection_) {
+    : loop_(loop), log_(log), connection_(std::move(connection)), pings_(loop, connection_),
+      changes_({.gathering = std::chrono::duration_cast<Paced::Duration>(burst)},
+               [this] { tell(); }),
+      events_({}, [this] { readEvents(); }) {
     connection_.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
     notifier_.emplace(xcb_get_file_descriptor(connection_.get()), QSocketNotifier::Read);
     QObject::connect(&*notifier_, &QSocketNotifier::activated, &*notifier_,
@@ -39,7 +46,14 @@ void X11Toplevels::readEvents() {
     const auto listAtom = connection_.atom("_NET_CLIENT_LIST");
     const auto checkAtom = connection_.atom("_NET_SUPPORTING_WM_CHECK");
     const auto activeAtom = connection_.atom("_NET_ACTIVE_WINDOW");
-    while (const auto event = owned(xcb_poll_for_event(connection_.get()))) {
+    for (int left = mostEvents;; --left) {
+        if (left == 0) {
+            events_.ask();
+            break;
+        }
+        const auto event = owned(xcb_poll_for_event(connection_.get()));
+        if (!event)
+            break;
         const int type = event->response_type & 0x7f;
         if (type == XCB_CLIENT_MESSAGE)
             pings_.hear(*reinterpret_cast<xcb_client_message_event_t*>(event.get()));
@@ -57,26 +71,35 @@ void X11Toplevels::readEvents() {
     }
 }
 
-void X11Toplevels::changed() {
-    if (gathering_.isSet())
-        return;
-    gathering_ = loop_.after(burst, [this] {
-        gathering_.reset();
-        scan();
-        readActiveWindow();
-        readEvents();
-        observers_.tell();
-    });
+void X11Toplevels::changed() { changes_.ask(); }
+
+// All who are told see the same windows: what changes meanwhile is told next.
+void X11Toplevels::tell() {
+    scan();
+    readActiveWindow();
+    readEvents();
+    isTelling_ = true;
+    observers_.tell();
+    isTelling_ = false;
 }
 
 const std::vector<Toplevel>& X11Toplevels::toplevels() {
+    look();
+    return toplevels_;
+}
+
+void X11Toplevels::look() {
     // What the server has already announced counts, whether or not the loop came round to it. What
     // it doesn't announce, a window's own changes, is not older than a moment.
+    const Duration age = loop_.uptime() - scannedAt_;
+    if (isTelling_ && age <= freshness)
+        return;
     readEvents();
-    isOutdated_ |= loop_.uptime() - scannedAt_ > freshness;
-    scan();
+    isOutdated_ |= age > freshness;
+    // Where windows come faster than they can be looked at, no look would ever be the last one.
+    if (scanTook_ < burst || age >= scanTook_)
+        scan();
     readEvents();
-    return toplevels_;
 }
 
 // Without a window manager nobody keeps the list. What was open is still open: the windows live on,
@@ -87,15 +110,22 @@ void X11Toplevels::scan() {
     if (!isOutdated_ || !hasWindowManager(connection_))
         return;
     isOutdated_ = false;
-    scannedAt_ = loop_.uptime();
-    std::vector<xcb_window_t> all =
-        connection_.numbers(connection_.request(connection_.root(), "_NET_CLIENT_LIST"));
+    const Uptime begun = loop_.uptime();
+    std::vector<xcb_window_t> all = listed();
     const std::size_t listed = all.size();
+    std::vector<xcb_window_t> sorted = all;
+    std::ranges::sort(sorted);
     for (const Toplevel& toplevel : toplevels_) {
         const auto window = static_cast<xcb_window_t>(toplevel.window);
-        if (!holds(all, window))
+        if (!holds(sorted, window))
             all.push_back(window);
     }
+    if (all.size() > 2 * mostWindows) {
+        isCut_ = true;
+        all.resize(2 * mostWindows);
+    }
+    sorted = all;
+    std::ranges::sort(sorted);
     std::vector<X11Windows::Inquiry> inquiries;
     inquiries.reserve(all.size());
     for (const xcb_window_t window : all)
@@ -105,12 +135,23 @@ void X11Toplevels::scan() {
     for (std::size_t index = 0; index < inquiries.size(); ++index) {
         const auto facts = windows_.read(inquiries[index]);
         if (facts && (index < listed || facts->isManaged))
-            add(*facts, all);
+            add(*facts, sorted);
     }
     pings_.keep({all.begin(), all.end()});
+    scannedAt_ = loop_.uptime();
+    scanTook_ = scannedAt_ - begun;
 }
 
-void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_window_t>& all) {
+/// The window manager's list, as much as is looked at.
+std::vector<xcb_window_t> X11Toplevels::listed() {
+    std::vector<xcb_window_t> windows = connection_.numbers(
+        connection_.request(connection_.root(), "_NET_CLIENT_LIST", mostWindows + 1));
+    isCut_ = windows.size() > mostWindows;
+    windows.resize(std::min(windows.size(), mostWindows));
+    return windows;
+}
+
+void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_window_t>& sorted) {
     if (facts.kind == X11Windows::Kind::shell && facts.toplevel.process > 0)
         shellProcesses_.insert(facts.toplevel.process);
     if (facts.kind != X11Windows::Kind::toplevel)
@@ -118,7 +159,7 @@ void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_win
     Toplevel toplevel = facts.toplevel;
     // To belong to the root window is to belong to all windows of the program. What no list shows
     // is a dialog whether or not its owner is on the screen.
-    const bool hasOwner = facts.owner == connection_.root() || holds(all, facts.owner) ||
+    const bool hasOwner = facts.owner == connection_.root() || holds(sorted, facts.owner) ||
                           (facts.owner != XCB_WINDOW_NONE && !toplevel.isOrdinary);
     toplevel.isDialogOfAnother = hasOwner || toplevel.isModal;
     if (toplevel.isOrdinary || toplevel.isDialogOfAnother)
@@ -127,14 +168,15 @@ void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_win
 
 bool X11Toplevels::seesAll() {
     const bool isListed = windowManagerKnows(connection_, "_NET_CLIENT_LIST");
-    readEvents();
-    return isListed;
+    look();
+    return isListed && !isCut_;
 }
 
 std::string X11Toplevels::title(std::uint64_t window) {
     const auto asked = static_cast<xcb_window_t>(window);
-    const auto modern = connection_.request(asked, "_NET_WM_NAME");
-    const auto old = connection_.request(asked, "WM_NAME");
+    const auto most = X11Connection::longestText;
+    const auto modern = connection_.request(asked, "_NET_WM_NAME", most);
+    const auto old = connection_.request(asked, "WM_NAME", most);
     const std::string title = connection_.bytes(modern);
     const std::string oldTitle = connection_.bytes(old);
     readEvents();

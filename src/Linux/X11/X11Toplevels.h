@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Linux/Applications/ToplevelSource.h"
+#include "Linux/Paced.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11Pings.h"
 #include "Linux/X11/X11Windows.h"
@@ -19,6 +20,9 @@ namespace velmorquit {
 /// The windows of an X server, as its window manager lists them.
 class X11Toplevels final : public ToplevelSource {
 public:
+    /// So many windows are looked at; where more are listed it sees that it doesn't see all.
+    static constexpr std::size_t mostWindows = 4096;
+
     X11Toplevels(MainLoop& loop, SystemLog& log, X11Connection connection);
 
     [[nodiscard]] const std::vector<Toplevel>& toplevels() override;
@@ -44,9 +48,12 @@ public:
 private:
     void readEvents();
     void changed();
+    void look();
     void scan();
     void readActiveWindow();
-    void add(const X11Windows::Facts& facts, const std::vector<xcb_window_t>& all);
+    void tell();
+    [[nodiscard]] std::vector<xcb_window_t> listed();
+    void add(const X11Windows::Facts& facts, const std::vector<xcb_window_t>& sorted);
     [[nodiscard]] std::set<xcb_window_t> shellWindows();
 
     MainLoop& loop_;
@@ -60,8 +67,12 @@ private:
     std::uint64_t active_ = 0;
     std::uint64_t focused_ = 0;
     bool isOutdated_ = true;
+    bool isCut_ = false; ///< there are more windows than were looked at
     Uptime scannedAt_;
-    Handle gathering_;
+    Duration scanTook_{};
+    bool isTelling_ = false;
+    Paced changes_;
+    Paced events_;
     Subscribers observers_;
 };
 

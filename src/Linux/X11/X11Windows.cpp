@@ -11,6 +11,11 @@ namespace velmorquit {
 
 namespace {
 
+/// In units of four bytes: programs give their windows a handful of types, states and protocols,
+/// and names of a few words. All of them are asked for of all windows at every look.
+constexpr std::uint32_t mostAtoms = 1024;
+constexpr std::uint32_t longestName = 256;
+
 /// The text before the first NUL: a property may hold several.
 std::string firstText(const std::string& bytes) { return bytes.substr(0, bytes.find('\0')); }
 
@@ -43,13 +48,13 @@ Image shrunk(Image image, int side) {
 
 X11Windows::Inquiry X11Windows::inquire(xcb_window_t window) {
     return {.window = window,
-            .type = connection_.request(window, "_NET_WM_WINDOW_TYPE"),
-            .state = connection_.request(window, "_NET_WM_STATE"),
-            .protocols = connection_.request(window, "WM_PROTOCOLS"),
+            .type = connection_.request(window, "_NET_WM_WINDOW_TYPE", mostAtoms),
+            .state = connection_.request(window, "_NET_WM_STATE", mostAtoms),
+            .protocols = connection_.request(window, "WM_PROTOCOLS", mostAtoms),
             .transientFor = connection_.request(window, "WM_TRANSIENT_FOR"),
-            .wmClass = connection_.request(window, "WM_CLASS"),
-            .machine = connection_.request(window, "WM_CLIENT_MACHINE"),
-            .applicationId = connection_.request(window, "_GTK_APPLICATION_ID"),
+            .wmClass = connection_.request(window, "WM_CLASS", longestName),
+            .machine = connection_.request(window, "WM_CLIENT_MACHINE", longestName),
+            .applicationId = connection_.request(window, "_GTK_APPLICATION_ID", longestName),
             .processId = connection_.request(window, "_NET_WM_PID"),
             .client = requestProcess(window),
             .managed = connection_.request(window, "WM_STATE")};

@@ -9,6 +9,10 @@ namespace {
 
 constexpr const char* propertyName = "_XSETTINGS_SETTINGS";
 
+/// However often the settings change or their manager does: every change of the look means that
+/// all is painted anew.
+constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(200)};
+
 /// Reads from the front of bytes that another program has written. Once they have run out, or were
 /// found to be wrong, everything is 0 or empty.
 class Reader {
@@ -87,7 +91,12 @@ std::optional<DesktopSettings> parseXSettings(std::string_view bytes) {
 
 XSettings::XSettings(X11Events& events, std::function<void()> changed)
     : Listener(events), property_(events.connection().atom(propertyName)),
-      manager_(events, "_XSETTINGS_S", [this] { follow(); }) {
+      changes_(pace,
+               [this] {
+                   follow();
+                   events_.read();
+               }),
+      manager_(events, "_XSETTINGS_S", [this] { changes_.ask(); }) {
     follow();
     events.read();
     changed_ = std::move(changed);
@@ -121,7 +130,7 @@ void XSettings::hear(const xcb_generic_event_t& event) {
         return;
     const auto& notification = reinterpret_cast<const xcb_property_notify_event_t&>(event);
     if (notification.window == manager_.owner() && notification.atom == property_)
-        read();
+        changes_.ask();
 }
 
 } // namespace velmorquit

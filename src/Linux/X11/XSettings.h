@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Linux/DesktopSettings.h"
+#include "Linux/Paced.h"
 #include "Linux/X11/X11Events.h"
 #include "Linux/X11/X11Selection.h"
 
@@ -31,6 +32,7 @@ private:
     xcb_atom_t property_;
     DesktopSettings values_;
     std::function<void()> changed_;
+    Paced changes_;
     /// The last: making it lets events be heard.
     X11Selection manager_;
 };

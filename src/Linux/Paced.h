@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QTimer>
+
+#include <algorithm>
+#include <chrono>
+#include <functional>
+#include <utility>
+
+namespace velmorquit {
+
+/// Work that others give rise to, as often as they like: done once for a burst of reasons, and
+/// never for more than a fifth of the time, however many there are.
+class Paced {
+public:
+    using Duration = std::chrono::milliseconds;
+
+    struct Pace {
+        /// From the first reason of a burst until the work is done.
+        Duration gathering{0};
+        /// The least from the end of the work until it is done again.
+        Duration rest{0};
+    };
+
+    /// Works in turns of its own on the main thread, until it goes.
+    Paced(Pace pace, std::function<void()> work) : pace_(pace), work_(std::move(work)) {
+        timer_.setSingleShot(true);
+        timer_.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { run(); });
+    }
+
+    /// There is a reason.
+    void ask() {
+        if (timer_.isActive())
+            return;
+        const auto left = std::chrono::ceil<Duration>(restsUntil_ - Clock::now());
+        timer_.start(std::max({pace_.gathering, left, Duration::zero()}));
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    /// What took so long is followed by so many times as much rest, but by no more than `longest`.
+    static constexpr int restsPerWork = 4;
+    static constexpr Duration longest{2000};
+
+    void run() {
+        const auto begun = Clock::now();
+        work_();
+        const auto ended = Clock::now();
+        const auto earned = std::chrono::ceil<Duration>(restsPerWork * (ended - begun));
+        restsUntil_ = ended + std::max(pace_.rest, std::min(earned, longest));
+    }
+
+    Pace pace_;
+    std::function<void()> work_;
+    QTimer timer_;
+    Clock::time_point restsUntil_;
+};
+
+} // namespace velmorquit
