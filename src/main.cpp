@@ -6,10 +6,10 @@
 #include "Linux/Applications/LinuxWindows.h"
 #include "Linux/Applications/LinuxWorkspace.h"
 #include "Linux/Autostart/AutostartEntry.h"
-#include "Linux/DBus/BusBacklog.h"
 #include "Linux/DBus/BusCommands.h"
 #include "Linux/DBus/BusNotice.h"
 #include "Linux/DBus/BusQuit.h"
+#include "Linux/DBus/KeepReading.h"
 #include "Linux/DesktopAppearance.h"
 #include "Linux/EndSignals.h"
 #include "Linux/Files/LinuxFiles.h"
@@ -51,6 +51,8 @@
 #include <string>
 #include <string_view>
 
+#include <malloc.h>
+
 namespace velmorquit {
 namespace {
 
@@ -62,6 +64,14 @@ void surviveTheTerminal() {
     nothing.sa_flags = SA_RESTART;
     for (const int signal : {SIGHUP, SIGPIPE})
         ::sigaction(signal, &nothing, nullptr);
+}
+
+/// Large blocks go back to the system when they are freed. By itself the allocator keeps blocks of
+/// the size of those that were freed before, up to 32 MB: one large message would be paid for ever.
+void giveMemoryBack() {
+    constexpr int large = 256 << 10;
+    ::mallopt(M_MMAP_THRESHOLD, large);
+    ::mallopt(M_TRIM_THRESHOLD, 4 * large);
 }
 
 QtMessageHandler usualHandler = nullptr;
@@ -198,6 +208,7 @@ int run(int argc, char** argv) {
         return EXIT_SUCCESS;
     }
     surviveTheTerminal();
+    giveMemoryBack();
     // Before Qt takes it for itself.
     const QVariantMap platformData = takePlatformData();
     // Qt would end the program with a crash when there is no server.
@@ -227,7 +238,7 @@ int run(int argc, char** argv) {
     if (argc > 1)
         log.write(StartSwitches::unknownLine({argv + 1, argv + argc}));
 
-    limitBacklog(QDBusConnection::sessionBus());
+    keepReading(QDBusConnection::sessionBus());
     BusCommands commands(log);
     const Start start = handOver(commands, log, platformData);
     if (start.status)
@@ -272,8 +283,8 @@ int run(int argc, char** argv) {
     const auto environment = PowerBus::Environment::ofThisProcess();
     PowerBus sessionBus = PowerBus::session(environment);
     PowerBus systemBus = PowerBus::system(environment);
-    limitBacklog(sessionBus.connection());
-    limitBacklog(systemBus.connection());
+    keepReading(sessionBus.connection());
+    keepReading(systemBus.connection());
     BusEndService endService(sessionBus, systemBus,
                              {qEnvironmentVariable("XDG_SESSION_ID").toStdString()});
     BusSessionRegistry registry(sessionBus, systemBus, {});

@@ -1,23 +1,24 @@
-#include "Linux/DBus/BusBacklog.h"
+#include "Linux/DBus/KeepReading.h"
 
 #include <QLibrary>
+
+#include <limits>
 
 namespace velmorquit {
 
 namespace {
 
-/// In bytes. One message may be larger, and is read all the same.
-constexpr long mostWaiting = 4L << 20;
+constexpr long boundless = std::numeric_limits<long>::max();
 
 } // namespace
 
 // Qt has loaded the library already, but has no words for this.
-void limitBacklog(const QDBusConnection& bus) {
+void keepReading(const QDBusConnection& bus) {
     static QLibrary library(QStringLiteral("dbus-1"), 3);
     static const auto limit = reinterpret_cast<void (*)(void*, long)>(
         library.resolve("dbus_connection_set_max_received_size"));
     if (void* connection = bus.internalPointer(); connection && limit)
-        limit(connection, mostWaiting);
+        limit(connection, boundless);
 }
 
 } // namespace velmorquit
