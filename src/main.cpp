@@ -42,6 +42,7 @@
 #include <QStandardPaths>
 #include <QThreadPool>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -52,6 +53,7 @@
 #include <string_view>
 
 #include <malloc.h>
+#include <sys/resource.h>
 
 namespace velmorquit {
 namespace {
@@ -72,6 +74,18 @@ void giveMemoryBack() {
     constexpr int large = 256 << 10;
     ::mallopt(M_MMAP_THRESHOLD, large);
     ::mallopt(M_TRIM_THRESHOLD, 4 * large);
+}
+
+/// Whether so few descriptors may be open that the last one can be in use at any moment. The answer
+/// with which the X server hands one over is lost then, and Qt would wait for it for ever.
+bool isShortOfDescriptors() {
+    constexpr rlim_t usual = 1024;
+    constexpr rlim_t few = 64;
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= usual)
+        return false;
+    limit.rlim_cur = std::min(limit.rlim_max, usual);
+    return ::setrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur < few;
 }
 
 QtMessageHandler usualHandler = nullptr;
@@ -225,8 +239,13 @@ int run(int argc, char** argv) {
     const bool isPlatformChosen = std::getenv("QT_QPA_PLATFORM") != nullptr;
     if (!isPlatformChosen)
         ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+    const bool sharesNoPictures = isShortOfDescriptors();
+    if (sharesNoPictures)
+        ::setenv("QT_XCB_NO_MITSHM", "1", 1);
     usualHandler = qInstallMessageHandler(hear);
     QApplication application(argc, argv);
+    if (sharesNoPictures)
+        ::unsetenv("QT_XCB_NO_MITSHM");
     // What is started from here chooses for itself.
     if (!isPlatformChosen)
         ::unsetenv("QT_QPA_PLATFORM");

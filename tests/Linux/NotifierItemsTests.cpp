@@ -21,6 +21,8 @@ class NotifierItemsTest : public testing::Test {
 protected:
     /// An icon passes from the list to its process by more messages than are let arrive at once.
     Ids processes() {
+        // The list is asked for only so often.
+        linger(150);
         for (int round = 0; round < 3; ++round)
             settle({session, watcher.bus});
         return items->processes();
@@ -93,6 +95,24 @@ TEST_F(NotifierItemsTest, AsksASlowWatcherOnceMoreHoweverMuchChangesMeanwhile) {
     settle({session, next.bus});
     watcher.answer();
     EXPECT_EQ(processes(), Ids{busProcess});
+}
+
+TEST_F(NotifierItemsTest, NeitherALongListNorOneThatChangesAllTheTimeKeepsItBusy) {
+    watcher.appear();
+    items = std::make_unique<NotifierItems>(session);
+    EXPECT_EQ(processes(), Ids());
+    QStringList list;
+    for (std::size_t number = 0; number < NotifierItems::mostItems; ++number)
+        list << QStringLiteral(":1.%1").arg(number + 10'000);
+    list << session.baseService();
+    watcher.setItems(list);
+    EXPECT_EQ(processes(), Ids());
+    const int before = watcher.questions;
+    for (int count = 0; count < 500; ++count)
+        watcher.setItems(list);
+    watcher.setItems({session.baseService()});
+    EXPECT_EQ(processes(), Ids{::getpid()});
+    EXPECT_LE(watcher.questions - before, 3);
 }
 
 TEST_F(NotifierItemsTest, WithoutABusThereAreNone) {

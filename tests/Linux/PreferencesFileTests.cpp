@@ -279,6 +279,22 @@ TEST_F(PreferencesFile, NoticesEditsOfOtherPrograms) {
     EXPECT_EQ(decoded(file), Value(Dictionary{{"m", 4}, {"n", 3}}));
 }
 
+TEST_F(PreferencesFile, NeitherReadsWhatIsFarTooLongNorSetsDamageAsideForEver) {
+    open().set("mine", 1);
+    writeInPlace("<plist>" + std::string(largestPreferencesFile, ' '));
+    EXPECT_TRUE(comesTrue([this] { return !log.lines.empty(); }));
+    preferences->set("mine", 2);
+    EXPECT_GT(fs::file_size(file), largestPreferencesFile);
+    for (int time = 0; time < 30; ++time) {
+        writeInPlace("damaged " + std::to_string(time));
+        preferences->refresh();
+    }
+    const auto entries = fs::directory_iterator(file.parent_path());
+    EXPECT_LT(std::distance(begin(entries), end(entries)), 25);
+    EXPECT_EQ(contents(file), "damaged 29");
+    EXPECT_EQ(preferences->object("mine"), Value(2));
+}
+
 TEST_F(PreferencesFile, MergesAnEditThatItHasNotHeardOf) {
     open().set("n", 1);
     preferences->set("old", 1);

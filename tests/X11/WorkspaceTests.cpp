@@ -4,6 +4,7 @@
 #include <QThread>
 
 #include <map>
+#include <numeric>
 
 namespace velmorquit {
 namespace {
@@ -233,6 +234,24 @@ TEST_F(WorkspaceTest, MissesNobodyWhoCameThisVeryMoment) {
     EXPECT_NE(find(child.id()), nullptr);
     EXPECT_TRUE(events.empty());
     EXPECT_TRUE(waitUntil([&] { return count(WorkspaceEvent::launched) == 1; }));
+}
+
+// Whoever thinks that all is closed shuts the computer down.
+TEST_F(WorkspaceTest, KnowsThatItDoesNotSeeAllOfAListThatIsTooLong) {
+    ASSERT_EQ(workspace.sight(), Sight::all);
+    X11Connection connection = *X11Connection::open();
+    std::vector<xcb_window_t> list(X11Toplevels::mostWindows + 1);
+    std::iota(list.begin(), list.end(), 0x1F000000);
+    const auto setList = [&](std::size_t count) {
+        xcb_change_property(connection.get(), XCB_PROP_MODE_REPLACE, connection.root(),
+                            connection.atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW, 32,
+                            static_cast<std::uint32_t>(count), list.data());
+        static_cast<void>(connection.number(connection.root(), "_NET_CLIENT_LIST"));
+    };
+    setList(list.size());
+    EXPECT_TRUE(waitUntil([this] { return workspace.sight() == Sight::noWindowList; }));
+    setList(3);
+    EXPECT_TRUE(waitUntil([this] { return workspace.sight() == Sight::all; }));
 }
 
 TEST_F(WorkspaceTest, NobodySeemsToEndWhenTheWindowManagerDoes) {

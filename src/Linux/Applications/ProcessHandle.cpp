@@ -10,9 +10,24 @@ extern "C" {
 #include <sys/pidfd.h>
 }
 #include <poll.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace velmorquit {
+
+namespace {
+
+/// So many descriptors are left for everything else: to read what processes are at, to paint (a
+/// picture is shared with the X server by one), to write preferences.
+constexpr rlim_t reserve = 16;
+
+bool isOfReserve(int descriptor) {
+    rlimit limit{};
+    return ::getrlimit(RLIMIT_NOFILE, &limit) == 0 &&
+           static_cast<rlim_t>(descriptor) + reserve >= limit.rlim_cur;
+}
+
+} // namespace
 
 // The descriptor is for whoever has the id at that instant. That this is who was meant shows in the
 // start time, which is the same before and after; there is none where the system hides the
@@ -22,6 +37,10 @@ std::unique_ptr<ProcessHandle> ProcessHandle::open(ProcessId id, std::function<v
     const int descriptor = ::pidfd_open(id, 0);
     if (descriptor < 0)
         return nullptr;
+    if (isOfReserve(descriptor)) {
+        ::close(descriptor);
+        return nullptr;
+    }
     const auto after = readProcessStat(id);
     const auto startTime = [](const auto& stat) { return stat ? stat->startTime : 0; };
     if (startTime(before) != startTime(after)) {
