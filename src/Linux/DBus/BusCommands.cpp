@@ -155,7 +155,6 @@ void BusCommands::perform(const RemoteCommand& command, const QString& connectio
     answered(handler_.answer(command));
     budget_.charge(connection.toStdString(), uptime(), processorTime() - before);
 }
-}
 
 QString BusCommands::Perform(const QString& verb, const QStringList& arguments) {
     RemoteCommand command{verb.toStdString(), {}};
