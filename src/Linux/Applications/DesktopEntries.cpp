@@ -62,6 +62,11 @@ DesktopEntries::DesktopEntries() : monitor_(g_app_info_monitor_get()) {
     g_signal_connect_swapped(monitor_, "changed", G_CALLBACK(changed), this);
 }
 
+std::optional<Identity> DesktopEntries::identityIn(const std::string& file) {
+    const AppInfo info(g_desktop_app_info_new_from_filename(file.c_str()));
+    return info ? identityOf(info.get()) : std::nullopt;
+}
+
 Icon DesktopEntries::iconOf(const std::string& path) {
     GDesktopAppInfo* info = g_desktop_app_info_new_from_filename(path.c_str());
     if (!info)
@@ -173,8 +178,7 @@ std::optional<Identity> DesktopEntries::entryThatLaunched(ProcessId process) {
     const auto file = processEnvironment(process, "GIO_LAUNCHED_DESKTOP_FILE");
     if (!file || launched != std::to_string(process))
         return std::nullopt;
-    const AppInfo info(g_desktop_app_info_new_from_filename(file->c_str()));
-    return info ? identityOf(info.get()) : std::nullopt;
+    return identityIn(*file);
 }
 
 void DesktopEntries::indexStartupClasses() {

@@ -59,6 +59,9 @@ public:
     [[nodiscard]] Identity identify(const ToplevelIdentity& window, ProcessId process,
                                     const Evidence& evidence = {});
 
+    /// What the entry in that file says; none when it is no entry. Quick.
+    [[nodiscard]] static std::optional<Identity> identityIn(const std::string& file);
+
     /// The icon that the entry in that file gives; an empty one when it gives none.
     [[nodiscard]] static Icon iconOf(const std::string& path);
 

@@ -14,24 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Without the "env" in front and what that sets, and without what stands for files.
-std::vector<std::string> commandOf(const char* line) {
-    std::vector<std::string> command;
-    char** parts = nullptr;
-    if (!line || !g_shell_parse_argv(line, nullptr, &parts, nullptr))
-        return command;
-    for (char** next = parts; *next; ++next) {
-        const std::string part = *next;
-        const bool isOfEnv =
-            part == "env" || part.ends_with("/env") || part.find('=') != std::string::npos;
-        const bool isFieldCode = part.size() == 2 && part.front() == '%';
-        if (!isFieldCode && !(command.empty() && isOfEnv))
-            command.push_back(part);
-    }
-    g_strfreev(parts);
-    return command;
-}
-
 std::string realPathOf(const std::string& program) {
     char* found = g_find_program_in_path(program.c_str());
     if (!found)
@@ -58,6 +40,23 @@ bool hasAll(const std::vector<std::string>& arguments, const std::vector<std::st
 
 } // namespace
 
+std::vector<std::string> commandOfEntry(const char* line) {
+    std::vector<std::string> command;
+    char** parts = nullptr;
+    if (!line || !g_shell_parse_argv(line, nullptr, &parts, nullptr))
+        return command;
+    for (char** next = parts; *next; ++next) {
+        const std::string part = *next;
+        const bool isOfEnv =
+            part == "env" || part.ends_with("/env") || part.find('=') != std::string::npos;
+        const bool isFieldCode = part.size() == 2 && part.front() == '%';
+        if (!isFieldCode && !(command.empty() && isOfEnv))
+            command.push_back(part);
+    }
+    g_strfreev(parts);
+    return command;
+}
+
 void ProgramEntries::index() {
     byPath_.clear();
     byName_.clear();
@@ -75,7 +74,7 @@ void ProgramEntries::index() {
             continue;
         const std::string file = utf8(id);
         Owner owner{file.substr(0, file.rfind(".desktop")), {}, isInNoMenu};
-        const std::vector<std::string> command = commandOf(g_app_info_get_commandline(app));
+        const std::vector<std::string> command = commandOfEntry(g_app_info_get_commandline(app));
         if (!command.empty()) {
             const RunProgram program = programOf(realPathOf(command.front()), command,
                                                  textOf(info, G_KEY_FILE_DESKTOP_KEY_PATH));

@@ -9,6 +9,10 @@
 
 namespace velmorquit {
 
+/// The words of an entry's command line, without the "env" in front and what that sets, and without
+/// what stands for files; empty when it is none.
+[[nodiscard]] std::vector<std::string> commandOfEntry(const char* line);
+
 /// The desktop entries that are installed, by the program that they start.
 class ProgramEntries {
 public:

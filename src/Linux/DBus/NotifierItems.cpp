@@ -18,23 +18,16 @@ const QString busPath = QStringLiteral("/org/freedesktop/DBus");
 /// A list of icons that changes all the time is asked for no oftener than this.
 constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(100)};
 
-/// An entry is a name on the bus, which most watchers let the path of the icon's object follow,
-/// some of them after an "@".
-struct Entry {
-    QString name;
-    QString path;
-};
-
-Entry parsed(const QString& entry) {
-    const auto end =
-        std::ranges::find_if(entry, [](QChar letter) { return letter == '/' || letter == '@'; });
-    const auto path = std::find(end, entry.end(), QLatin1Char('/'));
-    return {entry.left(end - entry.begin()), path == entry.end()
-                                                 ? QStringLiteral("/StatusNotifierItem")
-                                                 : entry.mid(path - entry.begin())};
-}
-
 } // namespace
+
+NotifierEntry NotifierEntry::from(const QString& text) {
+    const auto end =
+        std::ranges::find_if(text, [](QChar letter) { return letter == '/' || letter == '@'; });
+    const auto path = std::find(end, text.end(), QLatin1Char('/'));
+    return {text.left(end - text.begin()), path == text.end()
+                                               ? QStringLiteral("/StatusNotifierItem")
+                                               : text.mid(path - text.begin())};
+}
 
 NotifierItems::NotifierItems(QDBusConnection bus)
     : bus_(std::move(bus)), questions_(pace, [this] {
@@ -108,7 +101,7 @@ void NotifierItems::hearList(const QDBusMessage& answer) {
     for (const QString& entry : list.toStringList()) {
         if (items.size() == mostItems)
             break;
-        const auto [name, path] = parsed(entry);
+        const auto [name, path] = NotifierEntry::from(entry);
         const auto known = items_.find(name);
         if (!name.isEmpty())
             items.emplace(name, Item{known == items_.end() ? 0 : known->second.process, path});

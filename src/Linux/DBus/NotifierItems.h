@@ -14,6 +14,15 @@
 
 namespace velmorquit {
 
+/// An entry of the watcher's list is a name on the bus, which most watchers let the path of the
+/// icon's object follow, some of them after an "@".
+struct NotifierEntry {
+    QString name; ///< empty for an entry that makes no sense
+    QString path;
+
+    [[nodiscard]] static NotifierEntry from(const QString& text);
+};
+
 /// Knows whose tray icons are on the list that the watcher on the session bus keeps.
 class NotifierItems final : public QObject {
     Q_OBJECT

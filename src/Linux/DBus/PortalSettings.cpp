@@ -4,7 +4,6 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <QStringList>
-#include <QVariantMap>
 
 #include <optional>
 #include <utility>
@@ -40,6 +39,20 @@ std::optional<DesktopSettings::mapped_type> settingOf(const QVariant& value) {
 }
 
 } // namespace
+
+DesktopSettings portalSettings(const QMap<QString, QVariantMap>& groups,
+                               const std::set<std::string>& wanted) {
+    DesktopSettings values;
+    for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
+        for (auto entry = group->cbegin(); entry != group->cend(); ++entry) {
+            std::string name = fullName(group.key(), entry.key());
+            const auto setting = settingOf(entry.value());
+            if (setting && wanted.contains(name))
+                values.emplace(std::move(name), *setting);
+        }
+    }
+    return values;
+}
 
 PortalSettings::PortalSettings(QDBusConnection bus, std::set<std::string> wanted,
                                std::function<void()> changed)
@@ -88,15 +101,7 @@ void PortalSettings::hearAnswer(const QDBusMessage& answer) {
         return;
     QMap<QString, QVariantMap> groups;
     answer.arguments().value(0).value<QDBusArgument>() >> groups;
-    DesktopSettings values;
-    for (auto group = groups.cbegin(); group != groups.cend(); ++group) {
-        for (auto entry = group->cbegin(); entry != group->cend(); ++entry) {
-            std::string name = fullName(group.key(), entry.key());
-            const auto setting = settingOf(entry.value());
-            if (setting && wanted_.contains(name))
-                values.emplace(std::move(name), *setting);
-        }
-    }
+    const DesktopSettings values = portalSettings(groups, wanted_);
     owner_ = answer.service();
     if (std::exchange(values_, values) != values)
         changed_();

@@ -6,12 +6,18 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
+#include <QVariantMap>
 
 #include <functional>
 #include <set>
 #include <string>
 
 namespace velmorquit {
+
+/// Those of the portal's values that are `wanted` and numbers or texts, by group and key. The names
+/// are led by their group and a blank.
+[[nodiscard]] DesktopSettings portalSettings(const QMap<QString, QVariantMap>& groups,
+                                             const std::set<std::string>& wanted);
 
 /// The settings that the desktop publishes on the session bus for the programs of all desktops.
 class PortalSettings final : public QObject {

@@ -1,12 +1,12 @@
 #include "Linux/Proc/ProcKernel.h"
 
 #include "Linux/Proc/ControlGroup.h"
+#include "Linux/Proc/ProcText.h"
 #include "Linux/Proc/ProcessStat.h"
 #include "Linux/Text.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <ctime>
 #include <fstream>
 #include <map>
@@ -17,19 +17,8 @@ namespace velmorquit {
 
 namespace {
 
-/// The number after `field` at the beginning of a line; none without such a line.
-std::optional<std::uint64_t> numberAt(std::string_view text, std::string_view field) {
-    for (auto at = text.find(field); at != std::string_view::npos; at = text.find(field, at + 1)) {
-        if (at != 0 && text[at - 1] != '\n')
-            continue;
-        std::string_view rest = text.substr(at + field.size());
-        rest.remove_prefix(std::min(rest.find_first_not_of(" \t"), rest.size()));
-        std::uint64_t number = 0;
-        const auto result = std::from_chars(rest.data(), rest.data() + rest.size(), number);
-        return result.ec == std::errc{} ? std::optional(number) : std::nullopt;
-    }
-    return std::nullopt;
-}
+using ProcText::numberAt;
+using ProcText::textAt;
 
 /// Sum of the fields that are there, in bytes; none when there is none of them.
 template <std::size_t count>
@@ -41,19 +30,6 @@ std::optional<std::uint64_t> sumOfKibibytes(std::string_view text,
             bytes = bytes.value_or(0) + *kibibytes * 1024;
     }
     return bytes;
-}
-
-/// The text after "FIELD<blanks>: " on the first line that begins so.
-std::string textAt(std::string_view text, std::string_view field) {
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find('\n', begin), text.size());
-        const std::string_view line = text.substr(begin, end - begin);
-        const std::size_t colon = line.find(": ");
-        if (line.starts_with(field) && colon != std::string_view::npos)
-            return std::string(line.substr(colon + 2));
-        begin = end + 1;
-    }
-    return {};
 }
 
 /// What makers leave in place of a name.

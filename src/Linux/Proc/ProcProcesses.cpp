@@ -1,10 +1,10 @@
 #include "Linux/Proc/ProcProcesses.h"
 
+#include "Linux/Proc/ProcText.h"
 #include "Linux/Text.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <map>
 #include <string_view>
 #include <utility>
@@ -13,17 +13,7 @@ namespace velmorquit {
 
 namespace {
 
-/// The first number after `field` at the beginning of a line; none without such a line.
-std::optional<std::uint64_t> numberAt(std::string_view text, std::string_view field) {
-    auto at = text.starts_with(field) ? 0 : text.find('\n' + std::string(field));
-    if (at == std::string_view::npos)
-        return std::nullopt;
-    text.remove_prefix(text.find(field, at) + field.size());
-    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-    std::uint64_t number = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-    return result.ec == std::errc{} ? std::optional(number) : std::nullopt;
-}
+using ProcText::numberAt;
 
 Duration durationOf(std::uint64_t ticks) {
     static const auto perSecond = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));

@@ -1,8 +1,9 @@
 #include "Linux/Proc/ProcessStat.h"
 
+#include "Linux/Proc/ProcText.h"
+
 #include <algorithm>
 #include <charconv>
-#include <csignal>
 
 namespace velmorquit {
 
@@ -18,16 +19,6 @@ std::string_view nextWord(std::string_view& text) {
     const std::string_view word = text.substr(0, text.find_first_of(" \n"));
     text.remove_prefix(word.size());
     return word;
-}
-
-std::vector<std::string> splitAtNul(const std::string& content) {
-    std::vector<std::string> parts;
-    for (std::size_t begin = 0; begin < content.size();) {
-        const std::size_t end = std::min(content.find('\0', begin), content.size());
-        parts.push_back(content.substr(begin, end - begin));
-        begin = end + 1;
-    }
-    return parts;
 }
 
 } // namespace
@@ -94,24 +85,15 @@ std::string executableName(ProcessId id, const ProcDirectory& proc) {
 }
 
 std::vector<std::string> processArguments(ProcessId id, const ProcDirectory& proc) {
-    return splitAtNul(proc.read(id, "cmdline"));
+    return ProcText::splitAtNul(proc.read(id, "cmdline"));
 }
 
 bool ignoresHangup(ProcessId id, const ProcDirectory& proc) {
-    constexpr std::string_view field = "\nSigIgn:\t";
-    const std::string status = proc.read(id, "status");
-    const auto at = status.find(field);
-    if (at == std::string::npos)
-        return false;
-    // The first signal is the last bit of a number with sixteen digits, SIGHUP.
-    const char* const digits = status.data() + at + field.size();
-    std::uint64_t ignored = 0;
-    std::from_chars(digits, status.data() + status.size(), ignored, 16);
-    return ((ignored >> (SIGHUP - 1)) & 1U) != 0;
+    return ProcText::ignoresHangup(proc.read(id, "status"));
 }
 
 std::optional<std::string> processEnvironment(ProcessId id, std::string_view name) {
-    for (const std::string& entry : splitAtNul(ProcDirectory().read(id, "environ"))) {
+    for (const std::string& entry : ProcText::splitAtNul(ProcDirectory().read(id, "environ"))) {
         if (entry.size() > name.size() && entry.starts_with(name) && entry[name.size()] == '=')
             return entry.substr(name.size() + 1);
     }

@@ -2,11 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <filesystem>
 #include <fstream>
-#include <optional>
-#include <sstream>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
@@ -15,45 +12,10 @@ namespace velmorquit {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::vector<std::string> split(std::string_view text, char separator) {
-    std::vector<std::string> parts;
-    std::stringstream stream{std::string(text)};
-    for (std::string part; std::getline(stream, part, separator);) {
-        if (!part.empty())
-            parts.push_back(part);
-    }
-    return parts;
-}
-
-/// The kernel writes spaces and the like as three octal digits.
-std::string unescaped(std::string_view text) {
-    const auto isOctal = [](char digit) { return digit >= '0' && digit <= '7'; };
-    std::string plain;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '\\' && at + 3 < text.size() &&
-            std::all_of(&text[at + 1], &text[at + 3] + 1, isOctal)) {
-            plain += static_cast<char>((text[at + 1] - '0') * 64 + (text[at + 2] - '0') * 8 +
-                                       (text[at + 3] - '0'));
-            at += 3;
-        } else {
-            plain += text[at];
-        }
-    }
-    return plain;
-}
-
-/// "8:1"; 0 where it is none.
-dev_t numberFrom(std::string_view text) {
-    unsigned int major = 0;
-    unsigned int minor = 0;
-    const char* end = text.data() + text.size();
-    const auto first = std::from_chars(text.data(), end, major);
-    if (first.ec != std::errc{} || first.ptr == end || *first.ptr != ':')
-        return 0;
-    const auto second = std::from_chars(first.ptr + 1, end, minor);
-    return second.ec == std::errc{} ? makedev(major, minor) : 0;
-}
+using MountText::deviceNumber;
+using MountText::partsOfOverlay;
+using MountText::split;
+using MountText::unescaped;
 
 std::string firstLine(const fs::path& file) {
     std::ifstream stream(file);
@@ -69,20 +31,6 @@ std::vector<fs::path> entriesOf(const fs::path& directory) {
          entry.increment(error))
         entries.push_back(entry->path());
     return entries;
-}
-
-/// The directories that an overlay was made of.
-std::vector<std::string> partsOfOverlay(std::string_view options) {
-    std::vector<std::string> parts;
-    for (const std::string& option : split(options, ',')) {
-        const std::size_t equals = option.find('=');
-        const std::string name = option.substr(0, equals);
-        if (equals == std::string::npos || (!name.starts_with("lowerdir") && name != "upperdir"))
-            continue;
-        for (const std::string& part : split(std::string_view(option).substr(equals + 1), ':'))
-            parts.push_back(unescaped(part));
-    }
-    return parts;
 }
 
 bool isOf(std::string_view name, std::initializer_list<std::string_view> names) {
@@ -160,13 +108,13 @@ void BlockLayers::collect(dev_t device, Images images, Devices& found) const {
         collect(numberIn(slave), images, found);
     const std::string image = firstLine(directory / "loop/backing_file");
     if (images == Images::withTheirFiles && !image.empty()) {
-        std::set<const Line*> seen;
+        std::set<const MountLine*> seen;
         found.merge(devicesOfFile(image, seen));
     }
 }
 
 dev_t BlockLayers::numberIn(const std::string& directory) const {
-    return numberFrom(firstLine(fs::path(directory) / "dev"));
+    return deviceNumber(firstLine(fs::path(directory) / "dev"));
 }
 
 // What lies below /dev is never a file system that could hang.
@@ -202,25 +150,16 @@ void BlockLayers::readPools() {
 
 void BlockLayers::readMounts() {
     for (const std::string& text : linesOf("/proc/self/mountinfo")) {
-        const std::vector<std::string> fields = split(text, ' ');
-        const auto dash = std::ranges::find(fields, "-");
-        // Before the dash there are six fields and then optional ones, after it three.
-        if (std::distance(fields.begin(), dash) < 6 || std::distance(dash, fields.end()) < 3)
-            continue;
-        lines_.push_back({.path = unescaped(fields[4]),
-                          .type = dash[1],
-                          .source = unescaped(dash[2]),
-                          .options = std::distance(dash, fields.end()) > 3 ? dash[3] : "",
-                          .device = numberFrom(fields[2]),
-                          .isWhole = fields[3] == "/"});
+        if (auto line = MountLine::from(text))
+            lines_.push_back(*std::move(line));
     }
-    for (const Line& line : lines_) {
-        std::set<const Line*> seen;
+    for (const MountLine& line : lines_) {
+        std::set<const MountLine*> seen;
         mounts_.push_back({line.path, devicesOf(line, seen), line.isWhole});
     }
 }
 
-Devices BlockLayers::devicesOf(const Line& line, std::set<const Line*>& seen) const {
+Devices BlockLayers::devicesOf(const MountLine& line, std::set<const MountLine*>& seen) const {
     Devices found;
     if (!seen.insert(&line).second)
         return found;
@@ -236,14 +175,14 @@ Devices BlockLayers::devicesOf(const Line& line, std::set<const Line*>& seen) co
     return found;
 }
 
-Devices BlockLayers::devicesOfFile(std::string_view path, std::set<const Line*>& seen) const {
-    const Line* line = lineCovering(path);
+Devices BlockLayers::devicesOfFile(std::string_view path, std::set<const MountLine*>& seen) const {
+    const MountLine* line = lineCovering(path);
     return line ? devicesOf(*line, seen) : Devices();
 }
 
-const BlockLayers::Line* BlockLayers::lineCovering(std::string_view path) const {
-    const Line* covering = nullptr;
-    for (const Line& line : lines_) {
+const MountLine* BlockLayers::lineCovering(std::string_view path) const {
+    const MountLine* covering = nullptr;
+    for (const MountLine& line : lines_) {
         const bool covers = line.path == "/" || path == line.path ||
                             (path.starts_with(line.path) && path[line.path.size()] == '/');
         // Of several at the same place the last one is on top.
@@ -258,7 +197,7 @@ void BlockLayers::findSystem() {
     isSystemHidden_ = true;
     bool isWhole = true;
     for (std::size_t index = 0; index < lines_.size(); ++index) {
-        const Line& line = lines_[index];
+        const MountLine& line = lines_[index];
         if (!isPlaceOfSystem(line.path))
             continue;
         const Devices& devices = mounts_[index].devices;
@@ -280,7 +219,7 @@ void BlockLayers::readSwaps() {
         if (!text.starts_with('/'))
             continue;
         const std::string path = unescaped(text.substr(0, text.find_first_of(" \t")));
-        std::set<const Line*> seen;
+        std::set<const MountLine*> seen;
         const dev_t device = deviceOfNode(path);
         const Devices devices = device != 0 ? beneathAll(device) : devicesOfFile(path, seen);
         ofSystem_.insert(devices.begin(), devices.end());

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Linux/Volumes/MountLine.h"
+
 #include <map>
 #include <set>
 #include <string>
@@ -49,14 +51,6 @@ public:
     [[nodiscard]] bool isSystemInPool() const { return isSystemInPool_; }
 
 private:
-    struct Line {
-        std::string path;
-        std::string type;
-        std::string source;
-        std::string options;
-        dev_t device = 0;
-        bool isWhole = true;
-    };
     enum class Images { asDevices, withTheirFiles };
 
     [[nodiscard]] std::vector<std::string> linesOf(const std::string& file) const;
@@ -66,14 +60,15 @@ private:
     void findSystem();
     void collect(dev_t device, Images images, Devices& found) const;
     void collectFileSystem(dev_t device, Images images, Devices& found) const;
-    [[nodiscard]] Devices devicesOf(const Line& line, std::set<const Line*>& seen) const;
-    [[nodiscard]] Devices devicesOfFile(std::string_view path, std::set<const Line*>& seen) const;
-    [[nodiscard]] const Line* lineCovering(std::string_view path) const;
+    [[nodiscard]] Devices devicesOf(const MountLine& line, std::set<const MountLine*>& seen) const;
+    [[nodiscard]] Devices devicesOfFile(std::string_view path,
+                                        std::set<const MountLine*>& seen) const;
+    [[nodiscard]] const MountLine* lineCovering(std::string_view path) const;
     [[nodiscard]] dev_t deviceOfNode(const std::string& node) const;
     [[nodiscard]] dev_t numberIn(const std::string& directory) const;
 
     std::string root_;
-    std::vector<Line> lines_;
+    std::vector<MountLine> lines_;
     std::vector<Mount> mounts_;
     std::vector<Devices> pools_; ///< file systems of several devices
     Devices ofSystem_;

@@ -1,6 +1,6 @@
 #include "Linux/X11/X11Toplevels.h"
 
-#include "Linux/Text.h"
+#include "Linux/X11/X11Properties.h"
 #include "Linux/X11/X11WindowManager.h"
 
 #include <algorithm>
@@ -180,7 +180,7 @@ std::string X11Toplevels::title(std::uint64_t window) {
     const std::string title = connection_.bytes(modern);
     const std::string oldTitle = connection_.bytes(old);
     readEvents();
-    return utf8(title.empty() ? oldTitle : title);
+    return X11Properties::title(title, oldTitle);
 }
 
 /// Windows by which parts of the desktop can be known that have no other: the window manager's own,

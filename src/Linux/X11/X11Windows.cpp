@@ -1,6 +1,7 @@
 #include "Linux/X11/X11Windows.h"
 
 #include "Linux/Text.h"
+#include "Linux/X11/X11Properties.h"
 
 #include <algorithm>
 #include <array>
@@ -16,9 +17,6 @@ namespace {
 constexpr std::uint32_t mostAtoms = 1024;
 constexpr std::uint32_t longestName = 256;
 
-/// The text before the first NUL: a property may hold several.
-std::string firstText(const std::string& bytes) { return bytes.substr(0, bytes.find('\0')); }
-
 std::string hostName() {
     std::array<char, 256> name{};
     return ::gethostname(name.data(), name.size() - 1) == 0 ? name.data() : "";
@@ -26,22 +24,6 @@ std::string hostName() {
 
 bool holds(const std::vector<std::uint32_t>& atoms, xcb_atom_t atom) {
     return std::ranges::find(atoms, atom) != atoms.end();
-}
-
-/// Whole pixels are left out until the shorter side is less than twice `side`.
-Image shrunk(Image image, int side) {
-    const int step = std::max(1, std::min(image.width, image.height) / side);
-    if (step == 1)
-        return image;
-    Image small;
-    small.width = image.width / step;
-    small.height = image.height / step;
-    for (int y = 0; y < small.height; ++y) {
-        for (int x = 0; x < small.width; ++x)
-            small.pixels.push_back(
-                image.pixels[static_cast<std::size_t>(y * step * image.width + x * step)]);
-    }
-    return small;
 }
 
 } // namespace
@@ -67,8 +49,8 @@ std::optional<X11Windows::Facts> X11Windows::read(const Inquiry& inquiry) {
     const auto protocols = connection_.numbers(inquiry.protocols);
     const auto transientFor = connection_.numbers(inquiry.transientFor);
     const std::string wmClass = connection_.bytes(inquiry.wmClass);
-    const std::string machine = firstText(connection_.bytes(inquiry.machine));
-    const std::string applicationId = firstText(connection_.bytes(inquiry.applicationId));
+    const std::string machine = X11Properties::firstText(connection_.bytes(inquiry.machine));
+    const std::string applicationId = connection_.bytes(inquiry.applicationId);
     const auto statedProcess = connection_.numbers(inquiry.processId);
     const ProcessId serverProcess = process(inquiry.client);
     const auto managed = connection_.numbersOfWindow(inquiry.managed);
@@ -93,11 +75,7 @@ std::optional<X11Windows::Facts> X11Windows::read(const Inquiry& inquiry) {
     else if (isHere && !statedProcess.empty())
         toplevel.process = std::max(0, static_cast<ProcessId>(statedProcess.front()));
     facts.kind = kindOf(types);
-    const std::string instance = firstText(wmClass);
-    toplevel.identity = {
-        .instance = utf8(instance),
-        .className = utf8(firstText(wmClass.substr(std::min(instance.size() + 1, wmClass.size())))),
-        .applicationId = utf8(applicationId)};
+    toplevel.identity = X11Properties::identity(wmClass, applicationId);
     toplevel.isModal = holds(states, connection_.atom("_NET_WM_STATE_MODAL"));
     if (!transientFor.empty() && transientFor.front() != inquiry.window)
         facts.owner = transientFor.front();
@@ -171,36 +149,10 @@ std::set<ProcessId> X11Windows::processes(const std::set<xcb_window_t>& windows)
     return processes;
 }
 
-// The property holds pictures one after the other, each led by its width and its height. Only these
-// figures and one picture are fetched: programs put a megabyte there.
 Image X11Windows::icon(xcb_window_t window) {
-    constexpr std::uint32_t largest = 1024;
-    constexpr int enoughForLists = 48;
-    constexpr int most = 16;
-    Image best;
-    std::uint32_t offsetOfBest = 0;
-    std::uint32_t offset = 0;
-    for (int count = 0; count < most; ++count) {
-        const auto size = connection_.numbers(window, "_NET_WM_ICON", offset, 2);
-        if (size.size() < 2 || size[0] == 0 || size[1] == 0 || size[0] > largest ||
-            size[1] > largest)
-            break;
-        const int width = static_cast<int>(size[0]);
-        const int side = std::min(width, static_cast<int>(size[1]));
-        const int sideOfBest = std::min(best.width, best.height);
-        const bool isBestEnough = sideOfBest >= enoughForLists;
-        const bool isEnough = side >= enoughForLists;
-        if (isBestEnough ? isEnough && side < sideOfBest : side > sideOfBest) {
-            best.width = width;
-            best.height = static_cast<int>(size[1]);
-            offsetOfBest = offset + 2;
-        }
-        offset += 2 + size[0] * size[1];
-    }
-    const auto length = static_cast<std::uint32_t>(best.width * best.height);
-    if (length > 0)
-        best.pixels = connection_.numbers(window, "_NET_WM_ICON", offsetOfBest, length);
-    return best.pixels.size() == length ? shrunk(std::move(best), enoughForLists) : Image();
+    return X11Properties::icon([&](std::uint32_t offset, std::uint32_t count) {
+        return connection_.numbers(window, "_NET_WM_ICON", offset, count);
+    });
 }
 
 } // namespace velmorquit

@@ -2,10 +2,9 @@
 
 #include "Linux/Proc/ProcDirectory.h"
 #include "Linux/Proc/ProcessStat.h"
+#include "ResticAnswers.h"
 #include "Texts/Localized.h"
 
-#include <QDateTime>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -21,47 +20,6 @@ namespace velmorquit {
 namespace fs = std::filesystem;
 
 namespace {
-
-/// A time such as "2026-11-23T03:52:56.946434519Z". Of its digits only milliseconds are understood.
-QDateTime dateTime(QString text) {
-    const auto point = text.indexOf('.');
-    if (point >= 0) {
-        auto end = point + 1;
-        while (end < text.size() && text[end].isDigit())
-            ++end;
-        text.remove(point + 4, std::max<qsizetype>(end - point - 4, 0));
-    }
-    return QDateTime::fromString(text, Qt::ISODateWithMs);
-}
-
-WallTime wholeSecond(const QDateTime& date) {
-    const std::chrono::milliseconds since(date.toMSecsSinceEpoch());
-    return WallTime(std::chrono::ceil<std::chrono::seconds>(since));
-}
-
-Snapshot snapshotOf(const QJsonObject& object) {
-    Snapshot snapshot{.id = object["id"].toString().toStdString(),
-                      .date = wholeSecond(dateTime(object["time"].toString())),
-                      .host = object["hostname"].toString().toStdString(),
-                      .paths = {},
-                      .isOurs = object["tags"].toArray().contains(QString(Repository::tag))};
-    for (const auto& path : object["paths"].toArray())
-        snapshot.paths.push_back(path.toString().toStdString());
-    return snapshot;
-}
-
-/// The last line that says something to a person; restic ends some of its messages with others.
-std::string lastLine(const std::string& errors) {
-    std::string found;
-    for (const QString& line : QString::fromStdString(errors).split('\n')) {
-        const QString text = line.trimmed();
-        const bool isAdvice = text.startsWith('{') || text.startsWith("the `unlock` command") ||
-                              text.startsWith("storage ID");
-        if (!text.isEmpty() && !isAdvice)
-            found = text.toStdString();
-    }
-    return found;
-}
 
 /// Seconds since 1970 at which the system was started.
 qint64 bootTime() {
@@ -148,8 +106,8 @@ Problem Repository::problem(const ResticEnd& end) const {
     if (!fs::exists(passwordFile_, error))
         return {localized("Manca il file con la password della destinazione %@: %@", path_,
                           passwordFile_)};
-    return {
-        localized("restic non è riuscito con la destinazione %@: %@", path_, lastLine(end.errors))};
+    return {localized("restic non è riuscito con la destinazione %@: %@", path_,
+                      ResticAnswers::lastLine(end.errors))};
 }
 
 std::optional<Problem> Repository::create() const {
@@ -158,8 +116,8 @@ std::optional<Problem> Repository::create() const {
         return std::nullopt;
     if (end.isStopped || Repository::isAt(path_))
         return problem(end);
-    return Problem{
-        localized("Non posso preparare la destinazione %@: %@", path_, lastLine(end.errors))};
+    return Problem{localized("Non posso preparare la destinazione %@: %@", path_,
+                             ResticAnswers::lastLine(end.errors))};
 }
 
 Outcome<std::string> Repository::id() const {
@@ -175,12 +133,7 @@ Outcome<std::vector<Snapshot>> Repository::snapshots() const {
     const ResticEnd end = run({"snapshots", "--json", "--no-lock"});
     if (!end.isGood())
         return problem(end);
-    std::vector<Snapshot> snapshots;
-    const auto list = QJsonDocument::fromJson(QByteArray::fromStdString(end.output)).array();
-    for (const auto& element : list)
-        snapshots.push_back(snapshotOf(element.toObject()));
-    std::ranges::sort(snapshots, {}, &Snapshot::date);
-    return snapshots;
+    return ResticAnswers::snapshots(end.output);
 }
 
 Repository::LockHolder Repository::holderOf(const std::string& lock) const {
@@ -190,7 +143,7 @@ Repository::LockHolder Repository::holderOf(const std::string& lock) const {
         return LockHolder::unknown;
     if (object["hostname"].toString().toStdString() != hostName())
         return LockHolder::elsewhere;
-    const qint64 time = dateTime(object["time"].toString()).toSecsSinceEpoch();
+    const qint64 time = ResticAnswers::seconds(object["time"].toString());
     return hasEnded(object["pid"].toInt(), time) ? LockHolder::hasEnded : LockHolder::unknown;
 }
 

@@ -2,6 +2,7 @@
 
 #include "Problem.h"
 #include "Restic.h"
+#include "ResticAnswers.h"
 #include "Settings.h"
 
 #include <string>
@@ -9,20 +10,11 @@
 
 namespace velmorquit {
 
-/// A backup as the repository has it.
-struct Snapshot {
-    std::string id;
-    WallTime date; ///< whole seconds, rounded up
-    std::string host;
-    std::vector<std::string> paths;
-    bool isOurs = false; ///< made by this tool
-};
-
 /// A restic repository in a folder.
 class Repository {
 public:
     /// What this tool's own snapshots are marked with.
-    static constexpr const char* tag = "velmorquit";
+    static constexpr const char* tag = ResticAnswers::tag;
 
     Repository(Restic& restic, std::string path, std::string passwordFile);
 

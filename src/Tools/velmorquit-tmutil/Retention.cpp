@@ -1,25 +1,12 @@
 #include "Retention.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "ResticAnswers.h"
 
 #include <algorithm>
 
 namespace velmorquit::Retention {
 
 namespace {
-
-/// The ids of what was removed, of the first line: what restic prints below it is no JSON.
-std::vector<std::string> removedIn(const std::string& output) {
-    std::vector<std::string> removed;
-    const auto line = QByteArray::fromStdString(output.substr(0, output.find('\n')));
-    for (const auto& group : QJsonDocument::fromJson(line).array()) {
-        for (const auto& snapshot : group.toObject()["remove"].toArray())
-            removed.push_back(snapshot.toObject()["id"].toString().toStdString());
-    }
-    return removed;
-}
 
 bool isAmong(const std::vector<std::string>& ids, const std::string& beginning) {
     return !beginning.empty() && std::ranges::any_of(ids, [&](const std::string& id) {
@@ -45,7 +32,7 @@ std::optional<Problem> apply(const Repository& repository, const Destination& de
     add("--keep-weekly=", destination.keep.weekly);
     add("--keep-monthly=", destination.keep.monthly);
     const ResticEnd end = repository.run(std::move(arguments));
-    const auto removed = removedIn(end.output);
+    const auto removed = ResticAnswers::removed(end.output);
     // Also when clearing up after that has failed: they are gone.
     const auto problem = Settings::change(destination.id, [&](Destination& recorded) {
         std::erase_if(recorded.snapshots, [&](const SnapshotRecord& snapshot) {

@@ -87,26 +87,6 @@ Value valueOf(const Destination& destination) {
                              {"SnapshotDates", dates}};
 }
 
-/// None when this is no list of destinations.
-std::optional<std::vector<Destination>> destinationsIn(const std::string& content) {
-    const auto list = PropertyList::decode(content);
-    const auto* root = list ? list->as<Value::Dictionary>() : nullptr;
-    const auto* places = root ? entry<Value::Array>(*root, "Destinations") : nullptr;
-    if (!places)
-        return std::nullopt;
-    std::vector<Destination> destinations;
-    for (const Value& place : *places) {
-        const auto* fields = place.as<Value::Dictionary>();
-        if (!fields)
-            return std::nullopt;
-        destinations.push_back(destinationOf(*fields));
-        const Destination& last = destinations.back();
-        if (last.path.empty() || last.id.empty() || last.passwordFile.empty())
-            return std::nullopt;
-    }
-    return destinations;
-}
-
 /// Held while the file is read and written anew.
 Descriptor lockFile() {
     const fs::path folder = Folders::runtime();
@@ -127,6 +107,32 @@ std::optional<WallTime> Destination::latest() const {
     return latest;
 }
 
+std::optional<std::vector<Destination>> Settings::decode(const std::string& content) {
+    const auto list = PropertyList::decode(content);
+    const auto* root = list ? list->as<Value::Dictionary>() : nullptr;
+    const auto* places = root ? entry<Value::Array>(*root, "Destinations") : nullptr;
+    if (!places)
+        return std::nullopt;
+    std::vector<Destination> destinations;
+    for (const Value& place : *places) {
+        const auto* fields = place.as<Value::Dictionary>();
+        if (!fields)
+            return std::nullopt;
+        destinations.push_back(destinationOf(*fields));
+        const Destination& last = destinations.back();
+        if (last.path.empty() || last.id.empty() || last.passwordFile.empty())
+            return std::nullopt;
+    }
+    return destinations;
+}
+
+std::string Settings::encode(const std::vector<Destination>& destinations) {
+    Value::Array places;
+    for (const Destination& destination : destinations)
+        places.push_back(valueOf(destination));
+    return PropertyList::encode(Value::Dictionary{{"Destinations", std::move(places)}});
+}
+
 Outcome<std::vector<Destination>> Settings::load() {
     const fs::path file = defaultBackupDestinationsFile();
     std::error_code error;
@@ -136,7 +142,7 @@ Outcome<std::vector<Destination>> Settings::load() {
     if (!content)
         return Problem{
             localized("Non posso leggere il file delle destinazioni %@.", file.string())};
-    auto destinations = destinationsIn(*content);
+    auto destinations = decode(*content);
     if (!destinations)
         return Problem{localized("Il file delle destinazioni %@ è danneggiato. Resta com’è: "
                                  "spostalo e ripeti setup, oppure ripristinalo.",
@@ -153,11 +159,7 @@ Settings::change(const std::function<void(std::vector<Destination>&)>& edit) {
         return *problem;
     auto& destinations = std::get<std::vector<Destination>>(loaded);
     edit(destinations);
-    Value::Array places;
-    for (const Destination& destination : destinations)
-        places.push_back(valueOf(destination));
-    const std::string list =
-        PropertyList::encode(Value::Dictionary{{"Destinations", std::move(places)}});
+    const std::string list = encode(destinations);
     if (PrivateFiles::makeFolder(file.parent_path()) ||
         PrivateFiles::replace(file, list, PrivateFiles::Durability::onDisk))
         return Problem{

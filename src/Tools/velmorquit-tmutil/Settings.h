@@ -46,6 +46,12 @@ struct Destination {
 /// The file of destinations, a property list that other programs read as well.
 namespace Settings {
 
+/// What the file holds, as a list; none when it is no list of destinations.
+[[nodiscard]] std::optional<std::vector<Destination>> decode(const std::string& content);
+
+/// The list as the file is to hold it.
+[[nodiscard]] std::string encode(const std::vector<Destination>& destinations);
+
 /// All destinations; none while there is no such file. A file that can't be understood is a
 /// problem, and nothing here ever writes over it.
 [[nodiscard]] Outcome<std::vector<Destination>> load();

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Platform/Time.h"
+
+#include <algorithm>
+
+namespace velmorquit {
+
+/// A second as a date, kept within the dates that there are: from 1677 to 2262. What others write
+/// may be any number.
+[[nodiscard]] inline WallTime dateAt(std::chrono::sys_seconds second) {
+    using std::chrono::ceil;
+    using std::chrono::floor;
+    using std::chrono::seconds;
+    if (second < ceil<seconds>(WallTime::min()))
+        return ceil<seconds>(WallTime::min());
+    return std::min(second, floor<seconds>(WallTime::max()));
+}
+
+} // namespace velmorquit
