@@ -1,6 +1,7 @@
 #include "Codecs/BinaryPropertyList.h"
 
 #include "Codecs/PropertyListLimits.h"
+#include "Platform/Dates.h"
 
 #include <QString>
 #include <algorithm>

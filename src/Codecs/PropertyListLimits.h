@@ -1,8 +1,5 @@
 #pragma once
 
-#include "Platform/Time.h"
-
-#include <algorithm>
 #include <cstddef>
 
 /// How much of a property list is read. What others write may say that it is larger than it is, and
@@ -19,15 +16,5 @@ inline constexpr int mostValues = 100'000;
 /// Bytes of all texts, keys and data of one list, at most; those of a value that the list uses
 /// several times count as often.
 inline constexpr std::size_t mostBytes = largestList;
-
-/// A second as a date, kept within the dates that there are: from 1677 to 2262.
-[[nodiscard]] inline WallTime dateAt(std::chrono::sys_seconds second) {
-    using std::chrono::ceil;
-    using std::chrono::floor;
-    using std::chrono::seconds;
-    if (second < ceil<seconds>(WallTime::min()))
-        return ceil<seconds>(WallTime::min());
-    return std::min(second, floor<seconds>(WallTime::max()));
-}
 
 } // namespace velmorquit::PropertyList

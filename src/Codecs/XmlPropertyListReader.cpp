@@ -1,9 +1,11 @@
 #include "Codecs/PropertyListLimits.h"
 #include "Codecs/XmlBytes.h"
 #include "Codecs/XmlPropertyList.h"
+#include "Platform/Dates.h"
 
 #include <QByteArray>
 #include <QXmlStreamReader>
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <utility>
@@ -83,9 +85,34 @@ std::optional<Value> dataOf(const std::string& text) {
     return Value(Value::Data(first, first + read.decoded.size()));
 }
 
+// The tags of lists are short. The reader compares all attributes of a tag with each other, so that
+// some megabytes of them would keep it busy for hours.
+bool areTagsShort(std::string_view list) {
+    constexpr std::size_t longestTag = 1000;
+    for (auto at = list.find('<'); at != list.npos; at = list.find('<', at + 1)) {
+        std::string_view tag = list.substr(at + 1, longestTag);
+        if (!tag.empty() && (tag.front() == '!' || tag.front() == '?'))
+            continue;
+        char quote = 0;
+        const auto isEnd = [&quote](char letter) {
+            if (letter == quote)
+                quote = 0;
+            else if (quote == 0 && (letter == '"' || letter == '\''))
+                quote = letter;
+            return quote == 0 && letter == '>';
+        };
+        if (tag.size() == longestTag && std::ranges::none_of(tag, isEnd))
+            return false;
+    }
+    return true;
+}
+
 class Reader {
 public:
-    explicit Reader(std::string_view list) : xml_(XmlBytes::shown(list)) {}
+    explicit Reader(std::string_view list) : xml_(XmlBytes::shown(list)) {
+        // No list needs words of its own, of which a few bytes may stand for any number.
+        xml_.setEntityExpansionLimit(0);
+    }
 
     std::optional<Value> root() {
         if (!xml_.readNextStartElement() || xml_.name() != QLatin1String("plist") ||
@@ -176,6 +203,8 @@ private:
 
 } // namespace
 
-std::optional<Value> decodeXml(std::string_view list) { return Reader(list).root(); }
+std::optional<Value> decodeXml(std::string_view list) {
+    return areTagsShort(list) ? Reader(list).root() : std::nullopt;
+}
 
 } // namespace velmorquit::PropertyList

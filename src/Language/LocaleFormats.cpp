@@ -40,7 +40,11 @@ Distance between(const QDate& earlier, const QDate& later) {
 
 Distance distance(WallTime earlier, WallTime later) {
     constexpr qint64 day = 24 * 3600;
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(later - earlier).count();
+    // Two dates may be further apart than nanoseconds can tell.
+    const bool isFar = earlier < WallTime() &&
+                       later.time_since_epoch() > Duration::max() + earlier.time_since_epoch();
+    const Duration apart = isFar ? Duration::max() : later - earlier;
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(apart).count();
     const QDate first = LocalTime::at(earlier).date();
     const QDate last = LocalTime::at(later).date();
     // A day on which the clock is set back has 25 hours.

@@ -1,6 +1,7 @@
 #include "Services/TimeMachine.h"
 
 #include "Codecs/PropertyList.h"
+#include "Platform/Dates.h"
 
 #include <algorithm>
 #include <charconv>
@@ -66,7 +67,7 @@ std::optional<WallTime> localTime(const std::tm& figures) {
     }
     if (!earliest)
         return std::nullopt;
-    return WallTime(std::chrono::seconds(*earliest));
+    return dateAt(std::chrono::sys_seconds(std::chrono::seconds(*earliest)));
 }
 
 /// "2026-03-02-081500"; the first such stamp counts, whether or not it is a date.

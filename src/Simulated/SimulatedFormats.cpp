@@ -14,7 +14,8 @@ std::string SimulatedFormats::shortTime(WallTime date) const {
 }
 
 std::string SimulatedFormats::relativeDate(WallTime date, WallTime now) const {
-    const auto gone = std::chrono::floor<std::chrono::seconds>(now - date);
+    using namespace std::chrono;
+    const auto gone = floor<seconds>(floor<milliseconds>(now) - floor<milliseconds>(date));
     return std::to_string(gone.count()) + " s fa";
 }
 

@@ -116,6 +116,7 @@ TEST_F(FormatsTest, ARelativeDateIsAsAPersonWouldSayIt) {
     for (const auto& [gone, words] : cases)
         EXPECT_EQ(italian.relativeDate(now - gone, now), words) << gone.count();
     EXPECT_EQ(english.relativeDate(now, now), "now");
+    EXPECT_EQ(english.relativeDate(WallTime::min(), now), "349 years ago");
     EXPECT_EQ(english.relativeDate(now - 3h, now), "3 hours ago");
     EXPECT_EQ(english.relativeDate(now - 24h, now), "yesterday");
     // A day of 25 hours, of which 24 have gone by.

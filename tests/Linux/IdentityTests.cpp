@@ -223,6 +223,18 @@ TEST_F(IdentityTest, WithoutAnEntryItHasANameThatAPersonWouldGiveIt) {
     }
 }
 
+TEST(RunProgram, IsReadAtOnceHoweverLongItIs) {
+    std::string path;
+    for (int part = 0; part < 400'000; ++part)
+        path += "main/";
+    EXPECT_TRUE(programOf("/usr/bin/python3", {"python3", path}, "/home/a").isUnknown());
+    const std::string deep = path.substr(0, 4000);
+    EXPECT_EQ(programOf("/usr/bin/python3", {"python3", "note/" + deep}, "/opt").name, "note");
+    EXPECT_EQ(programOf("/usr/bin/python3", {"python3", "/opt//note///main.py"}, "/").name, "note");
+    EXPECT_EQ(programOf("/usr/bin/python3", {"python3", "main.py"}, "/home/a").name, "main");
+    EXPECT_EQ(programOf("/usr/bin/python3", {"python3", "src/main.py"}, "/root").name, "main");
+}
+
 TEST_F(IdentityTest, TakesANameFromATitleThatComesLateAndKeepsIt) {
     show("Toplevel", "/usr/bin/python3", {"ledger.py"});
     const auto app = last();

@@ -36,6 +36,7 @@ TEST(CardTexts, ABackupOfExactlySevenDaysIsNotStale) {
     };
     EXPECT_FALSE(isStale(604800s));
     EXPECT_TRUE(isStale(604801s));
+    EXPECT_TRUE(CardTexts::lastBackup({true, WallTime::min()}, formats, now).isStale);
     EXPECT_TRUE(CardTexts::lastBackup({true, std::nullopt}, formats, now).isStale);
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <cstddef>
 #include <filesystem>
 #include <system_error>
@@ -114,12 +115,19 @@ bool holds(std::string_view options, std::string_view option) {
 
 /// The name of a file may tell nothing where its folder does. A user's own folder never does.
 std::string nameOfFile(const fs::path& path) {
-    for (fs::path part = path; part.has_relative_path(); part = part.parent_path()) {
-        if (part.parent_path() == "/" || part.parent_path() == "/home" || part == "/root")
+    std::string_view part = path.native();
+    while (!part.empty() && part != "/") {
+        const std::size_t slash = part.rfind('/');
+        const std::string name = withoutExtension(part.substr(slash + 1));
+        const std::string_view folder = slash == part.npos ? "" : part.substr(0, slash + 1);
+        const std::size_t end = folder.find_last_not_of('/');
+        const std::string_view parent =
+            end == folder.npos ? folder.substr(0, 1) : folder.substr(0, end + 1);
+        if (parent == "/" || parent == "/home" || part == "/root")
             break;
-        std::string name = withoutExtension(part.filename().string());
         if (!name.empty() && !isCommonName(name))
             return utf8(name);
+        part = parent;
     }
     return utf8(withoutExtension(path.filename().string()));
 }
@@ -132,7 +140,8 @@ std::vector<std::string> since(const std::vector<std::string>& arguments, std::s
 
 RunProgram fileIn(const std::string& file, const std::string& folder,
                   std::vector<std::string> arguments) {
-    if (file.empty() || file.find('\0') != std::string::npos)
+    // Whatever is longer is none: a process may have been given megabytes.
+    if (file.empty() || file.size() >= PATH_MAX || file.find('\0') != std::string::npos)
         return {};
     const fs::path path = fs::path(folder) / file;
     std::error_code error;

@@ -39,7 +39,7 @@ LastBackup lastBackup(const TimeMachine::Info& info, const Formats& formats, Wal
     if (!info.lastBackup)
         return {localized("Nessun backup ancora fatto"), true};
     return {localized("Ultimo backup: %@", formats.relativeDate(*info.lastBackup, now)),
-            now - *info.lastBackup > freshBackup};
+            *info.lastBackup < now - freshBackup};
 }
 
 std::string backupHelp(const TimeMachine::Info& info) {

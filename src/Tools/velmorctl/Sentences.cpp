@@ -1,5 +1,6 @@
 #include "Sentences.h"
 
+#include "Platform/Dates.h"
 #include "Table.h"
 #include "Texts/Localized.h"
 
@@ -70,7 +71,8 @@ std::string doneText(const QJsonObject& state, const Formats& formats) {
 }
 
 std::string shortTime(const QJsonValue& seconds, const Formats& formats) {
-    return formats.shortTime(WallTime{std::chrono::seconds(seconds.toInteger())});
+    const std::chrono::seconds since(seconds.toInteger());
+    return formats.shortTime(dateAt(std::chrono::sys_seconds(since)));
 }
 
 std::string backupFailedText(const QJsonObject& state, const Formats& formats) {
