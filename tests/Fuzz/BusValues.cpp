@@ -1,0 +1,32 @@
+#include "Fuzz/Variants.h"
+#include "Linux/DBus/NotifierItems.h"
+#include "Linux/DBus/PortalSettings.h"
+#include "Linux/DesktopLook.h"
+
+using namespace velmorquit;
+
+/// An entry of the list of tray icons in a line, then what the portal says.
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::set<std::string> wanted = DesktopLook::portalSettings();
+    static const QStringList names = [] {
+        QStringList all;
+        for (const std::string& name : wanted)
+            all << QString::fromStdString(name).split(' ');
+        return all;
+    }();
+    static const QStringList texts{"prefer-dark", "prefer-light", "HighContrast-dark"};
+    fuzz::Input input(data, size);
+    const QString text = QString::fromStdString(input.line());
+    const NotifierEntry entry = NotifierEntry::from(text);
+    fuzz::require(text.startsWith(entry.name), "the entry begins with the name");
+    fuzz::require(entry.path.startsWith('/'), "an object has a path");
+    QMap<QString, QVariantMap> groups;
+    for (int count = input.byte() % 8; count > 0; --count) {
+        const QString group = fuzz::nameFrom(input, names);
+        groups.insert(group, fuzz::mapFrom(input, names, texts));
+    }
+    const DesktopSettings settings = portalSettings(groups, wanted);
+    fuzz::require(settings.size() <= wanted.size(), "only what is wanted is kept");
+    static_cast<void>(DesktopLook::of(settings, settings));
+    return 0;
+}

@@ -1,0 +1,62 @@
+#include "Fuzz/Fuzz.h"
+#include "Services/RemoteControl.h"
+#include "Simulated/SimulatedDesktop.h"
+
+#include <algorithm>
+
+using namespace velmorquit;
+
+namespace {
+
+void requireJson(const std::string& text) {
+    fuzz::require(fuzz::isUtf8(text), "what is said on the bus is a text");
+    fuzz::require(nlohmann::json::accept(text), "and is JSON");
+}
+
+/// What a person and programs may do meanwhile.
+void act(SimulatedDesktop& desktop, const std::vector<std::string>& words) {
+    if (words[0] == "+open") {
+        auto& app = desktop.open(words.back(), 7);
+        if (words.size() > 2)
+            app.identified(words[1]);
+        if (words.size() > 3)
+            app.ignoresAsking();
+    } else if (words[0] == "+wait") {
+        const auto seconds = words.back().empty() ? 1 : words.back().front() - '0';
+        desktop.advance(std::clamp(seconds, 0, 80) * 1s);
+    } else if (words[0] == "+backups") {
+        desktop.backupTool.configure();
+    }
+}
+
+} // namespace
+
+/// A line is a command and its arguments, or with a plus in front what happens on the desktop;
+/// tabs between the words.
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    constexpr int mostLines = 12;
+    SimulatedDesktop desktop;
+    QuitController controller(desktop.ports());
+    ActionRunner actions(desktop.loop, desktop.kernel, desktop.formats);
+    actions.setController(&controller);
+    RemoteControl control(controller, actions, desktop.ports());
+    controller.onEvent = [&](const Event& event) { control.announce(event); };
+    desktop.loop.settle();
+    fuzz::Input input(data, size);
+    for (int line = 0; line < mostLines && !input.isEmpty(); ++line) {
+        std::vector<std::string> words = fuzz::split(input.line(), '\t');
+        if (words[0].starts_with('+')) {
+            act(desktop, words);
+            continue;
+        }
+        const RemoteAnswer answer = desktop.remote.give(words[0], {words.begin() + 1, words.end()});
+        if (answer.status == RemoteAnswer::Status::done)
+            requireJson(answer.text);
+        fuzz::require(!answer.text.empty(), "nobody is left without an answer");
+        desktop.loop.settle();
+    }
+    requireJson(desktop.remote.give("status").text);
+    for (const std::string& change : desktop.remote.changes)
+        requireJson(change);
+    return 0;
+}
