@@ -1,6 +1,7 @@
 #include "Linux/DBus/BusNotice.h"
 
 #include <QDBusPendingCallWatcher>
+#include <QTimer>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -91,6 +92,10 @@ void BusNotice::send(const Content& content, const QString& text) {
          << QString::fromStdString(content.title) << text << actions << hints << expiry;
     isSending_ = true;
     isLost_ = false;
+    QTimer::singleShot(patience_, this, [this, number = ++sent_] {
+        if (isSending_ && number == sent_)
+            noteUnanswerable();
+    });
     ask(call, [this](const QDBusMessage& reply) { hearReply(reply); });
 }
 
@@ -105,7 +110,8 @@ void BusNotice::ask(const QDBusMessage& call, std::function<void(const QDBusMess
 
 void BusNotice::hearReply(const QDBusMessage& reply) {
     isSending_ = false;
-    shown_ = reply.type() == QDBusMessage::ReplyMessage ? reply.arguments().value(0).toUInt() : 0;
+    const bool isShown = reply.type() == QDBusMessage::ReplyMessage && reply.signature() == "u";
+    shown_ = isShown ? reply.arguments().value(0).toUInt() : 0;
     shownBy_ = reply.service();
     if (isTold_)
         findOutWhetherAnswerable();

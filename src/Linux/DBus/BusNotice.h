@@ -18,8 +18,10 @@ class BusNotice final : public QObject, public Notice {
     Q_OBJECT
 
 public:
-    /// Nothing is shown over a bus that isn't connected.
-    explicit BusNotice(const QDBusConnection& bus) : bus_(bus) {}
+    /// Nothing is shown over a bus that isn't connected. A service that takes longer than `patience`
+    /// (milliseconds) to show a notice counts as one where it can't be answered.
+    explicit BusNotice(const QDBusConnection& bus, int patience = 5000)
+        : bus_(bus), patience_(patience) {}
     /// Withdraws what would stay; the rest is left where the user can still read it.
     ~BusNotice() override;
 
@@ -47,11 +49,13 @@ private:
     void listen();
 
     QDBusConnection bus_;
+    int patience_;
     std::optional<Content> wanted_;
     /// Whether the service was told of `wanted_`.
     bool isTold_ = true;
     /// Whether the service hasn't said yet what number a notice has.
     bool isSending_ = false;
+    unsigned sent_ = 0; ///< how many notices were
     /// The number of the notice that is shown, 0 without one, and the service that shows it.
     uint shown_ = 0;
     QString shownBy_;

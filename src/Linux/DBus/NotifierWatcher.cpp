@@ -82,7 +82,7 @@ void NotifierWatcher::hearAnswer(const QDBusMessage& answer) {
     if (isOutdated_)
         questions_.ask();
     const auto hasHost = answer.arguments().value(0).value<QDBusVariant>().variant();
-    become(answer.type() == QDBusMessage::ReplyMessage && hasHost.toBool() ? owner_ : QString());
+    become(hasHost.typeId() == QMetaType::Bool && hasHost.toBool() ? owner_ : QString());
 }
 
 void NotifierWatcher::hearOwner(const QDBusMessage& signal) {

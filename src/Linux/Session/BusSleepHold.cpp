@@ -114,7 +114,8 @@ void BusSleepHold::askSession(const Manager* manager) {
     call(session_, message,
          [this, alive = std::weak_ptr(alive_), bus = session_.connection(), manager, goOn,
           round = round_](const QDBusMessage& reply) {
-             const bool isGranted = reply.type() == QDBusMessage::ReplyMessage;
+             const bool isGranted =
+                 reply.type() == QDBusMessage::ReplyMessage && reply.signature() == "u";
              const Grant grant{manager, reply.service(), reply.arguments().value(0).toUInt()};
              if (alive.expired() || round != round_ || grant_) {
                  if (isGranted)
