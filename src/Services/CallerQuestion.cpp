@@ -29,7 +29,8 @@ constexpr std::array<Request, 21> requests{{
     {"quitAll", "restart", textKey("chiudere tutte le app e poi riavviare il computer")},
     {"quitAll", "logOut", textKey("chiudere tutte le app e poi uscire dalla sessione")},
     {"quitAll", "", textKey("chiudere tutte le app")},
-    {"force", "", textKey("terminare a forza le app rimaste aperte: ciò che non è salvato va perso")},
+    {"force", "",
+     textKey("terminare a forza le app rimaste aperte: ciò che non è salvato va perso")},
     {"anyway", "", textKey("passare sopra a ciò che resta aperto: ciò che non è salvato va perso")},
     {"askAgain", "", textKey("chiedere di nuovo alle app di chiudersi")},
     {"backup", "skip", textKey("saltare il backup")},
@@ -73,8 +74,8 @@ bool CallerQuestion::isAbout(const RemoteCommand& command) {
     if (command.verb != "action" || command.arguments.empty())
         return std::ranges::count(harmless, command.verb) == 0;
     const auto action = actionNamed(command.arguments.front());
-    return !action || (action->kind != ActionKind::memory &&
-                       action->kind != ActionKind::cancelSchedule);
+    return !action ||
+           (action->kind != ActionKind::memory && action->kind != ActionKind::cancelSchedule);
 }
 
 std::optional<RemoteAnswer> CallerQuestion::consider(const RemoteCommand& command,

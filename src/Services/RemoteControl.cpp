@@ -66,8 +66,8 @@ RemoteControl::RemoteControl(QuitController& controller, ActionRunner& actions,
       schedule_({controller, actions, desktop.formats, desktop.kernel},
                 [this](const Json& change) { announce(change); }),
       end_(desktop.loginWindow, [this](const Json& change) { announce(change); }),
-      callerQuestion_(desktop.loop),
-      knownApps_(controller.apps), knownExclusions_(controller.excluded) {
+      callerQuestion_(desktop.loop), knownApps_(controller.apps),
+      knownExclusions_(controller.excluded) {
     remote_.serve({.answer = [this](const RemoteCommand& command) { return answer(command); },
                    .mattersWhose = CallerQuestion::isAbout});
     announceChanges();

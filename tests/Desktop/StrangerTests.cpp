@@ -65,14 +65,14 @@ protected:
         EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
         return outcome;
     }
-    static inline const std::string self = "desktop_tests (processo " +
-                                           std::to_string(::getpid()) + ")";
+    static inline const std::string self =
+        "desktop_tests (processo " + std::to_string(::getpid()) + ")";
 };
 
 TEST_F(Strangers, VelmorctlSaysWhoAnswersInTheProgramsPlaceAndNeverHangs) {
     using Manner = Stranger::Manner;
-    for (const Manner manner : {Manner::wrongType, Manner::wrongText, Manner::twice,
-                                Manner::refusing, Manner::silent}) {
+    for (const Manner manner :
+         {Manner::wrongType, Manner::wrongText, Manner::twice, Manner::refusing, Manner::silent}) {
         const Stranger stranger(manner);
         for (const auto& words : std::vector<std::vector<std::string>>{
                  {"status"}, {"quit-all"}, {"watch"}, {"show"}, {"memory"}}) {
@@ -92,9 +92,8 @@ TEST_F(Strangers, TheProgramGoesOnWithoutItsNameUntilItIsFree) {
     {
         const Stranger stranger(Stranger::Manner::silent);
         program = std::make_unique<Child>(std::vector<std::string>{VELMORQUIT});
-        await("a word about it", [&] {
-            return program->output().find("è di " + self) != std::string::npos;
-        });
+        await("a word about it",
+              [&] { return program->output().find("è di " + self) != std::string::npos; });
         linger(1000);
         EXPECT_TRUE(program->isRunning()) << program->output();
         EXPECT_EQ(control({"status"}).status, 5);
@@ -167,7 +166,8 @@ TEST_F(Sandboxed, WhatItAsksForIsDoneWhenTheUserAgrees) {
     EXPECT_EQ(phase(), "idle");
     // Not before it can have been read.
     linger(2000);
-    run({"xdotool", "search", "--onlyvisible", "--name", "^Velmor Quit$", "windowactivate", "--sync"});
+    run({"xdotool", "search", "--onlyvisible", "--name", "^Velmor Quit$", "windowactivate",
+         "--sync"});
     run({"xdotool", "key", "Left", "space"});
     await("the end of the run", [] { return phase() == "done"; });
     EXPECT_EQ(question(), "");

@@ -208,7 +208,8 @@ TEST_F(BusNoticeTest, TheNextServiceIsAskedAnewAndNeverByTheNumberOfTheLast) {
         EXPECT_TRUE(heardByNext().value(0).startsWith(isQuestion ? "replace 7" : "show | "));
         notice->notice.withdraw();
         QDBusConnection(next.bus()).unregisterService("org.freedesktop.Notifications");
-        EXPECT_TRUE(QDBusConnection(service.bus()).registerService("org.freedesktop.Notifications"));
+        EXPECT_TRUE(
+            QDBusConnection(service.bus()).registerService("org.freedesktop.Notifications"));
         settleAll();
     }
 }

@@ -79,8 +79,8 @@ TEST(ConfinementTest, KnowsWhatShutsAProcessInAndTakesWhatItCannotReadForThat) {
             proc.write("cgroup", std::string("0::/user.slice/app.slice/") + name + '\n');
         };
     };
-    const auto link = [](const char* name, const char* target) {
-        return [=](const FakeProc& proc) { proc.link(name, target); };
+    const auto link = [](const char* name, const std::string& target) {
+        return [=](const FakeProc& proc) { proc.link(name, target.c_str()); };
     };
     const std::vector<Row> rows{
         {"a plain program", [](const FakeProc&) {}, false, "thing"},
@@ -98,7 +98,8 @@ TEST(ConfinementTest, KnowsWhatShutsAProcessInAndTakesWhatItCannotReadForThat) {
         {"another root on top",
          [](const FakeProc& proc) {
              proc.link("ns/mnt", "x:[2]");
-             proc.write("mountinfo", "22 1 8:1 / / rw - ext4 a rw\n23 22 0:9 / / rw - overlay o rw\n");
+             proc.write("mountinfo",
+                        "22 1 8:1 / / rw - ext4 a rw\n23 22 0:9 / / rw - overlay o rw\n");
          },
          true, "thing"},
         {"a root that is no mount",
@@ -118,6 +119,8 @@ TEST(ConfinementTest, KnowsWhatShutsAProcessInAndTakesWhatItCannotReadForThat) {
         {"a label of the kernel's",
          [](const FakeProc& proc) { proc.write("attr/current", "viewer (enforce)\n"); }, true,
          "thing"},
+        {"a long name", link("exe", "/app/" + std::string(70, 'a')), false,
+         std::string(60, 'a') + "…"},
         {"one that can't be looked at", link("ns/mnt", ""), true, "thing"},
         {"one without a program", link("exe", ""), true, ""},
         {"a name that lies", link("exe", "/opt/\u202equit\n<b>x"), false, "___quit__b_x"},
@@ -166,9 +169,9 @@ protected:
         return fresh;
     }
     QStringList names() {
-        return own.call(QDBusMessage::createMethodCall("org.freedesktop.DBus",
-                                                       "/org/freedesktop/DBus",
-                                                       "org.freedesktop.DBus", "ListNames"))
+        return own
+            .call(QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                 "org.freedesktop.DBus", "ListNames"))
             .arguments()
             .value(0)
             .toStringList();

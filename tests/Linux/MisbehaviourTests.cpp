@@ -38,9 +38,8 @@ public:
     }
     [[nodiscard]] QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& call, const QDBusConnection&) override {
-        const QVariant right = call.member() == "GetCapabilities"
-                                   ? QVariant(QStringList{"actions"})
-                                   : right_;
+        const QVariant right =
+            call.member() == "GetCapabilities" ? QVariant(QStringList{"actions"}) : right_;
         switch (manner_) {
         case Manner::never:
             break;
@@ -104,8 +103,8 @@ std::vector<Adapter> adapters() {
     return {
         {"watcher", "org.kde.StatusNotifierWatcher", inVariant(true),
          [](Stage& stage) -> State {
-             const auto made = std::make_shared<NotifierWatcher>(
-                 stage.loop, stage.session.connection(), [] {});
+             const auto made =
+                 std::make_shared<NotifierWatcher>(stage.loop, stage.session.connection(), [] {});
              return [&stage, made] {
                  stage.loop.advance(1min);
                  return std::string(made->presentOne().isEmpty() ? "none" : "one");
@@ -138,14 +137,16 @@ std::vector<Adapter> adapters() {
              return [&stage, made, show] {
                  linger(150);
                  show();
-                 return std::string(std::exchange(stage.isUnanswerable, false) ? "panel" : "notice");
+                 return std::string(std::exchange(stage.isUnanswerable, false) ? "panel"
+                                                                               : "notice");
              };
          },
          "panel", "notice"},
         {"end", "org.lxqt.session", 1U,
          [](Stage& stage) -> State {
              const auto made = std::make_shared<BusEndService>(
-                 stage.session, stage.session, BusEndService::Settings{.sessionId = {}, .limit = 100ms});
+                 stage.session, stage.session,
+                 BusEndService::Settings{.sessionId = {}, .limit = 100ms});
              return [made] {
                  std::string told = "silent";
                  made->onAnswered = [&told](const std::optional<std::string>& failure) {
@@ -160,8 +161,7 @@ std::vector<Adapter> adapters() {
          "", "done"},
         {"hold", "org.gnome.SessionManager", 7U,
          [](Stage& stage) -> State {
-             const auto made =
-                 std::make_shared<BusSleepHold>(stage.session, stage.session, 50);
+             const auto made = std::make_shared<BusSleepHold>(stage.session, stage.session, 50);
              return [made] {
                  made->begin("A", BusSleepHold::Against::anySleep);
                  linger(100);
@@ -186,8 +186,7 @@ TEST(Misbehaviour, OfAServiceIsNeitherBelievedNorWaitedFor) {
             const State state = adapter.make(stage);
             settle({stage.session.connection(), rude->bus});
             const std::string found = state();
-            const std::string& expected =
-                manner == Manner::twice ? adapter.good : adapter.neutral;
+            const std::string& expected = manner == Manner::twice ? adapter.good : adapter.neutral;
             EXPECT_TRUE(expected.empty() || found == expected) << what << ": " << found;
             const QString gone = rude->bus.name();
             rude.reset();

@@ -87,8 +87,7 @@ TEST(Strangers, NobodyIsHeardWhoHasNotTheName) {
     BusSleepHolds holds(session, session);
     const Handle hold = holds.begin("test");
     QDBusServiceWatcher plain("org.lxqt.session", own);
-    QObject::connect(&plain, &QDBusServiceWatcher::serviceOwnerChanged, &plain,
-                     [&] { ++changes; });
+    QObject::connect(&plain, &QDBusServiceWatcher::serviceOwnerChanged, &plain, [&] { ++changes; });
     for (int round = 0; round < 3; ++round)
         settle({own, services.bus});
     ASSERT_TRUE(end.isReady());
@@ -98,24 +97,41 @@ TEST(Strangers, NobodyIsHeardWhoHasNotTheName) {
     ASSERT_EQ(items.processes().size(), 1U);
 
     const std::vector<Forgery> forgeries{
-        {"/org/freedesktop/Notifications", "org.freedesktop.Notifications", "ActionInvoked",
+        {"/org/freedesktop/Notifications",
+         "org.freedesktop.Notifications",
+         "ActionInvoked",
          {7U, "force"}},
-        {"/org/freedesktop/Notifications", "org.freedesktop.Notifications", "NotificationClosed",
+        {"/org/freedesktop/Notifications",
+         "org.freedesktop.Notifications",
+         "NotificationClosed",
          {7U, 2U}},
-        {"/StatusNotifierWatcher", "org.kde.StatusNotifierWatcher", "StatusNotifierHostRegistered",
+        {"/StatusNotifierWatcher",
+         "org.kde.StatusNotifierWatcher",
+         "StatusNotifierHostRegistered",
          {}},
-        {"/StatusNotifierWatcher", "org.kde.StatusNotifierWatcher",
-         "StatusNotifierHostUnregistered", {}},
-        {"/StatusNotifierWatcher", "org.kde.StatusNotifierWatcher", "StatusNotifierItemRegistered",
+        {"/StatusNotifierWatcher",
+         "org.kde.StatusNotifierWatcher",
+         "StatusNotifierHostUnregistered",
+         {}},
+        {"/StatusNotifierWatcher",
+         "org.kde.StatusNotifierWatcher",
+         "StatusNotifierItemRegistered",
          {stranger.baseService()}},
-        {"/StatusNotifierWatcher", "org.kde.StatusNotifierWatcher",
-         "StatusNotifierItemUnregistered", {owner}},
-        {"/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings", "SettingChanged",
-         {"org.freedesktop.appearance", "color-scheme",
-          QVariant::fromValue(QDBusVariant(1U))}},
-        {"/org/freedesktop/UDisks2", "org.freedesktop.DBus.ObjectManager", "InterfacesRemoved",
+        {"/StatusNotifierWatcher",
+         "org.kde.StatusNotifierWatcher",
+         "StatusNotifierItemUnregistered",
+         {owner}},
+        {"/org/freedesktop/portal/desktop",
+         "org.freedesktop.portal.Settings",
+         "SettingChanged",
+         {"org.freedesktop.appearance", "color-scheme", QVariant::fromValue(QDBusVariant(1U))}},
+        {"/org/freedesktop/UDisks2",
+         "org.freedesktop.DBus.ObjectManager",
+         "InterfacesRemoved",
          {QVariant::fromValue(QDBusObjectPath("/a")), QStringList{"b"}}},
-        {"/a", properties, "PropertiesChanged",
+        {"/a",
+         properties,
+         "PropertiesChanged",
          {"org.freedesktop.UDisks2.Drive", QVariantMap(), QStringList{"a"}}},
         {"/org/freedesktop/DBus", busName, "NameOwnerChanged",
          ownerChange("org.freedesktop.Notifications", owner, "")},
@@ -136,10 +152,10 @@ TEST(Strangers, NobodyIsHeardWhoHasNotTheName) {
         for (const bool isDirect : {false, true}) {
             const int asked = services.asked;
             QDBusMessage signal =
-                isDirect ? QDBusMessage::createTargetedSignal(own.baseService(), forgery.path,
-                                                              forgery.interface, forgery.member)
-                         : QDBusMessage::createSignal(forgery.path, forgery.interface,
-                                                      forgery.member);
+                isDirect
+                    ? QDBusMessage::createTargetedSignal(own.baseService(), forgery.path,
+                                                         forgery.interface, forgery.member)
+                    : QDBusMessage::createSignal(forgery.path, forgery.interface, forgery.member);
             signal.setArguments(forgery.arguments);
             EXPECT_TRUE(stranger.send(signal));
             settle({stranger, own, services.bus});

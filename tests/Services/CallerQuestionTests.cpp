@@ -15,23 +15,21 @@ protected:
     void serve() {
         start();
         control = std::make_unique<RemoteControl>(*controller, actions, desktop.ports());
-        control->callerQuestion().screen = {
-            .ask =
-                [this](const std::string& question, const std::string& button,
-                       std::function<void(bool)> answer) {
-                    EXPECT_EQ(button, "Permetti");
-                    questions.push_back(question);
-                    give = std::move(answer);
-                },
-            .withdraw =
-                [this] {
-                    ++withdrawn;
-                    if (give)
-                        std::exchange(give, nullptr)(false);
-                }};
-        control->schedule().onAnswer = [this](const ActionAnswer& answer) {
-            told = answer.text;
-        };
+        control->callerQuestion().screen = {.ask =
+                                                [this](const std::string& question,
+                                                       const std::string& button,
+                                                       std::function<void(bool)> answer) {
+                                                    EXPECT_EQ(button, "Permetti");
+                                                    questions.push_back(question);
+                                                    give = std::move(answer);
+                                                },
+                                            .withdraw =
+                                                [this] {
+                                                    ++withdrawn;
+                                                    if (give)
+                                                        std::exchange(give, nullptr)(false);
+                                                }};
+        control->schedule().onAnswer = [this](const ActionAnswer& answer) { told = answer.text; };
         desktop.remote.caller = {.isConfined = true, .name = "org.example.Rude"};
     }
     Status ask(const std::string& verb, const std::vector<std::string>& arguments = {}) {
@@ -71,9 +69,14 @@ TEST_F(CallerStory, LooksAndHoldsUpAtOnceAndAsksForAllElse) {
     EXPECT_FALSE(controller->isRunning());
     answer(true);
     EXPECT_EQ(told, "Nessuna app è rimasta aperta.") << "what it was about has gone";
-    for (const auto& [verb, arguments] : std::vector<std::pair<std::string, std::vector<std::string>>>{
-             {"schedule", {"minutes", "5", "none"}}, {"eject", {}}, {"forget", {}},
-             {"exclude", {"Note"}}, {"include", {"Note"}}, {"action", {"quit-all"}},
+    for (const auto& [verb, arguments] :
+         std::vector<std::pair<std::string, std::vector<std::string>>>{
+             {"schedule", {"minutes", "5", "none"}},
+             {"eject", {}},
+             {"forget", {}},
+             {"exclude", {"Note"}},
+             {"include", {"Note"}},
+             {"action", {"quit-all"}},
              {"action", {"schedule-quit", "then=nothing"}}}) {
         EXPECT_EQ(ask(verb, arguments), Status::asking) << verb;
         give = nullptr;

@@ -18,8 +18,8 @@ class BusNotice final : public QObject, public Notice {
     Q_OBJECT
 
 public:
-    /// Nothing is shown over a bus that isn't connected. A service that takes longer than `patience`
-    /// (milliseconds) to show a notice counts as one where it can't be answered.
+    /// Nothing is shown over a bus that isn't connected. A service that takes longer than
+    /// `patience` (milliseconds) to show a notice counts as one where it can't be answered.
     explicit BusNotice(const QDBusConnection& bus, int patience = 5000)
         : bus_(bus), patience_(patience) {}
     /// Withdraws what would stay; the rest is left where the user can still read it.

@@ -29,7 +29,7 @@ std::string harmless(std::string_view name) {
                              std::string_view("._+-").find(letter) != std::string_view::npos;
         text += isPlain ? letter : '_';
     }
-    return text;
+    return name.size() > most ? text + "…" : text;
 }
 
 std::string nameOf(std::string_view unit, std::string_view executable) {

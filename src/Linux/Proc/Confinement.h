@@ -13,8 +13,8 @@ struct Confinement {
     /// Whether it is, or nobody can tell.
     bool isConfined = true;
     /// What it goes by, for a person: the application's own id where whoever started it has noted
-    /// one, else the file name of its program, which it may have chosen itself. Only letters, digits
-    /// and "._+-", and at most 60 of them; empty when nothing is known.
+    /// one, else the file name of its program, which it may have chosen itself. Only letters,
+    /// digits and "._+-", 60 of them and then an ellipsis; empty when nothing is known.
     std::string name{};
 };
 

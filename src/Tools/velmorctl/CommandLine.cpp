@@ -194,7 +194,8 @@ std::string usage() {
         "  --help, --version    questo testo; la versione\n"
         "\n"
         "Stato d'uscita: 0 fatto, 1 rifiutato o qualcosa è rimasto aperto o collegato, 2 uso\n"
-        "sbagliato, 3 Velmor Quit non è in esecuzione, 4 tempo scaduto, 5 un altro programma ha il\n"
+        "sbagliato, 3 Velmor Quit non è in esecuzione, 4 tempo scaduto, 5 un altro programma ha "
+        "il\n"
         "suo nome, 6 da una sandbox: prima serve un sì sullo schermo, 130 Ctrl+C.\n");
 }
 

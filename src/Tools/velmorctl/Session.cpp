@@ -262,8 +262,8 @@ void Session::hearError(const QDBusError& error) {
     else if (!isOwn)
         blameAnswerer(saidBy(error).toStdString());
     else
-        fail(saidBy(error).toStdString(), error.name().endsWith(".Asking") ? ExitStatus::asking
-                                                                           : ExitStatus::failure);
+        fail(saidBy(error).toStdString(),
+             error.name().endsWith(".Asking") ? ExitStatus::asking : ExitStatus::failure);
 }
 
 void Session::blameAnswerer(const std::string& otherwise) {
