@@ -15,7 +15,9 @@ using testing::HasSubstr;
 
 const QString name = QStringLiteral("org.velmorquit.VelmorQuit");
 
-/// Another program that has taken the name, which is this one.
+const QString notifications = QStringLiteral("org.freedesktop.Notifications");
+
+/// Another program that has taken the name, which is this one. It shows the desktop's notices, too.
 class Stranger final : public QDBusVirtualObject {
 public:
     enum class Manner { silent, wrongType, wrongText, twice, refusing };
@@ -23,16 +25,23 @@ public:
     explicit Stranger(Manner manner) : manner_(manner) {
         EXPECT_TRUE(bus_.registerVirtualObject("/", this, QDBusConnection::SubPath));
         EXPECT_TRUE(bus_.registerService(name));
+        EXPECT_TRUE(bus_.registerService(notifications));
     }
     Stranger(const Stranger&) = delete;
     Stranger& operator=(const Stranger&) = delete;
     ~Stranger() override {
         bus_.unregisterService(name);
+        bus_.unregisterService(notifications);
         bus_.unregisterObject("/");
     }
 
     [[nodiscard]] QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& call, const QDBusConnection&) override {
+        if (call.interface() == notifications) {
+            notices << call.arguments().value(4).toString();
+            bus_.send(call.createReply(1U));
+            return true;
+        }
         switch (manner_) {
         case Manner::silent:
             break;
@@ -51,6 +60,8 @@ public:
         }
         return true;
     }
+
+    QStringList notices;
 
 private:
     QDBusConnection bus_ = QDBusConnection::sessionBus();
@@ -94,7 +105,8 @@ TEST_F(Strangers, TheProgramGoesOnWithoutItsNameUntilItIsFree) {
         program = std::make_unique<Child>(std::vector<std::string>{VELMORQUIT});
         await("a word about it",
               [&] { return program->output().find("è di " + self) != std::string::npos; });
-        linger(1000);
+        await("a notice", [&] { return !stranger.notices.isEmpty(); });
+        EXPECT_THAT(stranger.notices.first().toStdString(), HasSubstr(self));
         EXPECT_TRUE(program->isRunning()) << program->output();
         EXPECT_EQ(control({"status"}).status, 5);
     }
