@@ -86,6 +86,17 @@ TEST(ConfinementTest, KnowsWhatShutsAProcessInAndTakesWhatItCannotReadForThat) {
         {"a plain program", [](const FakeProc&) {}, false, "thing"},
         {"of an application", unit("app-gnome-org.foo.Bar-12.scope"), false, "thing"},
         {"a service that hides a folder", link("ns/mnt", "x:[2]"), false, "thing"},
+        {"without a way to more rights",
+         [](const FakeProc& proc) {
+             proc.write("status", "Name:\tthing\nNoNewPrivs:\t1\nSeccomp:\t0\n");
+         },
+         false, "thing"},
+        {"the same, with other folders",
+         [](const FakeProc& proc) {
+             proc.link("ns/mnt", "x:[2]");
+             proc.write("status", "Name:\tthing\nNoNewPrivs:\t1\nSeccomp:\t0\n");
+         },
+         true, "thing"},
         {"other users", link("ns/user", "x:[2]"), true, "thing"},
         {"other processes", link("ns/pid", "x:[2]"), true, "thing"},
         {"another root by its path", link("root", "/srv/jail"), true, "thing"},
@@ -192,6 +203,10 @@ TEST_F(BusCallersTest, TellsAProcessInANamespaceFromOneBesideIt) {
     EXPECT_EQ(beside.name, "gdbus");
     if (std::system("unshare --user --map-root-user true 2>/dev/null") != 0)
         GTEST_SKIP() << "no namespaces here";
+    // Where all is as outside but for what it may become.
+    if (std::system("bwrap --dev-bind / / true 2>/dev/null") == 0) {
+        EXPECT_TRUE(find(connectionOf({"bwrap", "--dev-bind", "/", "/"})).isConfined);
+    }
     const RemoteCaller inside = find(connectionOf({"unshare", "--user", "--map-root-user"}));
     EXPECT_TRUE(inside.isConfined);
     EXPECT_EQ(inside.name, "gdbus");

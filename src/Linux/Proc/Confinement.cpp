@@ -49,13 +49,16 @@ bool sharesNamespace(ProcessId process, const char* kind, const ProcDirectory& p
     return proc.link(process, kind) == proc.link(::getpid(), kind);
 }
 
-// Another mount namespace alone says little: services have one that hides a folder or two.
+// Another mount namespace alone says little: services have one that hides a folder or two. Whoever
+// makes one to shut something in sees to it that it can't get more rights either.
 bool sharesRoot(ProcessId process, const ProcDirectory& proc) {
     const std::string root = proc.link(process, "root");
     if (root.empty() || root != proc.link(::getpid(), "root"))
         return false;
     if (sharesNamespace(process, "ns/mnt", proc))
         return true;
+    if (proc.read(process, "status").find("\nNoNewPrivs:\t1\n") != std::string::npos)
+        return false;
     const std::string its = rootMount(proc.read(process, "mountinfo"));
     return !its.empty() && its == rootMount(proc.read(::getpid(), "mountinfo"));
 }

@@ -19,8 +19,9 @@ struct Confinement {
 };
 
 /// Looks at the process. It is confined when it has other users, processes or another root than
-/// this one, belongs to an application that is installed with a sandbox, speaks on behalf of one,
-/// or the kernel's security module holds it. `label` is what that module calls it, if known.
+/// this one, or other mounts and no way to more rights, belongs to an application that is installed
+/// with a sandbox, speaks on behalf of one, or the kernel's security module holds it. `label` is
+/// what that module calls it, if known.
 ///
 /// Nothing is opened below the root of the process, which may be a file system that never answers.
 [[nodiscard]] Confinement confinementOf(ProcessId process, std::string_view label,
