@@ -16,7 +16,11 @@ protected:
     void begin() {
         notifier = std::make_unique<NotifierWatcher>(loop, session, [this] { ++changes; });
     }
-    void settleAll() { settle({session, watcher.bus}); }
+    void settleAll() {
+        // The watcher is asked only so often.
+        linger(150);
+        settle({session, watcher.bus});
+    }
     /// Whether somebody is there who draws icons, when there is nothing more to hear.
     bool isPresent() {
         settleAll();
@@ -89,12 +93,13 @@ TEST_F(NotifierWatcherTest, OneThatComesLaterOrTakesOverCountsFromItsAnswerOn) {
     StandInWatcher next(bus.connect());
     next.hosts = 0;
     next.appear();
-    settle({session, next.bus});
+    settleAll();
     watcher.answer();
     EXPECT_FALSE(isPresent());
     StandInWatcher::tell(watcher.bus, "StatusNotifierHostRegistered");
     EXPECT_FALSE(isPresent()) << "whoever says so, it is the watcher that counts";
     next.setHosts(1);
+    settleAll();
     settle({session, next.bus});
     EXPECT_EQ(notifier->presentOne(), next.bus.baseService());
     EXPECT_EQ(changes, 3);

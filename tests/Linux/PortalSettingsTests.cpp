@@ -28,7 +28,11 @@ protected:
                                   "absent key"},
             [this] { ++changes; });
     }
-    void settleAll() { settle({session, portal.bus}); }
+    void settleAll() {
+        // The portal is asked only so often.
+        linger(250);
+        settle({session, portal.bus});
+    }
     DesktopSettings values() {
         settleAll();
         return settings->values();
