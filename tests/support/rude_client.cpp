@@ -23,7 +23,8 @@
 //   --tray-icon           has an icon in the tray beside its windows
 //   --works SECONDS       without windows it writes files for so long, and then ends
 //   --gapplication-service  nothing: so services are started by the bus
-//   --icon                its windows have pictures of 16, 64 and 128 pixels, each of one colour
+//   --icon                its windows have pictures of 1100, 16, 128 and 64 pixels, each of one
+//   colour
 //   --deaf                takes no notice of SIGTERM either
 
 #include <xcb/xcb.h>
@@ -146,7 +147,8 @@ private:
 
     static std::vector<std::uint32_t> pictures() {
         std::vector<std::uint32_t> numbers;
-        for (const std::uint32_t side : {16, 128, 64}) {
+        // One that is larger than anybody wants comes first.
+        for (const std::uint32_t side : {1100, 16, 128, 64}) {
             numbers.insert(numbers.end(), 2, side);
             numbers.insert(numbers.end(), side * side, 0xFF000000 + side);
         }

@@ -3,6 +3,7 @@
 #include "Linux/Text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace velmorquit::X11Properties {
 
@@ -43,17 +44,26 @@ std::string title(const std::string& name, const std::string& oldName) {
 // The property holds pictures one after the other, each led by its width and its height. Only these
 // figures and one picture are fetched: programs put a megabyte there.
 Image icon(const Numbers& numbers) {
+    // Larger ones are passed over; one of more than that isn't believed.
     constexpr std::uint32_t largest = 1024;
+    constexpr std::uint32_t largestBelieved = 8192;
     constexpr int enoughForLists = 48;
     constexpr int most = 16;
+    constexpr std::uint32_t mostPixels = 1U << 27;
     Image best;
     std::uint32_t offsetOfBest = 0;
     std::uint32_t offset = 0;
     for (int count = 0; count < most; ++count) {
         const auto size = numbers(offset, 2);
-        if (size.size() < 2 || size[0] == 0 || size[1] == 0 || size[0] > largest ||
-            size[1] > largest)
+        if (size.size() < 2 || size[0] == 0 || size[1] == 0 || size[0] > largestBelieved ||
+            size[1] > largestBelieved)
             break;
+        const std::uint32_t pixels = size[0] * size[1];
+        if (pixels > mostPixels - offset)
+            break;
+        const std::uint32_t start = std::exchange(offset, offset + 2 + pixels);
+        if (size[0] > largest || size[1] > largest)
+            continue;
         const int width = static_cast<int>(size[0]);
         const int side = std::min(width, static_cast<int>(size[1]));
         const int sideOfBest = std::min(best.width, best.height);
@@ -62,9 +72,8 @@ Image icon(const Numbers& numbers) {
         if (isBestEnough ? isEnough && side < sideOfBest : side > sideOfBest) {
             best.width = width;
             best.height = static_cast<int>(size[1]);
-            offsetOfBest = offset + 2;
+            offsetOfBest = start + 2;
         }
-        offset += 2 + size[0] * size[1];
     }
     const auto length = static_cast<std::uint32_t>(best.width * best.height);
     if (length > 0)
