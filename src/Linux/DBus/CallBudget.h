@@ -8,8 +8,8 @@
 namespace velmorquit {
 
 /// How much of the main thread's time goes into what other processes ask for: each of them gets a
-/// quarter at the most and all together half, over some seconds, so that whoever calls without end
-/// leaves room for the others and for the program itself.
+/// tenth at the most and all together a quarter, over some seconds, so that whoever calls without
+/// end leaves room for the others and for the program itself.
 class CallBudget {
 public:
     /// Whether the call of that process (its name on the bus) may be answered now.
@@ -24,8 +24,8 @@ private:
         Duration most;
         int fraction; ///< one of so many parts
     };
-    static constexpr Share ofOne{.most = 1s, .fraction = 4};
-    static constexpr Share ofAll{.most = 3s, .fraction = 2};
+    static constexpr Share ofOne{.most = 1s, .fraction = 10};
+    static constexpr Share ofAll{.most = 3s, .fraction = 4};
     /// Those with nothing to pay off are forgotten; of more, the others share one account.
     static constexpr std::size_t mostCallers = 64;
 
