@@ -71,9 +71,9 @@ void surviveTheTerminal() {
 /// Large blocks go back to the system when they are freed. By itself the allocator keeps blocks of
 /// the size of those that were freed before, up to 32 MB: one large message would be paid for ever.
 void giveMemoryBack() {
-    constexpr int large = 256 << 10;
+    constexpr int large = 4 << 20;
     ::mallopt(M_MMAP_THRESHOLD, large);
-    ::mallopt(M_TRIM_THRESHOLD, 4 * large);
+    ::mallopt(M_TRIM_THRESHOLD, large);
 }
 
 /// Whether so few descriptors may be open that the last one can be in use at any moment. The answer
