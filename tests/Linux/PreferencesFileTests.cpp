@@ -1,5 +1,6 @@
 #include "Codecs/PreferencesFile.h"
 #include "Codecs/PropertyList.h"
+#include "Codecs/PropertyListLimits.h"
 #include "Linux/Preferences/PropertyListPreferences.h"
 #include "Simulated/VirtualLoop.h"
 
@@ -281,10 +282,10 @@ TEST_F(PreferencesFile, NoticesEditsOfOtherPrograms) {
 
 TEST_F(PreferencesFile, NeitherReadsWhatIsFarTooLongNorSetsDamageAsideForEver) {
     open().set("mine", 1);
-    writeInPlace("<plist>" + std::string(largestPreferencesFile, ' '));
+    writeInPlace("<plist>" + std::string(PropertyList::largestList, ' '));
     EXPECT_TRUE(comesTrue([this] { return !log.lines.empty(); }));
     preferences->set("mine", 2);
-    EXPECT_GT(fs::file_size(file), largestPreferencesFile);
+    EXPECT_GT(fs::file_size(file), PropertyList::largestList);
     for (int time = 0; time < 30; ++time) {
         writeInPlace("damaged " + std::to_string(time));
         preferences->refresh();
