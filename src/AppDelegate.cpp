@@ -41,14 +41,26 @@ void AppDelegate::serveOthers(Notice& answers) {
     RemoteSchedule& published = remoteControl_.schedule();
     published.onConfirm = [this](const std::string& question, const std::string& button,
                                  std::function<void(bool)> answer) {
-        confirmDialog_.ask(question, button, std::move(answer));
+        // A double click on the yes to a caller is none to what that leads to.
+        constexpr Duration moment = 3s;
+        const bool followsAnother =
+            callerAgreedAt_ && desktop_.loop.uptime() - *callerAgreedAt_ < moment;
+        confirmDialog_.ask(question, button, std::move(answer),
+                           followsAnother ? ConfirmDialog::Manner::unbidden
+                                          : ConfirmDialog::Manner::wanted);
     };
     remoteControl_.callerQuestion().screen = {
         .ask =
             [this](const std::string& question, const std::string& button,
                    std::function<void(bool)> answer) {
-                callerDialog_.ask(question, button, std::move(answer),
-                                  ConfirmDialog::Manner::unbidden);
+                callerDialog_.ask(
+                    question, button,
+                    [this, answer = std::move(answer)](bool isYes) {
+                        if (isYes)
+                            callerAgreedAt_ = desktop_.loop.uptime();
+                        answer(isYes);
+                    },
+                    ConfirmDialog::Manner::unbidden);
             },
         .withdraw = [this] { callerDialog_.withdraw(); }};
     published.onAnswer = [&answers](const ActionAnswer& answer) {

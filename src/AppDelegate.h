@@ -16,6 +16,7 @@
 #include "Views/TrayItem.h"
 
 #include <memory>
+#include <optional>
 
 namespace velmorquit {
 
@@ -57,6 +58,7 @@ private:
     ConfirmDialog confirmDialog_;
     /// What others want doesn't take the place of what the user is being asked.
     ConfirmDialog callerDialog_;
+    std::optional<Uptime> callerAgreedAt_;
     TrayItem trayItem_;
     PanelPopover popover_;
     MenuBarItem menuBarItem_;

@@ -103,7 +103,7 @@ void hear(QtMsgType type, const QMessageLogContext& context, const QString& mess
     const bool isDisplayGone = message.startsWith(QLatin1String("The X11 connection broke"));
     if (isDisplayGone)
         JournalLog().write("Velmor Quit: senza server X11 non posso continuare, termino");
-    else if (usualHandler && JournalLog::isRoomForLine())
+    else if (usualHandler && (type == QtFatalMsg || JournalLog::isRoomForLine()))
         usualHandler(type, context, QString::fromStdString(shownText(message.toStdString())));
 }
 

@@ -91,6 +91,9 @@ bool areTagsShort(std::string_view list) {
     constexpr std::size_t longestTag = 1000;
     for (auto at = list.find('<'); at != list.npos; at = list.find('<', at + 1)) {
         std::string_view tag = list.substr(at + 1, longestTag);
+        // Attributes that every element gets.
+        if (tag.starts_with("!ATTLIST"))
+            return false;
         if (!tag.empty() && (tag.front() == '!' || tag.front() == '?'))
             continue;
         char quote = 0;
@@ -115,12 +118,15 @@ public:
     }
 
     std::optional<Value> root() {
-        if (!xml_.readNextStartElement() || xml_.name() != QLatin1String("plist") ||
-            !xml_.readNextStartElement())
+        if (!xml_.readNextStartElement())
+            return std::nullopt;
+        // Some write the value alone.
+        const bool isFramed = xml_.name() == QLatin1String("plist");
+        if (isFramed && !xml_.readNextStartElement())
             return std::nullopt;
         auto value = element();
         // One value and nothing else, to the end: half a list is none.
-        if (xml_.readNextStartElement())
+        if (isFramed && xml_.readNextStartElement())
             return std::nullopt;
         while (!xml_.atEnd())
             xml_.readNext();
@@ -151,10 +157,12 @@ private:
         const std::string content = XmlBytes::hidden(xml_.readElementText());
         if (xml_.hasError())
             return std::nullopt;
-        auto value = plain(name, content);
-        if (!value || nesting_ > deepestNesting)
-            return value ? std::nullopt : damaged();
-        return value;
+        constexpr std::array<std::string_view, 7> known{"string", "true", "false", "integer",
+                                                        "real",   "date", "data"};
+        if (std::ranges::find(known, name) == known.end())
+            return damaged();
+        // One that somebody has mistyped doesn't cost all the others.
+        return nesting_ > deepestNesting ? std::nullopt : plain(name, content);
     }
 
     static std::optional<Value> plain(std::string_view name, const std::string& content) {
@@ -204,6 +212,7 @@ private:
 } // namespace
 
 std::optional<Value> decodeXml(std::string_view list) {
+    list.remove_prefix(std::min(list.find_first_not_of(" \t\r\n"), list.size()));
     return areTagsShort(list) ? Reader(list).root() : std::nullopt;
 }
 

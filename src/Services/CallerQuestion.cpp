@@ -116,6 +116,9 @@ void CallerQuestion::hear(unsigned question, bool isWanted) {
         agreed();
         return;
     }
+    // What was weeks ago says nothing of who asks today.
+    if (quietUntil_ && loop_.uptime() - *quietUntil_ > 2 * longestRest)
+        nextRest_ = rest;
     quietUntil_ = loop_.uptime() + nextRest_;
     nextRest_ = std::min<Duration>(nextRest_ * 2, longestRest);
     if (screen.withdraw)

@@ -79,14 +79,29 @@ RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {
     const auto moment = RunAnswers::momentOf(controller_, loginWindow_.state);
     if (auto why = RunAnswers::refusal(command, moment))
         return refused(std::move(*why));
-    if (auto asked = callerQuestion_.consider(command, [this, command] { perform(command); }))
+    auto agreed = [this, command, seen = situation()] { perform(command, seen); };
+    if (auto asked = callerQuestion_.consider(command, std::move(agreed)))
         return *std::move(asked);
     return carryOut(command);
 }
 
-void RemoteControl::perform(RemoteCommand command) {
+/// What words like "force" and "confirm" are about.
+std::string RemoteControl::situation() const {
+    const auto& schedule = controller_.schedule.get();
+    Json seen{controller_.phase.get().index(),
+              schedule ? schedule->date.time_since_epoch().count() : 0};
+    for (const OpenApp& app : controller_.stubborn.get())
+        seen.push_back(app.id);
+    return seen.dump();
+}
+
+// The yes was to what was there when the question was put.
+void RemoteControl::perform(RemoteCommand command, const std::string& seen) {
     command.caller = {};
-    const RemoteAnswer answer = this->answer(command);
+    const RemoteAnswer answer =
+        seen == situation()
+            ? this->answer(command)
+            : refused(localized("Nel frattempo le cose sono cambiate: non faccio niente."));
     if (answer.status != RemoteAnswer::Status::done && schedule_.onAnswer)
         schedule_.onAnswer({.status = ActionAnswer::Status::done, .text = answer.text});
 }

@@ -47,7 +47,8 @@ private:
 
     RemoteAnswer answer(const RemoteCommand& command);
     /// Does what the user has agreed to. Whoever wanted it has its answer already.
-    void perform(RemoteCommand command);
+    [[nodiscard]] std::string situation() const;
+    void perform(RemoteCommand command, const std::string& seen);
     RemoteAnswer carryOut(const RemoteCommand& command);
     [[nodiscard]] RemoteAnswer status();
     RemoteAnswer quitAll(const std::vector<std::string>& arguments);

@@ -169,6 +169,19 @@ TEST(PropertyList, ReadsNoTagsThatTakeForever) {
     EXPECT_FALSE(PropertyList::decode(tag + "><true/></plist>"));
 }
 
+TEST(PropertyList, ForgivesWhatPeopleWriteByHand) {
+    EXPECT_EQ(PropertyList::decode("\n<?xml version=\"1.0\"?><!-- mine --><dict><key>a</key><true/>"
+                                   "</dict>\n"),
+              Value(Dictionary{{"a", true}}));
+    EXPECT_EQ(PropertyList::decode(xml("<array><integer>many</integer><date>today</date><true/>"
+                                       "<integer/></array>")),
+              Value(Array{true}));
+    std::string attributes = "<!DOCTYPE plist [<!ATTLIST true";
+    for (int number = 0; number < 10'000; ++number)
+        attributes += " a" + std::to_string(number) + " CDATA 'x'";
+    EXPECT_FALSE(PropertyList::decode(attributes + ">]>" + "<plist><true/></plist>"));
+}
+
 TEST(PropertyList, ReadsNothingFromWhatIsNoPropertyList) {
     for (const char* text : {"", " ", "ciao", "{\"a\":1}", "<?xml version=\"1.0\"?>", "bplist",
                              "bplist00", "<plist version=\"1.0\"></plist>"})

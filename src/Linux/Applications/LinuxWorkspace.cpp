@@ -186,8 +186,15 @@ void LinuxWorkspace::admit(const Toplevel& toplevel, std::set<WorkspaceEvent>& e
     if (Member* member = known(id)) {
         if (member->settling.isSet() && improve(*member, toplevel))
             events.insert(WorkspaceEvent::policyChanged);
-        if (member->shown.size() < mostIdentities && member->shown.insert(toplevel.identity).second)
-            member->application->addIdentity(entries_.identify(toplevel.identity, id));
+        if (member->shown.contains(toplevel.identity))
+            return;
+        // Beyond that many only what is installed counts, of which there is no end of names either.
+        const Identity another = entries_.identify(toplevel.identity, id);
+        if (member->shown.size() < mostIdentities)
+            member->shown.insert(toplevel.identity);
+        else if (another.basis != Identity::Basis::entry)
+            return;
+        member->application->addIdentity(another);
         return;
     }
     auto process = ProcessHandle::open(id, [this, alive = std::weak_ptr(windows_)] {

@@ -131,6 +131,10 @@ std::optional<fs::path> AutostartEntry::systemFile() const {
 // A session that starts meanwhile reads the old one or the new one.
 std::optional<std::string> AutostartEntry::write(const std::string& lines) const {
     auto error = PrivateFiles::makeFolder(folders_.own);
+    // A link there leads to the entry that menus have, or to a folder of the system.
+    std::error_code ignored;
+    if (!error && fs::is_symlink(ownFile(), ignored))
+        fs::remove(ownFile(), error);
     if (!error)
         error = PrivateFiles::replace(ownFile(), "[Desktop Entry]\n" + lines,
                                       PrivateFiles::Durability::untilShutdown);

@@ -42,6 +42,14 @@ std::size_t sizeOf(const RemoteCommand& command) {
     return size;
 }
 
+/// To stop what is about to happen costs next to nothing and must always be possible.
+bool isAlwaysTaken(const RemoteCommand& command) {
+    const auto& words = command.arguments;
+    return command.verb == "cancel" || command.verb == "leave" || command.verb == "postpone" ||
+           (command.verb == "backup" && words.size() == 1 &&
+            (words[0] == "cancel" || words[0] == "stop"));
+}
+
 Duration clock(clockid_t id) {
     timespec time{};
     ::clock_gettime(id, &time);
@@ -103,12 +111,15 @@ void BusCommands::claimLater() {
     waiting_.setConnection(bus_);
     waiting_.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
     waiting_.addWatchedService(service);
-    connect(&waiting_, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
+    const auto claim = [this] {
         if (claimName() != Claim::ours)
             return;
         waiting_.setWatchedServices({});
         log_.write("Velmor Quit: il mio nome sul bus è libero, velmorctl può raggiungermi");
-    });
+    };
+    connect(&waiting_, &QDBusServiceWatcher::serviceUnregistered, this, claim);
+    // It may have gone while it was looked at, which nobody tells any more.
+    claim();
 }
 
 bool BusCommands::showOther(const QVariantMap& platformData, std::chrono::milliseconds limit) {
@@ -129,7 +140,6 @@ void BusCommands::announce(std::string_view change) {
     Q_EMIT Changed(QString::fromUtf8(change.data(), static_cast<qsizetype>(change.size())));
 }
 
-// To cancel costs next to nothing and must always be possible.
 void BusCommands::take(RemoteCommand command, const QString& connection, const Answered& answered) {
     const auto refuse = [&](const std::string& why) {
         answered({RemoteAnswer::Status::refused, why});
@@ -138,7 +148,7 @@ void BusCommands::take(RemoteCommand command, const QString& connection, const A
         return refuse(localized("Velmor Quit non è pronta: riprova tra un attimo."));
     if (sizeOf(command) > longestCommand)
         return refuse(localized("Il comando è troppo lungo."));
-    if (command.verb != "cancel" && !budget_.allows(connection.toStdString(), uptime()))
+    if (!isAlwaysTaken(command) && !budget_.allows(connection.toStdString(), uptime()))
         return refuse(localized("Velmor Quit riceve troppi comandi: riprova fra poco."));
     if (!handler_.mattersWhose(command))
         return perform(command, connection, answered);
@@ -153,7 +163,9 @@ void BusCommands::perform(const RemoteCommand& command, const QString& connectio
                           const Answered& answered) {
     const Duration before = processorTime();
     answered(handler_.answer(command));
-    budget_.charge(connection.toStdString(), uptime(), processorTime() - before);
+    // Nobody pays for these, or they could be used up as well.
+    if (!isAlwaysTaken(command))
+        budget_.charge(connection.toStdString(), uptime(), processorTime() - before);
 }
 
 QString BusCommands::Perform(const QString& verb, const QStringList& arguments) {

@@ -65,6 +65,7 @@ void BusNotice::prepare(const Content& content) {
         return;
     }
     isSending_ = true;
+    losePatienceLater();
     ask(message(QStringLiteral("GetCapabilities")),
         [this, text, markup](const QDBusMessage& reply) {
             isSending_ = false;
@@ -92,11 +93,15 @@ void BusNotice::send(const Content& content, const QString& text) {
          << QString::fromStdString(content.title) << text << actions << hints << expiry;
     isSending_ = true;
     isLost_ = false;
+    losePatienceLater();
+    ask(call, [this](const QDBusMessage& reply) { hearReply(reply); });
+}
+
+void BusNotice::losePatienceLater() {
     QTimer::singleShot(patience_, this, [this, number = ++sent_] {
         if (isSending_ && number == sent_)
             noteUnanswerable();
     });
-    ask(call, [this](const QDBusMessage& reply) { hearReply(reply); });
 }
 
 void BusNotice::ask(const QDBusMessage& call, std::function<void(const QDBusMessage&)> answered) {

@@ -40,6 +40,7 @@ private:
     /// `text` is the content's in the form that the service understands.
     void send(const Content& content, const QString& text);
     void close();
+    void losePatienceLater();
     void ask(const QDBusMessage& call, std::function<void(const QDBusMessage&)> answered);
     void hearReply(const QDBusMessage& reply);
     void findOutWhetherAnswerable();

@@ -39,9 +39,6 @@ std::string nameOf(std::string_view unit, std::string_view executable) {
     const std::string_view file = unit.substr(unit.rfind('/') + 1);
     if (file.starts_with("snap.") && !entries.empty())
         return harmless(entries.front());
-    constexpr std::string_view replaced = " (deleted)";
-    if (executable.ends_with(replaced))
-        executable.remove_suffix(replaced.size());
     return harmless(executable.substr(executable.rfind('/') + 1));
 }
 
@@ -63,11 +60,20 @@ bool sharesRoot(ProcessId process, const ProcDirectory& proc) {
     return !its.empty() && its == rootMount(proc.read(::getpid(), "mountinfo"));
 }
 
-// The module's word for whom it lets do anything is no confinement, nor that it only takes notes.
-bool isHeld(std::string_view label) {
+std::string_view trimmedLabel(std::string_view label) {
     while (!label.empty() && (label.back() == '\0' || label.back() == '\n'))
         label.remove_suffix(1);
-    return label.starts_with("snap.") || label.ends_with(" (enforce)");
+    return label;
+}
+
+// The module's word for whom it lets do anything is no confinement, nor that it only takes notes,
+// as of programs in a classic snap, nor one that holds this program as well, as in a container.
+bool isHeld(std::string_view label, std::string_view own) {
+    label = trimmedLabel(label);
+    if (label.empty() || label == trimmedLabel(own) || label.ends_with(" (complain)") ||
+        label.ends_with("unconfined") || label.ends_with(" (unconfined)"))
+        return false;
+    return label.starts_with("snap.") || label.ends_with(')');
 }
 
 } // namespace
@@ -92,16 +98,24 @@ std::string rootMount(std::string_view mountinfo) {
 Confinement confinementOf(ProcessId process, std::string_view label, const ProcDirectory& proc) {
     if (process <= 0)
         return {};
-    const std::string executable = proc.link(process, "exe");
+    std::string executable = proc.link(process, "exe");
+    // It has been updated since it was started.
+    constexpr std::string_view replaced = " (deleted)";
+    if (executable.ends_with(replaced))
+        executable.resize(executable.size() - replaced.size());
+    const std::string own = proc.read(::getpid(), "attr/current");
     const std::string cgroup = proc.read(process, "cgroup");
     const std::string_view unit = applicationUnit(cgroup);
     const std::string_view unitName = unit.substr(unit.rfind('/') + 1);
+    // A classic snap has no mounts of its own, nor anything else that shuts it in.
+    const bool isStrictSnap =
+        unitName.starts_with("snap.") && !sharesNamespace(process, "ns/mnt", proc);
     const bool isFree = !executable.empty() && !proc.link(process, "ns/mnt").empty() &&
                         sharesNamespace(process, "ns/user", proc) &&
                         sharesNamespace(process, "ns/pid", proc) && sharesRoot(process, proc) &&
                         !executable.ends_with("/xdg-dbus-proxy") &&
-                        sandboxedApplication(unit).empty() && !unitName.starts_with("snap.") &&
-                        !isHeld(label) && !isHeld(proc.read(process, "attr/current"));
+                        sandboxedApplication(unit).empty() && !isStrictSnap &&
+                        !isHeld(label, own) && !isHeld(proc.read(process, "attr/current"), own);
     return {.isConfined = !isFree, .name = nameOf(unit, executable)};
 }
 

@@ -97,8 +97,10 @@ void X11Toplevels::look() {
     readEvents();
     isOutdated_ |= age > freshness;
     // Where windows come faster than they can be looked at, no look would ever be the last one.
-    if (scanTook_ < burst || age >= scanTook_)
+    const bool isDue = scanTook_ < burst || age >= scanTook_;
+    if (isDue)
         scan();
+    isBehind_ = isOutdated_ && !isDue;
     readEvents();
 }
 
@@ -169,7 +171,7 @@ void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_win
 bool X11Toplevels::seesAll() {
     const bool isListed = windowManagerKnows(connection_, "_NET_CLIENT_LIST");
     look();
-    return isListed && !isCut_;
+    return isListed && !isCut_ && !isBehind_;
 }
 
 std::string X11Toplevels::title(std::uint64_t window) {

@@ -67,7 +67,8 @@ private:
     std::uint64_t active_ = 0;
     std::uint64_t focused_ = 0;
     bool isOutdated_ = true;
-    bool isCut_ = false; ///< there are more windows than were looked at
+    bool isBehind_ = false; ///< windows have changed faster than they are looked at
+    bool isCut_ = false;    ///< there are more windows than were looked at
     Uptime scannedAt_;
     Duration scanTook_{};
     bool isTelling_ = false;

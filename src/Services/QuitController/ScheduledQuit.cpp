@@ -145,8 +145,12 @@ void QuitController::meetDeadline() {
 void QuitController::postponeSchedule(int minutes) {
     if (!schedule.get())
         return;
-    const WallTime base = std::max(desktop_.loop.now(), schedule.get()->date);
-    scheduleQuit(base + std::chrono::minutes(minutes), schedule.get()->action);
+    const WallTime now = desktop_.loop.now();
+    const WallTime date = schedule.get()->date;
+    // What is put off again and again, by whomever, is not put off for ever.
+    constexpr auto furthest = std::chrono::hours(7 * 24);
+    const WallTime later = std::max(now, date) + std::chrono::minutes(minutes);
+    scheduleQuit(std::max(date, std::min<WallTime>(later, now + furthest)), schedule.get()->action);
 }
 
 void QuitController::confirmScheduledQuit() {

@@ -8,6 +8,7 @@
 #include "Texts/Localized.h"
 
 #include <algorithm>
+#include <functional>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -159,8 +160,20 @@ Settings::change(const std::function<void(std::vector<Destination>&)>& edit) {
         return *problem;
     auto& destinations = std::get<std::vector<Destination>>(loaded);
     edit(destinations);
-    const std::string list = encode(destinations);
-    if (PrivateFiles::makeFolder(file.parent_path()) ||
+    std::string list = encode(destinations);
+    // What couldn't be read again isn't written. Of the snapshots it is only a note which there
+    // are.
+    if (!decode(list)) {
+        constexpr std::size_t kept = 1000;
+        for (Destination& destination : destinations) {
+            auto& snapshots = destination.snapshots;
+            std::ranges::sort(snapshots, std::greater(), &SnapshotRecord::date);
+            snapshots.resize(std::min(snapshots.size(), kept));
+            std::ranges::reverse(snapshots);
+        }
+        list = encode(destinations);
+    }
+    if (!decode(list) || PrivateFiles::makeFolder(file.parent_path()) ||
         PrivateFiles::replace(file, list, PrivateFiles::Durability::onDisk))
         return Problem{
             localized("Non posso scrivere il file delle destinazioni %@.", file.string())};

@@ -108,6 +108,9 @@ void printRecoverySheet(const Destination& destination, const std::string& passw
                   ::isatty(STDOUT_FILENO)
                       ? password
                       : localized("quella nel file %@", destination.passwordFile)));
+    if (!::isatty(STDOUT_FILENO))
+        warn(localized("Sul foglio manca la password: copia il file %@ FUORI da questo computer.",
+                       destination.passwordFile));
 }
 
 /// Opens what the destination's path and password file name, and fills in what is there.
