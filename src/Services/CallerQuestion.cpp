@@ -16,8 +16,8 @@ namespace {
 constexpr std::array<std::string_view, 7> harmless{"status", "show",   "memory",  "actions",
                                                    "leave",  "cancel", "postpone"};
 
-/// What a command comes to, with a place for a name where it has one; where a verb is there more
-/// than once, with that as its argument.
+/// What a command comes to. Of a verb that is there more than once the first one counts whose
+/// argument the command has; one without an argument stands for all the rest.
 struct Request {
     std::string_view verb;
     std::string_view argument;

@@ -12,7 +12,7 @@ namespace velmorquit {
 namespace {
 
 /// A program has a handful of identities; one whose windows change theirs all the time must not be
-/// looked up for ever, nor remembered under all of them.
+/// remembered under all of them.
 constexpr std::size_t mostIdentities = 64;
 
 bool isThere(ProcessId id) { return ::kill(id, 0) == 0 || errno == EPERM; }
@@ -188,7 +188,8 @@ void LinuxWorkspace::admit(const Toplevel& toplevel, std::set<WorkspaceEvent>& e
             events.insert(WorkspaceEvent::policyChanged);
         if (member->shown.contains(toplevel.identity))
             return;
-        // Beyond that many only what is installed counts, of which there is no end of names either.
+        // Beyond that many only installed ones count, of which there are not many: an exclusion may
+        // be of the last one that a browser shows.
         const Identity another = entries_.identify(toplevel.identity, id);
         if (member->shown.size() < mostIdentities)
             member->shown.insert(toplevel.identity);
