@@ -1,7 +1,6 @@
 #include "Codecs/XmlBytes.h"
 
-#include <algorithm>
-#include <cstdint>
+#include "Texts/Utf8.h"
 
 namespace velmorquit::XmlBytes {
 namespace {
@@ -16,36 +15,6 @@ bool isAllowed(char32_t character) {
     if (character < 0x20)
         return character == '\t' || character == '\n' || character == '\r';
     return character != 0xFFFE && character != 0xFFFF && !isStandIn(character);
-}
-
-struct Decoded {
-    char32_t character = 0;
-    std::size_t size = 0;
-};
-
-/// The character that `bytes` begin with; of size 0 when they begin with none.
-Decoded firstOf(std::string_view bytes) {
-    const auto byte = [&](std::size_t at) {
-        return at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 0U;
-    };
-    const unsigned lead = byte(0);
-    if (lead < 0x80)
-        return {lead, 1};
-    const std::size_t size = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4)
-        return {};
-    char32_t character = lead & (0x7FU >> size);
-    for (std::size_t at = 1; at < size; ++at) {
-        if ((byte(at) & 0xC0) != 0x80)
-            return {};
-        character = character << 6 | (byte(at) & 0x3F);
-    }
-    // No longer than it must be, no half of a pair, and not beyond the last one.
-    constexpr char32_t least[] = {0, 0, 0x80, 0x800, 0x10000};
-    if (character < least[size] || character > 0x10FFFF ||
-        (character >= 0xD800 && character <= 0xDFFF))
-        return {};
-    return {character, size};
 }
 
 } // namespace
@@ -63,16 +32,14 @@ QString shown(std::string_view bytes) {
             (text += QChar::highSurrogate(character)) += QChar::lowSurrogate(character);
     };
     while (!bytes.empty()) {
-        const auto [character, size] = firstOf(bytes);
-        if (size > 0 && isAllowed(character)) {
-            append(character);
-            bytes.remove_prefix(size);
-            continue;
+        const Utf8Character first = firstCharacter(bytes);
+        if (first.isValid && isAllowed(first.code)) {
+            append(first.code);
+        } else {
+            for (const char byte : bytes.substr(0, first.size))
+                append(firstStandIn + static_cast<unsigned char>(byte));
         }
-        const std::size_t hiddenSize = std::max<std::size_t>(size, 1);
-        for (const char byte : bytes.substr(0, hiddenSize))
-            append(firstStandIn + static_cast<unsigned char>(byte));
-        bytes.remove_prefix(hiddenSize);
+        bytes.remove_prefix(first.size);
     }
     return text;
 }

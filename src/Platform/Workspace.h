@@ -22,6 +22,7 @@ enum class WorkspaceEvent {
 enum class Sight {
     all,
     noWindowList,   ///< nobody on this display lists its windows
+    incomplete,     ///< more windows than are looked at, or too few file descriptors for all
     anotherDisplay, ///< the session has a display of another kind, whose windows aren't seen
 };
 

@@ -45,7 +45,8 @@ const char* rawValue(StayReason reason) {
 }
 
 const char* rawValue(Sight sight) {
-    static constexpr std::array<const char*, 3> names{"all", "noWindowList", "anotherDisplay"};
+    static constexpr std::array<const char*, 4> names{"all", "noWindowList", "incomplete",
+                                                      "anotherDisplay"};
     return names.at(static_cast<std::size_t>(sight));
 }
 

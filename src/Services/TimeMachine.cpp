@@ -2,6 +2,7 @@
 
 #include "Codecs/PropertyList.h"
 #include "Platform/Dates.h"
+#include "Texts/Utf8.h"
 
 #include <algorithm>
 #include <charconv>
@@ -85,25 +86,6 @@ std::optional<WallTime> dateIn(const std::string& output) {
     figures.tm_min = figure(5);
     figures.tm_sec = figure(6);
     return localTime(figures);
-}
-
-bool isUtf8(std::string_view text) {
-    for (std::size_t at = 0; at < text.size();) {
-        const auto first = static_cast<unsigned char>(text[at]);
-        const std::size_t length = first < 0x80                    ? 1
-                                   : first >= 0xC2 && first < 0xE0 ? 2
-                                   : first >= 0xE0 && first < 0xF0 ? 3
-                                   : first >= 0xF0 && first < 0xF5 ? 4
-                                                                   : 0;
-        if (length == 0 || at + length > text.size())
-            return false;
-        for (std::size_t next = at + 1; next < at + length; ++next) {
-            if ((static_cast<unsigned char>(text[next]) & 0xC0) != 0x80)
-                return false;
-        }
-        at += length;
-    }
-    return true;
 }
 
 } // namespace

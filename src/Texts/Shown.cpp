@@ -1,5 +1,7 @@
 #include "Texts/Shown.h"
 
+#include "Texts/Utf8.h"
+
 #include <algorithm>
 #include <array>
 #include <span>
@@ -93,23 +95,9 @@ bool isNoCharacter(char32_t code) {
 /// Takes the first character off; what is none is a replacement, of as many bytes as were begun
 /// well.
 char32_t takeCharacter(std::string_view& text) {
-    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
-    const unsigned char first = byte(0);
-    const std::size_t length = first < 0x80                     ? 1
-                               : first >= 0xC2 && first <= 0xDF ? 2
-                               : first >= 0xE0 && first <= 0xEF ? 3
-                               : first >= 0xF0 && first <= 0xF4 ? 4
-                                                                : 0;
-    constexpr std::array<char32_t, 5> leading{0, 0x7F, 0x1F, 0x0F, 0x07};
-    constexpr std::array<char32_t, 5> least{0, 0, 0x80, 0x800, 0x10000};
-    char32_t code = first & leading.at(length);
-    std::size_t taken = 1;
-    while (taken < length && taken < text.size() && (byte(taken) & 0xC0) == 0x80)
-        code = code << 6 | (byte(taken++) & 0x3FU);
-    text.remove_prefix(taken);
-    const bool isSurrogate = code >= 0xD800 && code <= 0xDFFF;
-    const bool isWhole = length > 0 && taken == length && code >= least.at(length);
-    return isWhole && !isSurrogate && code <= 0x10FFFF && !isNoCharacter(code) ? code : replacement;
+    const Utf8Character first = firstCharacter(text);
+    text.remove_prefix(first.size);
+    return first.isValid && !isNoCharacter(first.code) ? first.code : replacement;
 }
 
 void append(std::string& text, char32_t code) {

@@ -3,6 +3,8 @@
 #include "Simulated/SimulatedDesktop.h"
 
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 using namespace velmorquit;
 
@@ -24,6 +26,10 @@ void act(SimulatedDesktop& desktop, const std::vector<std::string>& words) {
     } else if (words[0] == "+wait") {
         const auto seconds = words.back().empty() ? 1 : words.back().front() - '0';
         desktop.advance(std::clamp(seconds, 0, 80) * 1s);
+    } else if (words[0] == "+confined") {
+        desktop.remote.caller = {.isConfined = true, .name = words.back()};
+    } else if (words[0] == "+own") {
+        desktop.remote.caller = {};
     } else if (words[0] == "+backups") {
         desktop.backupTool.configure();
     }
@@ -43,8 +49,20 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     controller.onEvent = [&](const Event& event) { control.announce(event); };
     desktop.loop.settle();
     fuzz::Input input(data, size);
+    std::function<void(bool)> question;
+    control.callerQuestion().screen = {
+        .ask =
+            [&](const std::string& text, const std::string&, std::function<void(bool)> answer) {
+                fuzz::require(fuzz::isUtf8(text), "what is asked is a text");
+                question = std::move(answer);
+            },
+        .withdraw = [&] { question = nullptr; }};
     for (int line = 0; line < mostLines && !input.isEmpty(); ++line) {
         std::vector<std::string> words = fuzz::split(input.line(), '\t');
+        if ((words[0] == "+yes" || words[0] == "+no") && question) {
+            std::exchange(question, nullptr)(words[0] == "+yes");
+            continue;
+        }
         if (words[0].starts_with('+')) {
             act(desktop, words);
             continue;

@@ -11,7 +11,7 @@ namespace velmorquit {
 class SimulatedToplevels final : public ToplevelSource {
 public:
     [[nodiscard]] const std::vector<Toplevel>& toplevels() override { return windows; }
-    [[nodiscard]] bool seesAll() override { return true; }
+    [[nodiscard]] Sight sight() override { return Sight::all; }
     [[nodiscard]] std::string title(std::uint64_t window) override { return titles[window]; }
     [[nodiscard]] const std::set<ProcessId>& shellProcesses() const override { return shell_; }
     [[nodiscard]] std::uint64_t activeWindow() const override { return 0; }

@@ -74,6 +74,10 @@ TEST_F(PanelTest, WithNothingToQuitTheButtonStillDoesItsWork) {
     EXPECT_EQ(text("appCount"), "Nessuna app in vista");
     EXPECT_EQ(text("status"), "Non vedo niente da chiudere");
     EXPECT_EQ(text("emptyList").rfind("Non vedo che cosa è aperto", 0), 0);
+    desktop.workspace.seen = Sight::incomplete;
+    controller->refresh();
+    settle();
+    EXPECT_EQ(text("emptyList").rfind("Non vedo tutto", 0), 0);
     desktop.workspace.seen = Sight::all;
     controller->refresh();
     click("quitAll");

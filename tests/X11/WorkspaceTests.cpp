@@ -249,7 +249,7 @@ TEST_F(WorkspaceTest, KnowsThatItDoesNotSeeAllOfAListThatIsTooLong) {
         static_cast<void>(connection.number(connection.root(), "_NET_CLIENT_LIST"));
     };
     setList(list.size());
-    EXPECT_TRUE(waitUntil([this] { return workspace.sight() == Sight::noWindowList; }));
+    EXPECT_TRUE(waitUntil([this] { return workspace.sight() == Sight::incomplete; }));
     setList(3);
     EXPECT_TRUE(waitUntil([this] { return workspace.sight() == Sight::all; }));
 }

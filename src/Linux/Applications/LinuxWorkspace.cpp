@@ -45,7 +45,8 @@ std::vector<std::shared_ptr<RunningApplication>> LinuxWorkspace::runningApplicat
 Sight LinuxWorkspace::sight() {
     if (hasAnotherDisplay_ && hasAnotherDisplay_())
         return Sight::anotherDisplay;
-    return source_.seesAll() && !lacksDescriptors_ ? Sight::all : Sight::noWindowList;
+    const Sight sight = source_.sight();
+    return sight == Sight::all && lacksDescriptors_ ? Sight::incomplete : sight;
 }
 
 std::shared_ptr<const LinuxApplication> LinuxWorkspace::application(ProcessId id) const {

@@ -2,6 +2,7 @@
 
 #include "Platform/Handle.h"
 #include "Platform/RunningApplication.h"
+#include "Platform/Workspace.h"
 
 #include <functional>
 #include <set>
@@ -49,8 +50,8 @@ public:
     /// windows are asked about.
     [[nodiscard]] virtual const std::vector<Toplevel>& toplevels() = 0;
 
-    /// Whether `toplevels` are all that there are: somebody lists them. Asked of the desktop.
-    [[nodiscard]] virtual bool seesAll() = 0;
+    /// Whether `toplevels` are all that there are. Asked of the desktop.
+    [[nodiscard]] virtual Sight sight() = 0;
 
     /// What stands in the window's title bar, in UTF-8; empty when nothing does. Asked of the
     /// desktop.

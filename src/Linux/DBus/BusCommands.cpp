@@ -95,7 +95,10 @@ BusCommands::Holder BusCommands::holder() {
     holder.isThisProgram = holder.name.find("velmorquit") != std::string::npos;
     if (holder.isThisProgram)
         return holder;
-    // One that was started with a sandbox around it speaks through a broker.
+    // One that was started with a sandbox around it speaks through a broker. Any other program can
+    // say what this one would.
+    if (!holder.name.empty() && holder.name != "xdg-dbus-proxy")
+        return holder;
     QDBusMessage status =
         QDBusMessage::createMethodCall(service, path, "org.velmorquit.VelmorQuit1", "Perform");
     status.setAutoStartService(false);
@@ -150,10 +153,15 @@ void BusCommands::take(RemoteCommand command, const QString& connection, const A
         return refuse(localized("Il comando è troppo lungo."));
     if (!isAlwaysTaken(command) && !budget_.allows(connection.toStdString(), uptime()))
         return refuse(localized("Velmor Quit riceve troppi comandi: riprova fra poco."));
+    if (command.verb == "cancel")
+        ++cancellations_;
     if (!handler_.mattersWhose(command))
         return perform(command, connection, answered);
-    callers_.find(connection, [this, command = std::move(command), connection,
-                               answered](const RemoteCaller& caller) mutable {
+    callers_.find(connection, [this, command = std::move(command), connection, answered,
+                               asOf = cancellations_](const RemoteCaller& caller) mutable {
+        if (asOf != cancellations_)
+            return answered({RemoteAnswer::Status::refused,
+                             localized("Nel frattempo è stato chiesto di annullare.")});
         command.caller = caller;
         perform(command, connection, answered);
     });

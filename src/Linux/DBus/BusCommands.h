@@ -87,6 +87,8 @@ private:
         this, [this](const RemoteCommand& command, const QString& connection,
                      const Answered& answered) { take(command, connection, answered); }};
     CallBudget budget_;
+    /// What came before one, and waits until its caller is known, isn't done after it.
+    unsigned cancellations_ = 0;
 };
 
 } // namespace velmorquit

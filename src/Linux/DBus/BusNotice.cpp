@@ -198,7 +198,10 @@ void BusNotice::hearOwner(const QDBusMessage& signal) {
         return;
     isLost_ = isLost_ || (shown_ != 0 && wanted_ && wanted_->stays);
     shown_ = 0;
-    if (isLost_ && !owner.isEmpty()) {
+    if (isLost_ && owner.isEmpty()) {
+        // Perhaps nobody starts it again.
+        noteUnanswerable();
+    } else if (isLost_) {
         isTold_ = false;
         update();
     }

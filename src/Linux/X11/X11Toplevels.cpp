@@ -168,10 +168,12 @@ void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_win
         toplevels_.push_back(std::move(toplevel));
 }
 
-bool X11Toplevels::seesAll() {
+Sight X11Toplevels::sight() {
     const bool isListed = windowManagerKnows(connection_, "_NET_CLIENT_LIST");
     look();
-    return isListed && !isCut_ && !isBehind_;
+    if (!isListed)
+        return Sight::noWindowList;
+    return isCut_ || isBehind_ ? Sight::incomplete : Sight::all;
 }
 
 std::string X11Toplevels::title(std::uint64_t window) {

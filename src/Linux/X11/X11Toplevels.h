@@ -26,7 +26,7 @@ public:
     X11Toplevels(MainLoop& loop, SystemLog& log, X11Connection connection);
 
     [[nodiscard]] const std::vector<Toplevel>& toplevels() override;
-    [[nodiscard]] bool seesAll() override;
+    [[nodiscard]] Sight sight() override;
     [[nodiscard]] std::string title(std::uint64_t window) override;
     [[nodiscard]] const std::set<ProcessId>& shellProcesses() const override {
         return shellProcesses_;

@@ -55,6 +55,8 @@ std::string emptyList(Sight sight) {
     switch (sight) {
     case Sight::noWindowList:
         return localized("Non vedo che cosa è aperto: nessun gestore di finestre me lo dice.");
+    case Sight::incomplete:
+        return localized("Non vedo tutto: ci sono troppe finestre o troppi file aperti.");
     case Sight::anotherDisplay:
         return localized("Non vedo che cosa è aperto: di questa sessione vedo solo una parte delle "
                          "finestre.");

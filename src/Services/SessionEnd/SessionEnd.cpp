@@ -213,7 +213,7 @@ SessionEnd::Next SessionEnd::considerSight() {
     }
     if (!wait_.blindSince)
         wait_.blindSince = now;
-    const bool mayPass = surroundings_.workspace.sight() == Sight::noWindowList;
+    const bool mayPass = surroundings_.workspace.sight() != Sight::anotherDisplay;
     if (mayPass && now - *wait_.blindSince < blindPatience) {
         publish(EndState::Stage::waiting, {});
         return Next::wait;

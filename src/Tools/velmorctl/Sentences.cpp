@@ -186,6 +186,8 @@ std::string reopenableText(const QJsonObject& status) {
 std::string emptyText(const QString& sight) {
     if (sight == "noWindowList")
         return localized("Non vedo che cosa è aperto: nessun gestore di finestre me lo dice.");
+    if (sight == "incomplete")
+        return localized("Non vedo tutto: ci sono troppe finestre o troppi file aperti.");
     if (sight == "anotherDisplay")
         return localized("Non vedo che cosa è aperto: di questa sessione vedo solo una parte delle "
                          "finestre.");
