@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Linux/Descriptor.h"
-#include "Platform/MainLoop.h"
-#include "Platform/Subscribers.h"
+#include "Loop/MainLoop.h"
+#include "Loop/Subscribers.h"
 
 #include <QSocketNotifier>
 

@@ -4,8 +4,8 @@
 #include "Linux/DesktopLook.h"
 #include "Linux/Paced.h"
 #include "Linux/X11/XSettings.h"
+#include "Loop/Subscribers.h"
 #include "Platform/Appearance.h"
-#include "Platform/Subscribers.h"
 
 namespace velmorquit {
 

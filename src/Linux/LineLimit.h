@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Time.h"
+#include "Loop/Time.h"
 
 namespace velmorquit {
 

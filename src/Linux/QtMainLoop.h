@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/MainLoop.h"
-#include "Platform/TimerQueue.h"
+#include "Loop/MainLoop.h"
+#include "Loop/TimerQueue.h"
 
 #include "Linux/ClockWatch.h"
 

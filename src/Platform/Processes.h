@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/Time.h"
 #include "Platform/RunningApplication.h"
-#include "Platform/Time.h"
 
 #include <cstdint>
 #include <map>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/Time.h"
 #include "Platform/Icon.h"
-#include "Platform/Time.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Handle.h"
+#include "Loop/Handle.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Published.h"
+#include "Loop/Published.h"
 
 namespace velmorquit {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Task.h"
+#include "Loop/Task.h"
 #include "Platform/Volumes.h"
 
 #include <string>

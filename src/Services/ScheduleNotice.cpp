@@ -1,6 +1,6 @@
 #include "Services/ScheduleNotice.h"
 
-#include "Platform/MainLoop.h"
+#include "Loop/MainLoop.h"
 #include "Services/RunAnswers.h"
 #include "Texts/Localized.h"
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Loop/Time.h"
 #include "Platform/BackupTool.h"
 #include "Platform/ChildProcesses.h"
 #include "Platform/Files.h"
-#include "Platform/Time.h"
 
 #include <memory>
 #include <optional>

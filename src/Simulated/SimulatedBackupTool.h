@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/MainLoop.h"
 #include "Platform/ChildProcesses.h"
-#include "Platform/MainLoop.h"
 
 #include <functional>
 #include <optional>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Loop/Subscribers.h"
 #include "Platform/Appearance.h"
 #include "Platform/DesktopFace.h"
-#include "Platform/Subscribers.h"
 #include "Platform/TrayHosts.h"
 #include "Platform/WindowSystem.h"
 

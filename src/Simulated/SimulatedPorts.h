@@ -1,10 +1,10 @@
 #pragma once
 
+#include "Loop/MainLoop.h"
 #include "Platform/Application.h"
 #include "Platform/AudioProcesses.h"
 #include "Platform/Kernel.h"
 #include "Platform/LoginItem.h"
-#include "Platform/MainLoop.h"
 #include "Platform/RemoteCommands.h"
 #include "Platform/SleepHold.h"
 #include "Platform/SystemLog.h"

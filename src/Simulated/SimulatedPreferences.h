@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/Subscribers.h"
 #include "Platform/Preferences.h"
-#include "Platform/Subscribers.h"
 
 namespace velmorquit {
 

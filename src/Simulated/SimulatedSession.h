@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Loop/MainLoop.h"
 #include "Platform/EndService.h"
 #include "Platform/InputActivity.h"
 #include "Platform/LoginWindow.h"
-#include "Platform/MainLoop.h"
 #include "Platform/Notice.h"
 #include "Platform/Processes.h"
 #include "Platform/SessionRegistry.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Subscribers.h"
+#include "Loop/Subscribers.h"
 #include "Platform/Workspace.h"
 #include "Simulated/SimulatedApplication.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Platform/MainLoop.h"
-#include "Platform/Subscribers.h"
-#include "Platform/TimerQueue.h"
+#include "Loop/MainLoop.h"
+#include "Loop/Subscribers.h"
+#include "Loop/TimerQueue.h"
 
 #include <deque>
 #include <map>

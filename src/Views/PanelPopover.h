@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/MainLoop.h"
 #include "Platform/DesktopFace.h"
-#include "Platform/MainLoop.h"
 #include "Services/Popover.h"
 #include "Theme/AppTheme.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/Handle.h"
 #include "Platform/DesktopFace.h"
-#include "Platform/Handle.h"
 #include "Services/StatusItem.h"
 #include "Views/EmbeddedIcon.h"
 #include "Views/QuickMenuView.h"

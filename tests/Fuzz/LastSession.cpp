@@ -1,5 +1,5 @@
 #include "Fuzz/Fuzz.h"
-#include "Services/QuitController/SavedApp.h"
+#include "Model/SavedApp.h"
 
 using namespace velmorquit;
 

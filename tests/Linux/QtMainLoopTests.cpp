@@ -1,5 +1,5 @@
 #include "Linux/QtMainLoop.h"
-#include "Platform/Task.h"
+#include "Loop/Task.h"
 #include "support/Waiting.h"
 
 #include <QThread>

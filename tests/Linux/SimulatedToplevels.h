@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/Applications/ToplevelSource.h"
-#include "Platform/Subscribers.h"
+#include "Loop/Subscribers.h"
 
 #include <map>
 

@@ -1,4 +1,4 @@
-#include "Platform/Published.h"
+#include "Loop/Published.h"
 #include "Simulated/VirtualLoop.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "Platform/Task.h"
+#include "Loop/Task.h"
 #include "Simulated/VirtualLoop.h"
 
 #include <gtest/gtest.h>

@@ -5,7 +5,7 @@
 #include "Linux/Applications/ProcessOrigin.h"
 #include "Linux/Applications/QuitRequest.h"
 #include "Linux/Applications/ToplevelSource.h"
-#include "Platform/MainLoop.h"
+#include "Loop/MainLoop.h"
 #include "Platform/SystemLog.h"
 
 #include <set>

@@ -5,8 +5,8 @@
 #include "Linux/Applications/ToplevelSource.h"
 #include "Linux/Applications/WorkspaceWindows.h"
 #include "Linux/Proc/ProcDirectory.h"
-#include "Platform/MainLoop.h"
-#include "Platform/Subscribers.h"
+#include "Loop/MainLoop.h"
+#include "Loop/Subscribers.h"
 #include "Platform/Workspace.h"
 
 #include <array>

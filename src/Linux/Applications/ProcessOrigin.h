@@ -2,7 +2,7 @@
 
 #include "Linux/Applications/RunProgram.h"
 #include "Linux/Proc/ProcDirectory.h"
-#include "Platform/Time.h"
+#include "Loop/Time.h"
 
 #include <optional>
 #include <set>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/Applications/ToplevelSource.h"
-#include "Platform/Time.h"
+#include "Loop/Time.h"
 
 #include <optional>
 #include <set>

@@ -3,7 +3,7 @@
 #include "Linux/Applications/LinuxApplication.h"
 #include "Linux/Applications/ToplevelSource.h"
 #include "Linux/Proc/TerminalJobs.h"
-#include "Platform/MainLoop.h"
+#include "Loop/MainLoop.h"
 
 #include <cstdint>
 #include <functional>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/Paced.h"
-#include "Platform/MainLoop.h"
+#include "Loop/MainLoop.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

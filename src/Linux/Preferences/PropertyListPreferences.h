@@ -1,9 +1,9 @@
 #pragma once
 
 #include "Linux/Paced.h"
-#include "Platform/MainLoop.h"
+#include "Loop/MainLoop.h"
+#include "Loop/Subscribers.h"
 #include "Platform/Preferences.h"
-#include "Platform/Subscribers.h"
 #include "Platform/SystemLog.h"
 
 #include <cstdint>

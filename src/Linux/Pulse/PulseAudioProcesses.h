@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/MainLoop.h"
 #include "Platform/AudioProcesses.h"
-#include "Platform/MainLoop.h"
 
 #include <map>
 #include <optional>

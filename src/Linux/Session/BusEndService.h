@@ -2,8 +2,8 @@
 
 #include "Linux/Session/PowerBus.h"
 #include "Linux/Session/SessionManagers.h"
+#include "Loop/Time.h"
 #include "Platform/EndService.h"
-#include "Platform/Time.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

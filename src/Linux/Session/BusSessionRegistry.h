@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Linux/Session/PowerBus.h"
+#include "Loop/Time.h"
 #include "Platform/SessionRegistry.h"
-#include "Platform/Time.h"
 
 #include <functional>
 #include <memory>

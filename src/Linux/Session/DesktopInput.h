@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Linux/X11/X11Events.h"
+#include "Loop/MainLoop.h"
 #include "Platform/InputActivity.h"
-#include "Platform/MainLoop.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

@@ -2,8 +2,8 @@
 
 #include "Linux/Volumes/DiskAccount.h"
 #include "Linux/Volumes/DriveRelease.h"
-#include "Platform/MainLoop.h"
-#include "Platform/Subscribers.h"
+#include "Loop/MainLoop.h"
+#include "Loop/Subscribers.h"
 #include "Platform/SystemLog.h"
 #include "Platform/Volumes.h"
 

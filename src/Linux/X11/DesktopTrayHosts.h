@@ -3,8 +3,8 @@
 #include "Linux/DBus/NotifierWatcher.h"
 #include "Linux/Paced.h"
 #include "Linux/X11/X11Selection.h"
-#include "Platform/MainLoop.h"
-#include "Platform/Subscribers.h"
+#include "Loop/MainLoop.h"
+#include "Loop/Subscribers.h"
 #include "Platform/TrayHosts.h"
 
 namespace velmorquit {

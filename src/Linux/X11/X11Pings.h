@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/X11/X11Connection.h"
-#include "Platform/MainLoop.h"
+#include "Loop/MainLoop.h"
 
 #include <set>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Linux/X11/X11Events.h"
-#include "Platform/MainLoop.h"
-#include "Platform/Subscribers.h"
+#include "Loop/MainLoop.h"
+#include "Loop/Subscribers.h"
 
 #include <QLibrary>
 

@@ -5,8 +5,8 @@
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11Pings.h"
 #include "Linux/X11/X11Windows.h"
-#include "Platform/MainLoop.h"
-#include "Platform/Subscribers.h"
+#include "Loop/MainLoop.h"
+#include "Loop/Subscribers.h"
 #include "Platform/SystemLog.h"
 
 #include <QSocketNotifier>

@@ -3,8 +3,8 @@
 #include "Linux/X11/X11Events.h"
 #include "Linux/X11/X11Presses.h"
 #include "Linux/X11/X11Selection.h"
-#include "Platform/MainLoop.h"
-#include "Platform/Subscribers.h"
+#include "Loop/MainLoop.h"
+#include "Loop/Subscribers.h"
 #include "Platform/WindowSystem.h"
 
 namespace velmorquit {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Services/PowerAction.h"
+#include "Model/PowerAction.h"
 
 #include <optional>
 #include <span>

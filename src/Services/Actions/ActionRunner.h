@@ -1,8 +1,8 @@
 #pragma once
 
+#include "Loop/Task.h"
 #include "Platform/Formats.h"
 #include "Platform/Kernel.h"
-#include "Platform/Task.h"
 #include "Services/Actions/Action.h"
 #include "Services/MemoryMonitor.h"
 

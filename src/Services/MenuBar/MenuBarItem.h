@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/MainLoop.h"
 #include "Platform/Desktop.h"
-#include "Platform/MainLoop.h"
 #include "Services/MenuBar/QuickMenu.h"
 #include "Services/Popover.h"
 #include "Services/StatusItem.h"

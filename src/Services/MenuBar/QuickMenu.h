@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Model/PowerAction.h"
 #include "Platform/Formats.h"
-#include "Services/PowerAction.h"
 
 #include <string>
 #include <vector>

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Model/PowerAction.h"
+#include "Model/SavedApp.h"
 #include "Platform/Formats.h"
 #include "Services/ExternalDrives.h"
-#include "Services/PowerAction.h"
-#include "Services/QuitController/SavedApp.h"
 #include "Services/TimeMachine.h"
 
 #include <optional>

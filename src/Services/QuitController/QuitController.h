@@ -1,17 +1,17 @@
 #pragma once
 
+#include "Loop/Published.h"
+#include "Loop/Task.h"
+#include "Model/Event.h"
+#include "Model/Phase.h"
+#include "Model/PowerAction.h"
+#include "Model/SavedApp.h"
+#include "Model/ScheduledQuit.h"
 #include "Platform/Desktop.h"
-#include "Platform/Published.h"
-#include "Platform/Task.h"
 #include "Platform/Workspace.h"
 #include "Services/ExternalDrives.h"
 #include "Services/MemoryMonitor.h"
-#include "Services/PowerAction.h"
-#include "Services/QuitController/Event.h"
 #include "Services/QuitController/OpenApp.h"
-#include "Services/QuitController/Phase.h"
-#include "Services/QuitController/SavedApp.h"
-#include "Services/QuitController/ScheduledQuit.h"
 #include "Services/TimeMachine.h"
 
 #include <map>

@@ -1,4 +1,4 @@
-#include "Services/QuitController/ScheduledQuit.h"
+#include "Model/ScheduledQuit.h"
 
 #include "Platform/Formats.h"
 #include "Platform/Preferences.h"

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/MainLoop.h"
 #include "Platform/LoginWindow.h"
-#include "Platform/MainLoop.h"
 
 namespace velmorquit {
 

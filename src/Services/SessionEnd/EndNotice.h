@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/MainLoop.h"
 #include "Platform/LoginWindow.h"
-#include "Platform/MainLoop.h"
 #include "Platform/Notice.h"
 #include "Services/SessionEnd/AnywayQuestion.h"
 

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "Loop/Task.h"
 #include "Platform/EndService.h"
 #include "Platform/InputActivity.h"
 #include "Platform/LoginWindow.h"
 #include "Platform/SessionRegistry.h"
 #include "Platform/SleepHold.h"
 #include "Platform/SystemLog.h"
-#include "Platform/Task.h"
 #include "Platform/Workspace.h"
 #include "Services/SessionEnd/OpenWork.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "Loop/Time.h"
 #include "Platform/Processes.h"
-#include "Platform/Time.h"
 
 #include <optional>
 

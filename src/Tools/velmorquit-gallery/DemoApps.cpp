@@ -1,6 +1,6 @@
 #include "DemoApps.h"
 
-#include "Services/QuitController/SavedApp.h"
+#include "Model/SavedApp.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Time.h"
-#include "Services/PowerAction.h"
+#include "Loop/Time.h"
+#include "Model/PowerAction.h"
 
 namespace velmorquit {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/MainLoop.h"
+#include "Loop/MainLoop.h"
 
 #include <concepts>
 #include <coroutine>

@@ -1,4 +1,4 @@
-#include "Services/QuitController/SavedApp.h"
+#include "Model/SavedApp.h"
 
 #include "Texts/Shown.h"
 

@@ -1,4 +1,4 @@
-#include "Services/PowerAction.h"
+#include "Model/PowerAction.h"
 
 #include "Texts/Localized.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Platform/Handle.h"
-#include "Platform/Time.h"
+#include "Loop/Handle.h"
+#include "Loop/Time.h"
 
 #include <functional>
 
