@@ -7,7 +7,6 @@
 #include "Views/PanelView.h"
 
 #include <utility>
-#include <variant>
 
 namespace velmorquit {
 
@@ -22,11 +21,6 @@ AppDelegate::AppDelegate(const Desktop& desktop, const DesktopFace& face, const 
           [this] { return controller_.isRunning(); }),
       menuBarItem_({controller_, updater_, trayItem_, popover_}, desktop) {
     actions_.setController(&controller_);
-    controller_.onNeedsAttention = [this] {
-        remoteControl_.schedule().announceAttention();
-        scheduleNotice_.callAttention();
-    };
-    controller_.onEvent = [this](const Event& event) { hear(event); };
     endNotice_.onCancel = [this] { controller_.cancelPowerAction(); };
     menuBarItem_.onExit = [this] { askThenEnd(); };
     serveOthers(notices.answers);
@@ -81,12 +75,6 @@ void AppDelegate::tellOfWaits() {
 std::unique_ptr<PanelView> AppDelegate::makePanel() {
     return std::make_unique<PanelView>(controller_, updater_, desktop_,
                                        SettingsButton::Actions{.exit = [this] { askThenEnd(); }});
-}
-
-void AppDelegate::hear(const Event& event) {
-    remoteControl_.announce(event);
-    if (std::holds_alternative<events::ConfirmationNeeded>(event))
-        scheduleNotice_.ask();
 }
 
 // What the user has asked for goes with the program, and so it is said.

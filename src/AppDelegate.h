@@ -42,7 +42,6 @@ public:
 
 private:
     void askThenEnd();
-    void hear(const Event& event);
     void serveOthers(Notice& answers);
     void tellOfWaits();
     [[nodiscard]] std::unique_ptr<PanelView> makePanel();

@@ -73,6 +73,8 @@ RemoteControl::RemoteControl(QuitController& controller, ActionRunner& actions,
                    .mattersWhose = CallerQuestion::isAbout});
     announceChanges();
     subscriptions_.push_back(
+        controller_.hearEvents([this](const Event& event) { announce(event); }));
+    subscriptions_.push_back(
         desktop.workspace.observe(WorkspaceEvent::terminated, [this] { announceEnds(); }));
 }
 

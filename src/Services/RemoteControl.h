@@ -39,9 +39,6 @@ public:
     /// Shows the program to its user. The token lets a window come to the front; it may be empty.
     std::function<void(const std::string& activationToken)> onShow;
 
-    /// Passes an event of the controller on.
-    void announce(const Event& event);
-
 private:
     using Json = nlohmann::ordered_json;
 
@@ -76,6 +73,7 @@ private:
     void announceEnds();
     void announceStubborn();
     void announceExclusions();
+    void announce(const Event& event);
     void announce(const Json& change);
 
     QuitController& controller_;

@@ -48,8 +48,6 @@ public:
     /// The schedule as others see it, null without one.
     [[nodiscard]] Json describe() const;
 
-    void announceAttention();
-
 private:
     RemoteAnswer schedule(const std::vector<std::string>& arguments);
     RemoteAnswer postpone(const std::string& minutes);
@@ -58,6 +56,7 @@ private:
     RemoteAnswer memory();
     [[nodiscard]] static RemoteAnswer listActions();
     RemoteAnswer act(const std::vector<std::string>& arguments);
+    void announceAttention();
 
     Surroundings surroundings_;
     Announce announce_;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <variant>
 
 namespace velmorquit {
 
@@ -13,6 +14,11 @@ ScheduleNotice::ScheduleNotice(QuitController& controller, Notice& notice, const
     : controller_(controller), notice_(notice), formats_(formats) {
     notice_.onButton = [this](const std::string& button) { answer(button); };
     notice_.onUnanswerable = [this] { hearUnanswerable(); };
+    subscriptions_.push_back(controller_.hearCalls([this] { callAttention(); }));
+    subscriptions_.push_back(controller_.hearEvents([this](const Event& event) {
+        if (std::holds_alternative<events::ConfirmationNeeded>(event))
+            ask();
+    }));
     subscriptions_.push_back(controller_.schedule.subscribe([this] { follow(); }));
     subscriptions_.push_back(controller_.awaitingConfirmation.subscribe([this] { follow(); }));
     subscriptions_.push_back(controller_.scheduleNote.subscribe([this] { follow(); }));

@@ -25,15 +25,14 @@ public:
     ScheduleNotice& operator=(const ScheduleNotice&) = delete;
     ~ScheduleNotice();
 
-    /// Says how many seconds are left.
-    void callAttention();
-    /// Asks whether the run is to begin.
-    void ask();
-
     /// There is something to answer, and no notice can be answered. Called once in a schedule.
     std::function<void()> onUnanswerable;
 
 private:
+    /// Says how many seconds are left.
+    void callAttention();
+    /// Asks whether the run is to begin.
+    void ask();
     void hearUnanswerable();
     void answer(const std::string& button);
     void follow();

@@ -46,7 +46,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     ActionRunner actions(desktop.loop, desktop.kernel, desktop.formats);
     actions.setController(&controller);
     RemoteControl control(controller, actions, desktop.ports());
-    controller.onEvent = [&](const Event& event) { control.announce(event); };
     desktop.loop.settle();
     fuzz::Input input(data, size);
     std::function<void(bool)> question;

@@ -179,8 +179,6 @@ protected:
         control->schedule().onAnswer = [this](const ActionAnswer& given) {
             desktop.write("shows: " + given.text);
         };
-        onEvent = [this](const Event& event) { control->announce(event); };
-        controller->onNeedsAttention = [this] { control->schedule().announceAttention(); };
         desktop.loop.settle();
         desktop.remote.changes.clear();
     }

@@ -16,7 +16,7 @@ protected:
     /// Call it once the stage is set.
     QuitController& start() {
         controller = std::make_unique<QuitController>(desktop.ports());
-        controller->onEvent = [this](const Event& event) { hear(event); };
+        events_ = controller->hearEvents([this](const Event& event) { hear(event); });
         phases_ = controller->phase.subscribe([this] { desktop.write(phaseText()); });
         desktop.loop.settle();
         desktop.startLog();
@@ -88,6 +88,7 @@ private:
         return is<phases::Waiting>(phase) ? "waiting" : "idle";
     }
 
+    Handle events_;
     Handle phases_;
 };
 

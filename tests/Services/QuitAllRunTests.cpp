@@ -275,7 +275,6 @@ TEST_F(QuitAllRun, AControllerMayGoAtAnyPointOfARun) {
         desktop.advance(20s);
     }
     start().quitAll(PowerAction::none);
-    onEvent = [this](const Event&) { controller->onEvent = nullptr; };
     desktop.advance(10s);
     EXPECT_EQ(names(controller->stubborn), "A");
 }

@@ -14,7 +14,6 @@ protected:
     void serve() {
         start();
         control = std::make_unique<RemoteControl>(*controller, actions, desktop.ports());
-        onEvent = [this](const Event& event) { control->announce(event); };
         desktop.loop.settle();
         desktop.remote.changes.clear();
     }

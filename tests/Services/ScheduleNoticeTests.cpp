@@ -26,11 +26,6 @@ protected:
     void begin() {
         start();
         told = std::make_unique<ScheduleNotice>(*controller, notice, desktop.formats);
-        controller->onNeedsAttention = [this] { told->callAttention(); };
-        onEvent = [this](const Event& event) {
-            if (std::holds_alternative<events::ConfirmationNeeded>(event))
-                told->ask();
-        };
         desktop.loop.settle();
     }
 

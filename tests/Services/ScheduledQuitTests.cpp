@@ -9,7 +9,8 @@ protected:
     void begin(bool asksFirst = false) {
         desktop.preferences.set("confirmScheduled", asksFirst);
         desktop.open("A", 5);
-        start().onNeedsAttention = [this] { desktop.write("attention"); };
+        start();
+        calls_ = controller->hearCalls([this] { desktop.write("attention"); });
     }
     void scheduleIn(Duration time, PowerAction action = PowerAction::none) {
         controller->scheduleQuit(desktop.loop.now() + time, action);
@@ -27,6 +28,9 @@ protected:
 
     static constexpr const char* scheduled = "Chiusura programmata di Velmor Quit";
     static constexpr const char* running = "Velmor Quit sta chiudendo le app";
+
+private:
+    Handle calls_;
 };
 
 TEST_F(ScheduledQuitStory, CallsAtTheMarksAndEveryLastSecondAndBeginsUnattended) {
@@ -147,14 +151,11 @@ TEST_F(ScheduledQuitStory, ARunInProgressIsNeverJoined) {
 
 TEST_F(ScheduledQuitStory, ACallbackMayReplaceOrCancelIt) {
     begin();
-    controller->onNeedsAttention = [this] {
-        desktop.write("attention");
-        controller->postponeSchedule(1);
-    };
+    Handle further = controller->hearCalls([this] { controller->postponeSchedule(1); });
     scheduleIn(61s);
     desktop.advance(4min + 5s);
     EXPECT_EQ(calls(), 5U);
-    controller->onNeedsAttention = [this] { controller->cancelSchedule(); };
+    further = controller->hearCalls([this] { controller->cancelSchedule(); });
     desktop.advance(1h);
     EXPECT_FALSE(controller->schedule.get());
     EXPECT_FALSE(hasBegun());

@@ -114,7 +114,7 @@ public:
 
     /// Every run comes to an end when all that is open is gone.
     void finish() {
-        controller_->onEvent = nullptr;
+        events_.reset();
         controller_->cancelSchedule();
         desktop_.registry.account = SessionAccount{};
         desktop_.workspace.seen = Sight::all;
@@ -147,6 +147,7 @@ private:
 
     void begin() {
         watch_.reset();
+        events_.reset();
         control_.reset();
         controller_.reset();
         endNotice_.reset();
@@ -158,7 +159,7 @@ private:
         endNotice_ = std::make_unique<EndNotice>(desktop_.loop, *end_, notice_);
         controller_ = std::make_unique<QuitController>(desktop_.ports(*end_));
         control_ = std::make_unique<RemoteControl>(*controller_, actions_, desktop_.ports(*end_));
-        controller_->onEvent = [this](const Event& event) { react(event); };
+        events_ = controller_->hearEvents([this](const Event& event) { react(event); });
         // Of those without windows it knows nothing.
         for (const SimulatedApplication* app : apps_) {
             if (app->activationPolicy() != ActivationPolicy::regular)
@@ -363,7 +364,6 @@ private:
     }
 
     void react(const Event& event) {
-        control_->announce(event);
         if (std::holds_alternative<events::StubbornApps>(event)) {
             EXPECT_FALSE(hasStubbornEvent_) << "told once a run";
             EXPECT_TRUE(is<phases::Quitting>(controller_->phase));
@@ -500,6 +500,7 @@ private:
     std::unique_ptr<QuitController> controller_;
     std::unique_ptr<RemoteControl> control_;
     std::vector<SimulatedApplication*> apps_;
+    Handle events_;
     Handle watch_;
     bool hasStubbornEvent_ = false;
     bool isBackupUnderWay_ = false;

@@ -62,11 +62,4 @@ void QuitController::chooseAfterQuit(PowerAction action) {
     desktop_.preferences.set("afterQuit", std::string(rawValue(action)));
 }
 
-void QuitController::emit(const Event& event) {
-    // A copy: the callback may replace itself.
-    const auto hear = onEvent;
-    if (hear)
-        hear(event);
-}
-
 } // namespace velmorquit

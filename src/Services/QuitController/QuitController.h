@@ -2,6 +2,7 @@
 
 #include "Loop/Published.h"
 #include "Loop/Task.h"
+#include "Loop/Told.h"
 #include "Model/Event.h"
 #include "Model/Phase.h"
 #include "Model/PowerAction.h"
@@ -14,6 +15,7 @@
 #include "Services/QuitController/OpenApp.h"
 #include "Services/TimeMachine.h"
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -104,10 +106,15 @@ public:
     /// What the user should know of a schedule that came to nothing.
     Published<std::optional<std::string>> scheduleNote;
 
-    /// Hears of events the moment they happen; it may call any operation.
-    std::function<void(const Event&)> onEvent;
-    /// Calls the user to the computer, before a scheduled run begins; it may call any operation.
-    std::function<void()> onNeedsAttention;
+    /// Calls `heard` with every event the moment it happens; it may call any operation.
+    [[nodiscard]] Handle hearEvents(std::function<void(const Event&)> heard) {
+        return events_.hear(std::move(heard));
+    }
+    /// Calls `heard` when the user is to be called to the computer, before a scheduled run begins;
+    /// it may call any operation.
+    [[nodiscard]] Handle hearCalls(std::function<void()> heard) {
+        return calls_.hear(std::move(heard));
+    }
 
     /// Lists anew what is open.
     void refresh();
@@ -244,7 +251,7 @@ private:
     void resetSequence(int number);
     void showResult(RunResult result, std::optional<std::string> note);
     Task resetResult();
-    void emit(const Event& event);
+    void emit(const Event& event) { events_.tell(event); }
 
     void observeClock();
     void holdSleepForSchedule();
@@ -259,6 +266,8 @@ private:
     void beginAsking();
 
     Desktop desktop_;
+    Told<Event> events_;
+    Told<> calls_; ///< of the user, to the computer
     std::vector<OpenApp> targets_;
     /// Those of them that are not asked yet, since they may turn out to be others.
     std::set<ProcessId> unsettled_;

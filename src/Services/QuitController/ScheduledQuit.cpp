@@ -98,10 +98,7 @@ void QuitController::scheduleTick() {
     const int number = scheduleNumber_;
     const Duration remaining = schedule.get()->date - desktop_.loop.now();
     if (isAttentionDue(remaining)) {
-        // A copy: the callback may replace itself.
-        const auto call = onNeedsAttention;
-        if (call)
-            call();
+        calls_.tell();
         if (number != scheduleNumber_)
             return;
     }
