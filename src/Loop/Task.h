@@ -19,6 +19,95 @@ concept TaskOwner = requires(Owner& owner) {
     { owner.mainLoop() } -> std::convertible_to<MainLoop&>;
 };
 
+/// What all tasks of the loop have in common, whatever they return.
+class TaskPromise {
+public:
+    explicit TaskPromise(MainLoop& loop) : loop_(loop) {}
+    TaskPromise(const TaskPromise&) = delete;
+    TaskPromise& operator=(const TaskPromise&) = delete;
+
+    auto initial_suspend() {
+        struct LaterTurn {
+            TaskPromise& promise;
+            bool await_ready() const noexcept { return false; }
+            void await_suspend(std::coroutine_handle<>) const { promise.waitFor(Duration::zero()); }
+            void await_resume() const noexcept {}
+        };
+        return LaterTurn{*this};
+    }
+    auto final_suspend() noexcept {
+        if (const auto waiting = waiting_.lock())
+            (*waiting)->waitFor(Duration::zero());
+        return std::suspend_always();
+    }
+    [[noreturn]] void unhandled_exception() { std::terminate(); }
+
+    [[nodiscard]] MainLoop& loop() const { return loop_; }
+
+    /// Resumes the coroutine when `delay` has passed. The wait is kept here and not in the awaited
+    /// object, which has no destructor so: g++ 12 destroys such temporaries twice.
+    void waitFor(Duration delay) {
+        wait_ = loop_.after(delay, [this] { resume(); });
+    }
+
+    /// Resumes the coroutine when `work` has been done elsewhere.
+    void waitForWork(std::function<void()> work) {
+        wait_ = loop_.background(std::move(work), [this] { resume(); });
+    }
+
+    /// Resumes `other` when this coroutine has returned.
+    void tellWhenDone(const TaskPromise& other) { waiting_ = other.token(); }
+
+    /// What tells, without holding the coroutine, whether it is still there.
+    [[nodiscard]] std::weak_ptr<TaskPromise*> token() const { return token_; }
+
+    /// Goes on until the next suspension. The coroutine may be gone afterwards.
+    void resume() {
+        const std::coroutine_handle<> coroutine = coroutine_;
+        isRunning_ = true;
+        coroutine.resume();
+        isRunning_ = false;
+        if (isAbandoned_)
+            coroutine.destroy();
+    }
+
+    /// Ends the coroutine: here, or at its next suspension while it runs.
+    void abandon() {
+        if (isRunning_)
+            isAbandoned_ = true;
+        else
+            coroutine_.destroy();
+    }
+    [[nodiscard]] bool isAbandoned() const { return isAbandoned_; }
+
+protected:
+    void belongTo(std::coroutine_handle<> coroutine) { coroutine_ = coroutine; }
+
+private:
+    MainLoop& loop_;
+    std::coroutine_handle<> coroutine_;
+    Handle wait_;
+    std::shared_ptr<TaskPromise*> token_ = std::make_shared<TaskPromise*>(this);
+    std::weak_ptr<TaskPromise*> waiting_;
+    bool isRunning_ = false;
+    bool isAbandoned_ = false;
+};
+
+/// What a task of that type leaves behind.
+template <class Result> class TaskResult {
+public:
+    void return_value(Result value) { value_ = std::move(value); }
+    Result take() { return std::move(*value_); }
+
+private:
+    std::optional<Result> value_;
+};
+template <> class TaskResult<void> {
+public:
+    void return_void() {}
+    void take() {}
+};
+
 /// A coroutine on the main loop, owned by this handle.
 ///
 /// Its first step runs in a later turn, when the handle has been stored. Cancelling or destroying
@@ -26,73 +115,23 @@ concept TaskOwner = requires(Owner& owner) {
 /// that cancels itself goes on to its next suspension and ends there. So a task never outlives its
 /// owner. The coroutine is a member of a `TaskOwner`, or a function whose first parameter is a
 /// `MainLoop&`.
-class Task {
+///
+/// Another task may wait for it and has what it returned: `Task<int> counting = count();` and then
+/// `co_await counting`, once. Under a name, not within the expression: see `waitFor`.
+template <class Result = void> class Task {
 public:
-    class promise_type {
+    class promise_type : public TaskPromise, public TaskResult<Result> {
     public:
         template <TaskOwner Owner, class... Arguments>
-        explicit promise_type(Owner& owner, Arguments&...) : loop_(owner.mainLoop()) {}
+        explicit promise_type(Owner& owner, Arguments&...) : TaskPromise(owner.mainLoop()) {}
         template <class... Arguments>
-        explicit promise_type(MainLoop& loop, Arguments&...) : loop_(loop) {}
+        explicit promise_type(MainLoop& loop, Arguments&...) : TaskPromise(loop) {}
 
-        Task get_return_object() { return Task(Coroutine::from_promise(*this)); }
-
-        auto initial_suspend() {
-            struct LaterTurn {
-                bool await_ready() const noexcept { return false; }
-                void await_suspend(Coroutine coroutine) const {
-                    coroutine.promise().waitFor(Duration::zero());
-                }
-                void await_resume() const noexcept {}
-            };
-            return LaterTurn{};
-        }
-        std::suspend_always final_suspend() noexcept { return {}; }
-        void return_void() {}
-        [[noreturn]] void unhandled_exception() { std::terminate(); }
-
-        [[nodiscard]] MainLoop& loop() const { return loop_; }
-
-        /// Resumes the coroutine when `delay` has passed. The wait is kept here and not in the
-        /// awaited object, which has no destructor so: g++ 12 destroys such temporaries twice.
-        void waitFor(Duration delay) {
-            wait_ = loop_.after(delay, [this] { resume(); });
-        }
-
-        /// Resumes the coroutine when `work` has been done elsewhere.
-        void waitForWork(std::function<void()> work) {
-            wait_ = loop_.background(std::move(work), [this] { resume(); });
-        }
-
-        /// What tells, without holding the coroutine, whether it is still there.
-        [[nodiscard]] std::weak_ptr<promise_type*> token() const { return token_; }
-
-        /// Goes on until the next suspension. The coroutine may be gone afterwards.
-        void resume() {
+        Task get_return_object() {
             const auto coroutine = Coroutine::from_promise(*this);
-            isRunning_ = true;
-            coroutine.resume();
-            isRunning_ = false;
-            if (isAbandoned_)
-                coroutine.destroy();
+            this->belongTo(coroutine);
+            return Task(coroutine);
         }
-
-    private:
-        friend class Task;
-        using Coroutine = std::coroutine_handle<promise_type>;
-
-        void abandon() {
-            if (isRunning_)
-                isAbandoned_ = true;
-            else
-                Coroutine::from_promise(*this).destroy();
-        }
-
-        MainLoop& loop_;
-        Handle wait_;
-        std::shared_ptr<promise_type*> token_ = std::make_shared<promise_type*>(this);
-        bool isRunning_ = false;
-        bool isAbandoned_ = false;
     };
 
     Task() = default;
@@ -114,6 +153,12 @@ public:
     /// True from the start until the coroutine has returned or was cancelled.
     [[nodiscard]] bool isActive() const { return coroutine_ && !coroutine_.done(); }
 
+    [[nodiscard]] bool await_ready() const noexcept { return coroutine_.done(); }
+    template <class Promise> void await_suspend(std::coroutine_handle<Promise> waiting) const {
+        coroutine_.promise().tellWhenDone(waiting.promise());
+    }
+    Result await_resume() const { return coroutine_.promise().take(); }
+
 private:
     using Coroutine = std::coroutine_handle<promise_type>;
     explicit Task(Coroutine coroutine) : coroutine_(coroutine) {}
@@ -127,8 +172,18 @@ struct sleep {
 
     explicit sleep(Duration time) : duration(time) {}
     bool await_ready() const noexcept { return false; }
-    void await_suspend(std::coroutine_handle<Task::promise_type> coroutine) const {
+    template <class Promise> void await_suspend(std::coroutine_handle<Promise> coroutine) const {
         coroutine.promise().waitFor(duration);
+    }
+    void await_resume() const noexcept {}
+};
+
+/// `co_await unlessCancelled()` in a `Task`: goes on at once, unless the task has been cancelled by
+/// what it called meanwhile; then it ends here, and nothing of its owner is touched any more.
+struct unlessCancelled {
+    bool await_ready() const noexcept { return false; }
+    template <class Promise> bool await_suspend(std::coroutine_handle<Promise> coroutine) const {
+        return coroutine.promise().isAbandoned();
     }
     void await_resume() const noexcept {}
 };
@@ -141,7 +196,7 @@ public:
     explicit OffMain(std::function<Result()> work) : work_(std::move(work)) {}
 
     [[nodiscard]] bool await_ready() const noexcept { return false; }
-    void await_suspend(std::coroutine_handle<Task::promise_type> coroutine) {
+    template <class Promise> void await_suspend(std::coroutine_handle<Promise> coroutine) {
         coroutine.promise().waitForWork(
             [result = result_, work = std::move(work_)] { result->emplace(work()); });
     }
@@ -173,7 +228,7 @@ public:
     void clear() { value_.reset(); }
 
     [[nodiscard]] bool await_ready() const noexcept { return value_.has_value(); }
-    void await_suspend(std::coroutine_handle<Task::promise_type> coroutine) {
+    template <class Promise> void await_suspend(std::coroutine_handle<Promise> coroutine) {
         waiting_ = coroutine.promise().token();
     }
     Given await_resume() {
@@ -183,7 +238,7 @@ public:
 
 private:
     std::optional<Given> value_;
-    std::weak_ptr<Task::promise_type*> waiting_;
+    std::weak_ptr<TaskPromise*> waiting_;
 };
 
 } // namespace velmorquit

@@ -32,7 +32,7 @@ std::vector<Drive> connected(const Volumes& volumes) {
     return drives;
 }
 
-Task ejectAll(MainLoop& /*loop*/, Volumes& volumes, Answer<Ejected>& done) {
+Task<Ejected> ejectAll(MainLoop& /*loop*/, Volumes& volumes) {
     Ejected result;
     const std::vector<Drive> drives = connected(volumes);
     for (const Drive& drive : drives) {
@@ -55,7 +55,7 @@ Task ejectAll(MainLoop& /*loop*/, Volumes& volumes, Answer<Ejected>& done) {
     result.count += static_cast<int>(std::erase_if(result.failed, [&](const std::string& name) {
         return std::ranges::find(left, name, &Drive::name) == left.end();
     }));
-    done.give(std::move(result));
+    co_return result;
 }
 
 } // namespace velmorquit::ExternalDrives

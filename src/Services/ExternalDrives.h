@@ -27,8 +27,8 @@ inline constexpr Duration betweenAttempts = 3s;
 /// The external volumes that are mounted, in the system's order. From memory.
 [[nodiscard]] std::vector<Drive> connected(const Volumes& volumes);
 
-/// Ejects all of them, one after another, each at most three times with 3 s in between. All three
-/// references outlive the task.
-Task ejectAll(MainLoop& loop, Volumes& volumes, Answer<Ejected>& done);
+/// Ejects all of them, one after another, each at most three times with 3 s in between. Both
+/// outlive the task.
+Task<Ejected> ejectAll(MainLoop& loop, Volumes& volumes);
 
 } // namespace velmorquit::ExternalDrives

@@ -81,7 +81,7 @@ TEST_F(QtMainLoopTest, MayGoWhileTimersAndWorkAreUnderWay) {
     EXPECT_EQ(log, "");
 }
 
-Task countdown(MainLoop& loop, std::string& log) {
+Task<> countdown(MainLoop& loop, std::string& log) {
     for (int left = 2; left > 0; --left) {
         log += std::to_string(left) + ' ';
         co_await sleep(5ms);
@@ -90,7 +90,7 @@ Task countdown(MainLoop& loop, std::string& log) {
 }
 
 TEST_F(QtMainLoopTest, RunsTasks) {
-    const Task task = countdown(loop, log);
+    const Task<> task = countdown(loop, log);
     EXPECT_TRUE(waitUntil([&] { return !task.isActive(); }));
     EXPECT_EQ(log, "2 1 1! ");
 }

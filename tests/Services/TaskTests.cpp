@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace velmorquit {
 namespace {
@@ -24,7 +25,7 @@ public:
     Owner(MainLoop& loop, std::string& log) : loop_(loop), log_(log) {}
     [[nodiscard]] MainLoop& mainLoop() const { return loop_; }
 
-    Task countTo(int last) {
+    Task<> countTo(int last) {
         const Witness witness(log_);
         for (int number = 1; number <= last; ++number) {
             log_ += std::to_string(number) + ' ';
@@ -33,7 +34,7 @@ public:
         log_ += "end ";
     }
 
-    Task cancelItself() {
+    Task<> cancelItself() {
         const Witness witness(log_);
         co_await sleep(1s);
         task.cancel();
@@ -42,21 +43,51 @@ public:
         log_ += "never ";
     }
 
-    Task replaceItself() {
+    Task<> replaceItself() {
         const Witness witness(log_);
         co_await sleep(1s);
         task = countTo(1);
         log_ += "replaced ";
     }
 
-    Task endOwner(std::unique_ptr<Owner>& self) {
+    Task<> endOwner(std::unique_ptr<Owner>& self) {
         const Witness witness(log_);
         co_await sleep(1s);
         self.reset();
         co_await sleep(1s);
     }
 
-    Task task;
+    Task<std::string> name(std::string text) {
+        const Witness witness(log_);
+        co_await sleep(1s);
+        co_return text;
+    }
+
+    Task<> waitForNames() {
+        const Witness witness(log_);
+        Task<std::string> slow = name("slow");
+        Task<std::string> earlier = name("earlier");
+        log_ += co_await slow + ' ';
+        log_ += co_await earlier + ' ';
+    }
+
+    /// What it calls may end it while another task waits for it.
+    Task<int> tellThenCount(const std::function<void()>& tell) {
+        const Witness witness(log_);
+        tell();
+        co_await unlessCancelled();
+        log_ += "goesOn ";
+        co_return 1;
+    }
+
+    Task<> waitForTelling(const std::function<void()>& tell) {
+        const Witness witness(log_);
+        Task<int> telling = tellThenCount(tell);
+        co_await telling;
+        log_ += "told ";
+    }
+
+    Task<> task;
 
 private:
     MainLoop& loop_;
@@ -113,6 +144,27 @@ TEST_F(TaskTest, MayReplaceItselfByItsSuccessor) {
     owner->task = owner->replaceItself();
     loop.advance(10s);
     EXPECT_EQ(log, "replaced gone 1 end gone ");
+}
+
+TEST_F(TaskTest, WaitsForWhatAnotherReturnsAlsoWhenThatHasEndedBefore) {
+    owner->task = owner->waitForNames();
+    loop.advance(1s);
+    EXPECT_EQ(log, "gone gone slow earlier gone ");
+    log.clear();
+    owner->task = owner->waitForNames();
+    loop.settle();
+    owner.reset();
+    loop.advance(5s);
+    EXPECT_EQ(log, "gone gone gone ") << "those it waits for end with it";
+}
+
+TEST_F(TaskTest, EndsWithWhatWaitsForItUnlessNobodyCancelsIt) {
+    owner->task = owner->waitForTelling([] {});
+    loop.settle();
+    EXPECT_EQ(std::exchange(log, {}), "goesOn gone told gone ");
+    owner->task = owner->waitForTelling([this] { owner.reset(); });
+    loop.settle();
+    EXPECT_EQ(log, "gone gone ") << "nothing of the owner is touched any more";
 }
 
 TEST_F(TaskTest, MayEndItsOwner) {

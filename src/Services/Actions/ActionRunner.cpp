@@ -31,7 +31,7 @@ void ActionRunner::perform(const ActionRequest& request, Confirm confirm, Answer
     job.task = run(job);
 }
 
-Task ActionRunner::run(Job& job) {
+Task<> ActionRunner::run(Job& job) {
     const ActionRequest request = job.request;
     if (request.kind == ActionKind::memory) {
         tell(job, memoryAnswer(MemoryMonitor::system(kernel_), formats_));

@@ -65,10 +65,10 @@ private:
         Confirm confirm;
         Answered answered;
         Answer<bool> choice;
-        Task task;
+        Task<> task;
     };
 
-    Task run(Job& job);
+    Task<> run(Job& job);
     void tell(Job& job, const ActionAnswer& answer);
     [[nodiscard]] std::shared_ptr<Job> jobOf(const Job& job) const;
     [[nodiscard]] std::string quitAll(PowerAction action, std::size_t count);

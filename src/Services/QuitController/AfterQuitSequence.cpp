@@ -1,9 +1,9 @@
-#include "Services/QuitController/QuitController.h"
-
 #include "Platform/LoginWindow.h"
+#include "Services/QuitController/QuitRun.h"
 #include "Texts/Localized.h"
 
 #include <string_view>
+#include <utility>
 
 namespace velmorquit {
 
@@ -30,137 +30,132 @@ void noteEjected(std::vector<std::string>& notes, const ExternalDrives::Ejected&
 
 } // namespace
 
-// Whoever hears of an event may start the next run only after the result is on show: until then the
-// phase is that of this one.
-Task QuitController::afterApps(RunResult result, PowerAction action) {
-    const int number = runNumber_;
-    unfollowedResult_.reset();
-    runningAction = isActionDropped_ ? PowerAction::none : action;
+// A listener may begin the next run only after the result is on show: until then the phase is that
+// of this one.
+Task<> QuitRun::follow(PowerAction planned) {
+    stage_ = Stage::following;
+    RunStatus& status = means_.status;
+    status.runningAction = action_;
     std::vector<std::string> notes;
 
-    if (backupFirst && timeMachine->isConfigured) {
-        backupOutcome_.clear();
-        backupStop_.reset();
-        phase = phases::BackingUp{};
-        backupTask_ = runBackup();
-        const BackupOutcome outcome = co_await backupOutcome_;
-        if (outcome.end == BackupEnd::completed) {
-            emit(events::BackupFinished{true});
-            notes.push_back(localized("Backup Time Machine completato"));
-        } else if (outcome.end == BackupEnd::skipped) {
-            notes.push_back(localized("Backup saltato"));
-        } else if (outcome.end == BackupEnd::cancelled) {
-            showResult(result, localized("Backup annullato"));
-            resetSequence(number);
+    if (means_.options.backupFirst && means_.options.timeMachine->isConfigured) {
+        status.phase = phases::BackingUp{};
+        backup_.emplace(desktop_,
+                        BackupStep::Means{status.phase, means_.options.timeMachine, means_.events});
+        Task<bool> backingUp = backUp(notes);
+        if (!co_await backingUp) {
+            stage_ = Stage::over;
+            status.show(result_, joined(notes, " · "));
+            status.end();
+            sleepHold_.reset();
             co_return;
-        } else {
-            emit(events::BackupFinished{false});
-            phase = phases::BackupFailed{outcome.reason};
-            failureChoice_.clear();
-            if (unattended) {
-                autoContinueAt = desktop_.loop.now() + unattendedGrace;
-                unattendedTask_ = continueUnattended();
-            }
-            beginAsking();
-            const FailureChoice choice = co_await failureChoice_;
-            unattendedTask_.cancel();
-            asking_.reset();
-            holdSleepForRun();
-            if (choice == FailureChoice::stop) {
-                showResult(result, localized("Backup non riuscito"));
-                resetSequence(number);
-                co_return;
-            }
-            notes.push_back(localized("Backup non riuscito"));
         }
     }
-
-    if (ejectDrives && !ExternalDrives::connected(desktop_.volumes).empty()) {
-        phase = phases::Ejecting{};
-        // What the user had begun to eject before has a result of its own.
-        while (ejectNowTask_.isActive())
-            co_await sleep(pollInterval);
-        ejected_.clear();
-        ejectTask_ = ExternalDrives::ejectAll(desktop_.loop, desktop_.volumes, ejected_);
-        const ExternalDrives::Ejected ejected = co_await ejected_;
-        emit(events::DisksEjected{ejected.count, ejected.failed});
-        noteEjected(notes, ejected);
+    if (means_.options.ejectDrives && !ExternalDrives::connected(desktop_.volumes).empty()) {
+        status.phase = phases::Ejecting{};
+        Task<> ejecting = eject(notes);
+        co_await ejecting;
     }
 
-    showResult(result, notes.empty() ? std::nullopt : std::optional(joined(notes, " · ")));
-    if (result.closed > 0)
-        emit(events::QuitDone{result.closed});
-    if (action != PowerAction::none) {
-        if (number == runNumber_ && !isActionDropped_)
-            desktop_.loginWindow.announce(*loginRequest(action));
-        co_await sleep(beforePowerAction);
-        // A run that has begun meanwhile brings its own action.
-        if (number == runNumber_ && !isActionDropped_) {
-            const auto attendance = unattended ? Attendance::unattended : Attendance::attended;
-            perform(action, {.attendance = attendance, .comesLate = isLate_}, desktop_.loginWindow,
-                    desktop_.log);
-            // Whoever took it holds off sleep from here on. A pending schedule takes its own hold
-            // again if the session doesn't end.
-            runActivity_.reset();
-            sleepActivity_.reset();
-        }
+    stage_ = Stage::over;
+    status.show(result_, notes.empty() ? std::nullopt : std::optional(joined(notes, " · ")));
+    if (result_.closed > 0)
+        means_.events.tell(events::QuitDone{result_.closed});
+    co_await unlessCancelled();
+    if (planned != PowerAction::none) {
+        Task<> acting = act(planned);
+        co_await acting;
     }
-    resetSequence(number);
+    status.end();
+    sleepHold_.reset();
 }
 
-/// What belongs to a sequence goes with it, unless it is another run's by now.
-void QuitController::resetSequence(int number) {
-    if (number != runNumber_)
-        return;
-    unattended = false;
-    autoContinueAt = std::nullopt;
-    runningAction = PowerAction::none;
-    runActivity_.reset();
+/// False when the run ends with it.
+Task<bool> QuitRun::backUp(std::vector<std::string>& notes) {
+    Task<BackupStep::Outcome> backingUp = backup_->run();
+    const BackupStep::Outcome outcome = co_await backingUp;
+    backup_.reset();
+    switch (outcome.end) {
+    case BackupStep::End::completed:
+        means_.events.tell(events::BackupFinished{true});
+        co_await unlessCancelled();
+        notes.push_back(localized("Backup Time Machine completato"));
+        co_return true;
+    case BackupStep::End::skipped:
+        notes.push_back(localized("Backup saltato"));
+        co_return true;
+    case BackupStep::End::cancelled:
+        notes.push_back(localized("Backup annullato"));
+        co_return false;
+    case BackupStep::End::failed:
+        break;
+    }
+    means_.events.tell(events::BackupFinished{false});
+    co_await unlessCancelled();
+    waitForChoice(outcome.reason);
+    const FailureChoice choice = co_await choice_;
+    givingUp_.reset();
+    waiting_.reset();
+    holdSleep();
+    notes.push_back(localized("Backup non riuscito"));
+    co_return choice == FailureChoice::goOn;
 }
 
-Task QuitController::continueUnattended() {
-    co_await sleep(unattendedGrace);
-    resolveBackupFailure(FailureChoice::goOn);
+void QuitRun::waitForChoice(const std::string& reason) {
+    means_.status.phase = phases::BackupFailed{reason};
+    if (means_.status.unattended) {
+        means_.status.autoContinueAt = desktop_.loop.now() + unattendedGrace;
+        givingUp_ = desktop_.loop.after(unattendedGrace,
+                                        [this] { resolveBackupFailure(FailureChoice::goOn); });
+    }
+    beginWaiting();
 }
 
-void QuitController::resolveBackupFailure(FailureChoice choice) {
-    if (failureChoice_.isAwaited())
-        failureChoice_.give(choice);
+Task<> QuitRun::eject(std::vector<std::string>& notes) {
+    // What the user had begun to eject before has a result of its own.
+    while (means_.options.isEjectingAlone())
+        co_await sleep(pollInterval);
+    isEjecting_ = true;
+    Task<ExternalDrives::Ejected> ejecting =
+        ExternalDrives::ejectAll(desktop_.loop, desktop_.volumes);
+    const ExternalDrives::Ejected ejected = co_await ejecting;
+    isEjecting_ = false;
+    means_.events.tell(events::DisksEjected{ejected.count, ejected.failed});
+    co_await unlessCancelled();
+    noteEjected(notes, ejected);
 }
 
-void QuitController::ejectNow() {
-    if (!isRunning() && !isEjecting())
-        ejectNowTask_ = ejectByThemselves();
+/// Ends the session in the way that was planned, unless that is dropped before.
+Task<> QuitRun::act(PowerAction action) {
+    if (action_ != PowerAction::none)
+        desktop_.loginWindow.announce(*loginRequest(action));
+    co_await sleep(beforePowerAction);
+    if (action_ == PowerAction::none)
+        co_return;
+    const auto attendance =
+        means_.status.unattended ? Attendance::unattended : Attendance::attended;
+    perform(action, {.attendance = attendance, .comesLate = isLate_}, desktop_.loginWindow,
+            desktop_.log);
+    // The session's end holds off sleep from here on. A pending schedule takes its own hold again
+    // if that doesn't come.
+    sleepHold_.reset();
+    means_.letSleep();
 }
 
-Task QuitController::ejectByThemselves() {
-    ejectedNow_.clear();
-    ejectAllNowTask_ = ExternalDrives::ejectAll(desktop_.loop, desktop_.volumes, ejectedNow_);
-    const ExternalDrives::Ejected ejected = co_await ejectedNow_;
-    emit(events::DisksEjected{ejected.count, ejected.failed});
+void QuitRun::dropAction() {
+    action_ = PowerAction::none;
+    means_.status.pendingAction = PowerAction::none;
+    means_.status.runningAction = PowerAction::none;
 }
 
-bool QuitController::cancelPowerAction() {
-    const bool isToFollow =
-        pendingAction.get() != PowerAction::none || runningAction.get() != PowerAction::none;
-    pendingAction = PowerAction::none;
-    runningAction = PowerAction::none;
-    isActionDropped_ = true;
-    const bool wasAskedFor = desktop_.loginWindow.cancel();
-    return isToFollow || wasAskedFor;
+void QuitRun::stopBackup(BackupStop how) {
+    if (backup_)
+        backup_->stop(how);
 }
 
-void QuitController::cancelRun() {
-    cancelPowerAction();
-    leaveStubbornOpen();
-    if (is<phases::BackingUp>(phase))
-        stopBackup(BackupStop::cancel);
-    resolveBackupFailure(FailureChoice::stop);
-}
-
-void QuitController::stopBackup(BackupStop how) {
-    backupStop_ = how;
-    nextReading_.give({});
+void QuitRun::resolveBackupFailure(FailureChoice choice) {
+    if (choice_.isAwaited())
+        choice_.give(choice);
 }
 
 } // namespace velmorquit

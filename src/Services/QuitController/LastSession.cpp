@@ -1,9 +1,12 @@
+#include "Services/QuitController/LastSession.h"
+
 #include "Platform/Files.h"
 #include "Platform/Preferences.h"
-#include "Services/QuitController/QuitController.h"
+#include "Platform/Workspace.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <set>
 #include <span>
 #include <string_view>
 
@@ -28,7 +31,12 @@ std::string textOf(const Value::Data& data) {
 
 } // namespace
 
-void QuitController::loadLastSession() {
+LastSession::LastSession(const Desktop& desktop)
+    : lastSession(desktop.loop), closedForGood(desktop.loop), desktop_(desktop) {
+    load();
+}
+
+void LastSession::load() {
     const auto storedDate = desktop_.preferences.object(dateKey);
     const auto* date = storedDate ? storedDate->as<WallTime>() : nullptr;
     if (!date || *date <= desktop_.loop.now() - lastSessionAge)
@@ -41,8 +49,7 @@ void QuitController::loadLastSession() {
         lastSession = std::move(*apps);
 }
 
-/// `closed` are the applications that quit, most memory first.
-void QuitController::rememberSession(const std::vector<OpenApp>& closed) {
+void LastSession::remember(const std::vector<OpenApp>& closed) {
     std::vector<SavedApp> saved;
     std::vector<std::string> lost;
     std::set<std::string> paths;
@@ -67,7 +74,7 @@ void QuitController::rememberSession(const std::vector<OpenApp>& closed) {
     lastSession = std::move(saved);
 }
 
-std::vector<SavedApp> QuitController::reopenable() const {
+std::vector<SavedApp> LastSession::reopenable() const {
     if (lastSession->empty())
         return {};
     std::set<std::string> running;
@@ -82,22 +89,13 @@ std::vector<SavedApp> QuitController::reopenable() const {
     return apps;
 }
 
-std::vector<std::string> QuitController::notReopenable() const {
-    std::vector<std::string> lost = closedForGood;
-    std::erase_if(lost, [this](const std::string& name) {
-        return std::ranges::any_of(apps.get(),
-                                   [&name](const OpenApp& app) { return app.name == name; });
-    });
-    return lost;
-}
-
-void QuitController::reopenLastSession() {
+void LastSession::reopenLastSession() {
     for (const SavedApp& app : reopenable())
         desktop_.workspace.open(app.path);
     forgetLastSession();
 }
 
-void QuitController::forgetLastSession() {
+void LastSession::forgetLastSession() {
     lastSession = {};
     closedForGood = {};
     desktop_.preferences.remove(listKey);

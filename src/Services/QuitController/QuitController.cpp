@@ -1,65 +1,141 @@
 #include "Services/QuitController/QuitController.h"
 
-#include "Platform/Kernel.h"
+#include "Platform/LoginWindow.h"
 #include "Platform/Preferences.h"
+#include "Platform/Volumes.h"
+#include "Platform/Workspace.h"
+
+#include <algorithm>
 
 namespace velmorquit {
 
 QuitController::QuitController(const Desktop& desktop)
-    : apps(desktop.loop), sight(desktop.loop), phase(desktop.loop), stubborn(desktop.loop),
-      stayReasons(desktop.loop), systemMemory(desktop.loop, MemoryMonitor::system(desktop.kernel)),
-      excluded(desktop.loop), afterQuit(desktop.loop), backupFirst(desktop.loop),
-      ejectDrives(desktop.loop),
-      timeMachine(desktop.loop, TimeMachine::info(desktop.files, desktop.backupTool)),
-      externalDrives(desktop.loop), resultNote(desktop.loop), unattended(desktop.loop),
-      autoContinueAt(desktop.loop), pendingAction(desktop.loop), runningAction(desktop.loop),
-      lastSession(desktop.loop), closedForGood(desktop.loop), schedule(desktop.loop),
-      awaitingConfirmation(desktop.loop), confirmScheduled(desktop.loop),
-      scheduleNote(desktop.loop), desktop_(desktop) {
-    loadPreferences();
-    observers_.push_back(desktop_.preferences.observe([this] { loadPreferences(); }));
-    loadLastSession();
-    observeWorkspace();
-    observeClock();
+    : RunningApplications(desktop), RunOptions(desktop), RunStatus(desktop), LastSession(desktop),
+      Scheduler(desktop, {.begin = [this](PowerAction action,
+                                          Attendance attendance) { begin(action, attendance); },
+                          .events = *this}),
+      desktop_(desktop) {
+    observe();
     refresh();
 }
 
-void QuitController::loadPreferences() {
-    const auto stored = desktop_.preferences.texts("excludedApps");
-    if (stored) {
-        excluded = std::set<std::string>(stored->begin(), stored->end());
-    } else {
-        const auto own = desktop_.workspace.defaultExclusions();
-        std::set<std::string> keys(own.begin(), own.end());
-        keys.insert("com.apple.finder");
-        excluded = std::move(keys);
+void QuitController::observe() {
+    observers_.push_back(desktop_.preferences.observe([this] {
+        loadExclusions();
+        loadOptions();
+        loadConfirmation();
+    }));
+    for (const auto event :
+         {WorkspaceEvent::launched, WorkspaceEvent::terminated, WorkspaceEvent::policyChanged})
+        observers_.push_back(desktop_.workspace.observe(event, [this] { refresh(); }));
+    observers_.push_back(desktop_.volumes.observe([this] { refresh(); }));
+}
+
+void QuitController::refresh() {
+    listApplications();
+    lookAround();
+}
+
+void QuitController::startLiveUpdates() {
+    refresh();
+    refreshTimer_ = desktop_.loop.every(refreshInterval, [this] { refresh(); });
+}
+
+void QuitController::stopLiveUpdates() { refreshTimer_.reset(); }
+
+void QuitController::begin(PowerAction action, Attendance attendance) {
+    if (isRunning())
+        return;
+    // An earlier run may be about to end the session: it gives way to this one.
+    run_.reset();
+    run_.emplace(desktop_,
+                 QuitRun::Means{.applications = *this,
+                                .options = *this,
+                                .status = *this,
+                                .lastSession = *this,
+                                .events = *this,
+                                .refresh = [this] { refresh(); },
+                                .letSleep = [this] { letSleep(); }},
+                 action, attendance);
+}
+
+const std::vector<OpenApp>& QuitController::targets() const {
+    static const std::vector<OpenApp> none;
+    return run_ ? run_->targets() : none;
+}
+
+std::optional<StayReason> QuitController::askAgain(const OpenApp& app) {
+    if (isExcluded(app))
+        return StayReason::cannotBeAsked;
+    if (const auto obstacle = app.app->obstacle())
+        return obstacle;
+    if (!app.app->terminate(AskedBy::user))
+        return StayReason::cannotBeAsked;
+    if (run_)
+        run_->noteAsked(app.id);
+    return std::nullopt;
+}
+
+std::vector<std::string> QuitController::forceQuitStubborn() {
+    std::vector<std::string> refused;
+    const std::vector<OpenApp> forced = stubborn;
+    for (const OpenApp& app : forced) {
+        if (!isExcluded(app) && !app.app->forceTerminate())
+            refused.push_back(app.name);
     }
-    const std::string action = desktop_.preferences.text("afterQuit").value_or("");
-    afterQuit = powerActionFromRaw(action).value_or(PowerAction::none);
-    backupFirst = desktop_.preferences.boolean("backupFirst", false);
-    ejectDrives = desktop_.preferences.boolean("ejectDrives", false);
-    confirmScheduled = desktop_.preferences.boolean("confirmScheduled", true);
+    return refused;
 }
 
-void QuitController::chooseBackupFirst(bool isChosen) {
-    if (backupFirst.get() == isChosen)
-        return;
-    backupFirst = isChosen;
-    desktop_.preferences.set("backupFirst", isChosen);
+void QuitController::leaveStubbornOpen() {
+    if (run_)
+        run_->leave();
 }
 
-void QuitController::chooseEjectDrives(bool isChosen) {
-    if (ejectDrives.get() == isChosen)
-        return;
-    ejectDrives = isChosen;
-    desktop_.preferences.set("ejectDrives", isChosen);
+void QuitController::cancelRun() {
+    cancelPowerAction();
+    leaveStubbornOpen();
+    stopBackup(BackupStop::cancel);
+    resolveBackupFailure(FailureChoice::stop);
 }
 
-void QuitController::chooseAfterQuit(PowerAction action) {
-    if (afterQuit.get() == action)
+bool QuitController::cancelPowerAction() {
+    const bool isToFollow =
+        pendingAction.get() != PowerAction::none || runningAction.get() != PowerAction::none;
+    if (run_)
+        run_->dropAction();
+    const bool wasAskedFor = desktop_.loginWindow.cancel();
+    return isToFollow || wasAskedFor;
+}
+
+void QuitController::stopBackup(BackupStop how) {
+    if (run_)
+        run_->stopBackup(how);
+}
+
+void QuitController::resolveBackupFailure(FailureChoice choice) {
+    if (run_)
+        run_->resolveBackupFailure(choice);
+}
+
+void QuitController::ejectNow() {
+    if (isRunning() || isEjecting())
         return;
-    afterQuit = action;
-    desktop_.preferences.set("afterQuit", std::string(rawValue(action)));
+    eject([this](const ExternalDrives::Ejected& ejected) {
+        tell(events::DisksEjected{ejected.count, ejected.failed});
+    });
+}
+
+bool QuitController::isEjecting() const {
+    return isEjectingAlone() || (run_ && run_->isEjecting());
+}
+
+std::vector<std::string> QuitController::notReopenable() const {
+    std::vector<std::string> lost = closedForGood;
+    std::erase_if(lost, [this](const std::string& name) {
+        return std::ranges::any_of(apps.get(),
+                                   [&name](const OpenApp& app) { return app.name == name; });
+    });
+    return lost;
 }
 
 } // namespace velmorquit

@@ -1,19 +1,31 @@
+#include "Services/QuitController/RunningApplications.h"
+
 #include "Platform/Kernel.h"
 #include "Platform/Preferences.h"
-#include "Services/QuitController/QuitController.h"
 
 #include <algorithm>
 
 namespace velmorquit {
 
-void QuitController::observeWorkspace() {
-    for (const auto event :
-         {WorkspaceEvent::launched, WorkspaceEvent::terminated, WorkspaceEvent::policyChanged})
-        observers_.push_back(desktop_.workspace.observe(event, [this] { refresh(); }));
-    observers_.push_back(desktop_.volumes.observe([this] { refresh(); }));
+RunningApplications::RunningApplications(const Desktop& desktop)
+    : apps(desktop.loop), sight(desktop.loop),
+      systemMemory(desktop.loop, MemoryMonitor::system(desktop.kernel)), excluded(desktop.loop),
+      desktop_(desktop) {
+    loadExclusions();
 }
 
-void QuitController::refresh() {
+void RunningApplications::loadExclusions() {
+    if (const auto stored = desktop_.preferences.texts("excludedApps")) {
+        excluded = std::set<std::string>(stored->begin(), stored->end());
+        return;
+    }
+    const auto own = desktop_.workspace.defaultExclusions();
+    std::set<std::string> keys(own.begin(), own.end());
+    keys.insert("com.apple.finder");
+    excluded = std::move(keys);
+}
+
+void RunningApplications::listApplications() {
     const ProcessId ownId = desktop_.kernel.ownProcessId();
     std::vector<std::shared_ptr<RunningApplication>> running;
     std::vector<ProcessId> ids;
@@ -36,18 +48,9 @@ void QuitController::refresh() {
     apps = std::move(listed);
     sight = desktop_.workspace.sight();
     systemMemory = MemoryMonitor::system(desktop_.kernel);
-    timeMachine = TimeMachine::info(desktop_.files, desktop_.backupTool);
-    externalDrives = ExternalDrives::connected(desktop_.volumes);
 }
 
-void QuitController::startLiveUpdates() {
-    refresh();
-    refreshTimer_ = desktop_.loop.every(refreshInterval, [this] { refresh(); });
-}
-
-void QuitController::stopLiveUpdates() { refreshTimer_.reset(); }
-
-bool QuitController::isExcluded(const OpenApp& app) const {
+bool RunningApplications::isExcluded(const OpenApp& app) const {
     const auto& keys = excluded.get();
     return keys.contains(app.exclusionKey()) ||
            std::ranges::any_of(app.otherIdentities, [&](const std::string& identity) {
@@ -55,14 +58,14 @@ bool QuitController::isExcluded(const OpenApp& app) const {
            });
 }
 
-std::vector<OpenApp> QuitController::quittable() const {
+std::vector<OpenApp> RunningApplications::quittable() const {
     std::vector<OpenApp> asked;
     std::ranges::copy_if(apps.get(), std::back_inserter(asked),
                          [this](const OpenApp& app) { return !isExcluded(app); });
     return asked;
 }
 
-void QuitController::toggleExclusion(const OpenApp& app) {
+void RunningApplications::toggleExclusion(const OpenApp& app) {
     // What the user saw and meant to change.
     const bool wasExcluded = isExcluded(app);
     takeOverEdits();
@@ -77,7 +80,7 @@ void QuitController::toggleExclusion(const OpenApp& app) {
     storeExclusions(std::move(keys));
 }
 
-bool QuitController::includeAgain(const std::string& key) {
+bool RunningApplications::includeAgain(const std::string& key) {
     takeOverEdits();
     std::set<std::string> keys = excluded;
     if (keys.erase(key) == 0)
@@ -87,12 +90,12 @@ bool QuitController::includeAgain(const std::string& key) {
 }
 
 /// The list is stored as a whole: what another program has added to it by now is part of it.
-void QuitController::takeOverEdits() {
+void RunningApplications::takeOverEdits() {
     desktop_.preferences.refresh();
-    loadPreferences();
+    loadExclusions();
 }
 
-void QuitController::storeExclusions(std::set<std::string> keys) {
+void RunningApplications::storeExclusions(std::set<std::string> keys) {
     Value::Array sorted(keys.begin(), keys.end());
     excluded = std::move(keys);
     desktop_.preferences.set("excludedApps", std::move(sorted));

@@ -145,7 +145,7 @@ EndOutlook SessionEnd::outlook(LoginRequest request) const {
 
 // What others say takes a while to come, and by then the windows may be others: so they are looked
 // at last, in the same turn in which the system is asked.
-Task SessionEnd::waitAndEnd() {
+Task<> SessionEnd::waitAndEnd() {
     for (bool isAccountWanted = true;;) {
         const Uptime now = surroundings_.loop.uptime();
         const bool isAccountRead =

@@ -101,7 +101,7 @@ private:
     void begin(LoginRequest request, const EndTerms& terms);
     [[nodiscard]] Duration ahead() const;
     void hearWakeUp();
-    Task waitAndEnd();
+    Task<> waitAndEnd();
     [[nodiscard]] EndForm form() const;
     void forgetRefusal();
     Next consider(bool isAccountFresh);
@@ -132,7 +132,7 @@ private:
     Handle watching_;
     Handle waking_;
     Handle telling_;
-    Task waiting_;
+    Task<> waiting_;
     /// What the service is being asked for.
     std::optional<LoginRequest> underWay_;
 };

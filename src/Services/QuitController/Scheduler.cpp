@@ -1,9 +1,8 @@
-#include "Model/ScheduledQuit.h"
+#include "Services/QuitController/Scheduler.h"
 
 #include "Platform/Formats.h"
 #include "Platform/Preferences.h"
 #include "Platform/SleepHold.h"
-#include "Services/QuitController/QuitController.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
@@ -34,24 +33,28 @@ Duration nextThreshold(Duration remaining) {
 
 } // namespace
 
-void QuitController::chooseConfirmScheduled(bool isChosen) {
+Scheduler::Scheduler(const Desktop& desktop, Means means)
+    : schedule(desktop.loop), awaitingConfirmation(desktop.loop), confirmScheduled(desktop.loop),
+      scheduleNote(desktop.loop), desktop_(desktop), means_(std::move(means)) {
+    loadConfirmation();
+    observers_.push_back(
+        desktop_.loop.observe(ClockEvent::woke, [this] { checkMissedSchedule(); }));
+    observers_.push_back(
+        desktop_.loop.observe(ClockEvent::corrected, [this] { tickAtNextSecond(); }));
+}
+
+void Scheduler::loadConfirmation() {
+    confirmScheduled = desktop_.preferences.boolean("confirmScheduled", true);
+}
+
+void Scheduler::chooseConfirmScheduled(bool isChosen) {
     if (confirmScheduled.get() == isChosen)
         return;
     confirmScheduled = isChosen;
     desktop_.preferences.set("confirmScheduled", isChosen);
 }
 
-void QuitController::observeClock() {
-    observers_.push_back(
-        desktop_.loop.observe(ClockEvent::woke, [this] { checkMissedSchedule(); }));
-    // Of the wait it is not known how long it was.
-    observers_.push_back(
-        desktop_.loop.observe(ClockEvent::woke, [this] { isLate_ |= asking_.isSet(); }));
-    observers_.push_back(
-        desktop_.loop.observe(ClockEvent::corrected, [this] { tickAtNextSecond(); }));
-}
-
-void QuitController::scheduleQuit(WallTime date, PowerAction action) {
+void Scheduler::scheduleQuit(WallTime date, PowerAction action) {
     cancelSchedule();
     scheduleNote = std::nullopt;
     schedule = ScheduledQuit{date, action, desktop_.loop.now(), confirmScheduled};
@@ -62,19 +65,19 @@ void QuitController::scheduleQuit(WallTime date, PowerAction action) {
     tickAtNextSecond();
 }
 
-void QuitController::holdSleepForSchedule() {
+void Scheduler::holdSleepForSchedule() {
     if (!sleepActivity_.isSet())
         sleepActivity_ = desktop_.sleepHold.begin(localized("Chiusura programmata di Velmor Quit"));
 }
 
-void QuitController::tickAtNextSecond() {
+void Scheduler::tickAtNextSecond() {
     if (schedule.get() && !awaitingConfirmation)
         tickAfter(1);
 }
 
 // Ticks fall on whole seconds since the schedule was set. Those at which nothing happens are left
 // out, so that a schedule for the night doesn't wake the machine every second of the day.
-void QuitController::tickWhenNeeded(Duration remaining) {
+void Scheduler::tickWhenNeeded(Duration remaining) {
     if (remaining <= finalCountdown) {
         tickAfter(1);
         return;
@@ -85,20 +88,20 @@ void QuitController::tickWhenNeeded(Duration remaining) {
     tickAfter(std::max(ticks, 1));
 }
 
-void QuitController::tickAfter(int ticks) {
+void Scheduler::tickAfter(int ticks) {
     const Duration elapsed = desktop_.loop.uptime() - scheduledAt_;
     const Duration due = (elapsed / tickInterval + ticks) * tickInterval;
     scheduleTimer_ = desktop_.loop.after(due - elapsed, [this] { scheduleTick(); });
 }
 
-void QuitController::scheduleTick() {
+void Scheduler::scheduleTick() {
     if (!schedule.get() || awaitingConfirmation)
         return;
     holdSleepForSchedule();
     const int number = scheduleNumber_;
     const Duration remaining = schedule.get()->date - desktop_.loop.now();
     if (isAttentionDue(remaining)) {
-        calls_.tell();
+        means_.events.callUser();
         if (number != scheduleNumber_)
             return;
     }
@@ -108,7 +111,7 @@ void QuitController::scheduleTick() {
         meetDeadline();
 }
 
-bool QuitController::isAttentionDue(Duration remaining) {
+bool Scheduler::isAttentionDue(Duration remaining) {
     const auto passed = static_cast<int>(
         std::ranges::count_if(warningMarks, [&](Duration mark) { return remaining <= mark; }));
     const std::int64_t second = std::chrono::ceil<std::chrono::seconds>(remaining).count();
@@ -121,25 +124,22 @@ bool QuitController::isAttentionDue(Duration remaining) {
     return isMark || isBeep;
 }
 
-void QuitController::meetDeadline() {
+void Scheduler::meetDeadline() {
     if (schedule.get()->needsConfirmation) {
         awaitingConfirmation = true;
         scheduleTimer_.reset();
         sleepActivity_.reset();
-        emit(events::ConfirmationNeeded{});
+        means_.events.tell(events::ConfirmationNeeded{});
         return;
     }
     const PowerAction action = schedule.get()->action;
     // Until the run has one of its own.
     const Handle hold = std::move(sleepActivity_);
     cancelSchedule();
-    if (isRunning())
-        return;
-    quitAll(action);
-    unattended = true;
+    means_.begin(action, Attendance::unattended);
 }
 
-void QuitController::postponeSchedule(int minutes) {
+void Scheduler::postponeSchedule(int minutes) {
     if (!schedule.get())
         return;
     const WallTime now = desktop_.loop.now();
@@ -150,15 +150,15 @@ void QuitController::postponeSchedule(int minutes) {
     scheduleQuit(std::max(date, std::min<WallTime>(later, now + furthest)), schedule.get()->action);
 }
 
-void QuitController::confirmScheduledQuit() {
+void Scheduler::confirmScheduledQuit() {
     if (!schedule.get() || !awaitingConfirmation)
         return;
     const PowerAction action = schedule.get()->action;
     cancelSchedule();
-    quitAll(action);
+    means_.begin(action, Attendance::attended);
 }
 
-void QuitController::cancelSchedule() {
+void Scheduler::cancelSchedule() {
     ++scheduleNumber_;
     scheduleTimer_.reset();
     sleepActivity_.reset();
@@ -166,7 +166,7 @@ void QuitController::cancelSchedule() {
     awaitingConfirmation = false;
 }
 
-void QuitController::checkMissedSchedule() {
+void Scheduler::checkMissedSchedule() {
     if (!schedule.get() || awaitingConfirmation)
         return;
     const WallTime date = schedule.get()->date;

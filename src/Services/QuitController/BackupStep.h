@@ -1,0 +1,58 @@
+#pragma once
+
+#include "Loop/Published.h"
+#include "Loop/Task.h"
+#include "Model/Phase.h"
+#include "Platform/Desktop.h"
+#include "Services/QuitController/EventFeed.h"
+#include "Services/TimeMachine.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace velmorquit {
+
+/// How the user stops a running backup.
+enum class BackupStop {
+    skip,   ///< and goes on with what follows
+    cancel, ///< and ends the run
+};
+
+/// One backup: has the tool make it, tells how far it is, and waits until it is on record.
+class BackupStep {
+public:
+    enum class End { completed, skipped, cancelled, failed };
+    struct Outcome {
+        End end = End::failed;
+        std::string reason{}; ///< of a failure
+    };
+    /// Where it tells what it learns; all of it outlives the step.
+    struct Means {
+        Published<Phase>& phase;
+        Published<TimeMachine::Info>& records;
+        const EventFeed& events;
+    };
+
+    BackupStep(const Desktop& desktop, Means means);
+
+    Task<Outcome> run();
+
+    /// Stops it within a second. The first word that is noticed counts.
+    void stop(BackupStop how);
+
+    [[nodiscard]] MainLoop& mainLoop() const { return desktop_.loop; }
+
+private:
+    Task<> watch(const ChildProcess& process);
+    Task<bool> waitForRecord(WallTime started);
+    [[nodiscard]] static Outcome failure(const ChildProcess& process);
+
+    Desktop desktop_;
+    Means means_;
+    std::optional<BackupStop> stop_;
+    /// Ends the pause before it is looked again whether the backup is on record.
+    Answer<std::monostate> nextReading_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,136 @@
+#include "Services/QuitController/QuitRun.h"
+
+#include "Platform/SleepHold.h"
+#include "Texts/Localized.h"
+
+#include <utility>
+
+namespace velmorquit {
+
+QuitRun::QuitRun(const Desktop& desktop, Means means, PowerAction action, Attendance attendance)
+    : desktop_(desktop), means_(std::move(means)), action_(action) {
+    // What an earlier run has asked of the session gives way to this one.
+    desktop_.loginWindow.cancel();
+    holdSleep();
+    means_.refresh();
+    means_.status.begin(action, attendance == Attendance::unattended);
+    // Of the wait it is not known how long it was.
+    waking_ = desktop_.loop.observe(ClockEvent::woke, [this] { isLate_ |= waiting_.isSet(); });
+    targets_.emplace(desktop_.loop, means_.applications, means_.applications.quittable());
+    if (targets_->list().empty()) {
+        finishAsking(AfterSteps::run);
+        return;
+    }
+    means_.status.phase = phases::Quitting{static_cast<int>(targets_->list().size())};
+    targets_->ask();
+    polling_ = poll(desktop_.loop.uptime() + gracePeriod);
+}
+
+const std::vector<OpenApp>& QuitRun::targets() const {
+    static const std::vector<OpenApp> none;
+    return targets_ ? targets_->list() : none;
+}
+
+Task<> QuitRun::poll(Uptime deadline) {
+    const Uptime lastAsking = desktop_.loop.uptime() + askingTime;
+    for (;;) {
+        co_await sleep(pollInterval);
+        if (targets_->ask() && is<phases::Quitting>(means_.status.phase))
+            means_.status.phase = phases::Quitting{static_cast<int>(targets_->list().size())};
+        std::vector<OpenApp> running = targets_->running();
+        if (running.empty()) {
+            finishAsking(AfterSteps::run);
+            co_return;
+        }
+        targets_->noteWindowless(running);
+        const Uptime now = desktop_.loop.uptime();
+        if (now <= lastAsking)
+            targets_->askHindered(running);
+        if (now < deadline)
+            continue;
+        look(std::move(running));
+        if (!is<phases::Waiting>(means_.status.phase)) {
+            means_.events.tell(events::StubbornApps{});
+            co_await unlessCancelled();
+            means_.status.phase = phases::Waiting{};
+            beginWaiting();
+        }
+    }
+}
+
+void QuitRun::look(std::vector<OpenApp> running) {
+    targets_->askWindowless(running);
+    const Uptime now = desktop_.loop.uptime();
+    if (!lookedAt_ || now - *lookedAt_ >= reasonInterval) {
+        means_.status.stayReasons = RunTargets::reasonsOf(running);
+        for (const auto& [id, reason] : means_.status.stayReasons.get()) {
+            if (reason == StayReason::busyTerminal)
+                targets_->noteHindered(id);
+        }
+        lookedAt_ = now;
+    }
+    means_.status.stubborn = std::move(running);
+}
+
+// Nobody is there at night: the computer would fall asleep in the middle of the run.
+void QuitRun::holdSleep() {
+    if (!sleepHold_.isSet())
+        sleepHold_ = desktop_.sleepHold.begin(localized("Velmor Quit sta chiudendo le app"));
+}
+
+void QuitRun::beginWaiting() {
+    if (!means_.status.unattended)
+        sleepHold_.reset();
+    waiting_ = desktop_.loop.after(longWait, [this] {
+        isLate_ = true;
+        sleepHold_.reset();
+    });
+}
+
+void QuitRun::noteAsked(ProcessId id) {
+    if (targets_)
+        targets_->noteAsked(id);
+}
+
+void QuitRun::leave() {
+    if (stage_ == Stage::asking) {
+        means_.status.pendingAction = PowerAction::none;
+        finishAsking(AfterSteps::skip);
+    } else if (stage_ == Stage::asked) {
+        following_.cancel();
+        conclude(std::nullopt);
+    }
+}
+
+void QuitRun::finishAsking(AfterSteps steps) {
+    polling_.cancel();
+    waiting_.reset();
+    targets_->stopAsking();
+    const std::vector<OpenApp> closed = targets_->closed();
+    result_ = RunTargets::resultOf(closed);
+    // Before the refresh: that and all that follows may take long, and may be the last thing that
+    // this session sees.
+    means_.lastSession.remember(closed);
+    means_.status.stubborn = {};
+    means_.status.stayReasons = {};
+    targets_.reset();
+    means_.refresh();
+    const PowerAction planned = means_.status.pendingAction;
+    means_.status.pendingAction = PowerAction::none;
+    if (steps == AfterSteps::skip) {
+        conclude(std::nullopt);
+        return;
+    }
+    holdSleep();
+    stage_ = Stage::asked;
+    following_ = follow(planned);
+}
+
+void QuitRun::conclude(std::optional<std::string> note) {
+    stage_ = Stage::over;
+    means_.status.show(result_, std::move(note));
+    means_.status.unattended = false;
+    sleepHold_.reset();
+}
+
+} // namespace velmorquit

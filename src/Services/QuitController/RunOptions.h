@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Loop/Published.h"
+#include "Loop/Task.h"
+#include "Model/PowerAction.h"
+#include "Platform/Desktop.h"
+#include "Services/ExternalDrives.h"
+#include "Services/TimeMachine.h"
+
+#include <functional>
+#include <vector>
+
+namespace velmorquit {
+
+/// What the user wants to follow a run, and what there is on this computer for it.
+class RunOptions {
+public:
+    explicit RunOptions(const Desktop& desktop);
+
+    Published<PowerAction> afterQuit;
+    /// Whether a run is followed by a backup, where there is a place for one.
+    Published<bool> backupFirst;
+    /// Whether a run is followed by ejecting the external drives.
+    Published<bool> ejectDrives;
+    Published<TimeMachine::Info> timeMachine;
+    Published<std::vector<ExternalDrives::Drive>> externalDrives;
+
+    /// Choose what follows a run, and store it.
+    void chooseAfterQuit(PowerAction action);
+    void chooseBackupFirst(bool isChosen);
+    void chooseEjectDrives(bool isChosen);
+
+    /// Reads the choices from the preferences.
+    void loadOptions();
+    /// Looks at the backups and the drives.
+    void lookAround();
+
+    /// Ejects the external drives outside a run; `told` hears the result.
+    void eject(std::function<void(const ExternalDrives::Ejected&)> told);
+    [[nodiscard]] bool isEjectingAlone() const { return ejecting_.isActive(); }
+
+    [[nodiscard]] MainLoop& mainLoop() const { return desktop_.loop; }
+
+private:
+    Task<> ejectAndTell(std::function<void(const ExternalDrives::Ejected&)> told);
+
+    Desktop desktop_;
+    Task<> ejecting_;
+};
+
+} // namespace velmorquit

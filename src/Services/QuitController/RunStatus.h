@@ -1,0 +1,60 @@
+#pragma once
+
+#include "Loop/Published.h"
+#include "Model/Phase.h"
+#include "Model/PowerAction.h"
+#include "Platform/Desktop.h"
+#include "Services/QuitController/OpenApp.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// What a run has closed.
+struct RunResult {
+    int closed = 0;
+    std::uint64_t freed = 0; ///< bytes that they used when the run began
+};
+
+/// How far the present run is, or the last one: its result stays on show for a while.
+class RunStatus {
+public:
+    static constexpr Duration resultTime = 8s;
+
+    explicit RunStatus(const Desktop& desktop);
+
+    Published<Phase> phase;
+    /// Those still open after the grace period of the present run.
+    Published<std::vector<OpenApp>> stubborn;
+    /// Why each of the stubborn ones is still there, by process.
+    Published<std::map<ProcessId, StayReason>> stayReasons;
+    /// What the user should know of the result beyond its figures.
+    Published<std::optional<std::string>> resultNote;
+    /// Nobody attends the present run: a failed backup is passed over after a while.
+    Published<bool> unattended;
+    /// When that happens, by the wall clock; none otherwise.
+    Published<std::optional<WallTime>> autoContinueAt;
+    /// What is to follow once the applications that were asked have gone; `none` from then on.
+    Published<PowerAction> pendingAction;
+    /// What the running sequence ends with; `none` outside one.
+    Published<PowerAction> runningAction;
+
+    /// A run begins: nothing of the one before counts any more.
+    void begin(PowerAction action, bool isUnattended);
+
+    /// Shows the result of the present run, for 8 s.
+    void show(RunResult result, std::optional<std::string> note);
+
+    /// Nothing of the present run is to follow any more.
+    void end();
+
+private:
+    MainLoop& loop_;
+    int number_ = 0; ///< of the present run
+    Handle hiding_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "Loop/Published.h"
+#include "Platform/Desktop.h"
+#include "Platform/Workspace.h"
+#include "Services/MemoryMonitor.h"
+#include "Services/QuitController/OpenApp.h"
+
+#include <set>
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// Which applications are open, and which of them the user has excluded.
+class RunningApplications {
+public:
+    explicit RunningApplications(const Desktop& desktop);
+
+    /// Open applications, most memory first.
+    Published<std::vector<OpenApp>> apps;
+    /// How much of the session was seen when they were listed.
+    Published<Sight> sight;
+    Published<MemoryMonitor::SystemMemory> systemMemory;
+    /// Exclusion keys of the applications that a run leaves alone.
+    Published<std::set<std::string>> excluded;
+
+    /// Lists anew what is open.
+    void listApplications();
+
+    /// Reads the exclusions from the preferences.
+    void loadExclusions();
+
+    /// Excludes the application, or includes it again, and stores the exclusions.
+    void toggleExclusion(const OpenApp& app);
+
+    /// Removes `key` from the exclusions and stores them; also for what isn't open now. False when
+    /// it was none.
+    bool includeAgain(const std::string& key);
+
+    [[nodiscard]] bool isExcluded(const OpenApp& app) const;
+
+    /// The open applications that are not excluded, most memory first.
+    [[nodiscard]] std::vector<OpenApp> quittable() const;
+
+private:
+    void takeOverEdits();
+    void storeExclusions(std::set<std::string> keys);
+
+    Desktop desktop_;
+};
+
+} // namespace velmorquit
