@@ -61,6 +61,7 @@ RemoteSchedule::RemoteSchedule(const Surroundings& surroundings, Announce announ
         known_ = std::move(now);
         announce_({{"change", "schedule"}, {"schedule", known_}});
     };
+    subscriptions_.push_back(controller.hearCalls([this] { announceAttention(); }));
     subscriptions_.push_back(controller.schedule.subscribe(tell));
     subscriptions_.push_back(controller.awaitingConfirmation.subscribe(tell));
     subscriptions_.push_back(controller.scheduleNote.subscribe([this, &controller] {

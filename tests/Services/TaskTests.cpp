@@ -72,7 +72,7 @@ public:
     }
 
     /// What it calls may end it while another task waits for it.
-    Task<int> tellThenCount(const std::function<void()>& tell) {
+    Task<int> tellThenCount(std::function<void()> tell) {
         const Witness witness(log_);
         tell();
         co_await unlessCancelled();
@@ -80,7 +80,7 @@ public:
         co_return 1;
     }
 
-    Task<> waitForTelling(const std::function<void()>& tell) {
+    Task<> waitForTelling(std::function<void()> tell) {
         const Witness witness(log_);
         Task<int> telling = tellThenCount(tell);
         co_await telling;
