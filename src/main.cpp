@@ -26,6 +26,7 @@
 #include "Linux/Session/DesktopInput.h"
 #include "Linux/Session/DisplayServers.h"
 #include "Linux/Session/PowerBus.h"
+#include "Linux/Session/SessionTraits.h"
 #include "Linux/Tray/TrayOwners.h"
 #include "Linux/Volumes/UDisksVolumes.h"
 #include "Linux/X11/DesktopTrayHosts.h"
@@ -322,7 +323,10 @@ int run(int argc, char** argv) {
     AppDelegate delegate({loop, preferences, workspace, kernel, log, commands, program,
                           language.formats(), volumes, sessionEnd, sleepHold, children, files,
                           backupTool()},
-                         {windowSystem, appearance, trayHosts},
+                         {.windows = windowSystem,
+                          .appearance = appearance,
+                          .trayHosts = trayHosts,
+                          .traits = traitsOf(SessionEnvironment::ofThisProcess())},
                          {scheduleNotice, answerNotice, endNotice, runNotice});
     if (start.note)
         answerNotice.show({.title = "Velmor Quit", .text = *start.note});

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Platform/DesktopTraits.h"
+
 namespace velmorquit {
 
 class Appearance;
@@ -12,6 +14,7 @@ struct DesktopFace {
     WindowSystem& windows;
     const Appearance& appearance;
     const TrayHosts& trayHosts;
+    DesktopTraits traits;
 };
 
 } // namespace velmorquit

@@ -83,8 +83,12 @@ struct SimulatedFace {
     SimulatedWindowSystem windows;
     SimulatedAppearance appearance;
     SimulatedTrayHosts trayHosts;
+    DesktopTraits traits;
 
-    [[nodiscard]] DesktopFace ports() { return {windows, appearance, trayHosts}; }
+    [[nodiscard]] DesktopFace ports() {
+        return {
+            .windows = windows, .appearance = appearance, .trayHosts = trayHosts, .traits = traits};
+    }
 };
 
 } // namespace velmorquit

@@ -1,5 +1,6 @@
 #include "Linux/Descriptor.h"
 #include "Linux/Session/DisplayServers.h"
+#include "Linux/Session/SessionTraits.h"
 
 #include <gtest/gtest.h>
 
@@ -93,6 +94,13 @@ TEST_F(DisplayServersTest, OneThatLetsNobodyInAtTheMomentIsThereAsWell) {
                      sizeof address) == 0);
     EXPECT_EQ(errno, EAGAIN);
     EXPECT_TRUE(hasAnother());
+}
+
+TEST(SessionTraits, ArePlasmasByOneOfItsNames) {
+    for (const char* desktops : {"KDE", "Other:KDE", "KDE:Other"})
+        EXPECT_TRUE(traitsOf({.desktops = desktops}).tintsNamedIcons) << desktops;
+    for (const char* desktops : {"", "XFCE", "KDE-like:Other", "kde"})
+        EXPECT_FALSE(traitsOf({.desktops = desktops}).tintsNamedIcons) << desktops;
 }
 
 } // namespace
