@@ -3,8 +3,6 @@
 #include "Linux/Proc/Confinement.h"
 
 #include <QDBusArgument>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
 #include <QDBusUnixFileDescriptor>
 
 #include <poll.h>
@@ -22,20 +20,14 @@ bool hasEnded(const QDBusUnixFileDescriptor& process) {
 } // namespace
 
 void BusCallers::find(const QString& connection, std::function<void(const RemoteCaller&)> told) {
-    QDBusMessage question =
-        QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                       "org.freedesktop.DBus", "GetConnectionCredentials");
-    question << connection;
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question, patience), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, told = std::move(told)](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                const QDBusMessage answer = finished->reply();
-                QVariantMap credentials;
-                if (answer.signature() == "a{sv}")
-                    credentials = qdbus_cast<QVariantMap>(answer.arguments().value(0));
-                told(callerOf(credentials));
-            });
+    questions_.send(bus_, busQuestion("GetConnectionCredentials", {connection}),
+                    [this, told = std::move(told)](const QDBusMessage& answer) {
+                        QVariantMap credentials;
+                        if (answer.type() == QDBusMessage::ReplyMessage)
+                            credentials = qdbus_cast<QVariantMap>(answer.arguments().value(0));
+                        told(callerOf(credentials));
+                    },
+                    {.patience = patience, .signature = "a{sv}"});
 }
 
 RemoteCaller BusCallers::callerOf(const QVariantMap& credentials) const {

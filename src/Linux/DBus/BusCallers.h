@@ -1,9 +1,8 @@
 #pragma once
 
+#include "Linux/Bus/BusCall.h"
 #include "Platform/RemoteCommands.h"
 
-#include <QDBusConnection>
-#include <QObject>
 #include <QVariantMap>
 
 #include <functional>
@@ -12,10 +11,10 @@
 namespace velmorquit {
 
 /// Finds out who is at the other end of a connection to the bus.
-class BusCallers final : public QObject {
+class BusCallers final {
 public:
-    /// Milliseconds that the bus has to tell.
-    static constexpr int patience = 3000;
+    /// What the bus has to tell.
+    static constexpr BusTerms::Patience patience{3000};
 
     /// `proc` looks like /proc.
     explicit BusCallers(QDBusConnection bus, std::string proc = "/proc")
@@ -31,6 +30,7 @@ public:
 private:
     QDBusConnection bus_;
     std::string proc_;
+    BusCalls questions_;
 };
 
 } // namespace velmorquit

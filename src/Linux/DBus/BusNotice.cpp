@@ -1,7 +1,5 @@
 #include "Linux/DBus/BusNotice.h"
 
-#include <QDBusPendingCallWatcher>
-#include <QTimer>
 #include <QVariantMap>
 
 #include <algorithm>
@@ -20,6 +18,12 @@ QDBusMessage message(const QString& method) {
 }
 
 } // namespace
+
+BusNotice::BusNotice(const QDBusConnection& bus, int patience) : bus_(bus) {
+    losingPatience_.setSingleShot(true);
+    losingPatience_.setInterval(patience);
+    connect(&losingPatience_, &QTimer::timeout, this, [this] { noteUnanswerable(); });
+}
 
 BusNotice::~BusNotice() {
     if (wanted_ && wanted_->stays)
@@ -42,7 +46,7 @@ void BusNotice::withdraw() {
 // While a notice is on its way, its number isn't known, without which it can be neither replaced
 // nor withdrawn.
 void BusNotice::update() {
-    if (isTold_ || isSending_)
+    if (isTold_ || sending_.isOpen())
         return;
     isTold_ = true;
     if (!bus_.isConnected()) {
@@ -64,20 +68,19 @@ void BusNotice::prepare(const Content& content) {
         send(content, text);
         return;
     }
-    isSending_ = true;
-    losePatienceLater();
-    ask(message(QStringLiteral("GetCapabilities")),
-        [this, text, markup](const QDBusMessage& reply) {
-            isSending_ = false;
-            if (!isTold_) {
-                update();
-                return;
-            }
-            const QStringList can = reply.arguments().value(0).toStringList();
-            const bool isPlain = reply.type() == QDBusMessage::ReplyMessage &&
-                                 !can.contains(QLatin1String("body-markup"));
-            send(*wanted_, isPlain ? text : markup);
-        });
+    losingPatience_.start();
+    sending_.send(bus_, message(QStringLiteral("GetCapabilities")),
+                  [this, text, markup](const QDBusMessage& reply) {
+                      losingPatience_.stop();
+                      if (!isTold_) {
+                          update();
+                          return;
+                      }
+                      const QStringList can = reply.arguments().value(0).toStringList();
+                      const bool isPlain = reply.type() == QDBusMessage::ReplyMessage &&
+                                           !can.contains(QLatin1String("body-markup"));
+                      send(*wanted_, isPlain ? text : markup);
+                  });
 }
 
 void BusNotice::send(const Content& content, const QString& text) {
@@ -91,31 +94,15 @@ void BusNotice::send(const Content& content, const QString& text) {
     QDBusMessage call = message(QStringLiteral("Notify"));
     call << QStringLiteral("Velmor Quit") << shown_ << applicationId
          << QString::fromStdString(content.title) << text << actions << hints << expiry;
-    isSending_ = true;
     isLost_ = false;
-    losePatienceLater();
-    ask(call, [this](const QDBusMessage& reply) { hearReply(reply); });
-}
-
-void BusNotice::losePatienceLater() {
-    QTimer::singleShot(patience_, this, [this, number = ++sent_] {
-        if (isSending_ && number == sent_)
-            noteUnanswerable();
-    });
-}
-
-void BusNotice::ask(const QDBusMessage& call, std::function<void(const QDBusMessage&)> answered) {
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(call), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [answered = std::move(answered)](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                answered(finished->reply());
-            });
+    losingPatience_.start();
+    sending_.send(bus_, call, [this](const QDBusMessage& reply) { hearReply(reply); },
+                  {.signature = "u"});
 }
 
 void BusNotice::hearReply(const QDBusMessage& reply) {
-    isSending_ = false;
-    const bool isShown = reply.type() == QDBusMessage::ReplyMessage && reply.signature() == "u";
+    losingPatience_.stop();
+    const bool isShown = reply.type() == QDBusMessage::ReplyMessage;
     shown_ = isShown ? reply.arguments().value(0).toUInt() : 0;
     shownBy_ = reply.service();
     if (isTold_)
@@ -132,7 +119,8 @@ void BusNotice::findOutWhetherAnswerable() {
     } else if (knownService_ != shownBy_) {
         QDBusMessage call = message(QStringLiteral("GetCapabilities"));
         call.setAutoStartService(false);
-        ask(call, [this](const QDBusMessage& reply) { hearCapabilities(reply); });
+        capabilities_.send(bus_, call,
+                           [this](const QDBusMessage& reply) { hearCapabilities(reply); });
     } else if (!hasButtons_) {
         noteUnanswerable();
     }
@@ -167,12 +155,11 @@ void BusNotice::close() {
 
 // Not by the service's name, since Qt would wait for the bus to say who has it.
 void BusNotice::listen() {
-    if (std::exchange(isListening_, true))
+    if (name_)
         return;
+    name_.emplace(bus_, service, [this](const QString& owner) { hearOwner(owner); });
     bus_.connect({}, path, service, "ActionInvoked", this, SLOT(hearAction(QDBusMessage)));
     bus_.connect({}, path, service, "NotificationClosed", this, SLOT(hearClosed(QDBusMessage)));
-    bus_.connect({}, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged", {service},
-                 {}, this, SLOT(hearOwner(QDBusMessage)));
 }
 
 bool BusNotice::isOurs(const QDBusMessage& signal) const {
@@ -191,10 +178,9 @@ void BusNotice::hearAction(const QDBusMessage& signal) {
 }
 
 // The next service knows our number for something else, if at all: nothing of it may be replaced or
-// closed. A question that was still there is put again.
-void BusNotice::hearOwner(const QDBusMessage& signal) {
-    const QString owner = signal.arguments().value(2).toString();
-    if (signal.service() != "org.freedesktop.DBus" || (shown_ != 0 && owner == shownBy_))
+// closed. A question that was still there is put again, unless it is the bus that has gone.
+void BusNotice::hearOwner(const QString& owner) {
+    if (!bus_.isConnected() || (shown_ != 0 && owner == shownBy_))
         return;
     isLost_ = isLost_ || (shown_ != 0 && wanted_ && wanted_->stays);
     shown_ = 0;

@@ -1,13 +1,13 @@
 #pragma once
 
+#include "Linux/Bus/BusCall.h"
+#include "Linux/Bus/BusName.h"
 #include "Platform/Notice.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
-#include <functional>
 #include <optional>
 
 namespace velmorquit {
@@ -20,8 +20,7 @@ class BusNotice final : public QObject, public Notice {
 public:
     /// Nothing is shown over a bus that isn't connected. A service that takes longer than
     /// `patience` (milliseconds) to show a notice counts as one where it can't be answered.
-    explicit BusNotice(const QDBusConnection& bus, int patience = 5000)
-        : bus_(bus), patience_(patience) {}
+    explicit BusNotice(const QDBusConnection& bus, int patience = 5000);
     /// Withdraws what would stay; the rest is left where the user can still read it.
     ~BusNotice() override;
 
@@ -31,7 +30,6 @@ public:
 private Q_SLOTS:
     void hearAction(const QDBusMessage& signal);
     void hearClosed(const QDBusMessage& signal);
-    void hearOwner(const QDBusMessage& signal);
 
 private:
     /// Brings what the service shows in line with `wanted_`.
@@ -40,23 +38,22 @@ private:
     /// `text` is the content's in the form that the service understands.
     void send(const Content& content, const QString& text);
     void close();
-    void losePatienceLater();
-    void ask(const QDBusMessage& call, std::function<void(const QDBusMessage&)> answered);
     void hearReply(const QDBusMessage& reply);
     void findOutWhetherAnswerable();
     void hearCapabilities(const QDBusMessage& reply);
     void noteUnanswerable();
     [[nodiscard]] bool isOurs(const QDBusMessage& signal) const;
     void listen();
+    void hearOwner(const QString& owner);
 
     QDBusConnection bus_;
-    int patience_;
     std::optional<Content> wanted_;
     /// Whether the service was told of `wanted_`.
     bool isTold_ = true;
-    /// Whether the service hasn't said yet what number a notice has.
-    bool isSending_ = false;
-    unsigned sent_ = 0; ///< how many notices were
+    /// Open until the service has said what number a notice has.
+    BusCall sending_;
+    QTimer losingPatience_;
+    BusCalls capabilities_;
     /// The number of the notice that is shown, 0 without one, and the service that shows it.
     uint shown_ = 0;
     QString shownBy_;
@@ -65,7 +62,7 @@ private:
     /// The service that has last told what it can do, and whether its notices have buttons.
     QString knownService_;
     bool hasButtons_ = false;
-    bool isListening_ = false;
+    std::optional<BusName> name_; ///< from the first notice on
 };
 
 } // namespace velmorquit

@@ -5,10 +5,9 @@
 
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusVariant>
 
-#include <functional>
+#include <utility>
 
 namespace velmorquit {
 
@@ -19,11 +18,6 @@ const QString playerPath = QStringLiteral("/org/mpris/MediaPlayer2");
 const QString playerInterface = QStringLiteral("org.mpris.MediaPlayer2");
 const QString actions = QStringLiteral("org.gtk.Actions");
 
-QDBusMessage busCall(const QString& method) {
-    return QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                          "org.freedesktop.DBus", method);
-}
-
 /// Whoever is called is there: nobody is started in order to be asked to quit.
 QDBusMessage call(const QString& name, const QString& path, const QString& interface,
                   const QString& method) {
@@ -32,22 +26,18 @@ QDBusMessage call(const QString& name, const QString& path, const QString& inter
     return message;
 }
 
-/// Sends without waiting; an error is an answer that nobody hears.
-void ask(QDBusConnection& bus, QObject& owner, const QDBusMessage& message,
-         std::function<void(const QDBusMessage&)> done) {
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(message), &owner);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &owner,
-                     [done = std::move(done)](QDBusPendingCallWatcher* finished) {
-                         finished->deleteLater();
-                         if (!finished->isError())
-                             done(finished->reply());
-                     });
-}
-
 } // namespace
 
+// An error is an answer that nobody hears.
+void BusQuit::ask(const QDBusMessage& message, BusCalls::Answered done) {
+    questions_.send(bus_, message, [done = std::move(done)](const QDBusMessage& answer) {
+        if (answer.type() == QDBusMessage::ReplyMessage)
+            done(answer);
+    });
+}
+
 void BusQuit::quit(ProcessId process) {
-    ask(bus_, *this, busCall("ListNames"), [this, process](const QDBusMessage& reply) {
+    ask(busQuestion("ListNames"), [this, process](const QDBusMessage& reply) {
         for (const QString& name : reply.arguments().value(0).toStringList()) {
             if (!name.startsWith(':') && name != "org.freedesktop.DBus")
                 askOwner(name, process);
@@ -57,17 +47,14 @@ void BusQuit::quit(ProcessId process) {
 
 // From here on it is the connection that is meant, whoever has the name later.
 void BusQuit::askOwner(const QString& name, ProcessId process) {
-    QDBusMessage question = busCall("GetNameOwner");
-    question << name;
-    ask(bus_, *this, question, [this, name, process](const QDBusMessage& reply) {
+    ask(busQuestion("GetNameOwner", {name}), [this, name, process](const QDBusMessage& reply) {
         askConnection({name, reply.arguments().value(0).toString()}, process);
     });
 }
 
 void BusQuit::askConnection(const Peer& peer, ProcessId process) {
-    QDBusMessage question = busCall("GetConnectionUnixProcessID");
-    question << peer.connection;
-    ask(bus_, *this, question, [this, peer, process](const QDBusMessage& reply) {
+    const auto question = busQuestion("GetConnectionUnixProcessID", {peer.connection});
+    ask(question, [this, peer, process](const QDBusMessage& reply) {
         const auto owner = static_cast<ProcessId>(reply.arguments().value(0).toUInt());
         if (!speaksFor(peer.name, owner, process))
             return;
@@ -97,7 +84,7 @@ void BusQuit::askPlayer(const Peer& peer) {
     QDBusMessage question =
         call(peer.connection, playerPath, "org.freedesktop.DBus.Properties", "Get");
     question << playerInterface << "CanQuit";
-    ask(bus_, *this, question, [this, peer](const QDBusMessage& reply) {
+    ask(question, [this, peer](const QDBusMessage& reply) {
         if (qvariant_cast<QDBusVariant>(reply.arguments().value(0)).variant().toBool())
             bus_.asyncCall(call(peer.connection, playerPath, playerInterface, "Quit"));
     });
@@ -109,7 +96,7 @@ void BusQuit::askApplication(const Peer& peer) {
     path.replace('.', '/').replace('-', '_');
     QDBusMessage question = call(peer.connection, path, actions, "Describe");
     question << "quit";
-    ask(bus_, *this, question, [this, peer, path](const QDBusMessage& reply) {
+    ask(question, [this, peer, path](const QDBusMessage& reply) {
         bool isEnabled = false;
         const auto description = reply.arguments().value(0).value<QDBusArgument>();
         if (reply.signature() != "(bgav)")

@@ -1,9 +1,7 @@
 #pragma once
 
+#include "Linux/Bus/BusCall.h"
 #include "Platform/RunningApplication.h"
-
-#include <QDBusConnection>
-#include <QObject>
 
 #include <string>
 
@@ -11,7 +9,7 @@ namespace velmorquit {
 
 /// Asks programs to quit by what they offer on the session bus: the `quit` action of an application
 /// (`org.gtk.Actions`), or a media player's own Quit (MPRIS). For those that have no windows.
-class BusQuit final : public QObject {
+class BusQuit final {
 public:
     explicit BusQuit(QDBusConnection bus, std::string proc = "/proc")
         : bus_(std::move(bus)), proc_(std::move(proc)) {}
@@ -27,6 +25,7 @@ private:
         QString connection;
     };
 
+    void ask(const QDBusMessage& message, BusCalls::Answered done);
     void askOwner(const QString& name, ProcessId process);
     void askConnection(const Peer& peer, ProcessId process);
     void askPlayer(const Peer& peer);
@@ -35,6 +34,7 @@ private:
 
     QDBusConnection bus_;
     std::string proc_;
+    BusCalls questions_;
 };
 
 } // namespace velmorquit

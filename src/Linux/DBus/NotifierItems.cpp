@@ -1,6 +1,5 @@
 #include "Linux/DBus/NotifierItems.h"
 
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 
 #include <algorithm>
@@ -12,8 +11,6 @@ namespace {
 
 const QString service = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString path = QStringLiteral("/StatusNotifierWatcher");
-const QString busName = QStringLiteral("org.freedesktop.DBus");
-const QString busPath = QStringLiteral("/org/freedesktop/DBus");
 
 /// A list of icons that changes all the time is asked for no oftener than this.
 constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(100)};
@@ -31,13 +28,14 @@ NotifierEntry NotifierEntry::from(const QString& text) {
 
 NotifierItems::NotifierItems(QDBusConnection bus)
     : bus_(std::move(bus)), questions_(pace, [this] {
-          if (isAsking_)
+          if (list_.isOpen())
               isOutdated_ = true;
           else
               ask();
       }) {
     if (!bus_.isConnected())
         return;
+    name_.emplace(bus_, service, [this](const QString& owner) { hearOwner(owner); });
     listen();
     ask();
 }
@@ -65,35 +63,23 @@ bool NotifierItems::click(ProcessId process) {
 
 // The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
 void NotifierItems::listen() {
-    bus_.connect({}, busPath, busName, "NameOwnerChanged", {service}, {}, this,
-                 SLOT(hearOwner(QDBusMessage)));
-    bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
-                 this, SLOT(forget()));
     for (const char* signal : {"StatusNotifierItemRegistered", "StatusNotifierItemUnregistered"})
         bus_.connect({}, path, service, signal, this, SLOT(hearItems(QDBusMessage)));
 }
 
 void NotifierItems::ask() {
-    isAsking_ = true;
     isOutdated_ = false;
-    const unsigned number = ++question_;
+    processes_.drop();
     QDBusMessage question =
         QDBusMessage::createMethodCall(service, path, "org.freedesktop.DBus.Properties", "Get");
     question.setAutoStartService(false);
     question << service << "RegisteredStatusNotifierItems";
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, number](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                if (number == question_)
-                    hearList(finished->reply());
-            });
+    list_.send(bus_, question, [this](const QDBusMessage& answer) { hearList(answer); });
 }
 
 // A well-known name may have come to another process since: all are asked for anew. What was known
 // holds until the answer.
 void NotifierItems::hearList(const QDBusMessage& answer) {
-    isAsking_ = false;
     if (answer.type() == QDBusMessage::ReplyMessage)
         owner_ = answer.service();
     std::map<QString, Item> items;
@@ -114,26 +100,21 @@ void NotifierItems::hearList(const QDBusMessage& answer) {
 }
 
 void NotifierItems::askProcess(const QString& name) {
-    QDBusMessage question =
-        QDBusMessage::createMethodCall(busName, busPath, busName, "GetConnectionUnixProcessID");
-    question << name;
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, name, number = question_](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                const auto item = items_.find(name);
-                if (number != question_ || item == items_.end())
-                    return;
-                const bool isKnown = !finished->isError();
-                item->second.process = isKnown ? finished->reply().arguments().value(0).toInt() : 0;
-            });
+    processes_.send(bus_, busQuestion("GetConnectionUnixProcessID", {name}),
+                    [this, name](const QDBusMessage& answer) {
+                        const auto item = items_.find(name);
+                        if (item == items_.end())
+                            return;
+                        const bool isKnown = answer.type() == QDBusMessage::ReplyMessage;
+                        item->second.process = isKnown ? answer.arguments().value(0).toInt() : 0;
+                    });
 }
 
-void NotifierItems::hearOwner(const QDBusMessage& signal) {
-    if (signal.service() != busName)
-        return;
-    forget();
-    owner_ = signal.arguments().value(2).toString();
+void NotifierItems::hearOwner(const QString& owner) {
+    list_.drop();
+    processes_.drop();
+    items_.clear();
+    owner_ = owner;
     if (!owner_.isEmpty())
         questions_.ask();
 }
@@ -143,13 +124,6 @@ void NotifierItems::hearOwner(const QDBusMessage& signal) {
 void NotifierItems::hearItems(const QDBusMessage& signal) {
     if (owner_.isEmpty() || signal.service() == owner_)
         questions_.ask();
-}
-
-void NotifierItems::forget() {
-    ++question_;
-    isAsking_ = false;
-    owner_.clear();
-    items_.clear();
 }
 
 } // namespace velmorquit

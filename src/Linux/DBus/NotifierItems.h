@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Linux/Bus/BusCall.h"
+#include "Linux/Bus/BusName.h"
 #include "Linux/Paced.h"
 #include "Platform/RunningApplication.h"
 
@@ -10,6 +12,7 @@
 #include <QStringList>
 
 #include <map>
+#include <optional>
 #include <set>
 
 namespace velmorquit {
@@ -44,12 +47,11 @@ public:
     bool click(ProcessId process);
 
 private Q_SLOTS:
-    void hearOwner(const QDBusMessage& signal);
     void hearItems(const QDBusMessage& signal);
-    void forget();
 
 private:
     void listen();
+    void hearOwner(const QString& owner);
     void ask();
     void hearList(const QDBusMessage& answer);
     void askProcess(const QString& name);
@@ -62,9 +64,10 @@ private:
     QDBusConnection bus_;
     /// By the names on the bus that have icons.
     std::map<QString, Item> items_;
-    QString owner_;         ///< the watcher, by its unique name; empty until it is known
-    unsigned question_ = 0; ///< the last one; answers to those before don't count
-    bool isAsking_ = false;
+    QString owner_; ///< the watcher, by its unique name; empty until it is known
+    std::optional<BusName> name_;
+    BusCall list_;
+    BusCalls processes_;      ///< asked for whose icons are on the last list
     bool isOutdated_ = false; ///< the list has changed since it was asked for
     Paced questions_;
 };

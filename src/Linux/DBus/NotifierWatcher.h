@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Linux/Bus/BusCall.h"
+#include "Linux/Bus/BusName.h"
 #include "Linux/Paced.h"
 #include "Loop/MainLoop.h"
 
@@ -9,6 +11,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 namespace velmorquit {
 
@@ -32,12 +35,11 @@ public:
     [[nodiscard]] const QString& presentOne() const { return present_; }
 
 private Q_SLOTS:
-    void hearOwner(const QDBusMessage& signal);
     void hearHosts(const QDBusMessage& signal);
-    void hearDisconnected();
 
 private:
     void listen();
+    void hearOwner(const QString& owner);
     [[nodiscard]] QString askOwner() const;
     void askForHosts();
     void hearAnswer(const QDBusMessage& answer);
@@ -47,8 +49,8 @@ private:
     std::function<void()> changed_;
     QString owner_;
     QString present_;
-    unsigned question_ = 0; ///< the last one; answers to those before don't count
-    bool isAsking_ = false;
+    std::optional<BusName> name_;
+    BusCall question_;
     bool isOutdated_ = false; ///< somebody has come or gone since it was asked
     Handle losingPatience_;
     Paced questions_;

@@ -1,7 +1,6 @@
 #include "Linux/DBus/PortalSettings.h"
 
 #include <QDBusArgument>
-#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <QStringList>
 
@@ -60,6 +59,7 @@ PortalSettings::PortalSettings(QDBusConnection bus, std::set<std::string> wanted
       questions_(pace, [this] { ask(); }) {
     if (!bus_.isConnected())
         return;
+    name_.emplace(bus_, service, [this](const QString& owner) { hearOwner(owner); });
     listen();
     ask();
 }
@@ -73,31 +73,23 @@ std::set<QString> PortalSettings::groups() const {
 
 // The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
 void PortalSettings::listen() {
-    bus_.connect({}, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged", {service},
-                 {}, this, SLOT(hearOwner(QDBusMessage)));
     for (const QString& group : groups())
         bus_.connect({}, path, settings, "SettingChanged", {group}, {}, this,
                      SLOT(hearChanged(QDBusMessage)));
 }
 
 void PortalSettings::ask() {
-    const unsigned number = ++question_;
     QDBusMessage question = QDBusMessage::createMethodCall(service, path, settings, "ReadAll");
     QStringList wanted;
     for (const QString& group : groups())
         wanted << group;
     question << wanted;
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, number](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                if (number == question_)
-                    hearAnswer(finished->reply());
-            });
+    question_.send(bus_, question, [this](const QDBusMessage& answer) { hearAnswer(answer); },
+                   {.signature = "a{sa{sv}}"});
 }
 
 void PortalSettings::hearAnswer(const QDBusMessage& answer) {
-    if (answer.signature() != "a{sa{sv}}")
+    if (answer.type() != QDBusMessage::ReplyMessage)
         return;
     QMap<QString, QVariantMap> groups;
     answer.arguments().value(0).value<QDBusArgument>() >> groups;
@@ -107,12 +99,10 @@ void PortalSettings::hearAnswer(const QDBusMessage& answer) {
         changed_();
 }
 
-void PortalSettings::hearOwner(const QDBusMessage& signal) {
-    if (signal.service() != "org.freedesktop.DBus")
-        return;
+void PortalSettings::hearOwner(const QString& owner) {
     owner_.clear();
-    ++question_;
-    if (!signal.arguments().value(2).toString().isEmpty())
+    question_.drop();
+    if (!owner.isEmpty())
         questions_.ask();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Linux/Bus/BusCall.h"
+#include "Linux/Bus/BusName.h"
 #include "Linux/DesktopSettings.h"
 #include "Linux/Paced.h"
 
@@ -9,6 +11,7 @@
 #include <QVariantMap>
 
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -34,11 +37,11 @@ public:
     [[nodiscard]] const DesktopSettings& values() const { return values_; }
 
 private Q_SLOTS:
-    void hearOwner(const QDBusMessage& signal);
     void hearChanged(const QDBusMessage& signal);
 
 private:
     void listen();
+    void hearOwner(const QString& owner);
     void ask();
     void hearAnswer(const QDBusMessage& answer);
     [[nodiscard]] std::set<QString> groups() const;
@@ -49,7 +52,8 @@ private:
     DesktopSettings values_;
     QString owner_; ///< whose values these are, by its unique name
     Paced questions_;
-    unsigned question_ = 0; ///< the last one; answers to those before don't count
+    std::optional<BusName> name_;
+    BusCall question_;
 };
 
 } // namespace velmorquit

@@ -3,7 +3,6 @@
 #include <QCoreApplication>
 #include <QDBusError>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QStandardPaths>
@@ -39,18 +38,20 @@ QString askingProgram(const SessionManager& manager) {
                                            : QStandardPaths::findExecutable(manager.askingProgram);
 }
 
-int milliseconds(Duration time) {
-    return static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(time).count());
+BusTerms within(Duration time) {
+    return {.patience = std::chrono::duration_cast<std::chrono::milliseconds>(time)};
 }
 
-std::string describe(const QDBusError& error) {
-    return (error.name() + " (" + error.message() + ')').toStdString();
+bool isError(const QDBusMessage& answer) { return answer.type() == QDBusMessage::ErrorMessage; }
+
+std::string describe(const QDBusMessage& error) {
+    return (error.errorName() + " (" + error.errorMessage() + ')').toStdString();
 }
 
 // GNOME's text for it comes in the user's language, in an error that is named by a number.
-bool isCancelled(const QDBusError& error) {
-    return error.message().contains("cancel", Qt::CaseInsensitive) ||
-           error.name() == "org.gtk.GDBus.UnmappedGError.Quark._g_2dio_2derror_2dquark.Code19";
+bool isCancelled(const QDBusMessage& error) {
+    return error.errorMessage().contains("cancel", Qt::CaseInsensitive) ||
+           error.errorName() == "org.gtk.GDBus.UnmappedGError.Quark._g_2dio_2derror_2dquark.Code19";
 }
 
 const std::string nobodyAsks = "nessuno può chiedere conferma";
@@ -94,23 +95,20 @@ void BusEndService::watch(QDBusServiceWatcher& watcher, const PowerBus& bus, Nam
 // A bus that is late is asked once more, so that it isn't taken for an empty one for ever.
 void BusEndService::listNames(const PowerBus& bus, const QString& method,
                               std::optional<QSet<QString>>& names) {
-    const QDBusMessage question = QDBusMessage::createMethodCall(
-        "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method);
-    auto* watcher = new QDBusPendingCallWatcher(
-        bus.connection().asyncCall(question, milliseconds(settings_.namesLimit)), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, &bus, method, &names](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                if (!finished->isError()) {
-                    const QStringList list = finished->reply().arguments().value(0).toStringList();
-                    names = QSet<QString>(list.begin(), list.end());
-                    return;
-                }
-                if (!names)
-                    names.emplace();
-                if (finished->error().type() == QDBusError::NoReply && bus.problem().empty())
-                    listNames(bus, method, names);
-            });
+    calls_.send(
+        bus.connection(), busQuestion(method),
+        [this, &bus, method, &names](const QDBusMessage& answer) {
+            if (!isError(answer)) {
+                const QStringList list = answer.arguments().value(0).toStringList();
+                names = QSet<QString>(list.begin(), list.end());
+                return;
+            }
+            if (!names)
+                names.emplace();
+            if (QDBusError(answer).type() == QDBusError::NoReply && bus.problem().empty())
+                listNames(bus, method, names);
+        },
+        within(settings_.namesLimit));
 }
 
 bool BusEndService::Names::isOwned(const QString& name) const {
@@ -206,45 +204,41 @@ void BusEndService::terminateOwnSession() {
     const Duration patience = std::min<Duration>(settings_.limit, 2s);
     QDBusMessage question = loginMessage("GetSessionByPID");
     question << static_cast<uint>(QCoreApplication::applicationPid());
-    auto* watcher = new QDBusPendingCallWatcher(
-        system_.connection().asyncCall(question, milliseconds(patience)), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                if (finished->isError()) {
-                    answer("GetSessionByPID: " + describe(finished->error()));
-                    return;
-                }
-                const auto path =
-                    finished->reply().arguments().value(0).value<QDBusObjectPath>().path();
-                send({system_.connection(),
-                      QDBusMessage::createMethodCall(login, path, "org.freedesktop.login1.Session",
-                                                     "Terminate")});
-            });
+    calls_.send(
+        system_.connection(), question,
+        [this](const QDBusMessage& found) {
+            if (isError(found)) {
+                answer("GetSessionByPID: " + describe(found));
+                return;
+            }
+            const auto path = found.arguments().value(0).value<QDBusObjectPath>().path();
+            send({system_.connection(),
+                  QDBusMessage::createMethodCall(login, path, "org.freedesktop.login1.Session",
+                                                 "Terminate")});
+        },
+        within(patience));
 }
 
 void BusEndService::send(const Call& call) {
-    const int limit = milliseconds(settings_.limit);
     QElapsedTimer timer;
     timer.start();
-    auto* watcher = new QDBusPendingCallWatcher(call.bus.asyncCall(call.message, limit), this);
-    connect(
-        watcher, &QDBusPendingCallWatcher::finished, this,
-        [this, call, timer, limit](QDBusPendingCallWatcher* finished) {
-            finished->deleteLater();
-            const QDBusError error = finished->error();
-            const bool isSilent = error.type() == QDBusError::NoReply;
+    calls_.send(
+        call.bus, call.message,
+        [this, call, timer](const QDBusMessage& reply) {
+            const bool isSilent = isError(reply) && QDBusError(reply).type() == QDBusError::NoReply;
             // The bus says so at once; Qt's timer for an answer may be a little early.
-            const bool hasLeft = isSilent && timer.elapsed() < limit * 9 / 10;
+            const bool hasLeft =
+                isSilent && std::chrono::milliseconds(timer.elapsed()) < settings_.limit * 9 / 10;
             const bool isFine =
-                !finished->isError() || (call.silence == Silence::end && hasLeft) ||
-                (call.silence == Silence::question && (isSilent || isCancelled(error)));
+                !isError(reply) || (call.silence == Silence::end && hasLeft) ||
+                (call.silence == Silence::question && (isSilent || isCancelled(reply)));
             if (isFine)
                 answer(std::nullopt);
             else
                 answer((call.message.service() + ' ' + call.message.member() + ": ").toStdString() +
-                       describe(error));
-        });
+                       describe(reply));
+        },
+        within(settings_.limit));
 }
 
 void BusEndService::answerLater(std::optional<std::string> failure) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Linux/Bus/BusCall.h"
 #include "Linux/Session/PowerBus.h"
 #include "Linux/Session/SessionManagers.h"
 #include "Loop/Time.h"
@@ -82,6 +83,7 @@ private:
     Names systemNames_;
     QDBusServiceWatcher sessionWatcher_;
     QDBusServiceWatcher systemWatcher_;
+    BusCalls calls_;
 };
 
 } // namespace velmorquit

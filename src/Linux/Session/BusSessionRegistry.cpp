@@ -1,11 +1,11 @@
 #include "Linux/Session/BusSessionRegistry.h"
 
+#include "Linux/Bus/BusCall.h"
 #include "Linux/Session/SessionAnswers.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
 #include <QStringList>
 #include <QTimer>
 #include <QVariantMap>
@@ -60,8 +60,7 @@ private:
 
     void ask(const PowerBus& bus, const Place& place, const char* method,
              const QVariantList& arguments, const char* signature, Answer answer);
-    void hear(const QDBusMessage& reply, Place::Missing missing, const char* signature,
-              const Answer& answer);
+    void hear(const QDBusMessage& reply, Place::Missing missing, const Answer& answer);
     void askLogin();
     void askSessions();
     void askGnome();
@@ -72,8 +71,9 @@ private:
 
     const PowerBus& session_;
     const PowerBus& system_;
-    int limit_;
+    std::chrono::milliseconds limit_;
     Told told_;
+    BusCalls calls_;
     /// Answers that are awaited, and one more until all questions have been asked.
     int open_ = 1;
     std::vector<Inhibitor> loginInhibitors_;
@@ -85,9 +85,7 @@ private:
 BusSessionRegistry::Reading::Reading(const PowerBus& session, const PowerBus& system,
                                      Duration limit, Told told)
     : session_(session), system_(system),
-      limit_(
-          static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(limit).count())),
-      told_(std::move(told)) {
+      limit_(std::chrono::duration_cast<std::chrono::milliseconds>(limit)), told_(std::move(told)) {
     // Each answer may take that long, but not one after another.
     QTimer::singleShot(limit_, this, [this] { finish(std::nullopt); });
     if (system_.problem().empty())
@@ -108,23 +106,18 @@ void BusSessionRegistry::Reading::ask(const PowerBus& bus, const Place& place, c
     message.setAutoStartService(false);
     message.setArguments(arguments);
     ++open_;
-    auto* watcher = new QDBusPendingCallWatcher(bus.connection().asyncCall(message, limit_), this);
-    connect(watcher, &QDBusPendingCallWatcher::finished, this,
-            [this, missing = place.missing, signature,
-             answer = std::move(answer)](QDBusPendingCallWatcher* finished) {
-                finished->deleteLater();
-                if (told_)
-                    hear(finished->reply(), missing, signature, answer);
-            });
+    calls_.send(bus.connection(), message,
+                [this, missing = place.missing, answer = std::move(answer)](
+                    const QDBusMessage& reply) { hear(reply, missing, answer); },
+                {.patience = limit_, .signature = signature});
 }
 
 void BusSessionRegistry::Reading::hear(const QDBusMessage& reply, Place::Missing missing,
-                                       const char* signature, const Answer& answer) {
-    if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == signature) {
+                                       const Answer& answer) {
+    if (reply.type() == QDBusMessage::ReplyMessage) {
         answer(reply);
         giveBack();
-    } else if (missing == Place::Missing::anything || (reply.type() == QDBusMessage::ErrorMessage &&
-                                                       isMissing(reply.errorName(), missing))) {
+    } else if (missing == Place::Missing::anything || isMissing(reply.errorName(), missing)) {
         giveBack();
     } else {
         finish(std::nullopt);
@@ -191,6 +184,7 @@ SessionAccount BusSessionRegistry::Reading::account() const {
 }
 
 void BusSessionRegistry::Reading::finish(const std::optional<SessionAccount>& account) {
+    calls_.drop();
     if (const auto told = std::exchange(told_, nullptr))
         told(account);
 }

@@ -1,8 +1,8 @@
 #include "Linux/Session/DesktopInput.h"
 
-#include <xcb/screensaver.h>
+#include "Linux/Bus/BusCall.h"
 
-#include <QDBusPendingCallWatcher>
+#include <xcb/screensaver.h>
 
 #include <algorithm>
 #include <utility>
@@ -49,8 +49,7 @@ struct DesktopInput::Question {
     std::optional<Duration> ofCompositor;
     int awaited = 0;
     Handle finishing;
-    /// What waits for answers ends with it.
-    QObject watchers;
+    BusCalls calls;
 };
 
 DesktopInput::DesktopInput(MainLoop& loop, QDBusConnection bus, X11Events& events, Server server)
@@ -93,15 +92,10 @@ std::optional<Duration> DesktopInput::askServer() {
 void DesktopInput::askCompositor(std::uint64_t id, const QDBusMessage& message) {
     Question& question = *questions_->byId.at(id);
     ++question.awaited;
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(message), &question.watchers);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
-                     [this, id](QDBusPendingCallWatcher* finished) {
-                         finished->deleteLater();
-                         hear(id, finished->reply());
-                     });
+    question.calls.send(bus_, message,
+                        [this, id](const QDBusMessage& answer) { hear(id, answer); });
 }
 
-// The watcher that tells of the answer goes with the question, so not now.
 void DesktopInput::hear(std::uint64_t id, const QDBusMessage& answer) {
     Question& question = *questions_->byId.at(id);
     if (const auto duration = durationIn(answer))

@@ -1,24 +1,16 @@
 #include "Linux/Volumes/UDisksVolumes.h"
 
 #include <QCoreApplication>
-#include <QDBusPendingCallWatcher>
 
-#include <limits>
 #include <utility>
 
 namespace velmorquit {
 
-namespace {
-
-/// There may be a long wait before it is started, and then it may look at many drives.
-constexpr int endlessly = std::numeric_limits<int>::max();
-
-} // namespace
-
 UDisksVolumes::UDisksVolumes(MainLoop& loop, SystemLog& log, QDBusConnection bus, std::string root,
                              DriveRelease::Patience patience)
     : loop_(loop), bus_(std::move(bus)), root_(std::move(root)), patience_(patience),
-      shared_(std::make_shared<Shared>()) {
+      shared_(std::make_shared<Shared>()),
+      name_(bus_, UDisks::service, [this](const QString& owner) { hearOwner(owner); }) {
     shared_->log = &log;
     listen();
     ask();
@@ -28,10 +20,6 @@ UDisksVolumes::~UDisksVolumes() { shared_->log = nullptr; }
 
 // The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
 void UDisksVolumes::listen() {
-    bus_.connect({}, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged",
-                 {UDisks::service}, {}, this, SLOT(hearOwner(QDBusMessage)));
-    bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
-                 this, SLOT(hearDisconnected()));
     bus_.connect({}, UDisks::path, UDisks::objectManager, "InterfacesAdded", this,
                  SLOT(hearAdded(QDBusMessage)));
     bus_.connect({}, UDisks::path, UDisks::objectManager, "InterfacesRemoved", this,
@@ -41,20 +29,15 @@ void UDisksVolumes::listen() {
                      SLOT(hearChanged(QDBusMessage)));
 }
 
+// There may be a long wait before it is started, and then it may look at many drives.
 void UDisksVolumes::ask() {
     // Without the bus there is nobody to keep an account, and a call is never answered.
     if (!bus_.isConnected())
         return;
-    const unsigned number = ++question_;
     const QDBusMessage question = QDBusMessage::createMethodCall(
         UDisks::service, UDisks::path, UDisks::objectManager, "GetManagedObjects");
-    auto* watcher = new QDBusPendingCallWatcher(bus_.asyncCall(question, endlessly), this);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
-                     [this, number](QDBusPendingCallWatcher* finished) {
-                         finished->deleteLater();
-                         if (number == question_)
-                             hearAccount(finished->reply());
-                     });
+    question_.send(bus_, question, [this](const QDBusMessage& answer) { hearAccount(answer); },
+                   {.patience = BusTerms::endless});
 }
 
 void UDisksVolumes::hearAccount(const QDBusMessage& answer) {
@@ -70,19 +53,12 @@ void UDisksVolumes::hearAccount(const QDBusMessage& answer) {
     replace(std::move(account));
 }
 
-void UDisksVolumes::hearOwner(const QDBusMessage& signal) {
-    if (signal.service() != "org.freedesktop.DBus")
-        return;
+void UDisksVolumes::hearOwner(const QString& owner) {
     owner_.clear();
-    ++question_;
+    question_.drop();
     replace(std::nullopt);
-    if (!signal.arguments().value(2).toString().isEmpty())
+    if (!owner.isEmpty())
         ask();
-}
-
-void UDisksVolumes::hearDisconnected() {
-    owner_.clear();
-    replace(std::nullopt);
 }
 
 void UDisksVolumes::hearAdded(const QDBusMessage& signal) { note(signal, &DiskAccount::noteAdded); }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Linux/Bus/BusCall.h"
+#include "Linux/Bus/BusName.h"
 #include "Linux/Volumes/DiskAccount.h"
 #include "Linux/Volumes/DriveRelease.h"
 #include "Loop/MainLoop.h"
@@ -41,11 +43,9 @@ public:
     [[nodiscard]] Handle observe(std::function<void()> told) override;
 
 private Q_SLOTS:
-    void hearOwner(const QDBusMessage& signal);
     void hearAdded(const QDBusMessage& signal);
     void hearRemoved(const QDBusMessage& signal);
     void hearChanged(const QDBusMessage& signal);
-    void hearDisconnected();
 
 private:
     /// What attempts on other threads share with this object and may need after its end.
@@ -55,6 +55,7 @@ private:
     };
 
     void listen();
+    void hearOwner(const QString& owner);
     void ask();
     void hearAccount(const QDBusMessage& answer);
     void note(const QDBusMessage& signal, bool (DiskAccount::*change)(const QDBusMessage&));
@@ -66,8 +67,9 @@ private:
     DriveRelease::Patience patience_;
     std::shared_ptr<Shared> shared_;
     std::optional<DiskAccount> account_;
-    QString owner_;         ///< who the account is from, by its unique name
-    unsigned question_ = 0; ///< the last one; answers to those before don't count
+    QString owner_; ///< who the account is from, by its unique name
+    BusCall question_;
+    BusName name_;
     bool isFailureLogged_ = false;
     Subscribers subscribers_;
 };

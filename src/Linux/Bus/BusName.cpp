@@ -1,0 +1,23 @@
+#include "Linux/Bus/BusName.h"
+
+#include <utility>
+
+namespace velmorquit {
+
+// The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
+BusName::BusName(QDBusConnection bus, const QString& name, Changed changed)
+    : bus_(std::move(bus)), changed_(std::move(changed)) {
+    bus_.connect({}, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged", {name},
+                 {}, this, SLOT(hearOwner(QDBusMessage)));
+    bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
+                 this, SLOT(hearDisconnected()));
+}
+
+void BusName::hearOwner(const QDBusMessage& signal) {
+    if (signal.service() == "org.freedesktop.DBus")
+        changed_(signal.arguments().value(2).toString());
+}
+
+void BusName::hearDisconnected() { changed_({}); }
+
+} // namespace velmorquit

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+
+namespace velmorquit {
+
+/// Tells when a name on a bus gets another owner, or none.
+class BusName final : public QObject {
+    Q_OBJECT
+
+public:
+    /// By its unique name; empty when nobody has the name any more, or the bus has gone.
+    using Changed = std::function<void(const QString& owner)>;
+
+    /// Waits for nobody: who has the name at the start isn't told. Calls `changed` in a turn of
+    /// its own.
+    BusName(QDBusConnection bus, const QString& name, Changed changed);
+
+private Q_SLOTS:
+    void hearOwner(const QDBusMessage& signal);
+    void hearDisconnected();
+
+private:
+    QDBusConnection bus_;
+    Changed changed_;
+};
+
+} // namespace velmorquit
