@@ -1,3 +1,4 @@
+#include "Linux/Files/AtomicFile.h"
 #include "Linux/Files/PrivateFiles.h"
 
 #include <gtest/gtest.h>
@@ -47,7 +48,9 @@ TEST_F(PrivateFilesTest, AreForTheOwnerWhateverTheMask) {
         const fs::path folder = root / std::to_string(mask) / "deep";
         ASSERT_FALSE(PrivateFiles::makeFolder(folder));
         ASSERT_FALSE(PrivateFiles::replace(folder / "file", "x", Durability::onDisk));
-        ASSERT_TRUE(PrivateFiles::create(folder / "new"));
+        AtomicFile fresh(folder / "new", AtomicFile::Name::ofTheFile);
+        ASSERT_FALSE(fresh.write("x"));
+        ASSERT_FALSE(fresh.put());
         ASSERT_TRUE(PrivateFiles::openLock(folder / "lock"));
         for (const fs::path& made : {folder.parent_path(), folder})
             EXPECT_EQ(modeOf(made), 0700U) << made;

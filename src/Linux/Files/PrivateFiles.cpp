@@ -1,8 +1,8 @@
 #include "Linux/Files/PrivateFiles.h"
 
+#include "Linux/Files/AtomicFile.h"
+
 #include <cerrno>
-#include <cstdlib>
-#include <string>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -28,20 +28,6 @@ bool isFamiliar(const fs::path& entry) {
     if (::lstat(entry.c_str(), &own) != 0 || own.st_uid == ::getuid() || own.st_uid == 0)
         return true;
     return ::stat(folder.c_str(), &around) == 0 && around.st_uid == own.st_uid;
-}
-
-/// What was renamed is there after a power cut only when its folder has been written as well.
-void syncFolder(const fs::path& folder) {
-    const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (opened)
-        ::fsync(opened.get());
-}
-
-Descriptor madePrivate(int number) {
-    Descriptor file(number);
-    if (file)
-        ::fchmod(file.get(), forTheOwner);
-    return file;
 }
 
 } // namespace
@@ -81,42 +67,23 @@ fs::path targetOf(const fs::path& file) {
     return target;
 }
 
-Descriptor create(const fs::path& file) {
-    return madePrivate(::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, forTheOwner));
-}
-
 Descriptor openLock(const fs::path& file) {
-    return madePrivate(
-        ::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, forTheOwner));
-}
-
-std::error_code writeAll(int descriptor, std::string_view content) {
-    while (!content.empty()) {
-        const ssize_t count = ::write(descriptor, content.data(), content.size());
-        if (count < 0 && errno != EINTR)
-            return lastError();
-        if (count > 0)
-            content.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return {};
+    Descriptor opened(::open(file.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, forTheOwner));
+    if (opened)
+        ::fchmod(opened.get(), forTheOwner);
+    return opened;
 }
 
 std::error_code replace(const fs::path& file, std::string_view content, Durability durability) {
-    const fs::path target = targetOf(file);
-    std::string name = target.string() + ".XXXXXX";
-    const Descriptor opened = madePrivate(::mkostemp(name.data(), O_CLOEXEC));
-    if (!opened)
-        return lastError();
+    AtomicFile fresh(targetOf(file), AtomicFile::Name::ofItsOwn);
+    std::error_code error = fresh.write(content);
     const bool isDurable = durability == Durability::onDisk;
-    std::error_code error = writeAll(opened.get(), content);
-    if (!error && isDurable && ::fsync(opened.get()) != 0)
-        error = lastError();
-    if (!error && ::rename(name.c_str(), target.c_str()) != 0)
-        error = lastError();
-    if (error)
-        ::unlink(name.c_str());
-    else if (isDurable)
-        syncFolder(target.parent_path());
+    if (!error && isDurable)
+        error = AtomicFile::sync(fresh.descriptor());
+    if (!error)
+        error = fresh.put();
+    if (!error && isDurable)
+        AtomicFile::syncFolderOf(fresh.target());
     return error;
 }
 

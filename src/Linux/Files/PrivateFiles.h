@@ -19,13 +19,8 @@ namespace velmorquit::PrivateFiles {
 /// it replaces it.
 [[nodiscard]] std::filesystem::path targetOf(const std::filesystem::path& file);
 
-/// An empty file for writing; none, with the reason in errno, when that name is taken.
-[[nodiscard]] Descriptor create(const std::filesystem::path& file);
-
 /// The file that processes lock, made when it isn't there.
 [[nodiscard]] Descriptor openLock(const std::filesystem::path& file);
-
-[[nodiscard]] std::error_code writeAll(int descriptor, std::string_view content);
 
 /// How a file gets to be there.
 enum class Durability {

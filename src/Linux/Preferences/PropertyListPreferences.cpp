@@ -4,6 +4,7 @@
 #include "Codecs/PropertyList.h"
 #include "Codecs/PropertyListLimits.h"
 #include "Linux/Descriptor.h"
+#include "Linux/Files/AtomicFile.h"
 #include "Linux/Files/PrivateFiles.h"
 #include "Linux/Preferences/FileWatch.h"
 
@@ -102,16 +103,14 @@ struct PropertyListPreferences::Contents {
 /// thread, which looks at it when that is over and may have gone before.
 struct PropertyListPreferences::Sync {
     Descriptor descriptor;
-    fs::path directory;
+    fs::path file;
     Identity identity;
     std::error_code error{};
 
     void run() {
-        const Descriptor opened(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (fsync(descriptor.get()) != 0)
-            error = lastError();
-        else if (opened)
-            fsync(opened.get());
+        error = AtomicFile::sync(descriptor);
+        if (!error)
+            AtomicFile::syncFolderOf(file);
     }
 };
 
@@ -259,27 +258,17 @@ std::error_code PropertyListPreferences::replace(const fs::path& file, std::stri
         return std::make_error_code(std::errc::file_too_large);
     if (const auto error = PrivateFiles::makeFolder(file.parent_path()))
         return error;
-    const fs::path fresh = withSuffix(file, ".new");
-    unlink(fresh.c_str());
-    Descriptor descriptor = PrivateFiles::create(fresh);
-    if (!descriptor)
-        return lastError();
-    auto error = PrivateFiles::writeAll(descriptor.get(), list);
-    struct stat status{};
-    if (!error && fstat(descriptor.get(), &status) != 0)
-        error = lastError();
-    if (!error) {
-        keepPrevious(file);
-        if (rename(fresh.c_str(), file.c_str()) != 0)
-            error = lastError();
-    }
-    if (error) {
-        unlink(fresh.c_str());
+    AtomicFile fresh(file, AtomicFile::Name::ofTheFile);
+    if (const auto error = fresh.write(list))
         return error;
-    }
+    struct stat status{};
+    if (fstat(fresh.descriptor().get(), &status) != 0)
+        return lastError();
+    keepPrevious(file);
+    if (const auto error = fresh.put())
+        return error;
     known_.emplace(status);
-    nextSync_ =
-        std::make_shared<Sync>(Sync{std::move(descriptor), file.parent_path(), Identity(status)});
+    nextSync_ = std::make_shared<Sync>(Sync{fresh.takeDescriptor(), file, Identity(status)});
     return {};
 }
 
