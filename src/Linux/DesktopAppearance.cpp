@@ -11,14 +11,20 @@ constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(200)};
 
 } // namespace
 
-DesktopAppearance::DesktopAppearance(const QDBusConnection& bus, X11Events& events)
+DesktopAppearance::DesktopAppearance(const QDBusConnection& bus, SettingsManager* manager)
     : changes_(pace, [this] { observers_.tell(); }),
-      portal_(bus, DesktopLook::portalSettings(), [this] { update(); }),
-      manager_(events, [this] { update(); }),
-      look_(DesktopLook::of(portal_.values(), manager_.values())) {}
+      portal_(bus, DesktopLook::portalSettings(), [this] { update(); }), manager_(manager),
+      look_(read()) {
+    if (manager_)
+        managerChanges_ = manager_->observe([this] { update(); });
+}
+
+DesktopLook DesktopAppearance::read() const {
+    return DesktopLook::of(portal_.values(), manager_ ? manager_->values() : DesktopSettings());
+}
 
 void DesktopAppearance::update() {
-    const DesktopLook look = DesktopLook::of(portal_.values(), manager_.values());
+    const DesktopLook look = read();
     if (std::exchange(look_, look) != look)
         changes_.ask();
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Linux/Appearance/SettingsManager.h"
 #include "Linux/DBus/PortalSettings.h"
 #include "Linux/DesktopLook.h"
 #include "Linux/Paced.h"
-#include "Linux/X11/XSettings.h"
 #include "Loop/Subscribers.h"
 #include "Platform/Appearance.h"
 
@@ -13,8 +13,8 @@ namespace velmorquit {
 /// at once, and its portal, which is asked without waiting.
 class DesktopAppearance final : public Appearance {
 public:
-    /// `bus` is the session bus, connected or not. The events outlive it.
-    DesktopAppearance(const QDBusConnection& bus, X11Events& events);
+    /// `bus` is the session bus, connected or not. The manager, which may be null, outlives it.
+    DesktopAppearance(const QDBusConnection& bus, SettingsManager* manager);
 
     [[nodiscard]] bool isHighContrast() const override { return look_.isHighContrast; }
     [[nodiscard]] bool isMotionReduced() const override { return look_.isMotionReduced; }
@@ -24,13 +24,15 @@ public:
     }
 
 private:
+    [[nodiscard]] DesktopLook read() const;
     void update();
 
     mutable Subscribers observers_;
     Paced changes_;
     PortalSettings portal_;
-    XSettings manager_;
+    SettingsManager* manager_;
     DesktopLook look_;
+    Handle managerChanges_;
 };
 
 } // namespace velmorquit

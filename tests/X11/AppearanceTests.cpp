@@ -1,4 +1,5 @@
 #include "Linux/DesktopAppearance.h"
+#include "Linux/X11/XSettings.h"
 #include "X11/FaceTest.h"
 #include "support/StandInPortal.h"
 #include "support/XSettingsBytes.h"
@@ -26,7 +27,8 @@ TEST_F(AppearanceTest, FollowsTheSettingsManagerThroughItsLife) {
     manager->say("HighContrast", 1);
     manager->begin();
     ASSERT_TRUE(waitUntil([&] { return ownerOf("_XSETTINGS_S0") == manager->window; }));
-    const DesktopAppearance look(QDBusConnection("no bus"), events);
+    XSettings settings(events);
+    const DesktopAppearance look(QDBusConnection("no bus"), &settings);
     EXPECT_TRUE(look.isHighContrast()) << "known from the start on";
     int changes = 0;
     const Handle watch = look.observe([&] { ++changes; });
@@ -66,7 +68,8 @@ TEST_F(AppearanceTest, HearsThePortalBeforeTheSettingsManager) {
     Manager manager;
     manager.say("Adwaita-dark", 1);
     manager.begin();
-    const DesktopAppearance look(QDBusConnection::sessionBus(), events);
+    XSettings settings(events);
+    const DesktopAppearance look(QDBusConnection::sessionBus(), &settings);
     EXPECT_TRUE(waitUntil([&] { return look.isDark() && look.isHighContrast(); }));
     portal.change(group, "color-scheme", 2U);
     EXPECT_TRUE(waitUntil([&] { return !look.isDark(); }));

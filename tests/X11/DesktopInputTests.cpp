@@ -1,4 +1,5 @@
 #include "Linux/Session/DesktopInput.h"
+#include "Linux/X11/X11Idle.h"
 #include "X11/FaceTest.h"
 #include "support/PrivateBus.h"
 
@@ -45,8 +46,10 @@ class DesktopInputTest : public FaceTest {
 protected:
     using Server = DesktopInput::Server;
 
+    X11Idle idle{events};
+
     std::optional<Duration> ask(Server server) {
-        DesktopInput input(loop, bus.connect(), events, server);
+        DesktopInput input(loop, bus.connect(), &idle, server);
         return ask(input);
     }
     static std::optional<Duration> ask(DesktopInput& input) {
@@ -123,7 +126,7 @@ TEST_F(DesktopInputTest, BelievesOnlyWhoIsKnownToAnswerWithAFigure) {
 TEST_F(DesktopInputTest, WaitsASecondAndNotForWhoHasGoneOrLostInterest) {
     const auto mutter = makeMutter({});
     const auto plasma = makeLocker("org.kde.screensaver", uint{1});
-    DesktopInput input(loop, bus.connect(), events, Server::guest);
+    DesktopInput input(loop, bus.connect(), &idle, Server::guest);
     const Uptime begin = loop.uptime();
     EXPECT_EQ(ask(input), 1ms);
     EXPECT_GE(loop.uptime() - begin, DesktopInput::patience);
@@ -139,7 +142,7 @@ TEST_F(DesktopInputTest, WaitsASecondAndNotForWhoHasGoneOrLostInterest) {
     linger(50);
     EXPECT_GT(ask(input), ofLocker);
     auto shortLived =
-        std::make_unique<DesktopInput>(loop, QDBusConnection("no bus"), events, Server::whole);
+        std::make_unique<DesktopInput>(loop, QDBusConnection("no bus"), &idle, Server::whole);
     asking = shortLived->sinceLastInput([&](auto) { ++answers; });
     shortLived.reset();
     linger(50);

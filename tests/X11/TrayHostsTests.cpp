@@ -1,4 +1,5 @@
 #include "Linux/X11/DesktopTrayHosts.h"
+#include "Linux/X11/X11Tray.h"
 #include "X11/FaceTest.h"
 #include "support/StandInWatcher.h"
 
@@ -12,11 +13,12 @@ protected:
     static QDBusConnection sessionBus() { return QDBusConnection::sessionBus(); }
 
     std::unique_ptr<DesktopTrayHosts> makeHosts() {
-        auto made = std::make_unique<DesktopTrayHosts>(loop, sessionBus(), events);
+        auto made = std::make_unique<DesktopTrayHosts>(loop, sessionBus(), &embedding);
         watch = made->observe([this] { ++changes; });
         return made;
     }
 
+    X11Tray embedding{events};
     StandInWatcher watcher{
         QDBusConnection::connectToBus(QDBusConnection::SessionBus, "stand-in watcher")};
     int changes = 0;

@@ -1,4 +1,5 @@
 #include "Linux/Tray/TrayOwners.h"
+#include "Linux/X11/X11Tray.h"
 #include "X11/FaceTest.h"
 #include "support/StandInWatcher.h"
 
@@ -13,8 +14,10 @@ class TrayOwnersTest : public FaceTest {
 protected:
     static ProcessId pidOf(const Child& child) { return static_cast<ProcessId>(child.id()); }
 
+    X11Tray tray{events};
+
     TrayOwners makeOwners(ProcessId own = ::getpid()) {
-        return TrayOwners(QDBusConnection::sessionBus(), events, own);
+        return TrayOwners(QDBusConnection::sessionBus(), &tray, own);
     }
 };
 

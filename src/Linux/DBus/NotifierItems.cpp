@@ -1,5 +1,6 @@
 #include "Linux/DBus/NotifierItems.h"
 
+#include <QDBusPendingCall>
 #include <QDBusVariant>
 
 #include <algorithm>

@@ -2,8 +2,6 @@
 
 #include "Linux/Bus/BusCall.h"
 
-#include <xcb/screensaver.h>
-
 #include <algorithm>
 #include <utility>
 
@@ -52,8 +50,8 @@ struct DesktopInput::Question {
     BusCalls calls;
 };
 
-DesktopInput::DesktopInput(MainLoop& loop, QDBusConnection bus, X11Events& events, Server server)
-    : loop_(loop), bus_(std::move(bus)), events_(events), server_(server),
+DesktopInput::DesktopInput(MainLoop& loop, QDBusConnection bus, IdleSource* idle, Server server)
+    : loop_(loop), bus_(std::move(bus)), idle_(idle), server_(server),
       questions_(std::make_shared<Questions>()) {}
 
 void DesktopInput::Questions::cancel(std::uint64_t id) noexcept { byId.erase(id); }
@@ -75,18 +73,8 @@ Handle DesktopInput::sinceLastInput(std::function<void(std::optional<Duration>)>
     return {questions_, id};
 }
 
-// A request of an extension that the server lacks would end the connection.
 std::optional<Duration> DesktopInput::askServer() {
-    xcb_connection_t* connection = events_.connection().get();
-    const auto* extension = xcb_get_extension_data(connection, &xcb_screensaver_id);
-    if (!extension || !extension->present)
-        return std::nullopt;
-    const auto cookie = xcb_screensaver_query_info(connection, events_.connection().root());
-    const auto reply = owned(xcb_screensaver_query_info_reply(connection, cookie, nullptr));
-    events_.read();
-    if (!reply)
-        return std::nullopt;
-    return std::chrono::milliseconds(reply->ms_since_user_input);
+    return idle_ ? idle_->sinceInput() : std::nullopt;
 }
 
 void DesktopInput::askCompositor(std::uint64_t id, const QDBusMessage& message) {

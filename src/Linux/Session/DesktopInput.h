@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/X11/X11Events.h"
+#include "Linux/Session/IdleSource.h"
 #include "Loop/MainLoop.h"
 #include "Platform/InputActivity.h"
 
@@ -12,8 +12,8 @@
 
 namespace velmorquit {
 
-/// When the user touched the keyboard or the pointer last, by what the X server and the compositor
-/// know.
+/// When the user touched the keyboard or the pointer last, by what the display server and the
+/// compositor know.
 ///
 /// A whole X server knows of all input, so its word is enough. One that is a guest on a Wayland
 /// session hears only of what was meant for X windows: somebody may have been there since, which a
@@ -28,18 +28,19 @@ public:
     static constexpr Duration patience = 1s;
 
     enum class Server {
-        whole, ///< all windows of the session are the X server's
+        whole, ///< all windows of the session are that server's
         guest, ///< a part of them
     };
 
-    /// `bus` is the session bus, connected or not. The loop and the events outlive it.
-    DesktopInput(MainLoop& loop, QDBusConnection bus, X11Events& events, Server server);
+    /// `bus` is the session bus, connected or not. The loop outlives it, and so does what asks the
+    /// display server, which may be null.
+    DesktopInput(MainLoop& loop, QDBusConnection bus, IdleSource* idle, Server server);
 
-    /// Asks the X server a short question, and the others without waiting. Nobody is started in
-    /// order to be asked.
+    /// Asks the display server a short question, and the others without waiting. Nobody is started
+    /// in order to be asked.
     [[nodiscard]] Handle sinceLastInput(std::function<void(std::optional<Duration>)> told) override;
 
-    /// What the X server alone knows, by a short question.
+    /// What the display server alone knows, by a short question.
     [[nodiscard]] std::optional<Duration> askServer();
 
 private:
@@ -57,7 +58,7 @@ private:
 
     MainLoop& loop_;
     QDBusConnection bus_;
-    X11Events& events_;
+    IdleSource* idle_;
     Server server_;
     std::shared_ptr<Questions> questions_;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/DBus/NotifierItems.h"
-#include "Linux/X11/X11Events.h"
+#include "Linux/Tray/EmbeddingTray.h"
 
 #include <set>
 
@@ -10,9 +10,9 @@ namespace velmorquit {
 /// Whose icons are in the tray, whichever way they got there.
 class TrayOwners {
 public:
-    /// `bus` is the session bus, connected or not; `own` is this program's process. The events
-    /// outlive it.
-    TrayOwners(const QDBusConnection& bus, X11Events& events, ProcessId own);
+    /// `bus` is the session bus, connected or not; `own` is this program's process. The tray, which
+    /// may be null, outlives it.
+    TrayOwners(const QDBusConnection& bus, EmbeddingTray* embedding, ProcessId own);
 
     /// The processes that have an icon, this one left out. Windows that a tray has taken in are
     /// asked of the display server, in some short questions; what is on the notifiers' list is read
@@ -24,7 +24,7 @@ public:
 
 private:
     NotifierItems items_;
-    X11Events& events_;
+    EmbeddingTray* embedding_;
     ProcessId own_;
 };
 

@@ -89,7 +89,7 @@ std::optional<DesktopSettings> parseXSettings(std::string_view bytes) {
     return reader.isGood() ? std::optional(std::move(settings)) : std::nullopt;
 }
 
-XSettings::XSettings(X11Events& events, std::function<void()> changed)
+XSettings::XSettings(X11Events& events)
     : Listener(events), property_(events.connection().atom(propertyName)),
       changes_(pace,
                [this] {
@@ -99,7 +99,6 @@ XSettings::XSettings(X11Events& events, std::function<void()> changed)
       manager_(events, "_XSETTINGS_S", [this] { changes_.ask(); }) {
     follow();
     events.read();
-    changed_ = std::move(changed);
 }
 
 // One that has gone in the meantime has its selection taken away as well, which is told.
@@ -121,8 +120,7 @@ void XSettings::read() {
     if (!values || *values == values_)
         return;
     values_ = *std::move(values);
-    if (changed_)
-        changed_();
+    observers_.tell();
 }
 
 void XSettings::hear(const xcb_generic_event_t& event) {

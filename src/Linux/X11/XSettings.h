@@ -1,11 +1,11 @@
 #pragma once
 
-#include "Linux/DesktopSettings.h"
+#include "Linux/Appearance/SettingsManager.h"
 #include "Linux/Paced.h"
 #include "Linux/X11/X11Events.h"
 #include "Linux/X11/X11Selection.h"
+#include "Loop/Subscribers.h"
 
-#include <functional>
 #include <optional>
 #include <string_view>
 
@@ -16,13 +16,17 @@ namespace velmorquit {
 [[nodiscard]] std::optional<DesktopSettings> parseXSettings(std::string_view bytes);
 
 /// What the settings manager of an X server says, where there is one.
-class XSettings final : private X11Events::Listener {
+class XSettings final : public SettingsManager, private X11Events::Listener {
 public:
-    /// Calls `changed`, which is bound by what binds listeners, when it says something else.
-    XSettings(X11Events& events, std::function<void()> changed);
+    /// The events outlive it.
+    explicit XSettings(X11Events& events);
 
-    /// From memory; empty without a manager. What can't be read leaves what was there before.
-    [[nodiscard]] const DesktopSettings& values() const { return values_; }
+    /// What can't be read leaves what was there before.
+    [[nodiscard]] const DesktopSettings& values() const override { return values_; }
+    /// The callback is bound by what binds listeners.
+    [[nodiscard]] Handle observe(std::function<void()> changed) override {
+        return observers_.add(std::move(changed));
+    }
 
 private:
     void hear(const xcb_generic_event_t& event) override;
@@ -31,7 +35,7 @@ private:
 
     xcb_atom_t property_;
     DesktopSettings values_;
-    std::function<void()> changed_;
+    Subscribers observers_;
     Paced changes_;
     /// The last: making it lets events be heard.
     X11Selection manager_;

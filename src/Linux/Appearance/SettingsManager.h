@@ -1,0 +1,22 @@
+#pragma once
+
+#include "Linux/DesktopSettings.h"
+#include "Loop/Handle.h"
+
+#include <functional>
+
+namespace velmorquit {
+
+/// The program that tells the clients of a window system how the desktop is to look.
+class SettingsManager {
+public:
+    virtual ~SettingsManager() = default;
+
+    /// From memory; empty while there is none.
+    [[nodiscard]] virtual const DesktopSettings& values() const = 0;
+
+    /// Calls `changed` when it says something else.
+    [[nodiscard]] virtual Handle observe(std::function<void()> changed) = 0;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "Linux/EndSignals.h"
+#include "Linux/Program/FinishedWork.h"
+#include "Linux/Windowing.h"
+#include "Platform/Desktop.h"
+#include "Platform/DesktopFace.h"
+#include "Platform/SessionPorts.h"
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+namespace velmorquit {
+
+class Notice;
+
+/// The desktop that this program runs on: owns all adapters to it, and hands them out as what the
+/// program asks of a desktop. There is one at a time.
+class LinuxDesktop {
+public:
+    /// One notice each for what the program tells, so that none takes another one's place.
+    struct Notices {
+        Notice& schedule;
+        Notice& answers;
+        Notice& end;
+        Notice& run;
+    };
+
+    /// The toolkit's application object is there, and with the log and the commands outlives this.
+    /// From here on signals that ask the program to end are remembered.
+    LinuxDesktop(SystemLog& log, RemoteCommands& commands, std::unique_ptr<Windowing> windowing);
+    LinuxDesktop(const LinuxDesktop&) = delete;
+    LinuxDesktop& operator=(const LinuxDesktop&) = delete;
+    ~LinuxDesktop();
+
+    /// For what ends the session, which in turn is a part of the desktop.
+    [[nodiscard]] SessionPorts sessionPorts();
+    [[nodiscard]] Desktop ports(const Formats& formats, LoginWindow& loginWindow);
+    [[nodiscard]] DesktopFace face();
+    [[nodiscard]] Notices notices();
+
+    /// Called each time that a signal asks the program to end.
+    void onEndAsked(std::function<void()> asked) { endSignals_.onAsked = std::move(asked); }
+
+private:
+    struct Base;
+    struct Applications;
+    struct Services;
+    struct Face;
+
+    SystemLog& log_;
+    RemoteCommands& commands_;
+    EndSignals endSignals_;
+    std::unique_ptr<Base> base_;
+    std::unique_ptr<Windowing> windowing_;
+    WindowSources sources_;
+    std::unique_ptr<Applications> applications_;
+    std::unique_ptr<Services> services_;
+    /// What comes after it isn't used by work on other threads.
+    FinishedWork finishedWork_;
+    std::unique_ptr<Face> face_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,65 @@
+#include "Linux/Program/QtStart.h"
+
+#include "Linux/JournalLog.h"
+#include "Linux/Program/OwnProcess.h"
+#include "Linux/Windowing.h"
+#include "Texts/Shown.h"
+
+#include <QGuiApplication>
+#include <QSessionManager>
+
+#include <cstdlib>
+
+namespace velmorquit {
+
+namespace {
+
+QtMessageHandler usualHandler = nullptr;
+
+/// Qt ends the program on the spot when the display has gone, with a line of its own that says so.
+/// Nothing is lost by that: preferences are in their file as soon as they are changed. What else Qt
+/// says may name files and services that others have called what they like.
+void hear(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    const bool isDisplayGone = message.startsWith(QLatin1String("The X11 connection broke"));
+    if (isDisplayGone)
+        JournalLog().write("Velmor Quit: senza server X11 non posso continuare, termino");
+    else if (usualHandler && (type == QtFatalMsg || JournalLog::isRoomForLine()))
+        usualHandler(type, context, QString::fromStdString(shownText(message.toStdString())));
+}
+
+/// The autostart entry starts the program; a session that starts it as well would do it twice.
+void neverRestart(const QGuiApplication& application) {
+    const auto answer = [](QSessionManager& session) {
+        session.setRestartHint(QSessionManager::RestartNever);
+    };
+    for (const auto request :
+         {&QGuiApplication::commitDataRequest, &QGuiApplication::saveStateRequest})
+        QObject::connect(&application, request, &application, answer, Qt::DirectConnection);
+}
+
+} // namespace
+
+// With few descriptors the answer in which the X server hands one over may be lost, and Qt would
+// wait for it for ever.
+QtStart::QtStart(const Windowing& windowing)
+    : isPlatformChosen_(std::getenv("QT_QPA_PLATFORM") != nullptr),
+      sharesNoPictures_(isShortOfDescriptors()) {
+    if (!isPlatformChosen_)
+        ::setenv("QT_QPA_PLATFORM", windowing.toolkitPlatform(), 1);
+    if (sharesNoPictures_)
+        ::setenv("QT_XCB_NO_MITSHM", "1", 1);
+    usualHandler = qInstallMessageHandler(hear);
+}
+
+void QtStart::finish(QGuiApplication& application) const {
+    if (sharesNoPictures_)
+        ::unsetenv("QT_XCB_NO_MITSHM");
+    if (!isPlatformChosen_)
+        ::unsetenv("QT_QPA_PLATFORM");
+    QGuiApplication::setApplicationName(QStringLiteral("velmorquit"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.velmorquit.VelmorQuit"));
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    neverRestart(application);
+}
+
+} // namespace velmorquit

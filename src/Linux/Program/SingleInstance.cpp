@@ -1,0 +1,52 @@
+#include "Linux/Program/SingleInstance.h"
+
+#include "Linux/DBus/BusCommands.h"
+#include "Texts/Localized.h"
+
+#include <chrono>
+#include <cstdlib>
+
+namespace velmorquit {
+
+namespace {
+
+/// Somebody else has the name: the icon does the main job all the same.
+Start goOnWithoutName(BusCommands& commands, SystemLog& log, const BusCommands::Holder& holder) {
+    const std::string name = holder.name.empty() ? "?" : holder.name;
+    log.write("Velmor Quit: il mio nome sul bus (org.velmorquit.VelmorQuit) è di " + name +
+              " (processo " + std::to_string(holder.process) +
+              "), che non è Velmor Quit: finché lo tiene, velmorctl non può raggiungermi");
+    commands.claimLater();
+    return {.note = localized("Un altro programma, %@ (processo %lld), ha preso il nome di Velmor "
+                              "Quit: velmorctl e le scorciatoie non funzionano finché lo tiene.",
+                              name, holder.process)};
+}
+
+} // namespace
+
+Start takeOverOrHandOver(BusCommands& commands, SystemLog& log, const QVariantMap& platformData) {
+    // The process that has the name may be about to end: then the second attempt gets it.
+    for (const std::chrono::milliseconds patience : {3000ms, 500ms}) {
+        switch (commands.claimName()) {
+        case BusCommands::Claim::ours:
+            return {};
+        case BusCommands::Claim::noBus:
+            log.write("Velmor Quit: nessun bus di sessione, velmorctl non potrà raggiungermi");
+            return {};
+        case BusCommands::Claim::taken:
+            break;
+        }
+        const BusCommands::Holder holder = commands.holder();
+        // Without a process it has just gone.
+        if (!holder.isThisProgram && holder.process > 0)
+            return goOnWithoutName(commands, log, holder);
+        if (commands.showOther(platformData, patience)) {
+            log.write("Velmor Quit: è già in esecuzione");
+            return {.status = EXIT_SUCCESS};
+        }
+    }
+    log.write("Velmor Quit: è già in esecuzione, ma non risponde");
+    return {.status = EXIT_FAILURE};
+}
+
+} // namespace velmorquit

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "Loop/Time.h"
+
+#include <optional>
+
+namespace velmorquit {
+
+/// What a window system knows of the user's input.
+class IdleSource {
+public:
+    virtual ~IdleSource() = default;
+
+    /// The time since the last one that it has heard of, by a short question; none when it doesn't
+    /// tell.
+    [[nodiscard]] virtual std::optional<Duration> sinceInput() = 0;
+};
+
+} // namespace velmorquit

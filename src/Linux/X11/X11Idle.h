@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Linux/Session/IdleSource.h"
+#include "Linux/X11/X11Events.h"
+
+namespace velmorquit {
+
+/// What an X server knows of the user's input, by its extension for screen savers.
+class X11Idle final : public IdleSource {
+public:
+    /// The events outlive it.
+    explicit X11Idle(X11Events& events) : events_(events) {}
+
+    [[nodiscard]] std::optional<Duration> sinceInput() override;
+
+private:
+    X11Events& events_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Linux/Windowing.h"
+#include "Linux/X11/X11Connection.h"
+
+#include <memory>
+#include <optional>
+
+namespace velmorquit {
+
+/// An X server with its window manager, tray and settings manager.
+class X11Windowing final : public Windowing {
+public:
+    /// Null when the server of `$DISPLAY` can't be reached.
+    static std::unique_ptr<X11Windowing> connect();
+
+    ~X11Windowing() override;
+
+    [[nodiscard]] const char* toolkitPlatform() const override { return "xcb"; }
+    WindowSources begin(MainLoop& loop, SystemLog& log) override;
+
+private:
+    struct Parts;
+
+    /// Two, since selections of root events are per client.
+    X11Windowing(X11Connection forToplevels, X11Connection forFace);
+
+    std::optional<X11Connection> forToplevels_;
+    std::optional<X11Connection> forFace_;
+    std::unique_ptr<Parts> parts_;
+};
+
+} // namespace velmorquit

@@ -1,0 +1,29 @@
+#pragma once
+
+namespace velmorquit {
+
+class EndService;
+class InputActivity;
+class MainLoop;
+class Processes;
+class SessionRegistry;
+class SleepHold;
+class SystemLog;
+class Windows;
+class Workspace;
+
+/// What has to be known and asked before a session may end. Whoever makes it outlives whoever is
+/// handed it.
+struct SessionPorts {
+    MainLoop& loop;
+    SystemLog& log;
+    Workspace& workspace;
+    Windows& windows;
+    const Processes& processes;
+    SessionRegistry& registry;
+    InputActivity& input;
+    SleepHold& sleepHold;
+    EndService& service;
+};
+
+} // namespace velmorquit
