@@ -3,8 +3,12 @@
 #include "Loop/Handle.h"
 #include "Platform/RunningApplication.h"
 
+#include <algorithm>
+#include <compare>
 #include <functional>
+#include <initializer_list>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,9 +18,27 @@ namespace velmorquit {
 enum class WorkspaceEvent {
     launched,     ///< an application came, or showed its first window
     terminated,   ///< an application's process ended
-    activated,    ///< another application came to the front
+    activated,    ///< another application is in front now, or none of them any more
     policyChanged ///< one that lives on showed or lost its last window, or is better known now
 };
+
+/// What happened to one of them.
+struct WorkspaceChange {
+    WorkspaceEvent event;
+    ProcessId process; ///< whose it is; 0 when none of them is in front any more
+
+    friend auto operator<=>(const WorkspaceChange&, const WorkspaceChange&) = default;
+};
+
+/// What was noticed in one turn.
+using WorkspaceChanges = std::set<WorkspaceChange>;
+
+[[nodiscard]] inline bool hasAnyOf(const WorkspaceChanges& changes,
+                                   std::initializer_list<WorkspaceEvent> events) {
+    return std::ranges::any_of(changes, [&](const WorkspaceChange& change) {
+        return std::ranges::find(events, change.event) != events.end();
+    });
+}
 
 /// Whether all windows of the session can be seen.
 enum class Sight {
@@ -42,8 +64,8 @@ public:
     /// The running application that the user worked with last; null when that is none of them.
     [[nodiscard]] virtual std::shared_ptr<RunningApplication> frontmostApplication() const = 0;
 
-    /// Calls `told` on the main loop after each event of that kind.
-    [[nodiscard]] virtual Handle observe(WorkspaceEvent event, std::function<void()> told) = 0;
+    /// Calls `told` on the main loop after what happened, once for all that was noticed together.
+    [[nodiscard]] virtual Handle observe(std::function<void(const WorkspaceChanges&)> told) = 0;
 
     /// Starts the application of that file in the background: it is not brought to the front.
     /// Returns at once; a failure is not told.

@@ -74,8 +74,10 @@ RemoteControl::RemoteControl(QuitController& controller, ActionRunner& actions,
     announceChanges();
     subscriptions_.push_back(
         controller_.hearEvents([this](const Event& event) { announce(event); }));
-    subscriptions_.push_back(
-        desktop.workspace.observe(WorkspaceEvent::terminated, [this] { announceEnds(); }));
+    subscriptions_.push_back(desktop.workspace.observe([this](const WorkspaceChanges& changes) {
+        if (hasAnyOf(changes, {WorkspaceEvent::terminated}))
+            announceEnds();
+    }));
 }
 
 RemoteAnswer RemoteControl::answer(const RemoteCommand& command) {

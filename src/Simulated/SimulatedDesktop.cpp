@@ -8,13 +8,14 @@ namespace velmorquit {
 SimulatedDesktop::SimulatedDesktop() = default;
 
 SimulatedApplication& SimulatedDesktop::open(std::string name, std::uint64_t memory) {
+    const ProcessId id = nextId_++;
     auto application = std::make_shared<SimulatedApplication>(
-        nextId_++, std::move(name), memory,
+        id, std::move(name), memory,
         SimulatedApplication::Surroundings{
             .loop = loop,
             .log = [this](std::string_view what) { write(what); },
-            .ended = [this] { workspace.tell(WorkspaceEvent::terminated); },
-            .policyChanged = [this] { workspace.tell(WorkspaceEvent::policyChanged); }});
+            .ended = [this, id] { workspace.tell(WorkspaceEvent::terminated, id); },
+            .policyChanged = [this, id] { workspace.tell(WorkspaceEvent::policyChanged, id); }});
     workspace.add(application);
     return *application;
 }

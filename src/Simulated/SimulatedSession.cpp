@@ -53,9 +53,7 @@ bool SimulatedLoginWindow::endAnyway(std::uint64_t list) {
 SimulatedWindows::SimulatedWindows(SimulatedWorkspace& workspace,
                                    std::function<void(std::string_view)> log)
     : workspace_(workspace), log_(std::move(log)) {
-    for (const auto event :
-         {WorkspaceEvent::launched, WorkspaceEvent::terminated, WorkspaceEvent::policyChanged})
-        watching_.push_back(workspace_.observe(event, [this] { observers_.tell(); }));
+    watching_ = workspace_.observe([this](const WorkspaceChanges&) { observers_.tell(); });
 }
 
 std::uint64_t SimulatedWindows::add(WindowOwner owner, bool isQuestion, bool canBeAsked) {

@@ -71,7 +71,7 @@ private:
     std::vector<OpenWindow> added_;
     std::uint64_t lastId_ = 0;
     Subscribers observers_;
-    std::vector<Handle> watching_;
+    Handle watching_;
 };
 
 /// The applications as processes, and what a test makes of their work.

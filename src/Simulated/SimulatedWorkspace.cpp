@@ -1,12 +1,23 @@
 #include "Simulated/SimulatedWorkspace.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace velmorquit {
 
 void SimulatedWorkspace::add(std::shared_ptr<SimulatedApplication> application) {
+    const ProcessId id = application->processId();
     applications_.push_back(std::move(application));
-    tell(WorkspaceEvent::launched);
+    tell(WorkspaceEvent::launched, id);
+}
+
+void SimulatedWorkspace::tell(WorkspaceEvent event, ProcessId process) {
+    WorkspaceChanges changes{{event, process}};
+    const auto frontmost = frontmostApplication();
+    const ProcessId front = frontmost ? frontmost->processId() : 0;
+    if (std::exchange(front_, front) != front)
+        changes.insert({WorkspaceEvent::activated, front});
+    observers_.tell(changes);
 }
 
 void SimulatedWorkspace::open(const std::string& path) {

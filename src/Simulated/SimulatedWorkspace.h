@@ -1,10 +1,8 @@
 #pragma once
 
-#include "Loop/Subscribers.h"
-#include "Platform/Workspace.h"
+#include "Platform/WorkspaceObservers.h"
 #include "Simulated/SimulatedApplication.h"
 
-#include <array>
 #include <string_view>
 
 namespace velmorquit {
@@ -15,7 +13,8 @@ public:
     explicit SimulatedWorkspace(std::function<void(std::string_view)> log) : log_(std::move(log)) {}
 
     void add(std::shared_ptr<SimulatedApplication> application);
-    void tell(WorkspaceEvent event) { observers_.at(static_cast<std::size_t>(event)).tell(); }
+    /// The front goes with what comes and ends.
+    void tell(WorkspaceEvent event, ProcessId process);
     void setDefaultExclusions(std::vector<std::string> keys) { exclusions_ = std::move(keys); }
 
     /// What the process uses, none when it isn't there.
@@ -25,8 +24,8 @@ public:
     [[nodiscard]] Sight sight() override { return seen; }
     /// The one that came last.
     [[nodiscard]] std::shared_ptr<RunningApplication> frontmostApplication() const override;
-    [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {
-        return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));
+    [[nodiscard]] Handle observe(std::function<void(const WorkspaceChanges&)> told) override {
+        return observers_.add(std::move(told));
     }
     void open(const std::string& path) override;
     [[nodiscard]] std::shared_ptr<const Icon> icon(const std::string& path) const override {
@@ -50,7 +49,8 @@ private:
     std::function<void(std::string_view)> log_;
     std::vector<std::shared_ptr<SimulatedApplication>> applications_;
     std::vector<std::string> exclusions_;
-    std::array<Subscribers, 4> observers_;
+    ProcessId front_ = 0;
+    WorkspaceObservers observers_;
 };
 
 } // namespace velmorquit

@@ -112,7 +112,9 @@ TEST_F(IdentityTest, GetsBetterForTwoSecondsAndStaysThen) {
     Toplevel& window = show("Soffice", "soffice.bin");
     const auto app = last();
     int told = 0;
-    const Handle watch = workspace->observe(WorkspaceEvent::policyChanged, [&] { ++told; });
+    const Handle watch = workspace->observe([&](const WorkspaceChanges& changes) {
+        told += static_cast<int>(hasAnyOf(changes, {WorkspaceEvent::policyChanged}));
+    });
     EXPECT_EQ(app->localizedName(), "Soffice");
     EXPECT_FALSE(app->isIdentitySettled());
     window.identity.className = "Unheard";

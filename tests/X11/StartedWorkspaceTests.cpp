@@ -64,7 +64,9 @@ TEST_F(StartedWorkspaceTest, AServiceHasEndedWithItsLastWindowAndAnyOtherIsAsked
         loop, log, toplevels,
         {.withoutWindows = {.ask = [&](ProcessId id) { asked.push_back(id); }}, .proc = proc});
     int ends = 0;
-    const Handle watch = other.observe(WorkspaceEvent::terminated, [&] { ++ends; });
+    const Handle watch = other.observe([&](const WorkspaceChanges& changes) {
+        ends += static_cast<int>(changes.count({WorkspaceEvent::terminated, service}));
+    });
     const auto serving = findIn(other, service);
     const auto playing = findIn(other, player);
     const auto begun = findIn(other, opened);

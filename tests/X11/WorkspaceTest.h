@@ -24,9 +24,9 @@ class WorkspaceTest : public testing::Test {
 protected:
     WorkspaceTest()
         : toplevels(loop, log, *X11Connection::open()), workspace(loop, log, toplevels, {}) {
-        for (const auto event : {WorkspaceEvent::launched, WorkspaceEvent::terminated,
-                                 WorkspaceEvent::activated, WorkspaceEvent::policyChanged})
-            watches.push_back(workspace.observe(event, [this, event] { events.push_back(event); }));
+        watch = workspace.observe([this](const WorkspaceChanges& changes) {
+            events.insert(events.end(), changes.begin(), changes.end());
+        });
     }
 
     Child& start(std::vector<std::string> arguments) {
@@ -53,7 +53,7 @@ protected:
     }
 
     std::size_t count(WorkspaceEvent event) const {
-        return static_cast<std::size_t>(std::ranges::count(events, event));
+        return static_cast<std::size_t>(std::ranges::count(events, event, &WorkspaceChange::event));
     }
 
     static std::size_t timesAsked(Child& child) {
@@ -78,8 +78,8 @@ protected:
     SimulatedSystemLog log;
     X11Toplevels toplevels;
     LinuxWorkspace workspace;
-    std::vector<WorkspaceEvent> events;
-    std::vector<Handle> watches;
+    std::vector<WorkspaceChange> events;
+    Handle watch;
     std::vector<std::unique_ptr<Child>> children;
 };
 

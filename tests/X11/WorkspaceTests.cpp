@@ -15,6 +15,7 @@ TEST_F(WorkspaceTest, TellsOfLaunchesEndsAndWindows) {
     EXPECT_EQ(app->activationPolicy(), ActivationPolicy::regular);
     EXPECT_EQ(app->localizedName(), "Rude");
     EXPECT_FALSE(app->bundleIdentifier());
+    EXPECT_TRUE(waitUntil([&] { return workspace.frontmostApplication() == app; }));
     EXPECT_TRUE(app->terminate(AskedBy::run));
     EXPECT_TRUE(waitUntil([&] { return count(WorkspaceEvent::policyChanged) == 1; }));
     EXPECT_EQ(app->activationPolicy(), ActivationPolicy::accessory);
@@ -25,6 +26,10 @@ TEST_F(WorkspaceTest, TellsOfLaunchesEndsAndWindows) {
     EXPECT_TRUE(waitUntil([&] { return count(WorkspaceEvent::terminated) == 1; }));
     EXPECT_TRUE(workspace.runningApplications().empty());
     EXPECT_TRUE(app->isTerminated());
+    const WorkspaceChange gone{WorkspaceEvent::activated, 0};
+    EXPECT_TRUE(waitUntil([&] { return !events.empty() && events.back() == gone; }));
+    for (const WorkspaceChange& change : events)
+        EXPECT_TRUE(change == gone || change.process == app->processId());
 }
 
 TEST_F(WorkspaceTest, KnowsOneApplicationAProcessAndAsksEachOfItsWindowsOnce) {

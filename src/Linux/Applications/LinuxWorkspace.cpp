@@ -83,20 +83,16 @@ std::vector<std::string> LinuxWorkspace::defaultExclusions() const {
             "pcmanfm-qt"};
 }
 
-void LinuxWorkspace::update() {
-    for (const WorkspaceEvent event : readToplevels())
-        tell(event);
-}
+void LinuxWorkspace::update() { observers_.tell(readToplevels()); }
 
 void LinuxWorkspace::tellUntold() {
     telling_.reset();
-    for (const WorkspaceEvent event : std::exchange(untold_, {}))
-        tell(event);
+    observers_.tell(std::exchange(untold_, {}));
 }
 
 /// Brings the applications in line with the windows, and says what has changed.
-std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
-    std::set<WorkspaceEvent> events;
+WorkspaceChanges LinuxWorkspace::readToplevels() {
+    WorkspaceChanges changes;
     const std::vector<Toplevel> toplevels = source_.toplevels();
     std::set<ProcessId> owners;
     std::set<ProcessId> ownersOfAny;
@@ -108,7 +104,7 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
         if (toplevel.process <= 0 || toplevel.process == ::getpid())
             continue;
         if (toplevel.isOrdinary)
-            admit(toplevel, events);
+            admit(toplevel, changes);
         const Member* member = known(toplevel.process);
         if (!member)
             continue;
@@ -116,16 +112,23 @@ std::set<WorkspaceEvent> LinuxWorkspace::readToplevels() {
         if (toplevel.isOrdinary)
             owners.insert(toplevel.process);
         ownersOfAny.insert(toplevel.process);
-        if (toplevel.window == source_.activeWindow() && frontmost_.lock() != member->application) {
+        if (toplevel.window == source_.activeWindow())
             frontmost_ = member->application;
-            events.insert(WorkspaceEvent::activated);
-        }
     }
     for (const Member& member : members_)
         member.application->noteKeyboard(member.application->processId() == focusedProcess);
     keepInBackground(focusedProcess);
-    events.merge(updatePolicies(owners, ownersOfAny));
-    return events;
+    changes.merge(updatePolicies(owners, ownersOfAny));
+    noteFront(changes);
+    return changes;
+}
+
+/// Who was in front stays so while a window is active that is no application's.
+void LinuxWorkspace::noteFront(WorkspaceChanges& changes) {
+    const auto frontmost = frontmostApplication();
+    const ProcessId front = frontmost ? frontmost->processId() : 0;
+    if (std::exchange(front_, front) != front)
+        changes.insert({WorkspaceEvent::activated, front});
 }
 
 /// In a later turn: whoever asks what is running changes nothing by that.
@@ -138,9 +141,9 @@ void LinuxWorkspace::keepInBackground(ProcessId focusedProcess) {
 }
 
 /// `owners` have ordinary windows, `ownersOfAny` these or dialogs.
-std::set<WorkspaceEvent> LinuxWorkspace::updatePolicies(const std::set<ProcessId>& owners,
-                                                        const std::set<ProcessId>& ownersOfAny) {
-    std::set<WorkspaceEvent> events;
+WorkspaceChanges LinuxWorkspace::updatePolicies(const std::set<ProcessId>& owners,
+                                                const std::set<ProcessId>& ownersOfAny) {
+    WorkspaceChanges changes;
     for (Member& member : members_) {
         LinuxApplication& application = *member.application;
         const ProcessId id = application.processId();
@@ -148,16 +151,16 @@ std::set<WorkspaceEvent> LinuxWorkspace::updatePolicies(const std::set<ProcessId
                                !source_.shellProcesses().contains(id);
         const auto policy = isRegular ? ActivationPolicy::regular : ActivationPolicy::accessory;
         if (policy != application.activationPolicy())
-            events.insert(WorkspaceEvent::policyChanged);
+            changes.insert({WorkspaceEvent::policyChanged, id});
         application.setPolicy(policy);
         if (application.isService() && hasClosed(member, ownersOfAny.contains(id))) {
             application.leave();
-            events.insert(WorkspaceEvent::terminated);
+            changes.insert({WorkspaceEvent::terminated, id});
         }
     }
     // Only these: the end of a process is told by what the member holds.
     std::erase_if(members_, [](const Member& member) { return member.application->hasLeft(); });
-    return events;
+    return changes;
 }
 
 /// Whether the last window went a while ago. Some hide one window before they show the next.
@@ -182,11 +185,11 @@ std::set<ProcessId> LinuxWorkspace::windowOwners() {
 }
 
 /// Takes note of a window.
-void LinuxWorkspace::admit(const Toplevel& toplevel, std::set<WorkspaceEvent>& events) {
+void LinuxWorkspace::admit(const Toplevel& toplevel, WorkspaceChanges& changes) {
     const ProcessId id = toplevel.process;
     if (Member* member = known(id)) {
         if (member->settling.isSet() && improve(*member, toplevel))
-            events.insert(WorkspaceEvent::policyChanged);
+            changes.insert({WorkspaceEvent::policyChanged, id});
         if (member->shown.contains(toplevel.identity))
             return;
         // Beyond that many only installed ones count, of which there are not many: an exclusion may
@@ -230,7 +233,7 @@ void LinuxWorkspace::admit(const Toplevel& toplevel, std::set<WorkspaceEvent>& e
         member.settling = loop_.after(identityDelay, [this, id] { settle(id); });
     }
     members_.push_back(std::move(member));
-    events.insert(WorkspaceEvent::launched);
+    changes.insert({WorkspaceEvent::launched, id});
 }
 
 /// Whether it is better known by what the window and the unit say now.
@@ -254,16 +257,15 @@ bool LinuxWorkspace::improve(Member& member, const Toplevel& toplevel) {
 
 /// The last look at an application that has no entry so far.
 void LinuxWorkspace::settle(ProcessId id) {
-    std::set<WorkspaceEvent> events = readToplevels();
+    WorkspaceChanges changes = readToplevels();
     Member* member = known(id);
     if (member && member->settling.isSet()) {
         if (nameByTitle(*member))
-            events.insert(WorkspaceEvent::policyChanged);
+            changes.insert({WorkspaceEvent::policyChanged, id});
         member->application->settle();
         member->settling.reset();
     }
-    for (const WorkspaceEvent event : events)
-        tell(event);
+    observers_.tell(changes);
 }
 
 /// Titles come late, and change: this name is kept.
@@ -291,9 +293,15 @@ void LinuxWorkspace::removeEndedLater() {
 }
 
 void LinuxWorkspace::removeEnded() {
-    std::erase_if(members_,
-                  [](const Member& member) { return member.application->isTerminated(); });
-    tell(WorkspaceEvent::terminated);
+    WorkspaceChanges changes;
+    std::erase_if(members_, [&](const Member& member) {
+        const LinuxApplication& application = *member.application;
+        if (application.isTerminated())
+            changes.insert({WorkspaceEvent::terminated, application.processId()});
+        return application.isTerminated();
+    });
+    noteFront(changes);
+    observers_.tell(changes);
 }
 
 /// An id whose process has ended may belong to another one by now.

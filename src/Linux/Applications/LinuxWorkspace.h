@@ -6,10 +6,9 @@
 #include "Linux/Applications/WorkspaceWindows.h"
 #include "Linux/Proc/ProcDirectory.h"
 #include "Loop/MainLoop.h"
-#include "Loop/Subscribers.h"
 #include "Platform/Workspace.h"
+#include "Platform/WorkspaceObservers.h"
 
-#include <array>
 #include <memory>
 #include <optional>
 #include <set>
@@ -48,8 +47,8 @@ public:
     [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>> runningApplications() override;
     [[nodiscard]] Sight sight() override;
     [[nodiscard]] std::shared_ptr<RunningApplication> frontmostApplication() const override;
-    [[nodiscard]] Handle observe(WorkspaceEvent event, std::function<void()> told) override {
-        return observers_.at(static_cast<std::size_t>(event)).add(std::move(told));
+    [[nodiscard]] Handle observe(std::function<void(const WorkspaceChanges&)> told) override {
+        return observers_.add(std::move(told));
     }
     void open(const std::string& path) override;
     [[nodiscard]] std::shared_ptr<const Icon> icon(const std::string& path) const override;
@@ -77,20 +76,20 @@ private:
 
     void update();
     void tellUntold();
-    std::set<WorkspaceEvent> readToplevels();
-    void admit(const Toplevel& toplevel, std::set<WorkspaceEvent>& events);
+    WorkspaceChanges readToplevels();
+    void admit(const Toplevel& toplevel, WorkspaceChanges& changes);
+    void noteFront(WorkspaceChanges& changes);
     bool improve(Member& member, const Toplevel& toplevel);
     void settle(ProcessId id);
     bool nameByTitle(Member& member);
     bool hasClosed(Member& member, bool hasWindows);
     void keepInBackground(ProcessId focusedProcess);
     [[nodiscard]] std::set<ProcessId> windowOwners();
-    std::set<WorkspaceEvent> updatePolicies(const std::set<ProcessId>& owners,
-                                            const std::set<ProcessId>& ownersOfAny);
+    WorkspaceChanges updatePolicies(const std::set<ProcessId>& owners,
+                                    const std::set<ProcessId>& ownersOfAny);
     void removeEndedLater();
     void removeEnded();
     [[nodiscard]] Member* known(ProcessId id);
-    void tell(WorkspaceEvent event) { observers_.at(static_cast<std::size_t>(event)).tell(); }
 
     MainLoop& loop_;
     SystemLog& log_;
@@ -107,12 +106,13 @@ private:
     /// A process that is there can't be held on to: applications are missing among the members.
     bool lacksDescriptors_ = false;
     std::weak_ptr<LinuxApplication> frontmost_;
-    std::array<Subscribers, 4> observers_;
+    ProcessId front_ = 0; ///< the one that was noticed last; 0 for none
+    WorkspaceObservers observers_;
     Handle watching_;
     Handle removing_;
     Handle lookingAgain_;
     /// What was noticed while somebody was asking, to be told when they are done.
-    std::set<WorkspaceEvent> untold_;
+    WorkspaceChanges untold_;
     Handle telling_;
 };
 

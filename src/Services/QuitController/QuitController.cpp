@@ -25,9 +25,11 @@ void QuitController::observe() {
         loadOptions();
         loadConfirmation();
     }));
-    for (const auto event :
-         {WorkspaceEvent::launched, WorkspaceEvent::terminated, WorkspaceEvent::policyChanged})
-        observers_.push_back(desktop_.workspace.observe(event, [this] { refresh(); }));
+    observers_.push_back(desktop_.workspace.observe([this](const WorkspaceChanges& changes) {
+        if (hasAnyOf(changes, {WorkspaceEvent::launched, WorkspaceEvent::terminated,
+                               WorkspaceEvent::policyChanged}))
+            refresh();
+    }));
     observers_.push_back(desktop_.volumes.observe([this] { refresh(); }));
 }
 
