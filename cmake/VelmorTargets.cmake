@@ -7,13 +7,14 @@
 
 # velmor_target(NAME FOLDER [PORTABLE] [KIND STATIC|INTERFACE|EXECUTABLE] [SOURCES ...]
 #               [USES targets...] [SYSTEM_HEADERS regex...])
-# FOLDER is relative to src/. A PORTABLE target includes of the system's headers only those of the C++
+# FOLDER is relative to src/; without SOURCES a library has all those below it. A PORTABLE target includes of the system's headers only those of the C++
 # standard library and those that match one of the expressions.
 function(velmor_target name folder)
     cmake_parse_arguments(PARSE_ARGV 2 arg "PORTABLE" "KIND" "SOURCES;USES;SYSTEM_HEADERS")
     set(root ${CMAKE_BINARY_DIR}/include/${name})
-    file(MAKE_DIRECTORY ${root})
     if(NOT arg_KIND STREQUAL EXECUTABLE)
+        cmake_path(GET folder PARENT_PATH parent)
+        file(MAKE_DIRECTORY ${root}/${parent})
         file(CREATE_LINK ${CMAKE_SOURCE_DIR}/src/${folder} ${root}/${folder} SYMBOLIC)
     endif()
 
@@ -24,8 +25,11 @@ function(velmor_target name folder)
     elseif(arg_KIND STREQUAL EXECUTABLE)
         add_executable(${name} ${arg_SOURCES})
     else()
-        file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp)
-        add_library(${name} STATIC ${sources})
+        if(NOT arg_SOURCES)
+            file(GLOB_RECURSE arg_SOURCES CONFIGURE_DEPENDS
+                ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp)
+        endif()
+        add_library(${name} STATIC ${arg_SOURCES})
     endif()
     target_include_directories(${name} ${scope} ${root})
     target_link_libraries(${name} ${scope} ${arg_USES})

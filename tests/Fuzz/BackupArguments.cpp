@@ -1,7 +1,8 @@
-#include "CommandLine.h"
 #include "Fuzz/Fuzz.h"
+#include "Tools/velmorquit-tmutil/CommandLine.h"
 
 using namespace velmorquit;
+using namespace velmorquit::tmutil;
 
 /// The words behind velmorquit-tmutil, a line each.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

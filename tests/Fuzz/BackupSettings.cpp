@@ -1,9 +1,10 @@
 #include "Fuzz/Fuzz.h"
 #include "Language/LocaleFormats.h"
-#include "Settings.h"
-#include "Stamp.h"
+#include "Tools/velmorquit-tmutil/Settings.h"
+#include "Tools/velmorquit-tmutil/Stamp.h"
 
 using namespace velmorquit;
+using namespace velmorquit::tmutil;
 
 /// The file of destinations, which a person or another program may have changed.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,8 +1,9 @@
 #include "Fuzz/Fuzz.h"
-#include "ResticAnswers.h"
-#include "ResticReport.h"
+#include "Tools/velmorquit-tmutil/ResticAnswers.h"
+#include "Tools/velmorquit-tmutil/ResticReport.h"
 
 using namespace velmorquit;
+using namespace velmorquit::tmutil;
 
 /// What restic prints, as reports line by line and as an answer as a whole.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -26,7 +26,7 @@
 
 #include <unistd.h>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace fs = std::filesystem;
 
@@ -250,4 +250,4 @@ ExitStatus backUpInBackground() {
     return ExitStatus::success;
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -8,7 +8,7 @@
 #include <functional>
 #include <map>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace {
 
@@ -159,4 +159,4 @@ Outcome<CommandLine> parseCommandLine(std::vector<std::string> arguments) {
     return line;
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

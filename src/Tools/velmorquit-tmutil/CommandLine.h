@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// Exit statuses of velmorquit-tmutil.
 enum class ExitStatus {
@@ -47,4 +47,4 @@ struct CommandLine {
 /// Reads the arguments, the program's name left out.
 [[nodiscard]] Outcome<CommandLine> parseCommandLine(std::vector<std::string> arguments);
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

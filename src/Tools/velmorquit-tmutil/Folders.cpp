@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace velmorquit::Folders {
+namespace velmorquit::tmutil::Folders {
 
 namespace fs = std::filesystem;
 
@@ -42,4 +42,4 @@ fs::path state() {
     return folderIn("HOME") / ".local/state/velmorquit";
 }
 
-} // namespace velmorquit::Folders
+} // namespace velmorquit::tmutil::Folders

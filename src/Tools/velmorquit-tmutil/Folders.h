@@ -3,7 +3,7 @@
 #include <filesystem>
 
 /// Where the tool keeps what it knows.
-namespace velmorquit::Folders {
+namespace velmorquit::tmutil::Folders {
 
 /// What must outlast everything: destinations and passwords.
 [[nodiscard]] std::filesystem::path configuration();
@@ -15,4 +15,4 @@ namespace velmorquit::Folders {
 /// Logs: `$XDG_STATE_HOME/velmorquit`.
 [[nodiscard]] std::filesystem::path state();
 
-} // namespace velmorquit::Folders
+} // namespace velmorquit::tmutil::Folders

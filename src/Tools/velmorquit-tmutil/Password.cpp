@@ -17,7 +17,7 @@
 #include <termios.h>
 #include <unistd.h>
 
-namespace velmorquit::Password {
+namespace velmorquit::tmutil::Password {
 
 namespace fs = std::filesystem;
 
@@ -118,4 +118,4 @@ Outcome<fs::path> keep(const std::string& password) {
     return file;
 }
 
-} // namespace velmorquit::Password
+} // namespace velmorquit::tmutil::Password

@@ -8,7 +8,7 @@
 
 /// Passwords of repositories. They are in files of the owner's alone, never in arguments, the
 /// environment or a log.
-namespace velmorquit::Password {
+namespace velmorquit::tmutil::Password {
 
 /// A new one that nobody can guess, of letters and digits that can't be taken for each other.
 [[nodiscard]] std::string make();
@@ -23,4 +23,4 @@ namespace velmorquit::Password {
 /// Keeps it in a new file; gives its path.
 [[nodiscard]] Outcome<std::filesystem::path> keep(const std::string& password);
 
-} // namespace velmorquit::Password
+} // namespace velmorquit::tmutil::Password

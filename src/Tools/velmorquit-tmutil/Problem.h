@@ -5,7 +5,7 @@
 #include <utility>
 #include <variant>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// Why something could not be done.
 struct Problem {
@@ -20,4 +20,4 @@ template <class Type> [[nodiscard]] const Problem* problemOf(const Outcome<Type>
     return std::get_if<Problem>(&outcome);
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -15,7 +15,7 @@
 
 #include <unistd.h>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace fs = std::filesystem;
 
@@ -271,4 +271,4 @@ ExitStatus checkDestinations(const CommandLine& line, Restic& restic) {
     return status;
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

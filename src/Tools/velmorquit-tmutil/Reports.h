@@ -4,7 +4,7 @@
 #include "Platform/Formats.h"
 #include "Repository.h"
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// The property list of `status -X`. Quick: restic isn't asked.
 void printStatusList();
@@ -34,4 +34,4 @@ void printStatusList();
 [[nodiscard]] Outcome<std::vector<Snapshot>> snapshotsIn(const Destination& destination,
                                                          Restic& restic);
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -15,7 +15,7 @@
 
 #include <unistd.h>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace fs = std::filesystem;
 
@@ -165,4 +165,4 @@ void Repository::removeStaleLocks() const {
         static_cast<void>(run({"unlock"}));
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

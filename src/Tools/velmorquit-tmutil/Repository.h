@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// A restic repository in a folder.
 class Repository {
@@ -61,4 +61,4 @@ private:
 /// The name of this computer.
 [[nodiscard]] std::string hostName();
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -14,7 +14,7 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace {
 
@@ -177,4 +177,4 @@ ResticEnd Restic::run(const std::vector<std::string>& arguments, const Listeners
     return end;
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// Remembers that somebody wants the tool to end: Ctrl+C, or a stop from elsewhere.
 class Interruption {
@@ -68,4 +68,4 @@ private:
     qint64 process_ = 0;
 };
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -9,7 +9,7 @@
 
 #include <algorithm>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace {
 
@@ -80,4 +80,4 @@ std::int64_t ResticAnswers::seconds(const QString& time) {
     return read.isValid() ? read.toSecsSinceEpoch() : 0;
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

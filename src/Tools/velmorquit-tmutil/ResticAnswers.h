@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// A backup as the repository has it.
 struct Snapshot {
@@ -37,4 +37,4 @@ inline constexpr const char* tag = "velmorquit";
 [[nodiscard]] std::int64_t seconds(const QString& time);
 
 } // namespace ResticAnswers
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace {
 
@@ -39,4 +39,4 @@ void ResticReport::hear(std::string_view line) {
     }
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

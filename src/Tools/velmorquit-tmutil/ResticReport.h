@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// What `restic backup --json` tells line by line.
 class ResticReport {
@@ -36,4 +36,4 @@ private:
     std::uint64_t added_ = 0;
 };
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

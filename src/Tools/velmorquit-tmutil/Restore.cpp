@@ -9,7 +9,7 @@
 
 #include <sys/stat.h>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace fs = std::filesystem;
 
@@ -150,4 +150,4 @@ ExitStatus restore(const CommandLine& line, Restic& restic) {
     return ExitStatus::success;
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

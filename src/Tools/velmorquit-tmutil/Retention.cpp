@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace velmorquit::Retention {
+namespace velmorquit::tmutil::Retention {
 
 namespace {
 
@@ -16,7 +16,7 @@ bool isAmong(const std::vector<std::string>& ids, const std::string& beginning) 
 
 } // namespace
 
-std::optional<Problem> apply(const Repository& repository, const Destination& destination) {
+std::vector<std::string> arguments(const Destination& destination) {
     std::vector<std::string> arguments{"forget", "--json", "--prune",
                                        std::string("--tag=") + Repository::tag,
                                        "--host=" + destination.host};
@@ -31,15 +31,21 @@ std::optional<Problem> apply(const Repository& repository, const Destination& de
     add("--keep-daily=", destination.keep.daily);
     add("--keep-weekly=", destination.keep.weekly);
     add("--keep-monthly=", destination.keep.monthly);
-    const ResticEnd end = repository.run(std::move(arguments));
+    return arguments;
+}
+
+void strike(Destination& recorded, const std::vector<std::string>& removed) {
+    std::erase_if(recorded.snapshots,
+                  [&](const SnapshotRecord& snapshot) { return isAmong(removed, snapshot.id); });
+}
+
+std::optional<Problem> apply(const Repository& repository, const Destination& destination) {
+    const ResticEnd end = repository.run(arguments(destination));
     const auto removed = ResticAnswers::removed(end.output);
     // Also when clearing up after that has failed: they are gone.
-    const auto problem = Settings::change(destination.id, [&](Destination& recorded) {
-        std::erase_if(recorded.snapshots, [&](const SnapshotRecord& snapshot) {
-            return isAmong(removed, snapshot.id);
-        });
-    });
+    const auto problem =
+        Settings::change(destination.id, [&](Destination& recorded) { strike(recorded, removed); });
     return end.isGood() ? problem : repository.problem(end);
 }
 
-} // namespace velmorquit::Retention
+} // namespace velmorquit::tmutil::Retention

@@ -17,7 +17,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace fs = std::filesystem;
 
@@ -117,4 +117,4 @@ RunningBackup::Stop RunningBackup::stop() {
     return hasEnded(opened, std::chrono::minutes(1)) ? Stop::stopped : Stop::stillRunning;
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

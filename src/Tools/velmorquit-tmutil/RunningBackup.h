@@ -6,7 +6,7 @@
 
 #include <sys/types.h>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// The backup that is under way, as every process of the user can see it: a lock that ends with the
 /// process that has it, and beside it how far that one is.
@@ -40,4 +40,4 @@ private:
     std::optional<double> published_;
 };
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

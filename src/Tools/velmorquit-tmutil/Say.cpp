@@ -4,7 +4,7 @@
 
 #include <iostream>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 void say(const std::string& line) { std::cout << shownLines(line) << std::endl; }
 
@@ -19,4 +19,4 @@ ExitStatus fail(const Problem& problem) {
     return ExitStatus::failure;
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// Writes one or more lines to standard output at once, as a terminal may show them.
 void say(const std::string& line);
@@ -16,4 +16,4 @@ void warn(const std::string& line);
 /// Says what is wrong on standard error, and gives the status for that.
 [[nodiscard]] ExitStatus fail(const Problem& problem);
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -13,7 +13,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace fs = std::filesystem;
 
@@ -199,4 +199,4 @@ std::optional<Problem> Settings::change(const std::string& id,
     });
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// How many backups are kept; 0 for a rule that isn't there.
 struct KeepRules {
@@ -69,4 +69,4 @@ change(const std::function<void(std::vector<Destination>&)>& edit);
 
 } // namespace Settings
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -13,7 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace fs = std::filesystem;
 
@@ -242,4 +242,4 @@ ExitStatus setUp(const CommandLine& line, Restic& restic) {
     return establish(line, std::move(destination), found, restic);
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-namespace velmorquit::Sources {
+namespace velmorquit::tmutil::Sources {
 
 namespace fs = std::filesystem;
 
@@ -88,4 +88,4 @@ std::vector<std::string> excludes(const Destination& destination,
     return patterns;
 }
 
-} // namespace velmorquit::Sources
+} // namespace velmorquit::tmutil::Sources

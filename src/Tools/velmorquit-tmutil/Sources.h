@@ -7,7 +7,7 @@
 #include <vector>
 
 /// What is backed up, and what is left out of it.
-namespace velmorquit::Sources {
+namespace velmorquit::tmutil::Sources {
 
 /// The folders themselves, the home folder where none is named. A problem when one isn't there, or
 /// lies in the place for backups.
@@ -19,4 +19,4 @@ namespace velmorquit::Sources {
 [[nodiscard]] std::vector<std::string> excludes(const Destination& destination,
                                                 const std::vector<Destination>& all);
 
-} // namespace velmorquit::Sources
+} // namespace velmorquit::tmutil::Sources

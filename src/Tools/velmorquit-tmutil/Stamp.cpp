@@ -4,7 +4,7 @@
 
 #include <chrono>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 std::string stampOf(WallTime date) {
     return LocalTime::at(date).toString(QStringLiteral("yyyy-MM-dd-HHmmss")).toStdString();
@@ -19,4 +19,4 @@ WallTime wholeSecondFromNow() {
     return WallTime(std::chrono::ceil<std::chrono::seconds>(std::chrono::system_clock::now()));
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// A date as the name of a backup, "2026-03-02-081500", by the user's clock.
 [[nodiscard]] std::string stampOf(WallTime date);
@@ -15,4 +15,4 @@ namespace velmorquit {
 /// The first whole second that isn't over.
 [[nodiscard]] WallTime wholeSecondFromNow();
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

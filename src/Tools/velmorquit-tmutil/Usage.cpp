@@ -4,7 +4,7 @@
 
 #include <map>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 namespace {
 
@@ -154,4 +154,4 @@ std::string usage(const std::string& command) {
     return page == pages().end() ? usage() : localized(page->second);
 }
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace velmorquit {
+namespace velmorquit::tmutil {
 
 /// How velmorquit-tmutil is used, in short.
 [[nodiscard]] std::string usage();
@@ -10,4 +10,4 @@ namespace velmorquit {
 /// All about a command; the short form for one that isn't known.
 [[nodiscard]] std::string usage(const std::string& command);
 
-} // namespace velmorquit
+} // namespace velmorquit::tmutil
