@@ -175,11 +175,13 @@ void PanelPopover::open(const std::optional<ScreenRect>& anchor) {
     presses_ = face_.windows.observePresses([this] { hearPress(); });
 }
 
-// Only now the window manager has it among its windows: before, it couldn't bring it to the front.
+// Only now the window manager has it among its windows: before, it couldn't bring it to the front,
+// and didn't hear which part of it takes presses, so that its frame around the window took all.
 void PanelPopover::noteDrawn() {
     if (std::exchange(isDrawn_, true))
         return;
     activation_ = loop_.after(0ms, [this] {
+        limitInput();
         face_.windows.keepOffLists(window_->winId());
         if (!isAside_)
             takeKeyboard();
