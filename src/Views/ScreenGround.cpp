@@ -31,8 +31,7 @@ bool isInPanel(const QPoint& place) {
 
 std::optional<bool> isDark(const QRect& place) {
     QScreen* screen = QGuiApplication::screenAt(place.center());
-    // On a Wayland desktop an X server shows nothing but windows of its own.
-    if (!screen || place.isEmpty() || qEnvironmentVariableIsSet("WAYLAND_DISPLAY"))
+    if (!screen || place.isEmpty())
         return std::nullopt;
     const QPoint corner = place.topLeft() - screen->geometry().topLeft();
     const QImage seen = screen->grabWindow(0, corner.x(), corner.y(), place.width(), place.height())

@@ -24,9 +24,6 @@ constexpr std::chrono::milliseconds lastLook{800};
 /// Around the pointer at a click: within the smallest icon.
 constexpr int lookReach = 8;
 
-/// Plasma paints icons that it knows by name in the colours of its panel, whichever it has.
-bool panelTints() { return qgetenv("XDG_CURRENT_DESKTOP").split(':').contains("KDE"); }
-
 QString installedName() {
     const QString name = MenuBarIcon::themedName();
     const QString file = QStringLiteral("icons/hicolor/symbolic/apps/%1.svg").arg(name);
@@ -83,10 +80,9 @@ void TrayItem::remake() {
     lookLater();
 }
 
-// On a Wayland desktop the pointer is known only while it is over one of the X server's windows,
-// and a panel is none.
+// Where the pointer is known only over some windows, a panel is none of those.
 void TrayItem::noteClick() {
-    if (!qEnvironmentVariableIsSet("WAYLAND_DISPLAY") || ScreenGround::isInPanel(QCursor::pos()))
+    if (face_.traits.isPointerKnown || ScreenGround::isInPanel(QCursor::pos()))
         clickedAt_ = QCursor::pos();
 }
 
@@ -175,6 +171,8 @@ QRect TrayItem::ground() const {
 }
 
 void TrayItem::look() {
+    if (!face_.traits.isScreenReadable)
+        return;
     const auto isDark = ScreenGround::isDark(ground());
     if (!isDark || isGroundDark_ == isDark)
         return;
@@ -185,13 +183,13 @@ void TrayItem::look() {
 bool TrayItem::isPanelDark() const {
     if (isGroundDark_)
         return *isGroundDark_;
-    // Its panel goes with the rest of the desktop; those of the others are mostly dark whatever
-    // the rest is.
-    return panelTints() ? face_.appearance.isDark() : true;
+    // A panel that tints icons goes with the rest of the desktop; the others are mostly dark
+    // whatever the rest is.
+    return face_.traits.tintsNamedIcons ? face_.appearance.isDark() : true;
 }
 
 void TrayItem::paint() {
-    const QString name = panelTints() ? installedName() : QString();
+    const QString name = face_.traits.tintsNamedIcons ? installedName() : QString();
     const QIcon drawn = MenuBarIcon::icon(isPanelDark() ? Qt::white : Qt::black, name);
     if (embedded_)
         embedded_->setIcon(drawn);
