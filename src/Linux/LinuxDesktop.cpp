@@ -17,6 +17,7 @@
 #include "Linux/Program/InstalledBackupTool.h"
 #include "Linux/QtMainLoop.h"
 #include "Linux/QtProgram.h"
+#include "Linux/QtScreens.h"
 #include "Linux/Session/BusEndService.h"
 #include "Linux/Session/BusSessionRegistry.h"
 #include "Linux/Session/BusSleepHolds.h"
@@ -123,7 +124,7 @@ struct LinuxDesktop::Services {
 /// What the program shows, and what its windows ask of the desktop.
 struct LinuxDesktop::Face {
     Face(MainLoop& loop, const QDBusConnection& noticeBus, const WindowSources& sources)
-        : schedule(noticeBus), answers(noticeBus), end(noticeBus), run(noticeBus),
+        : schedule(noticeBus), answers(noticeBus), end(noticeBus), run(noticeBus), screens(loop),
           appearance(bus, sources.settings), trayHosts(loop, bus, sources.tray) {}
 
     QDBusConnection bus = QDBusConnection::sessionBus();
@@ -131,6 +132,7 @@ struct LinuxDesktop::Face {
     BusNotice answers;
     BusNotice end;
     BusNotice run;
+    QtScreens screens;
     DesktopAppearance appearance;
     DesktopTrayHosts trayHosts;
 };
@@ -178,6 +180,7 @@ Desktop LinuxDesktop::ports(const Formats& formats, LoginWindow& loginWindow) {
 
 DesktopFace LinuxDesktop::face() {
     return {.windows = *sources_.own,
+            .screens = face_->screens,
             .appearance = face_->appearance,
             .trayHosts = face_->trayHosts,
             .traits = traitsOf(SessionEnvironment::ofThisProcess())};

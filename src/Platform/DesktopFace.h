@@ -5,6 +5,7 @@
 namespace velmorquit {
 
 class Appearance;
+class Screens;
 class TrayHosts;
 class WindowSystem;
 
@@ -12,6 +13,7 @@ class WindowSystem;
 /// is handed it.
 struct DesktopFace {
     WindowSystem& windows;
+    const Screens& screens;
     const Appearance& appearance;
     const TrayHosts& trayHosts;
     DesktopTraits traits;

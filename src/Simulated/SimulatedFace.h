@@ -3,11 +3,13 @@
 #include "Loop/Subscribers.h"
 #include "Platform/Appearance.h"
 #include "Platform/DesktopFace.h"
+#include "Platform/Screens.h"
 #include "Platform/TrayHosts.h"
 #include "Platform/WindowSystem.h"
 
 #include <functional>
 #include <utility>
+#include <vector>
 
 namespace velmorquit {
 
@@ -38,6 +40,31 @@ public:
 private:
     Subscribers compositors_;
     Subscribers presses_;
+};
+
+/// One screen, until it is told otherwise. What it is told is counted as the toolkit does.
+class SimulatedScreens final : public Screens {
+public:
+    [[nodiscard]] std::vector<Screen> all() const override { return screens_; }
+    [[nodiscard]] ScreenPoint pointer() const override { return turned(pointer_); }
+    [[nodiscard]] Handle observe(std::function<void()> changed) const override {
+        return observers_.add(std::move(changed));
+    }
+
+    void set(const std::vector<Screen>& screens) {
+        screens_.clear();
+        for (const Screen& screen : screens)
+            screens_.push_back({turned(screen.frame), turned(screen.usable)});
+        observers_.tell();
+    }
+    void point(ScreenPoint place) { pointer_ = place; }
+
+private:
+    static constexpr ScreenRect usual{0, 0, 800, 800};
+
+    std::vector<Screen> screens_{{turned(usual), turned(usual)}};
+    ScreenPoint pointer_;
+    mutable Subscribers observers_;
 };
 
 class SimulatedAppearance final : public Appearance {
@@ -81,13 +108,17 @@ private:
 /// The parts of a simulated desktop that the program's own windows see.
 struct SimulatedFace {
     SimulatedWindowSystem windows;
+    SimulatedScreens screens;
     SimulatedAppearance appearance;
     SimulatedTrayHosts trayHosts;
     DesktopTraits traits;
 
     [[nodiscard]] DesktopFace ports() {
-        return {
-            .windows = windows, .appearance = appearance, .trayHosts = trayHosts, .traits = traits};
+        return {.windows = windows,
+                .screens = screens,
+                .appearance = appearance,
+                .trayHosts = trayHosts,
+                .traits = traits};
     }
 };
 

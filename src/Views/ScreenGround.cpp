@@ -1,32 +1,47 @@
 #include "Views/ScreenGround.h"
 
+#include "Platform/Screens.h"
+
 #include <QGuiApplication>
 #include <QImage>
 #include <QPixmap>
 #include <QScreen>
 
 #include <algorithm>
+#include <vector>
 
 namespace velmorquit::ScreenGround {
+namespace {
 
-QRect panel() {
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    if (!screen)
-        return {};
-    const QRect all = screen->geometry();
-    const QRect free = screen->availableGeometry();
-    if (free.top() > all.top())
-        return {all.topLeft(), QSize(all.width(), free.top() - all.top())};
-    if (free.bottom() < all.bottom())
-        return {QPoint(all.left(), free.bottom() + 1), all.bottomRight()};
-    if (free.left() > all.left())
-        return {all.topLeft(), QSize(free.left() - all.left(), all.height())};
-    return {QPoint(free.right() + 1, all.top()), all.bottomRight()};
+QRect onScreen(const ScreenRect& counted) {
+    const ScreenRect area = turned(counted);
+    return {area.x, area.y, area.width, area.height};
 }
 
-bool isInPanel(const QPoint& place) {
-    const QScreen* screen = QGuiApplication::screenAt(place);
-    return screen && !screen->availableGeometry().contains(place);
+} // namespace
+
+QRect panel(const Screens& screens) {
+    const std::vector<Screen> all = screens.all();
+    if (all.empty())
+        return {};
+    const QRect whole = onScreen(all.front().frame);
+    const QRect free = onScreen(all.front().usable);
+    if (free.top() > whole.top())
+        return {whole.topLeft(), QSize(whole.width(), free.top() - whole.top())};
+    if (free.bottom() < whole.bottom())
+        return {QPoint(whole.left(), free.bottom() + 1), whole.bottomRight()};
+    if (free.left() > whole.left())
+        return {whole.topLeft(), QSize(free.left() - whole.left(), whole.height())};
+    return {QPoint(free.right() + 1, whole.top()), whole.bottomRight()};
+}
+
+std::optional<QPoint> pointerInPanel(const Screens& screens) {
+    const ScreenPoint place = turned(screens.pointer());
+    const Screen screen = screens.at(screens.pointer());
+    const QPoint pointer(place.x, place.y);
+    const bool isInPanel =
+        onScreen(screen.frame).contains(pointer) && !onScreen(screen.usable).contains(pointer);
+    return isInPanel ? std::optional(pointer) : std::nullopt;
 }
 
 std::optional<bool> isDark(const QRect& place) {

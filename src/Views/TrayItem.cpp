@@ -1,13 +1,12 @@
 #include "Views/TrayItem.h"
 
 #include "Platform/Appearance.h"
+#include "Platform/Screens.h"
 #include "Platform/TrayHosts.h"
 #include "Views/MenuBarIcon.h"
 #include "Views/ScreenGround.h"
 
-#include <QCursor>
 #include <QGuiApplication>
-#include <QScreen>
 #include <QStandardPaths>
 
 #include <chrono>
@@ -82,14 +81,16 @@ void TrayItem::remake() {
 
 // Where the pointer is known only over some windows, a panel is none of those.
 void TrayItem::noteClick() {
-    if (face_.traits.isPointerKnown || ScreenGround::isInPanel(QCursor::pos()))
-        clickedAt_ = QCursor::pos();
+    if (face_.traits.isPointerKnown)
+        clickedAt_ = pointer();
+    else
+        noteMenu();
 }
 
 // Some panels ask for the menu before anybody has clicked.
 void TrayItem::noteMenu() {
-    if (ScreenGround::isInPanel(QCursor::pos()))
-        clickedAt_ = QCursor::pos();
+    if (const auto place = ScreenGround::pointerInPanel(face_.screens))
+        clickedAt_ = place;
 }
 
 void TrayItem::hear(QSystemTrayIcon::ActivationReason reason) {
@@ -107,6 +108,11 @@ void TrayItem::hear(QSystemTrayIcon::ActivationReason reason) {
     const bool isControlHeld =
         QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ControlModifier);
     onClick({.button = isRight ? Button::right : Button::left, .isControlHeld = isControlHeld});
+}
+
+QPoint TrayItem::pointer() const {
+    const ScreenPoint place = turned(face_.screens.pointer());
+    return {place.x, place.y};
 }
 
 void TrayItem::choose(const QuickMenuEntry& entry) {
@@ -135,12 +141,14 @@ void TrayItem::popUp(const QuickMenu& menu) {
     QObject::connect(open_.get(), &QMenu::aboutToHide, open_.get(), [this] { closeMenu(); });
     const auto place = frame();
     if (!place) {
-        open_->popup(QCursor::pos());
+        open_->popup(pointer());
         return;
     }
     const QRect icon(place->x, place->y, place->width, place->height);
-    const QScreen* screen = QGuiApplication::screenAt(icon.center());
-    const bool hangs = !screen || icon.center().y() <= screen->geometry().center().y();
+    const QPoint middle = icon.center();
+    const ScreenRect screen =
+        turned(face_.screens.at(turned(ScreenPoint{middle.x(), middle.y()})).frame);
+    const bool hangs = middle.y() <= screen.y + screen.height / 2;
     open_->popup(hangs ? icon.bottomLeft() + QPoint(0, 1)
                        : icon.topLeft() - QPoint(0, open_->sizeHint().height()));
 }
@@ -166,7 +174,7 @@ QRect TrayItem::ground() const {
     if (place.isValid() || (!icon_ && !embedded_))
         return place;
     if (!clickedAt_)
-        return ScreenGround::panel();
+        return ScreenGround::panel(face_.screens);
     return QRect(*clickedAt_, QSize(1, 1)).adjusted(-lookReach, -lookReach, lookReach, lookReach);
 }
 

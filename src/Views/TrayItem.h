@@ -37,6 +37,7 @@ private:
     void choose(const QuickMenuEntry& entry);
     void closeMenu();
 
+    [[nodiscard]] QPoint pointer() const;
     [[nodiscard]] QRect geometry() const;
     [[nodiscard]] QRect ground() const;
     void lookLater();

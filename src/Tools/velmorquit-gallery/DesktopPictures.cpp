@@ -34,7 +34,7 @@ std::vector<Picture> desktopPictures() {
         {"panel-large-type", largeType},
         {"panel-high-contrast", highContrast},
         {"panel-no-compositor", withoutCompositor},
-        {"panel-low-screen", lowScreen, Screens::Kind::low},
+        {"panel-low-screen", lowScreen, StageScreens::Kind::low},
     };
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Screens.h"
+#include "StageScreens.h"
 
 #include <string>
 #include <vector>
@@ -13,7 +13,7 @@ class Stage;
 struct Picture {
     std::string name;
     void (*stage)(Stage& stage);
-    Screens::Kind screen = Screens::Kind::ordinary;
+    StageScreens::Kind screen = StageScreens::Kind::ordinary;
 };
 
 /// All there are.

@@ -48,7 +48,8 @@ Stage::Stage(const Setting& setting) : setting_(setting), font_(QApplication::fo
     DemoApps::install(desktop);
     // What moves would be somewhere else every time.
     face.appearance.motionReduced = true;
-    const ScreenRect screen = Screens::area(setting.screen, setting.scale);
+    const ScreenRect screen = StageScreens::area(setting.screen, setting.scale);
+    face.screens.set({{screen, screen}});
     QCursor::setPos(screen.x, screen.y + screen.height - 1);
 }
 
@@ -108,14 +109,14 @@ void Stage::openPanel() {
     };
     popover_ =
         std::make_unique<PanelPopover>(desktop.loop, face.ports(), makePanel, [] { return true; });
-    const ScreenRect screen = Screens::area(setting_.screen, setting_.scale);
+    const ScreenRect screen = StageScreens::area(setting_.screen, setting_.scale);
     constexpr int side = 24;
     popover_->show(ScreenRect{screen.x + screen.width / 2, screen.y, side, side});
     settle();
 }
 
 QPoint Stage::middle() const {
-    const ScreenRect screen = Screens::area(setting_.screen, setting_.scale);
+    const ScreenRect screen = StageScreens::area(setting_.screen, setting_.scale);
     return {screen.x + screen.width / 3, screen.y + screen.height / 4};
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/Formats.h"
-#include "Screens.h"
+#include "StageScreens.h"
 #include "Services/Actions/ActionRunner.h"
 #include "Services/AppUpdater.h"
 #include "Services/QuitController/QuitController.h"
@@ -29,7 +29,7 @@ public:
     struct Setting {
         Language language;
         const Formats& formats;
-        Screens::Kind screen;
+        StageScreens::Kind screen;
         int scale;
     };
 

@@ -1,9 +1,9 @@
 #include "CommandLine.h"
 #include "Language/InstalledLanguage.h"
 #include "Pictures.h"
-#include "Screens.h"
 #include "Sheet.h"
 #include "Stage.h"
+#include "StageScreens.h"
 
 #include <QApplication>
 #include <QDir>
@@ -147,7 +147,7 @@ ExitStatus run() {
 
 int main(int argc, char** argv) {
     velmorquit::forgetTheUser();
-    velmorquit::Screens::prepare();
+    velmorquit::StageScreens::prepare();
     velmorquit::usualHandler = qInstallMessageHandler(velmorquit::hear);
     const QApplication application(argc, argv);
     return velmorquit::run();

@@ -1,4 +1,4 @@
-#include "Screens.h"
+#include "StageScreens.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -7,7 +7,7 @@
 
 #include <array>
 
-namespace velmorquit::Screens {
+namespace velmorquit::StageScreens {
 namespace {
 
 struct Screen {
@@ -61,4 +61,4 @@ ScreenRect area(Kind kind, int scale) {
     return screens.front().area;
 }
 
-} // namespace velmorquit::Screens
+} // namespace velmorquit::StageScreens

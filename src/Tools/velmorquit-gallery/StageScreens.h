@@ -3,7 +3,7 @@
 #include "Platform/ScreenRect.h"
 
 /// The screens of the platform on which pictures are made: nobody sees them.
-namespace velmorquit::Screens {
+namespace velmorquit::StageScreens {
 
 enum class Kind {
     ordinary, ///< high enough for all that is drawn
@@ -16,4 +16,4 @@ void prepare();
 /// Where the one of that kind and scale is.
 [[nodiscard]] ScreenRect area(Kind kind, int scale);
 
-} // namespace velmorquit::Screens
+} // namespace velmorquit::StageScreens
