@@ -6,6 +6,7 @@
 #include "Services/QuitController/QuitController.h"
 #include "Simulated/SimulatedDesktop.h"
 #include "Simulated/SimulatedFace.h"
+#include "Theme/LookOwner.h"
 #include "Views/PanelPopover.h"
 #include "Views/PanelView.h"
 
@@ -36,7 +37,7 @@ public:
 
     [[nodiscard]] std::unique_ptr<PanelPopover> makePopover() {
         return std::make_unique<PanelPopover>(
-            desktop.loop, face.ports(),
+            PanelPopover::Surroundings{desktop.loop, face.ports(), looks},
             [this] {
                 return std::make_unique<PanelView>(*controller, *updater, desktop.ports(),
                                                    SettingsButton::Actions());
@@ -46,6 +47,7 @@ public:
 
     SimulatedDesktop desktop;
     SimulatedFace face;
+    LookOwner looks{face.appearance};
     std::vector<SimulatedApplication*> apps;
     std::unique_ptr<QuitController> controller;
     std::unique_ptr<AppUpdater> updater;

@@ -16,9 +16,9 @@ AppDelegate::AppDelegate(const Desktop& desktop, const DesktopFace& face, const 
       scheduleNotice_(controller_, notices.schedule, desktop.formats),
       endNotice_(desktop.loop, desktop.loginWindow, notices.end),
       runNotice_(controller_, notices.run, desktop.formats), trayItem_(face),
-      popover_(
-          desktop.loop, face, [this] { return makePanel(); },
-          [this] { return controller_.isRunning(); }),
+      looks_(face.appearance), popover_(
+                                   {desktop.loop, face, looks_}, [this] { return makePanel(); },
+                                   [this] { return controller_.isRunning(); }),
       menuBarItem_({controller_, updater_, trayItem_, popover_}, desktop) {
     actions_.setController(&controller_);
     endNotice_.onCancel = [this] { controller_.cancelPowerAction(); };

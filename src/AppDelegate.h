@@ -11,6 +11,7 @@
 #include "Services/RunNotice.h"
 #include "Services/ScheduleNotice.h"
 #include "Services/SessionEnd/EndNotice.h"
+#include "Theme/LookOwner.h"
 #include "Views/ConfirmDialog.h"
 #include "Views/PanelPopover.h"
 #include "Views/TrayItem.h"
@@ -59,6 +60,7 @@ private:
     ConfirmDialog callerDialog_;
     std::optional<Uptime> callerAgreedAt_;
     TrayItem trayItem_;
+    LookOwner looks_;
     PanelPopover popover_;
     MenuBarItem menuBarItem_;
 };

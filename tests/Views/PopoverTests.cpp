@@ -1,3 +1,4 @@
+#include "Theme/LookOwner.h"
 #include "Views/PanelPopover.h"
 #include "Views/PanelStory.h"
 #include "Views/PopoverPlace.h"
@@ -16,7 +17,7 @@ protected:
         controller = std::make_unique<QuitController>(desktop.ports());
         updater = std::make_unique<AppUpdater>(desktop.loop);
         popover = std::make_unique<PanelPopover>(
-            desktop.loop, face.ports(),
+            PanelPopover::Surroundings{desktop.loop, face.ports(), looks},
             [this] {
                 ++panelsMade;
                 return std::make_unique<PanelView>(*controller, *updater, desktop.ports(),
@@ -39,12 +40,13 @@ protected:
     }
 
     void pressAt(const QPoint& place) {
-        QCursor::setPos(place);
+        face.screens.point({place.x(), place.y()});
         face.windows.press();
     }
 
     int panelsMade = 0;
     int closings = 0;
+    LookOwner looks{face.appearance};
     std::unique_ptr<PanelPopover> popover;
 };
 
@@ -137,6 +139,25 @@ TEST_F(PopoverTest, GrowsWithWhatItShowsAndStaysOnTheScreen) {
     EXPECT_EQ(window()->width(), PanelView::width);
     EXPECT_FALSE(window()->mask().isEmpty());
     EXPECT_FALSE(window()->mask().contains(QPoint(0, 0)));
+}
+
+TEST_F(PopoverTest, FindsItsPlaceAgainOnOtherScreens) {
+    const ScreenRect icon{700, 0, 24, 24};
+    popover->show(icon);
+    const QSize size = window()->size();
+    EXPECT_EQ(window()->geometry().right() - 48, 800 - 8 - 1);
+    face.screens.set({{{0, 0, 1280, 800}, {0, 60, 1280, 740}}});
+    EXPECT_EQ(window()->geometry(), QRect(QPoint(712 - 180 - 48, 60 + 8 - 48), size));
+    popover->close();
+    face.screens.set({{{0, 0, 800, 800}, {0, 0, 800, 800}}});
+    EXPECT_EQ(window()->y(), 60 + 8 - 48) << "nobody sees it";
+}
+
+// A window manager has heard of it only when it is on the screen.
+TEST_F(PopoverTest, SaysWhereItTakesPressesOnceItIsOnTheScreen) {
+    popover->show(std::nullopt);
+    face.windows.inputArea = {};
+    EXPECT_TRUE(waitUntil([this] { return face.windows.inputArea.width == PanelView::width; }));
 }
 
 TEST_F(PopoverTest, ComesToRest) {

@@ -2,7 +2,6 @@
 
 #include "DemoApps.h"
 #include "Services/MenuBar/QuickMenu.h"
-#include "Theme/AppTheme.h"
 #include "Views/PanelView.h"
 #include "Views/QuickMenuView.h"
 
@@ -58,7 +57,6 @@ Stage::~Stage() {
     window_.reset();
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QApplication::setFont(font_);
-    AppTheme::setLook({});
 }
 
 void Stage::open(const std::vector<std::string>& names) {
@@ -107,8 +105,9 @@ void Stage::openPanel() {
         return std::make_unique<PanelView>(*controller_, updater, desktop.ports(setting_.formats),
                                            SettingsButton::Actions{});
     };
-    popover_ =
-        std::make_unique<PanelPopover>(desktop.loop, face.ports(), makePanel, [] { return true; });
+    popover_ = std::make_unique<PanelPopover>(
+        PanelPopover::Surroundings{desktop.loop, face.ports(), looks_}, makePanel,
+        [] { return true; });
     const ScreenRect screen = StageScreens::area(setting_.screen, setting_.scale);
     constexpr int side = 24;
     popover_->show(ScreenRect{screen.x + screen.width / 2, screen.y, side, side});

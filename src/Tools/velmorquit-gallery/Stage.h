@@ -1,13 +1,14 @@
 #pragma once
 
 #include "Platform/Formats.h"
-#include "StageScreens.h"
 #include "Services/Actions/ActionRunner.h"
 #include "Services/AppUpdater.h"
 #include "Services/QuitController/QuitController.h"
 #include "Simulated/SimulatedDesktop.h"
 #include "Simulated/SimulatedFace.h"
+#include "StageScreens.h"
 #include "Texts/Language.h"
+#include "Theme/LookOwner.h"
 #include "Views/ConfirmDialog.h"
 #include "Views/PanelPopover.h"
 
@@ -83,6 +84,7 @@ private:
     Setting setting_;
     QFont font_;
     std::unique_ptr<QuitController> controller_;
+    LookOwner looks_{face.appearance};
     std::unique_ptr<PanelPopover> popover_;
     ConfirmDialog dialog_;
     std::unique_ptr<ActionRunner> actions_;
