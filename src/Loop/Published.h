@@ -3,28 +3,28 @@
 #include "Loop/Subscribers.h"
 
 #include <functional>
+#include <type_traits>
 #include <utility>
 
 namespace velmorquit {
 
-/// A field whose changes are told to subscribers.
+/// A field whose changes are told to subscribers. Members of `Owner` may write it, and all others
+/// read it; without an owner anybody may write it.
 ///
 /// Telling happens in a later turn of the loop, once for all the changes of one turn, and
 /// subscribers read the value that is current then: nothing is ever called back from within an
 /// assignment.
-template <class T> class Published {
+template <class T, class Owner = void> class Published {
 public:
     explicit Published(MainLoop& loop, T initial = {}) : loop_(loop), value_(std::move(initial)) {}
     Published(const Published&) = delete;
     Published& operator=(const Published&) = delete;
 
     /// A value that equals the present one is stored and told to nobody.
-    Published& operator=(T value) {
-        const bool isChange = !(value_ == value);
-        value_ = std::move(value);
-        if (isChange)
-            subscribers_.tellLater(loop_);
-        return *this;
+    Published& operator=(T value)
+        requires std::is_void_v<Owner>
+    {
+        return write(std::move(value));
     }
 
     [[nodiscard]] const T& get() const { return value_; }
@@ -33,14 +33,30 @@ public:
 
     /// Calls `told` in a later turn for the value there is, then after every change, until the
     /// handle is reset.
-    [[nodiscard]] Handle subscribe(std::function<void()> told) {
+    [[nodiscard]] Handle subscribe(std::function<void()> told) const {
         return subscribers_.addAndTellFirst(loop_, std::move(told));
     }
 
 private:
+    friend Owner;
+
+    Published& operator=(T value)
+        requires(!std::is_void_v<Owner>)
+    {
+        return write(std::move(value));
+    }
+
+    Published& write(T value) {
+        const bool isChange = !(value_ == value);
+        value_ = std::move(value);
+        if (isChange)
+            subscribers_.tellLater(loop_);
+        return *this;
+    }
+
     MainLoop& loop_;
     T value_;
-    Subscribers subscribers_;
+    mutable Subscribers subscribers_;
 };
 
 } // namespace velmorquit

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace velmorquit {
@@ -113,7 +114,10 @@ public:
     /// What a request would come to now, as far as that can be told.
     [[nodiscard]] virtual EndOutlook outlook(LoginRequest request) const = 0;
 
-    Published<EndState> state;
+    Published<EndState, LoginWindow> state;
+
+protected:
+    void become(EndState next) { state = std::move(next); }
 };
 
 } // namespace velmorquit

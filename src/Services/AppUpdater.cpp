@@ -6,4 +6,9 @@ AppUpdater::AppUpdater(MainLoop& loop) : canCheckForUpdates(loop), updateAvailab
 
 void AppUpdater::checkForUpdates() {}
 
+void AppUpdater::publish(const Findings& findings) {
+    canCheckForUpdates = findings.canCheck;
+    updateAvailable = findings.isAvailable;
+}
+
 } // namespace velmorquit

@@ -13,12 +13,20 @@ class AppUpdater {
 public:
     explicit AppUpdater(MainLoop& loop);
 
-    Published<bool> canCheckForUpdates;
-    Published<bool> updateAvailable;
+    Published<bool, AppUpdater> canCheckForUpdates;
+    Published<bool, AppUpdater> updateAvailable;
 
     /// Looks for a newer version and tells the user what was found; nothing happens while
     /// `canCheckForUpdates` is false.
     void checkForUpdates();
+
+protected:
+    struct Findings {
+        bool canCheck = false;
+        bool isAvailable = false;
+    };
+
+    void publish(const Findings& findings);
 };
 
 } // namespace velmorquit

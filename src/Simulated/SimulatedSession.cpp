@@ -26,20 +26,20 @@ std::optional<std::string> SimulatedLoginWindow::request(LoginRequest request,
     log_(word(request) + (terms.attendance == Attendance::unattended ? " unattended" : "") +
          (terms.comesLate ? " late" : ""));
     isWaiting_ = !refusal;
-    state = EndState{};
+    become({});
     if (onRequest)
         onRequest();
     return refusal;
 }
 
 void SimulatedLoginWindow::announce(LoginRequest request) {
-    state = EndState{.stage = EndState::Stage::waiting, .request = request};
+    become({.stage = EndState::Stage::waiting, .request = request});
 }
 
 bool SimulatedLoginWindow::cancel() {
     if (isWaiting_)
         log_("cancel request");
-    state = EndState{};
+    become({});
     return std::exchange(isWaiting_, false);
 }
 

@@ -30,6 +30,8 @@ public:
     bool endAnyway(std::uint64_t list) override;
     [[nodiscard]] EndOutlook outlook(LoginRequest) const override { return expected; }
 
+    using LoginWindow::become;
+
     std::optional<std::string> refusal;
     EndOutlook expected = EndOutlook::direct;
     std::function<void()> onRequest;

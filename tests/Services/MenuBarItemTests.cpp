@@ -1,5 +1,5 @@
-#include "Services/AppUpdater.h"
 #include "Services/ControllerStory.h"
+#include "Services/FindingUpdater.h"
 #include "Services/MenuBar/MenuBarItem.h"
 
 namespace velmorquit {
@@ -87,7 +87,7 @@ protected:
         desktop.startLog();
         return log;
     }
-    AppUpdater updater{desktop.loop};
+    FindingUpdater updater{desktop.loop};
     LoggedIcon icon{desktop};
     LoggedPopover popover{desktop};
     std::unique_ptr<MenuBarItem> item;
@@ -230,7 +230,7 @@ TEST_F(MenuBarStory, TheMenuThatTheDesktopKeepsFollowsWhatItShows) {
     const std::string log = takeLog();
     EXPECT_NE(log.find("keeps Niente da chiudere |"), std::string::npos) << log;
     EXPECT_NE(log.find("| Riapri l'app di prima |"), std::string::npos) << log;
-    updater.canCheckForUpdates = true;
+    updater.publish({.canCheck = true});
     EXPECT_NE(kept(), "");
 }
 

@@ -4,10 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <type_traits>
 #include <vector>
 
 namespace velmorquit {
 namespace {
+
+struct Owner {
+    Published<int, Owner> field;
+};
+static_assert(!std::is_assignable_v<decltype(Owner::field)&, int>, "only its owner may write it");
 
 class PublishedTest : public testing::Test {
 protected:

@@ -1,5 +1,5 @@
-#include "Services/AppUpdater.h"
 #include "Services/ControllerStory.h"
+#include "Services/FindingUpdater.h"
 #include "Services/MenuBar/QuickMenu.h"
 
 namespace velmorquit {
@@ -29,7 +29,7 @@ protected:
     }
     std::string firstLine() { return menu().substr(0, menu().find('\n')); }
 
-    AppUpdater updater{desktop.loop};
+    FindingUpdater updater{desktop.loop};
 };
 
 const std::string powerLines =
@@ -41,7 +41,7 @@ TEST_F(QuickMenuStory, WithNothingOpenStillOffersWhatFollowsARun) {
     EXPECT_EQ(menu(), Lines("(Niente da chiudere) | xmark.circle", "--") + powerLines +
                           Lines("--", "(Controlla aggiornamenti…)", "Apri pannello…",
                                 "Esci da Velmor Quit | Ctrl+Q"));
-    updater.canCheckForUpdates = true;
+    updater.publish({.canCheck = true});
     EXPECT_NE(menu().find("\nControlla aggiornamenti…\n"), std::string::npos);
 }
 

@@ -203,10 +203,10 @@ TEST_F(CardTest, WhatStaysIsPassedOverOnlyByASecondPressThatCanBeMeant) {
     start();
     EXPECT_TRUE(isShown("status"));
     const auto stays = [this](const char* name, std::uint64_t list) {
-        desktop.loginWindow.state = EndState{.stage = EndState::Stage::refused,
-                                             .obstacles = {{EndObstacle::Kind::window, name}},
-                                             .canBeForced = true,
-                                             .list = list};
+        desktop.loginWindow.publish({.stage = EndState::Stage::refused,
+                                     .obstacles = {{EndObstacle::Kind::window, name}},
+                                     .canBeForced = true,
+                                     .list = list});
         settle();
     };
     stays("Nota", 1);

@@ -119,7 +119,7 @@ void SessionEnd::end() {
     awake_.reset();
     pardoned_.clear();
     work_.forget();
-    state = EndState{};
+    become({});
 }
 
 bool SessionEnd::endAnyway(std::uint64_t list) {
@@ -319,7 +319,7 @@ void SessionEnd::publish(EndState::Stage stage, Obstacles obstacles, std::option
                                     (isNaming ? ": avviso di " : ": aspetto ") +
                                     EndLog::text(next.obstacles));
     }
-    state = std::move(next);
+    become(std::move(next));
 }
 
 void SessionEnd::refuse(Obstacles obstacles) {
@@ -366,7 +366,7 @@ void SessionEnd::hear(const std::optional<std::string>& failure) {
         // The user may have said no to a question of the system's.
         telling_ = surroundings_.loop.after(underWayTime, [this] {
             if (state->stage == EndState::Stage::underWay)
-                state = EndState{};
+                become({});
         });
         return;
     }

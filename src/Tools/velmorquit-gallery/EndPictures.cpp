@@ -14,7 +14,7 @@ void end(Stage& stage, EndState state) {
     stage.desktop.preferences.set("afterQuit", "shutDown");
     stage.startUsually();
     stage.openPanel();
-    stage.desktop.loginWindow.state = std::move(state);
+    stage.desktop.loginWindow.become(std::move(state));
     stage.advance(1s);
 }
 

@@ -20,13 +20,13 @@ void quickWithAll(Stage& stage) {
     DemoApps::rememberClosed(stage.desktop, stage.language(), {"Frames", "Chatter", "Jottings"});
     QuitController& controller = stage.startUsually();
     controller.scheduleQuit(stage.desktop.loop.now() + 1h + 24min, PowerAction::shutDown);
-    stage.updater.canCheckForUpdates = true;
+    stage.updater.publish({.canCheck = true});
     stage.openQuickMenu();
 }
 
 void quickAtTheEnd(Stage& stage) {
     stage.startUsually();
-    stage.desktop.loginWindow.state = EndState{.stage = EndState::Stage::naming};
+    stage.desktop.loginWindow.become({.stage = EndState::Stage::naming});
     stage.openQuickMenu();
 }
 

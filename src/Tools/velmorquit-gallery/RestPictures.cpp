@@ -35,8 +35,7 @@ void idleWithMany(Stage& stage) {
 void empty(Stage& stage) {
     stage.useMemory(3.87);
     stage.start();
-    stage.updater.updateAvailable = true;
-    stage.updater.canCheckForUpdates = true;
+    stage.updater.publish({.canCheck = true, .isAvailable = true});
     stage.openPanel();
 }
 

@@ -23,6 +23,12 @@ class QWidget;
 
 namespace velmorquit {
 
+/// One that has found what a picture is to show.
+struct StageUpdater : AppUpdater {
+    using AppUpdater::AppUpdater;
+    using AppUpdater::publish;
+};
+
 /// The simulated desktop for one picture, and the program on it. It begins at the same moment of
 /// virtual time, and nothing on it moves by itself: what is drawn is the same every time.
 class Stage {
@@ -74,7 +80,7 @@ public:
 
     SimulatedDesktop desktop;
     SimulatedFace face;
-    AppUpdater updater{desktop.loop};
+    StageUpdater updater{desktop.loop};
 
 private:
     void settle();
