@@ -6,20 +6,22 @@
 #include "Texts/Localized.h"
 #include "Views/PanelView.h"
 
+#include <functional>
 #include <utility>
 
 namespace velmorquit {
 
 AppDelegate::AppDelegate(const Desktop& desktop, const DesktopFace& face, const Notices& notices)
-    : desktop_(desktop), actions_(desktop.loop, desktop.kernel, desktop.formats),
-      controller_(desktop), updater_(desktop.loop), remoteControl_(controller_, actions_, desktop),
+    : desktop_(desktop), settings_(desktop.loop, desktop.preferences),
+      actions_(desktop.loop, desktop.kernel, desktop.formats), controller_(desktop),
+      updater_(desktop.loop), remoteControl_(controller_, actions_, desktop),
       scheduleNotice_(controller_, notices.schedule, desktop.formats),
       endNotice_(desktop.loop, desktop.loginWindow, notices.end),
       runNotice_(controller_, notices.run, desktop.formats), trayItem_(face),
-      looks_(face.appearance), popover_(
-                                   {desktop.loop, face, looks_}, [this] { return makePanel(); },
-                                   [this] { return controller_.isRunning(); }),
-      menuBarItem_({controller_, updater_, trayItem_, popover_}, desktop) {
+      looks_(face.appearance),
+      popover_({desktop.loop, face, looks_}, std::bind_front(&AppDelegate::makePanel, this),
+               std::bind_front(&QuitController::isRunning, &controller_)),
+      menuBarItem_({controller_, updater_, settings_, trayItem_, popover_}, desktop) {
     actions_.setController(&controller_);
     endNotice_.onCancel = [this] { controller_.cancelPowerAction(); };
     menuBarItem_.onExit = [this] { askThenEnd(); };

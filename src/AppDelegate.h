@@ -11,6 +11,7 @@
 #include "Services/RunNotice.h"
 #include "Services/ScheduleNotice.h"
 #include "Services/SessionEnd/EndNotice.h"
+#include "Services/Settings.h"
 #include "Theme/LookOwner.h"
 #include "Views/ConfirmDialog.h"
 #include "Views/PanelPopover.h"
@@ -48,6 +49,7 @@ private:
     [[nodiscard]] std::unique_ptr<PanelView> makePanel();
 
     Desktop desktop_;
+    Settings settings_;
     ActionRunner actions_;
     QuitController controller_;
     AppUpdater updater_;

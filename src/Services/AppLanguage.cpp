@@ -17,8 +17,8 @@ std::optional<AppLanguage> appLanguageFromRaw(std::string_view raw) {
     return std::nullopt;
 }
 
-AppLanguage currentAppLanguage(const Preferences& preferences) {
-    const auto forced = forcedLanguage(preferences.object(languagePreference));
+AppLanguage appLanguageOf(const Value& stored) {
+    const auto forced = forcedLanguage(stored);
     if (!forced)
         return AppLanguage::system;
     return *forced == Language::italian ? AppLanguage::italian : AppLanguage::english;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Preferences.h"
+#include "Platform/Value.h"
 
 #include <array>
 #include <optional>
@@ -20,7 +20,7 @@ inline constexpr std::array allAppLanguages{AppLanguage::system, AppLanguage::it
 /// The choice with that raw value; none for any other text, different letter case included.
 [[nodiscard]] std::optional<AppLanguage> appLanguageFromRaw(std::string_view raw);
 
-/// The choice that is stored; it holds from the next start on.
-[[nodiscard]] AppLanguage currentAppLanguage(const Preferences& preferences);
+/// The choice that a value stored for it stands for: the system's, unless it forces another.
+[[nodiscard]] AppLanguage appLanguageOf(const Value& stored);
 
 } // namespace velmorquit

@@ -1,7 +1,7 @@
 #include "Codecs/PreferencesFile.h"
 #include "Codecs/PropertyList.h"
 #include "Language/InterfaceLanguage.h"
-#include "Services/AppLanguage.h"
+#include "Services/Settings.h"
 #include "Simulated/SimulatedDesktop.h"
 #include "support/Child.h"
 #include "support/Waiting.h"
@@ -31,9 +31,8 @@ TEST(InterfaceLanguage, IsForcedByTheFirstTwoLettersOfTheFirstText) {
     SimulatedDesktop desktop;
     const auto current = [&](Value value) {
         desktop.preferences.set("AppleLanguages", std::move(value));
-        return currentAppLanguage(desktop.preferences);
+        return Settings(desktop.loop, desktop.preferences).language.get();
     };
-    EXPECT_EQ(currentAppLanguage(desktop.preferences), AppLanguage::system);
     EXPECT_EQ(current(Value::Array{"en-GB", "it"}), AppLanguage::english);
     EXPECT_EQ(current(Value::Array{"it_CH"}), AppLanguage::italian);
     const Value none[]{Value::Array{},

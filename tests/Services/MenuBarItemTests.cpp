@@ -1,6 +1,7 @@
 #include "Services/ControllerStory.h"
 #include "Services/FindingUpdater.h"
 #include "Services/MenuBar/MenuBarItem.h"
+#include "Services/Settings.h"
 
 namespace velmorquit {
 namespace {
@@ -68,7 +69,7 @@ protected:
     void begin() {
         start();
         item = std::make_unique<MenuBarItem>(
-            MenuBarItem::Parts{*controller, updater, icon, popover}, desktop.ports());
+            MenuBarItem::Parts{*controller, updater, settings, icon, popover}, desktop.ports());
         item->hideCountdown = [this] { desktop.write("countdown hides"); };
         item->onPopoverClose = [this] { desktop.write("countdown may come back"); };
         item->onExit = [this] { desktop.write("ends"); };
@@ -88,6 +89,7 @@ protected:
         return log;
     }
     FindingUpdater updater{desktop.loop};
+    Settings settings{desktop.loop, desktop.preferences};
     LoggedIcon icon{desktop};
     LoggedPopover popover{desktop};
     std::unique_ptr<MenuBarItem> item;
@@ -163,7 +165,7 @@ TEST_F(MenuBarStory, TheOtherButtonOrControlOpensTheMenuAndNothingElse) {
                              "esci | Controlla aggiornamenti… Apri pannello… Esci da Velmor Quit";
     click(Button::right);
     click(Button::left, true);
-    desktop.preferences.set("clickIconQuitsAll", true);
+    settings.clickIconQuitsAll.store(true);
     click(Button::right);
     click();
     EXPECT_EQ(desktop.log(), Lines(menu, menu, menu, "0.00 quit A", "0.00 countdown hides",
@@ -237,7 +239,7 @@ TEST_F(MenuBarStory, TheMenuThatTheDesktopKeepsFollowsWhatItShows) {
 TEST_F(MenuBarStory, ThePanelOpensByItselfTheFirstTimeOnly) {
     begin();
     item->welcome();
-    EXPECT_TRUE(desktop.preferences.boolean("didShowWelcome", false)) << "before it opens";
+    EXPECT_TRUE(settings.didShowWelcome.get()) << "before it opens";
     desktop.advance(1s);
     EXPECT_EQ(takeLog(), Lines("0.30 countdown hides", "0.30 panel opens at 900"));
     popover.close();

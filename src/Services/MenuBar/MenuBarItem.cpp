@@ -1,18 +1,18 @@
 #include "Services/MenuBar/MenuBarItem.h"
 
 #include "Platform/LoginWindow.h"
-#include "Platform/Preferences.h"
 #include "Services/AppUpdater.h"
 #include "Services/QuitController/QuitController.h"
 #include "Services/RunAnswers.h"
+#include "Services/Settings.h"
 
 #include <utility>
 
 namespace velmorquit {
 
 MenuBarItem::MenuBarItem(const Parts& parts, const Desktop& desktop)
-    : parts_(parts), loop_(desktop.loop), preferences_(desktop.preferences),
-      loginWindow_(desktop.loginWindow), formats_(desktop.formats) {
+    : parts_(parts), loop_(desktop.loop), loginWindow_(desktop.loginWindow),
+      formats_(desktop.formats) {
     parts_.icon.onClick = [this](const StatusItem::Click& click) { hear(click); };
     parts_.icon.onChoose = [this](const QuickMenuEntry& entry) { perform(entry); };
     parts_.popover.onClose = [this] { popoverDidClose(); };
@@ -38,7 +38,7 @@ MenuBarItem::~MenuBarItem() {
 void MenuBarItem::hear(const StatusItem::Click& click) {
     if (click.button == StatusItem::Click::Button::right || click.isControlHeld)
         parts_.icon.popUp(quickMenu(parts_.controller, loginWindow_, parts_.updater, formats_));
-    else if (preferences_.boolean("clickIconQuitsAll", false))
+    else if (parts_.settings.clickIconQuitsAll)
         quitAll(PowerAction::none);
     else if (openedAside_ && loop_.uptime() - *openedAside_ < surprise)
         showPopover();
@@ -92,9 +92,9 @@ void MenuBarItem::popoverDidClose() {
 
 // It is kept in mind before the panel opens: a start that fails over that isn't tried again.
 void MenuBarItem::welcome() {
-    if (preferences_.boolean("didShowWelcome", false))
+    if (parts_.settings.didShowWelcome)
         return;
-    preferences_.set("didShowWelcome", true);
+    parts_.settings.didShowWelcome.store(true);
     welcome_ = loop_.after(welcomeDelay, [this] { showPopover(); });
 }
 

@@ -14,6 +14,7 @@ namespace velmorquit {
 
 class AppUpdater;
 class QuitController;
+class Settings;
 
 /// What the user reaches by the icon: the panel, the menu, and quitting all at once.
 class MenuBarItem {
@@ -29,6 +30,7 @@ public:
     struct Parts {
         QuitController& controller;
         AppUpdater& updater;
+        Settings& settings;
         StatusItem& icon;
         Popover& popover;
     };
@@ -68,7 +70,6 @@ private:
 
     Parts parts_;
     MainLoop& loop_;
-    Preferences& preferences_;
     LoginWindow& loginWindow_;
     const Formats& formats_;
     QuickMenu kept_;

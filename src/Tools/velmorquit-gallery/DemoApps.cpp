@@ -1,11 +1,8 @@
 #include "DemoApps.h"
 
-#include "Model/SavedApp.h"
-
 #include <algorithm>
 #include <array>
 #include <memory>
-#include <span>
 #include <stdexcept>
 
 namespace velmorquit::DemoApps {
@@ -78,15 +75,11 @@ void install(SimulatedDesktop& desktop) {
     }
 }
 
-void rememberClosed(SimulatedDesktop& desktop, Language language,
-                    const std::vector<std::string>& names) {
+std::vector<SavedApp> saved(Language language, const std::vector<std::string>& names) {
     std::vector<SavedApp> closed;
     for (const std::string& name : names)
         closed.push_back({nameOf(find(name), language), pathOf(find(name))});
-    const std::string list = SavedApps::encode(closed);
-    const auto stored = std::as_bytes(std::span(list));
-    desktop.preferences.set("lastSession", Value::Data(stored.begin(), stored.end()));
-    desktop.preferences.set("lastSessionDate", desktop.loop.now() - 3h);
+    return closed;
 }
 
 void open(SimulatedDesktop& desktop, Language language, const std::vector<std::string>& names) {

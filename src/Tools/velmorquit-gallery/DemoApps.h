@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Model/SavedApp.h"
 #include "Simulated/SimulatedDesktop.h"
 #include "Texts/Language.h"
 
@@ -23,9 +24,8 @@ void openMany(SimulatedDesktop& desktop, Language language, int count);
 /// Starts the one of that English name.
 SimulatedApplication& start(SimulatedDesktop& desktop, Language language, std::string_view name);
 
-/// Has the program believe that the last run has closed those, some hours ago.
-void rememberClosed(SimulatedDesktop& desktop, Language language,
-                    const std::vector<std::string>& names);
+/// Those of which the English names are given, as a run that has closed them keeps them.
+[[nodiscard]] std::vector<SavedApp> saved(Language language, const std::vector<std::string>& names);
 
 /// What the one of that English name is called.
 [[nodiscard]] std::string nameOf(Language language, std::string_view name);

@@ -11,7 +11,7 @@ using Kind = EndObstacle::Kind;
 
 /// The panel while the end of the session is at that stage, because of these.
 void end(Stage& stage, EndState state) {
-    stage.desktop.preferences.set("afterQuit", "shutDown");
+    stage.settings.afterQuit.store(PowerAction::shutDown);
     stage.startUsually();
     stage.openPanel();
     stage.desktop.loginWindow.become(std::move(state));
@@ -56,7 +56,7 @@ void question(Stage& stage) {
 
 void unseen(Stage& stage) {
     stage.desktop.loginWindow.expected = EndOutlook::asks;
-    stage.desktop.preferences.set("afterQuit", "shutDown");
+    stage.settings.afterQuit.store(PowerAction::shutDown);
     stage.startUsually();
     stage.openPanel();
 }

@@ -1,4 +1,3 @@
-#include "DemoApps.h"
 #include "Pictures.h"
 #include "Stage.h"
 
@@ -17,7 +16,7 @@ void quick(Stage& stage) {
 }
 
 void quickWithAll(Stage& stage) {
-    DemoApps::rememberClosed(stage.desktop, stage.language(), {"Frames", "Chatter", "Jottings"});
+    stage.rememberClosed({"Frames", "Chatter", "Jottings"});
     QuitController& controller = stage.startUsually();
     controller.scheduleQuit(stage.desktop.loop.now() + 1h + 24min, PowerAction::shutDown);
     stage.updater.publish({.canCheck = true});

@@ -10,8 +10,8 @@ namespace {
 const std::vector<std::string> closedBefore{"Frames", "Chatter", "Jottings", "Atlas", "Console"};
 
 void idle(Stage& stage) {
-    stage.choose("backupFirst");
-    DemoApps::rememberClosed(stage.desktop, stage.language(), closedBefore);
+    stage.settings.backupFirst.store(true);
+    stage.rememberClosed(closedBefore);
     stage.startUsually();
     stage.openPanel();
     stage.pointAt(*stage.widget("rows").findChildren<QCheckBox*>().at(2));
@@ -55,18 +55,18 @@ void allExcluded(Stage& stage) {
 }
 
 void reopenWithoutOne(Stage& stage) {
-    DemoApps::rememberClosed(stage.desktop, stage.language(), closedBefore);
+    stage.rememberClosed(closedBefore);
     stage.startUsually().closedForGood = {"editor.py", "Screen Recorder 0.9"};
     stage.openPanel();
 }
 
 void extras(Stage& stage) {
-    stage.choose("backupFirst");
-    stage.choose("ejectDrives");
-    stage.desktop.preferences.set("afterQuit", "restart");
+    stage.settings.backupFirst.store(true);
+    stage.settings.ejectDrives.store(true);
+    stage.settings.afterQuit.store(PowerAction::restart);
     stage.desktop.volumes.mountStick("Foto");
     stage.desktop.backupTool.earlierBackup = stage.desktop.loop.now() - 9 * 24h;
-    DemoApps::rememberClosed(stage.desktop, stage.language(), {"Frames"});
+    stage.rememberClosed({"Frames"});
     stage.startUsually();
     stage.openPanel();
 }

@@ -6,7 +6,7 @@ namespace velmorquit {
 namespace {
 
 void quitting(Stage& stage) {
-    stage.desktop.preferences.set("afterQuit", "shutDown");
+    stage.settings.afterQuit.store(PowerAction::shutDown);
     for (const char* name : {"Wayfarer", "Workshop", "Palette", "Ledger", "Postbox", "Planner"})
         DemoApps::start(stage.desktop, stage.language(), name).quitsAfter(20s);
     QuitController& controller = stage.start();
@@ -35,7 +35,7 @@ void waiting(Stage& stage) {
 }
 
 void ejecting(Stage& stage) {
-    stage.choose("ejectDrives");
+    stage.settings.ejectDrives.store(true);
     constexpr int busyTimes = 2;
     stage.desktop.volumes.mountStick("Backup", busyTimes);
     QuitController& controller = stage.startUsually();
@@ -46,8 +46,8 @@ void ejecting(Stage& stage) {
 }
 
 void done(Stage& stage) {
-    stage.choose("backupFirst");
-    stage.choose("ejectDrives");
+    stage.settings.backupFirst.store(true);
+    stage.settings.ejectDrives.store(true);
     stage.desktop.volumes.mountStick("Foto");
     stage.desktop.volumes.mountStick("Musica");
     stage.desktop.backupTool.duration = 60s;
@@ -69,9 +69,9 @@ void doneWithOne(Stage& stage) {
 
 /// What is to be shut down is backed up first; the tool needs `duration`.
 QuitController& backUp(Stage& stage, Duration duration) {
-    stage.choose("backupFirst");
-    stage.desktop.preferences.set("afterQuit", "shutDown");
-    stage.desktop.preferences.set("confirmScheduled", false);
+    stage.settings.backupFirst.store(true);
+    stage.settings.afterQuit.store(PowerAction::shutDown);
+    stage.settings.confirmScheduled.store(false);
     stage.desktop.backupTool.duration = duration;
     QuitController& controller = stage.startUsually();
     stage.openPanel();

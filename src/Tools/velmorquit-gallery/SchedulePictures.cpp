@@ -5,8 +5,8 @@ namespace velmorquit {
 namespace {
 
 QuitController& begin(Stage& stage) {
-    stage.choose("backupFirst");
-    stage.desktop.preferences.set("afterQuit", "shutDown");
+    stage.settings.backupFirst.store(true);
+    stage.settings.afterQuit.store(PowerAction::shutDown);
     QuitController& controller = stage.startUsually();
     stage.openPanel();
     return controller;

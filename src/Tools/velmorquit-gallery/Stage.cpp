@@ -12,6 +12,7 @@
 #include <QWidget>
 
 #include <algorithm>
+#include <set>
 #include <stdexcept>
 #include <utility>
 
@@ -66,10 +67,15 @@ void Stage::open(const std::vector<std::string>& names) {
 }
 
 void Stage::exclude(const std::vector<std::string>& names) {
-    Value::Array keys;
+    std::set<std::string> keys;
     for (const std::string& name : names)
-        keys.emplace_back(DemoApps::key(name));
-    desktop.preferences.set("excludedApps", std::move(keys));
+        keys.insert(DemoApps::key(name));
+    settings.excludedApps.store(std::move(keys));
+}
+
+void Stage::rememberClosed(const std::vector<std::string>& names) {
+    settings.lastSession.store(DemoApps::saved(language(), names));
+    settings.lastSessionDate.store(desktop.loop.now() - 3h);
 }
 
 void Stage::useMemory(double gibibytes) {

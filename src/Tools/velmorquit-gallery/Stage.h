@@ -4,6 +4,7 @@
 #include "Services/Actions/ActionRunner.h"
 #include "Services/AppUpdater.h"
 #include "Services/QuitController/QuitController.h"
+#include "Services/Settings.h"
 #include "Simulated/SimulatedDesktop.h"
 #include "Simulated/SimulatedFace.h"
 #include "StageScreens.h"
@@ -73,13 +74,15 @@ public:
     /// Moves the pointer into the middle of the widget.
     void pointAt(const QWidget& widget);
     void click(const char* name);
-    void choose(const char* preference) { desktop.preferences.set(preference, true); }
+    /// What the last run has closed, three hours ago, by the English names.
+    void rememberClosed(const std::vector<std::string>& names);
 
     /// All windows that are open, on a dark ground.
     [[nodiscard]] QImage photograph() const;
 
     SimulatedDesktop desktop;
     SimulatedFace face;
+    Settings settings{desktop.loop, desktop.preferences};
     StageUpdater updater{desktop.loop};
 
 private:

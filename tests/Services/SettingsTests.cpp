@@ -1,0 +1,70 @@
+#include "Services/Settings.h"
+#include "Simulated/SimulatedDesktop.h"
+
+#include <gtest/gtest.h>
+
+namespace velmorquit {
+namespace {
+
+class SettingsTest : public testing::Test {
+protected:
+    SimulatedDesktop desktop;
+    Settings settings{desktop.loop, desktop.preferences};
+};
+
+TEST_F(SettingsTest, ComeBackAsTheyWereStored) {
+    const std::vector<SavedApp> apps{{"Note", "/applications/note.desktop"}};
+    settings.excludedApps.store(std::set<std::string>{"b", "a"});
+    settings.afterQuit.store(PowerAction::restart);
+    settings.confirmScheduled.store(false);
+    settings.lastSession.store(apps);
+    settings.lastSessionDate.store(desktop.loop.now());
+    settings.language.store(AppLanguage::english);
+    const Settings later(desktop.loop, desktop.preferences);
+    EXPECT_EQ(later.excludedApps.get(), (std::set<std::string>{"a", "b"}));
+    EXPECT_EQ(later.afterQuit.get(), PowerAction::restart);
+    EXPECT_FALSE(later.confirmScheduled);
+    EXPECT_EQ(later.lastSession.get(), apps);
+    EXPECT_EQ(later.lastSessionDate.get(), desktop.loop.now());
+    EXPECT_EQ(later.language.get(), AppLanguage::english);
+
+    settings.lastSession.store(std::nullopt);
+    settings.lastSessionDate.store(std::nullopt);
+    settings.language.store(AppLanguage::system);
+    EXPECT_EQ(desktop.preferences.values(),
+              (Value::Dictionary{{"excludedApps", Value::Array{"a", "b"}},
+                                 {"afterQuit", "restart"},
+                                 {"confirmScheduled", false}}));
+}
+
+TEST_F(SettingsTest, WhatIsNoSuchValueLeavesTheDefault) {
+    for (const Value& odd : {Value(1), Value("odd"), Value(Value::Array{1})}) {
+        for (const char* key : {"excludedApps", "afterQuit", "confirmScheduled", "lastSession",
+                                "lastSessionDate", "AppleLanguages"})
+            desktop.preferences.set(key, odd);
+        desktop.loop.settle();
+        EXPECT_FALSE(settings.excludedApps.get());
+        EXPECT_EQ(settings.afterQuit.get(), PowerAction::none);
+        EXPECT_TRUE(settings.confirmScheduled);
+        EXPECT_FALSE(settings.lastSession.get());
+        EXPECT_FALSE(settings.lastSessionDate.get());
+        EXPECT_EQ(settings.language.get(), AppLanguage::system);
+    }
+}
+
+TEST_F(SettingsTest, TellOfWhatAnotherProgramStores) {
+    int told = 0;
+    const Handle subscription = settings.ejectDrives.subscribe([&] { ++told; });
+    desktop.loop.settle();
+    desktop.preferences.set("ejectDrives", true);
+    desktop.loop.settle();
+    EXPECT_EQ(told, 2);
+    EXPECT_TRUE(settings.ejectDrives);
+
+    desktop.preferences.onRefresh = [&] { desktop.preferences.set("ejectDrives", false); };
+    settings.refresh();
+    EXPECT_FALSE(settings.ejectDrives) << "without waiting";
+}
+
+} // namespace
+} // namespace velmorquit
