@@ -40,7 +40,7 @@ public:
             PanelPopover::Surroundings{desktop.loop, face.ports(), looks},
             [this] {
                 return std::make_unique<PanelView>(*controller, *updater, desktop.ports(),
-                                                   SettingsButton::Actions());
+                                                   std::function<Menu()>());
             },
             [] { return true; });
     }

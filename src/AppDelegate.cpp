@@ -2,6 +2,7 @@
 
 #include "Platform/Application.h"
 #include "Platform/LoginWindow.h"
+#include "Services/Panel/SettingsMenu.h"
 #include "Services/SessionEnd/EndTexts.h"
 #include "Texts/Localized.h"
 #include "Views/PanelView.h"
@@ -75,8 +76,9 @@ void AppDelegate::tellOfWaits() {
 }
 
 std::unique_ptr<PanelView> AppDelegate::makePanel() {
-    return std::make_unique<PanelView>(controller_, updater_, desktop_,
-                                       SettingsButton::Actions{.exit = [this] { askThenEnd(); }});
+    return std::make_unique<PanelView>(controller_, updater_, desktop_, [this] {
+        return settingsMenu(settings_, updater_, [this] { askThenEnd(); });
+    });
 }
 
 // What the user has asked for goes with the program, and so it is said.

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Platform/ScreenRect.h"
-#include "Services/MenuBar/QuickMenu.h"
+#include "Services/MenuBar/Menu.h"
 
 #include <functional>
 #include <optional>
@@ -26,18 +26,15 @@ public:
     [[nodiscard]] virtual std::optional<ScreenRect> frame() const = 0;
 
     /// Opens this menu at the icon, in place of one that is open. Returns at once.
-    virtual void popUp(const QuickMenu& menu) = 0;
+    virtual void popUp(const Menu& menu) = 0;
 
     /// Hands over the menu for desktops that open it themselves at a right click, of which nobody
     /// hears then; others do nothing with it. One that is open keeps its lines until it is closed:
     /// only their titles change under the pointer.
-    virtual void keepMenu(const QuickMenu& menu) = 0;
+    virtual void keepMenu(const Menu& menu) = 0;
 
     /// Hears of each click that the desktop doesn't answer itself.
     std::function<void(const Click&)> onClick;
-
-    /// Hears what was chosen in either menu. A kept one may be older than what it shows.
-    std::function<void(const QuickMenuEntry&)> onChoose;
 };
 
 } // namespace velmorquit

@@ -8,13 +8,14 @@
 #include "Theme/Label.h"
 #include "Views/IconView.h"
 #include "Views/Layouts.h"
+#include "Views/SettingsButton.h"
 
 #include <utility>
 
 namespace velmorquit {
 
-HeaderView::HeaderView(QuitController& controller, AppUpdater& updater, Preferences& preferences,
-                       SettingsButton::Actions actions, QWidget* parent)
+HeaderView::HeaderView(QuitController& controller, AppUpdater& updater,
+                       std::function<Menu()> settingsMenu, QWidget* parent)
     : QWidget(parent), controller_(controller), updater_(updater),
       count_(new Label(AppTheme::captionFont(), AppTheme::text(0.75))),
       update_(new PrimaryButton(toQt(localized("Aggiorna")), AppTheme::successGreen())) {
@@ -33,7 +34,7 @@ HeaderView::HeaderView(QuitController& controller, AppUpdater& updater, Preferen
     update_->setToolTip(toQt(localized("È disponibile una nuova versione di Velmor Quit")));
     connect(update_, &QPushButton::clicked, this, [this] { updater_.checkForUpdates(); });
     line.addWidget(update_);
-    line.addWidget(new SettingsButton(preferences, updater, std::move(actions)));
+    line.addWidget(new SettingsButton(std::move(settingsMenu)));
 }
 
 void HeaderView::render() {

@@ -1,12 +1,15 @@
 #pragma once
 
+#include "Services/MenuBar/Menu.h"
 #include "Services/QuitController/QuitController.h"
-#include "Views/SettingsButton.h"
 
 #include <QWidget>
 
+#include <functional>
+
 namespace velmorquit {
 
+class AppUpdater;
 class Label;
 class PrimaryButton;
 
@@ -14,8 +17,9 @@ class PrimaryButton;
 /// one, and the settings.
 class HeaderView : public QWidget {
 public:
-    HeaderView(QuitController& controller, AppUpdater& updater, Preferences& preferences,
-               SettingsButton::Actions actions, QWidget* parent = nullptr);
+    /// `settingsMenu` is called each time that the settings are opened.
+    HeaderView(QuitController& controller, AppUpdater& updater, std::function<Menu()> settingsMenu,
+               QWidget* parent = nullptr);
 
     void render();
 

@@ -49,9 +49,9 @@ QWidget* framed(QWidget* content, Qt::Alignment alignment) {
 } // namespace
 
 PanelView::PanelView(QuitController& controller, AppUpdater& updater, const Desktop& desktop,
-                     SettingsButton::Actions actions, QWidget* parent)
+                     std::function<Menu()> settingsMenu, QWidget* parent)
     : QWidget(parent), controller_(controller), updater_(updater), desktop_(desktop),
-      header_(new HeaderView(controller, updater, desktop.preferences, std::move(actions))),
+      header_(new HeaderView(controller, updater, std::move(settingsMenu))),
       memory_(new MemoryBar(desktop.formats)), normal_(new QWidget),
       quit_(new CircleActionButton(buttonDiameter, AppTheme::primaryPink())),
       status_(new StatusLineView), end_(new EndCard(desktop.loop, desktop.loginWindow)),

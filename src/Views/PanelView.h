@@ -2,8 +2,8 @@
 
 #include "Platform/Desktop.h"
 #include "Services/AppUpdater.h"
+#include "Services/MenuBar/Menu.h"
 #include "Services/QuitController/QuitController.h"
-#include "Views/SettingsButton.h"
 
 #include <QWidget>
 
@@ -36,8 +36,9 @@ public:
     static constexpr int width = 360;
     static constexpr int padding = 18;
 
+    /// `settingsMenu` is called each time that the settings are opened.
     PanelView(QuitController& controller, AppUpdater& updater, const Desktop& desktop,
-              SettingsButton::Actions actions, QWidget* parent = nullptr);
+              std::function<Menu()> settingsMenu, QWidget* parent = nullptr);
 
     /// Shows what is true now. While it is on the screen it does so by itself after every change.
     void render();

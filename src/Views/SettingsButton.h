@@ -1,23 +1,18 @@
 #pragma once
 
+#include "Services/MenuBar/Menu.h"
+
 #include <QPushButton>
 
 #include <functional>
 
 namespace velmorquit {
 
-class AppUpdater;
-class Preferences;
-
-/// The round gear in the panel's head, with a menu of what can be set.
+/// The round gear in the panel's head, which opens a menu below itself.
 class SettingsButton : public QPushButton {
 public:
-    struct Actions {
-        std::function<void()> exit;
-    };
-
-    SettingsButton(Preferences& preferences, AppUpdater& updater, Actions actions,
-                   QWidget* parent = nullptr);
+    /// `makeMenu` is called each time that it opens one.
+    explicit SettingsButton(std::function<Menu()> makeMenu, QWidget* parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -27,9 +22,7 @@ protected:
 private:
     void openMenu();
 
-    Preferences& preferences_;
-    AppUpdater& updater_;
-    Actions actions_;
+    std::function<Menu()> makeMenu_;
 };
 
 } // namespace velmorquit

@@ -69,7 +69,7 @@ void TrayItem::remake() {
         icon_ = std::make_unique<QSystemTrayIcon>();
         icon_->setToolTip(QStringLiteral("Velmor Quit"));
         QObject::connect(icon_.get(), &QSystemTrayIcon::activated, icon_.get(), heard);
-        kept_ = std::make_unique<KeptMenu>([this](const QuickMenuEntry& entry) { choose(entry); });
+        kept_ = std::make_unique<KeptMenu>();
         kept_->setEntries(entries_);
         kept_->onOpen = [this] { noteMenu(); };
         icon_->setContextMenu(&kept_->menu());
@@ -115,11 +115,6 @@ QPoint TrayItem::pointer() const {
     return {place.x, place.y};
 }
 
-void TrayItem::choose(const QuickMenuEntry& entry) {
-    if (onChoose)
-        onChoose(entry);
-}
-
 // Before it was taken in, an embedded icon is at the origin.
 QRect TrayItem::geometry() const {
     const QRect place = embedded_ ? embedded_->place() : icon_ ? icon_->geometry() : QRect();
@@ -135,9 +130,9 @@ std::optional<ScreenRect> TrayItem::frame() const {
     return std::nullopt;
 }
 
-void TrayItem::popUp(const QuickMenu& menu) {
+void TrayItem::popUp(const Menu& menu) {
     closeMenu();
-    open_ = makeMenu(menu, [this](const QuickMenuEntry& entry) { choose(entry); });
+    open_ = makeMenu(menu);
     QObject::connect(open_.get(), &QMenu::aboutToHide, open_.get(), [this] { closeMenu(); });
     const auto place = frame();
     if (!place) {
@@ -159,7 +154,7 @@ void TrayItem::closeMenu() {
         open_.release()->deleteLater();
 }
 
-void TrayItem::keepMenu(const QuickMenu& menu) {
+void TrayItem::keepMenu(const Menu& menu) {
     entries_ = menu;
     if (kept_)
         kept_->setEntries(entries_);

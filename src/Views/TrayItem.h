@@ -4,7 +4,7 @@
 #include "Platform/DesktopFace.h"
 #include "Services/StatusItem.h"
 #include "Views/EmbeddedIcon.h"
-#include "Views/QuickMenuView.h"
+#include "Views/MenuView.h"
 
 #include <QMenu>
 #include <QSystemTrayIcon>
@@ -26,15 +26,14 @@ public:
     ~TrayItem() override;
 
     [[nodiscard]] std::optional<ScreenRect> frame() const override;
-    void popUp(const QuickMenu& menu) override;
-    void keepMenu(const QuickMenu& menu) override;
+    void popUp(const Menu& menu) override;
+    void keepMenu(const Menu& menu) override;
 
 private:
     void remake();
     void hear(QSystemTrayIcon::ActivationReason reason);
     void noteClick();
     void noteMenu();
-    void choose(const QuickMenuEntry& entry);
     void closeMenu();
 
     [[nodiscard]] QPoint pointer() const;
@@ -49,7 +48,7 @@ private:
     /// One of the two while there is a host.
     std::unique_ptr<QSystemTrayIcon> icon_;
     std::unique_ptr<EmbeddedIcon> embedded_;
-    QuickMenu entries_;
+    Menu entries_;
     /// Only for hosts that draw it.
     std::unique_ptr<KeptMenu> kept_;
     std::unique_ptr<QMenu> open_;

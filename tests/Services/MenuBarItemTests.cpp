@@ -3,16 +3,17 @@
 #include "Services/MenuBar/MenuBarItem.h"
 #include "Services/Settings.h"
 
+#include <algorithm>
+
 namespace velmorquit {
 namespace {
 
 using Button = StatusItem::Click::Button;
-using Command = QuickMenuEntry::Command;
 
-std::string titles(const QuickMenu& menu) {
+std::string titles(const Menu& menu) {
     std::string text;
-    for (const QuickMenuEntry& entry : menu)
-        text += entry.command == Command::none ? " |" : ' ' + entry.title;
+    for (const MenuEntry& entry : menu)
+        text += entry.isSeparator() ? " |" : ' ' + entry.title;
     return text;
 }
 
@@ -22,8 +23,20 @@ public:
     explicit LoggedIcon(SimulatedDesktop& desktop) : desktop_(desktop) {}
 
     [[nodiscard]] std::optional<ScreenRect> frame() const override { return place; }
-    void popUp(const QuickMenu& menu) override { desktop_.write("menu" + titles(menu)); }
-    void keepMenu(const QuickMenu& menu) override { desktop_.write("keeps" + titles(menu)); }
+    void popUp(const Menu& menu) override {
+        open = menu;
+        desktop_.write("menu" + titles(menu));
+    }
+    void keepMenu(const Menu& menu) override { desktop_.write("keeps" + titles(menu)); }
+
+    /// Chooses that line of the menu that was opened last.
+    void choose(const std::string& id) {
+        const auto line = std::ranges::find(open, id, &MenuEntry::id);
+        ASSERT_NE(line, open.end()) << id;
+        line->action();
+    }
+
+    Menu open;
 
     std::optional<ScreenRect> place = ScreenRect{.x = 900, .y = 0, .width = 22, .height = 30};
 
@@ -78,9 +91,6 @@ protected:
     }
     void click(Button button = Button::left, bool isControlHeld = false) {
         icon.onClick({.button = button, .isControlHeld = isControlHeld});
-    }
-    void choose(Command command, PowerAction then = PowerAction::none) {
-        icon.onChoose({.command = command, .title = {}, .symbol = {}, .then = then});
     }
     std::string takeLog() {
         desktop.loop.settle();
@@ -186,20 +196,22 @@ TEST_F(MenuBarStory, TheMenuDoesWhatItSays) {
     desktop.open("A").identified("a");
     begin();
     controller->scheduleQuit(desktop.loop.now() + 1h, PowerAction::none);
-    choose(Command::cancelSchedule);
+    click(Button::right);
+    icon.choose("cancelSchedule");
     EXPECT_FALSE(controller->schedule.get());
-    choose(Command::openPanel);
+    icon.choose("openPanel");
     popover.close();
     desktop.startLog();
-    choose(Command::quit, PowerAction::restart);
+    icon.choose("quit.restart");
     EXPECT_EQ(desktop.log(),
               Lines("0.00 quit A", "0.00 countdown hides", "0.00 panel opens at 900"));
     desktop.advance(20s);
     EXPECT_NE(desktop.log().find(" restart\n"), std::string::npos) << desktop.log();
     popover.close();
+    click(Button::right);
     desktop.startLog();
-    choose(Command::reopen);
-    choose(Command::exit);
+    icon.choose("reopen");
+    icon.choose("exit");
     EXPECT_EQ(desktop.log(), Lines("0.00 open /applications/a.desktop", "0.00 ends"));
 }
 

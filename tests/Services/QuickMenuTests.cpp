@@ -10,17 +10,17 @@ protected:
     /// One line for each entry: what can't be chosen is in brackets.
     std::string menu() {
         std::string text;
-        for (const QuickMenuEntry& entry :
-             quickMenu(*controller, desktop.loginWindow, updater, desktop.formats)) {
-            if (entry.command == QuickMenuEntry::Command::none) {
+        for (const MenuEntry& entry :
+             quickMenu(*controller, desktop.loginWindow, updater, desktop.formats, {})) {
+            if (entry.isSeparator()) {
                 text += "--\n";
                 continue;
             }
             std::string line = entry.isEnabled ? entry.title : '(' + entry.title + ')';
             if (!entry.symbol.empty())
                 line += " | " + entry.symbol;
-            if (entry.then != PowerAction::none)
-                line += " | " + std::string(rawValue(entry.then));
+            if (entry.id.starts_with("quit."))
+                line += " | " + entry.id.substr(entry.id.find('.') + 1);
             if (entry.key != 0)
                 line += std::string(" | Ctrl+") + entry.key;
             text += line + '\n';

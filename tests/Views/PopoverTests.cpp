@@ -21,7 +21,7 @@ protected:
             [this] {
                 ++panelsMade;
                 return std::make_unique<PanelView>(*controller, *updater, desktop.ports(),
-                                                   SettingsButton::Actions());
+                                                   std::function<Menu()>());
             },
             [this] { return controller->isRunning(); });
         popover->onClose = [this] {

@@ -14,7 +14,6 @@ MenuBarItem::MenuBarItem(const Parts& parts, const Desktop& desktop)
     : parts_(parts), loop_(desktop.loop), loginWindow_(desktop.loginWindow),
       formats_(desktop.formats) {
     parts_.icon.onClick = [this](const StatusItem::Click& click) { hear(click); };
-    parts_.icon.onChoose = [this](const QuickMenuEntry& entry) { perform(entry); };
     parts_.popover.onClose = [this] { popoverDidClose(); };
     const auto follow = [this](auto& field) {
         subscriptions_.push_back(field.subscribe([this] { keepMenu(); }));
@@ -31,13 +30,12 @@ MenuBarItem::MenuBarItem(const Parts& parts, const Desktop& desktop)
 
 MenuBarItem::~MenuBarItem() {
     parts_.icon.onClick = nullptr;
-    parts_.icon.onChoose = nullptr;
     parts_.popover.onClose = nullptr;
 }
 
 void MenuBarItem::hear(const StatusItem::Click& click) {
     if (click.button == StatusItem::Click::Button::right || click.isControlHeld)
-        parts_.icon.popUp(quickMenu(parts_.controller, loginWindow_, parts_.updater, formats_));
+        parts_.icon.popUp(menu());
     else if (parts_.settings.clickIconQuitsAll)
         quitAll(PowerAction::none);
     else if (openedAside_ && loop_.uptime() - *openedAside_ < surprise)
@@ -103,45 +101,38 @@ void MenuBarItem::quitAll(PowerAction then) {
     showPopover();
 }
 
-void MenuBarItem::perform(const QuickMenuEntry& entry) {
-    using Command = QuickMenuEntry::Command;
-    switch (entry.command) {
-    case Command::none:
-    case Command::remark:
-        break;
-    case Command::quit:
-        quitAll(entry.then);
-        break;
-    case Command::reopen:
-        if (RunAnswers::isTaken(RunAnswers::Word::reopen, RunAnswers::momentOf(parts_.controller)))
-            parts_.controller.reopenLastSession();
-        break;
-    case Command::cancelSchedule:
-        parts_.controller.cancelSchedule();
-        break;
-    case Command::cancelEnd:
-        if (RunAnswers::isTaken(RunAnswers::Word::cancel,
-                                RunAnswers::momentOf(parts_.controller, loginWindow_.state)))
-            parts_.controller.cancelPowerAction();
-        break;
-    case Command::checkForUpdates:
-        parts_.updater.checkForUpdates();
-        break;
-    case Command::openPanel:
-        showPopover();
-        break;
-    case Command::exit:
-        if (onExit)
-            onExit();
-        break;
-    }
+// A menu that was made a while ago may offer what isn't offered any more.
+void MenuBarItem::reopen() {
+    if (RunAnswers::isTaken(RunAnswers::Word::reopen, RunAnswers::momentOf(parts_.controller)))
+        parts_.controller.reopenLastSession();
+}
+
+void MenuBarItem::cancelEnd() {
+    const auto moment = RunAnswers::momentOf(parts_.controller, loginWindow_.state);
+    if (RunAnswers::isTaken(RunAnswers::Word::cancel, moment))
+        parts_.controller.cancelPowerAction();
+}
+
+Menu MenuBarItem::menu() {
+    return quickMenu(parts_.controller, loginWindow_, parts_.updater, formats_,
+                     {.quit = [this](PowerAction then) { quitAll(then); },
+                      .reopen = [this] { reopen(); },
+                      .cancelSchedule = [this] { parts_.controller.cancelSchedule(); },
+                      .cancelEnd = [this] { cancelEnd(); },
+                      .checkForUpdates = [this] { parts_.updater.checkForUpdates(); },
+                      .openPanel = [this] { showPopover(); },
+                      .exit =
+                          [this] {
+                              if (onExit)
+                                  onExit();
+                          }});
 }
 
 void MenuBarItem::keepMenu() {
-    QuickMenu menu = quickMenu(parts_.controller, loginWindow_, parts_.updater, formats_);
-    if (menu == kept_)
+    Menu next = menu();
+    if (next == kept_)
         return;
-    kept_ = std::move(menu);
+    kept_ = std::move(next);
     parts_.icon.keepMenu(kept_);
 }
 

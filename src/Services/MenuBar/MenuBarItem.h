@@ -61,7 +61,9 @@ public:
 
 private:
     void hear(const StatusItem::Click& click);
-    void perform(const QuickMenuEntry& entry);
+    [[nodiscard]] Menu menu();
+    void reopen();
+    void cancelEnd();
     void quitAll(PowerAction then);
     void openAfterPress();
     void prepareToOpen();
@@ -72,7 +74,7 @@ private:
     MainLoop& loop_;
     LoginWindow& loginWindow_;
     const Formats& formats_;
-    QuickMenu kept_;
+    Menu kept_;
     /// When the panel that is open has opened by itself.
     std::optional<Uptime> openedAside_;
     Handle welcome_;

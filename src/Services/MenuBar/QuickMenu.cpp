@@ -8,13 +8,12 @@
 #include "Texts/Localized.h"
 
 #include <array>
+#include <string>
 #include <utility>
 
 namespace velmorquit {
 
 namespace {
-
-using Command = QuickMenuEntry::Command;
 
 constexpr std::array<std::pair<PowerAction, const char*>, 3> powerSymbols{
     {{PowerAction::shutDown, "power"},
@@ -34,59 +33,62 @@ std::string reopenTitle(std::size_t count) {
 
 } // namespace
 
-QuickMenu quickMenu(const QuitController& controller, const LoginWindow& loginWindow,
-                    const AppUpdater& updater, const Formats& formats) {
-    const QuickMenuEntry separator;
+Menu quickMenu(const QuitController& controller, const LoginWindow& loginWindow,
+               const AppUpdater& updater, const Formats& formats, const QuickMenuActions& actions) {
+    const MenuEntry separator;
+    const auto quit = [&](PowerAction then) { return [quit = actions.quit, then] { quit(then); }; };
     const std::size_t open = controller.quittable().size();
-    QuickMenu menu{{.command = Command::quit,
-                    .title = quitTitle(open, controller.sight),
-                    .symbol = "xmark.circle",
-                    .isEnabled = open > 0},
-                   separator};
+    Menu menu{{.id = "quit",
+               .title = quitTitle(open, controller.sight),
+               .symbol = "xmark.circle",
+               .isEnabled = open > 0,
+               .action = quit(PowerAction::none)},
+              separator};
     const bool mayReopen =
         RunAnswers::isTaken(RunAnswers::Word::reopen, RunAnswers::momentOf(controller));
     const EndOutlook outlook = loginWindow.outlook(LoginRequest::shutDown);
     for (const auto& [action, symbol] : powerSymbols)
-        menu.push_back({.command = Command::quit,
+        menu.push_back({.id = "quit." + std::string(rawValue(action)),
                         .title = buttonTitle(action),
                         .symbol = symbol,
-                        .then = action});
+                        .action = quit(action)});
     if (outlook != EndOutlook::direct)
-        menu.push_back({.command = Command::remark,
-                        .title = EndTexts::shortOutlook(outlook),
-                        .symbol = {},
-                        .isEnabled = false});
+        menu.push_back(
+            {.id = "remark", .title = EndTexts::shortOutlook(outlook), .isEnabled = false});
     if (const std::size_t closed = controller.reopenable().size(); closed > 0) {
         menu.push_back(separator);
-        menu.push_back({.command = Command::reopen,
+        menu.push_back({.id = "reopen",
                         .title = reopenTitle(closed),
                         .symbol = "arrow.uturn.backward.circle",
-                        .isEnabled = mayReopen});
+                        .isEnabled = mayReopen,
+                        .action = actions.reopen});
     }
     if (const auto& schedule = controller.schedule.get()) {
         menu.push_back(separator);
         menu.push_back(
-            {.command = Command::cancelSchedule,
+            {.id = "cancelSchedule",
              .title = localized("Annulla la chiusura delle %@", formats.shortTime(schedule->date)),
-             .symbol = "timer"});
+             .symbol = "timer",
+             .action = actions.cancelSchedule});
     }
     if (const EndState& state = loginWindow.state; state.isComing()) {
         menu.push_back(separator);
-        menu.push_back({.command = Command::cancelEnd,
+        menu.push_back({.id = "cancelEnd",
                         .title = EndTexts::cancelTitle(state.request),
-                        .symbol = "xmark.circle"});
+                        .symbol = "xmark.circle",
+                        .action = actions.cancelEnd});
     }
     menu.push_back(separator);
-    menu.push_back({.command = Command::checkForUpdates,
+    menu.push_back({.id = "checkForUpdates",
                     .title = localized("Controlla aggiornamenti…"),
-                    .symbol = {},
-                    .isEnabled = updater.canCheckForUpdates});
+                    .isEnabled = updater.canCheckForUpdates,
+                    .action = actions.checkForUpdates});
     menu.push_back(
-        {.command = Command::openPanel, .title = localized("Apri pannello…"), .symbol = {}});
-    menu.push_back({.command = Command::exit,
+        {.id = "openPanel", .title = localized("Apri pannello…"), .action = actions.openPanel});
+    menu.push_back({.id = "exit",
                     .title = localized("Esci da Velmor Quit"),
-                    .symbol = {},
-                    .key = 'Q'});
+                    .key = 'Q',
+                    .action = actions.exit});
     return menu;
 }
 

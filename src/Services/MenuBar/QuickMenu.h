@@ -2,9 +2,9 @@
 
 #include "Model/PowerAction.h"
 #include "Platform/Formats.h"
+#include "Services/MenuBar/Menu.h"
 
-#include <string>
-#include <vector>
+#include <functional>
 
 namespace velmorquit {
 
@@ -12,34 +12,20 @@ class AppUpdater;
 class LoginWindow;
 class QuitController;
 
-/// One line of the icon's menu.
-struct QuickMenuEntry {
-    enum class Command {
-        none,   ///< a line between two groups
-        remark, ///< says something about those before it
-        quit,
-        reopen,
-        cancelSchedule,
-        cancelEnd, ///< of the session, which is about to come
-        checkForUpdates,
-        openPanel,
-        exit,
-    };
-
-    Command command = Command::none;
-    std::string title;
-    std::string symbol; ///< its name; empty where there is none
-    bool isEnabled = true;
-    PowerAction then = PowerAction::none; ///< what follows, with `quit`
-    char key = 0; ///< with Control it chooses the entry while the menu is open; 0 for none
-
-    friend bool operator==(const QuickMenuEntry&, const QuickMenuEntry&) = default;
+/// What the lines of the icon's menu do.
+struct QuickMenuActions {
+    std::function<void(PowerAction then)> quit;
+    std::function<void()> reopen;
+    std::function<void()> cancelSchedule;
+    std::function<void()> cancelEnd; ///< of the session, which is about to come
+    std::function<void()> checkForUpdates;
+    std::function<void()> openPanel;
+    std::function<void()> exit;
 };
 
-using QuickMenu = std::vector<QuickMenuEntry>;
-
-/// The menu for what is true now.
-[[nodiscard]] QuickMenu quickMenu(const QuitController& controller, const LoginWindow& loginWindow,
-                                  const AppUpdater& updater, const Formats& formats);
+/// The icon's menu for what is true now.
+[[nodiscard]] Menu quickMenu(const QuitController& controller, const LoginWindow& loginWindow,
+                             const AppUpdater& updater, const Formats& formats,
+                             const QuickMenuActions& actions);
 
 } // namespace velmorquit

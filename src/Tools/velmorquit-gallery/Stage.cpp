@@ -2,8 +2,9 @@
 
 #include "DemoApps.h"
 #include "Services/MenuBar/QuickMenu.h"
+#include "Services/Panel/SettingsMenu.h"
+#include "Views/MenuView.h"
 #include "Views/PanelView.h"
-#include "Views/QuickMenuView.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -109,7 +110,7 @@ void Stage::openPanel() {
     controller_->startLiveUpdates();
     const auto makePanel = [this] {
         return std::make_unique<PanelView>(*controller_, updater, desktop.ports(setting_.formats),
-                                           SettingsButton::Actions{});
+                                           [this] { return settingsMenu(settings, updater, {}); });
     };
     popover_ = std::make_unique<PanelPopover>(
         PanelPopover::Surroundings{desktop.loop, face.ports(), looks_}, makePanel,
@@ -126,8 +127,8 @@ QPoint Stage::middle() const {
 }
 
 void Stage::openQuickMenu() {
-    auto menu = makeMenu(quickMenu(*controller_, desktop.loginWindow, updater, setting_.formats),
-                         [](const QuickMenuEntry&) {});
+    auto menu =
+        makeMenu(quickMenu(*controller_, desktop.loginWindow, updater, setting_.formats, {}));
     menu->popup(middle());
     menu->setActiveAction(menu->actions().first());
     window_ = std::move(menu);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Services/MenuBar/QuickMenu.h"
+#include "Services/MenuBar/Menu.h"
 
 #include <QMenu>
 #include <QTimer>
@@ -10,24 +10,20 @@
 
 namespace velmorquit {
 
-/// Hears which entry of a menu was chosen.
-using QuickMenuChoice = std::function<void(const QuickMenuEntry&)>;
-
 /// A menu of these entries to pop up; its keys work while it is open.
-[[nodiscard]] std::unique_ptr<QMenu> makeMenu(const QuickMenu& entries,
-                                              const QuickMenuChoice& onChoose);
+[[nodiscard]] std::unique_ptr<QMenu> makeMenu(const Menu& entries, QWidget* parent = nullptr);
 
-/// The icon's menu where the desktop draws it from what it is told, and opens it by itself.
+/// A menu where the desktop draws it from what it is told, and opens it by itself.
 class KeptMenu {
 public:
-    explicit KeptMenu(QuickMenuChoice onChoose);
+    KeptMenu();
     KeptMenu(const KeptMenu&) = delete;
     KeptMenu& operator=(const KeptMenu&) = delete;
     ~KeptMenu() = default;
 
     /// Shows these entries from now on. While it is open its lines stay, and only their titles
     /// change: what is under the pointer must not become something else.
-    void setEntries(const QuickMenu& entries);
+    void setEntries(const Menu& entries);
 
     [[nodiscard]] QMenu& menu() { return menu_; }
 
@@ -37,9 +33,8 @@ public:
 private:
     void rebuild();
 
-    QuickMenuChoice onChoose_;
     QMenu menu_;
-    QuickMenu entries_;
+    Menu entries_;
     bool isOutdated_ = false;
     /// Runs while it is open, or may be: not every desktop tells when it closes.
     QTimer open_;

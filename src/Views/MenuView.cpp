@@ -1,4 +1,4 @@
-#include "Views/QuickMenuView.h"
+#include "Views/MenuView.h"
 
 #include "Theme/Symbols.h"
 
@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <utility>
 
 namespace velmorquit {
 
@@ -27,23 +26,30 @@ struct SymbolColours {
 constexpr SymbolColours anyMenu{QColor(0x80, 0x80, 0x88), QColor(0x80, 0x80, 0x88)};
 
 // An ampersand would underline what follows it.
-QString titleOf(const QuickMenuEntry& entry) {
+QString titleOf(const MenuEntry& entry) {
     return QString::fromStdString(entry.title).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
-bool isSameLine(const QuickMenuEntry& one, const QuickMenuEntry& other) {
-    return one.command == other.command && one.then == other.then;
+bool isSameLine(const MenuEntry& one, const MenuEntry& other) {
+    return one.id == other.id && one.isChecked.has_value() == other.isChecked.has_value() &&
+           one.submenu == other.submenu;
 }
 
-void addEntries(QMenu& menu, const QuickMenu& entries, const SymbolColours& colours,
-                const QuickMenuChoice& onChoose) {
-    for (const QuickMenuEntry& entry : entries) {
-        if (entry.command == QuickMenuEntry::Command::none) {
+void update(QAction& action, const MenuEntry& entry) {
+    action.setText(titleOf(entry));
+    action.setEnabled(entry.isEnabled);
+    action.setCheckable(entry.isChecked.has_value());
+    action.setChecked(entry.isChecked.value_or(false));
+}
+
+void addEntries(QMenu& menu, const Menu& entries, const SymbolColours& colours) {
+    for (const MenuEntry& entry : entries) {
+        if (entry.isSeparator()) {
             menu.addSeparator();
             continue;
         }
-        QAction* action = menu.addAction(titleOf(entry));
-        action->setEnabled(entry.isEnabled);
+        QAction* action = menu.addAction(QString());
+        update(*action, entry);
         if (!entry.symbol.empty())
             action->setIcon(Symbols::icon(QString::fromStdString(entry.symbol), colours.usual,
                                           colours.selected));
@@ -51,18 +57,23 @@ void addEntries(QMenu& menu, const QuickMenu& entries, const SymbolColours& colo
             action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(entry.key)));
             action->setShortcutVisibleInContextMenu(true);
         }
-        QObject::connect(action, &QAction::triggered, &menu,
-                         [entry, onChoose] { onChoose(entry); });
+        if (!entry.submenu.empty()) {
+            auto* submenu = new QMenu(&menu);
+            addEntries(*submenu, entry.submenu, colours);
+            action->setMenu(submenu);
+        } else if (entry.action) {
+            QObject::connect(action, &QAction::triggered, &menu, entry.action);
+        }
     }
 }
 
 } // namespace
 
-std::unique_ptr<QMenu> makeMenu(const QuickMenu& entries, const QuickMenuChoice& onChoose) {
-    auto menu = std::make_unique<QMenu>();
+std::unique_ptr<QMenu> makeMenu(const Menu& entries, QWidget* parent) {
+    auto menu = std::make_unique<QMenu>(parent);
     const QPalette palette = menu->palette();
     addEntries(*menu, entries,
-               {palette.color(QPalette::Text), palette.color(QPalette::HighlightedText)}, onChoose);
+               {palette.color(QPalette::Text), palette.color(QPalette::HighlightedText)});
     // The keys of actions work only where a window has them.
     for (QAction* action : menu->actions()) {
         if (action->shortcut().isEmpty())
@@ -76,7 +87,7 @@ std::unique_ptr<QMenu> makeMenu(const QuickMenu& entries, const QuickMenuChoice&
     return menu;
 }
 
-KeptMenu::KeptMenu(QuickMenuChoice onChoose) : onChoose_(std::move(onChoose)) {
+KeptMenu::KeptMenu() {
     open_.setSingleShot(true);
     QObject::connect(&menu_, &QMenu::aboutToShow, &open_, [this] {
         open_.start(longestOpen);
@@ -93,7 +104,7 @@ KeptMenu::KeptMenu(QuickMenuChoice onChoose) : onChoose_(std::move(onChoose)) {
     });
 }
 
-void KeptMenu::setEntries(const QuickMenu& entries) {
+void KeptMenu::setEntries(const Menu& entries) {
     const bool hasSameLines = !isOutdated_ && std::ranges::equal(entries, entries_, isSameLine);
     entries_ = entries;
     if (!hasSameLines) {
@@ -104,16 +115,16 @@ void KeptMenu::setEntries(const QuickMenu& entries) {
     }
     const QList<QAction*> actions = menu_.actions();
     for (qsizetype line = 0; line < actions.size(); ++line) {
-        const QuickMenuEntry& entry = entries_.at(static_cast<std::size_t>(line));
-        actions[line]->setText(titleOf(entry));
-        actions[line]->setEnabled(entry.isEnabled);
+        const MenuEntry& entry = entries_.at(static_cast<std::size_t>(line));
+        if (!entry.isSeparator())
+            update(*actions[line], entry);
     }
 }
 
 void KeptMenu::rebuild() {
     isOutdated_ = false;
     menu_.clear();
-    addEntries(menu_, entries_, anyMenu, onChoose_);
+    addEntries(menu_, entries_, anyMenu);
 }
 
 } // namespace velmorquit
