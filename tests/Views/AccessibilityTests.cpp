@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QAccessibleInterface>
+#include <QMetaEnum>
 
 #include <set>
 
@@ -12,24 +13,8 @@ class AccessibilityTest : public PanelStory {
 protected:
     [[nodiscard]] std::string described(QWidget* widget) const {
         QAccessibleInterface* face = QAccessible::queryAccessibleInterface(widget);
-        std::string role = "?";
-        switch (face->role()) {
-        case QAccessible::Button:
-            role = "button";
-            break;
-        case QAccessible::CheckBox:
-            role = "check box";
-            break;
-        case QAccessible::RadioButton:
-            role = "radio button";
-            break;
-        case QAccessible::SpinBox:
-            role = "field";
-            break;
-        default:
-            break;
-        }
-        return role + ' ' + face->text(QAccessible::Name).toStdString();
+        const char* role = QMetaEnum::fromType<QAccessible::Role>().valueToKey(face->role());
+        return std::string(role) + ' ' + face->text(QAccessible::Name).toStdString();
     }
 
     /// What the keyboard comes to, in its order, from the panel's first control on.
@@ -55,12 +40,13 @@ TEST_F(AccessibilityTest, EveryControlHasItsRoleItsNameAndItsPlaceInTheOrder) {
     start();
     click("showScheduler");
     EXPECT_EQ(keyboardOrder(),
-              Lines("button Impostazioni", "button Chiudi tutto", "radio button Solo chiudi",
-                    "radio button Spegni", "radio button Riavvia", "radio button Esci utente",
-                    "check box Espelli dischi", "check box Programma", "button 15 min",
-                    "button 30 min", "button 1 ora", "button 2 ore", "field oppure alle",
-                    "button Programma", "check box Chiedi conferma prima di chiudere",
-                    "check box Nota", "check box Posta"));
+              Lines("PushButton Impostazioni", "PushButton Chiudi tutto", "RadioButton Solo chiudi",
+                    "RadioButton Spegni", "RadioButton Riavvia", "RadioButton Esci utente",
+                    "CheckBox Espelli dischi", "CheckBox Programma", "PushButton 15 min",
+                    "PushButton 30 min", "PushButton 1 ora", "PushButton 2 ore",
+                    "SpinBox oppure alle", "PushButton Programma",
+                    "CheckBox Chiedi conferma prima di chiudere", "CheckBox Nota",
+                    "CheckBox Posta"));
 }
 
 TEST_F(AccessibilityTest, ForcingSaysWhomItForces) {
@@ -68,10 +54,10 @@ TEST_F(AccessibilityTest, ForcingSaysWhomItForces) {
     start();
     controller->quitAll(PowerAction::none);
     advance(7s);
-    EXPECT_EQ(keyboardOrder(), Lines("button Impostazioni", "button Mostra Testardo",
-                                     "button Forza la chiusura di Testardo",
-                                     "button Chiedi di nuovo a Testardo di chiudersi",
-                                     "button Annulla", "button Forza tutte"));
+    EXPECT_EQ(keyboardOrder(), Lines("PushButton Impostazioni", "PushButton Mostra Testardo",
+                                     "PushButton Forza la chiusura di Testardo",
+                                     "PushButton Chiedi di nuovo a Testardo di chiudersi",
+                                     "PushButton Annulla", "PushButton Forza tutte"));
 }
 
 } // namespace

@@ -1,6 +1,5 @@
 #include "Views/PanelStory.h"
 
-#include <QCheckBox>
 #include <QTest>
 #include <QTimeEdit>
 
@@ -70,15 +69,6 @@ TEST_F(CardTest, ATimeOfDayIsTheNextOneAndStartsInTheEvening) {
     EXPECT_TRUE(is<phases::Idle>(controller->phase));
 }
 
-TEST_F(CardTest, TheConfirmationIsAPreferenceAndNothingElse) {
-    start();
-    click("showScheduler");
-    EXPECT_TRUE(find<QCheckBox>("confirmScheduled")->isChecked());
-    QTest::keyClick(find("confirmScheduled"), Qt::Key_Space);
-    EXPECT_FALSE(controller->confirmScheduled.get());
-    EXPECT_FALSE(controller->schedule->has_value());
-}
-
 TEST_F(CardTest, CountsDownWhileItIsSeenAndThenAsks) {
     desktop.open("Nota");
     start();
@@ -106,16 +96,6 @@ TEST_F(CardTest, CountsDownWhileItIsSeenAndThenAsks) {
     desktop.startLog();
     click("confirmSchedule");
     EXPECT_EQ(desktop.log(), Lines("0.00 quit Nota", "0.00 ended Nota"));
-}
-
-TEST_F(CardTest, ANoteStaysUntilItIsPutAway) {
-    start();
-    controller->scheduleNote = std::string("Era in stop.");
-    settle();
-    EXPECT_EQ(text("note"), "Era in stop.");
-    click("dismissNote");
-    EXPECT_FALSE(isShown("NoteCard"));
-    EXPECT_FALSE(controller->scheduleNote->has_value());
 }
 
 TEST_F(CardTest, WhatWasClosedCanBeReopenedOrForgotten) {
@@ -203,10 +183,10 @@ TEST_F(CardTest, WhatStaysIsPassedOverOnlyByASecondPressThatCanBeMeant) {
     start();
     EXPECT_TRUE(isShown("status"));
     const auto stays = [this](const char* name, std::uint64_t list) {
-        desktop.loginWindow.publish({.stage = EndState::Stage::refused,
-                                     .obstacles = {{EndObstacle::Kind::window, name}},
-                                     .canBeForced = true,
-                                     .list = list});
+        desktop.loginWindow.become({.stage = EndState::Stage::refused,
+                                    .obstacles = {{EndObstacle::Kind::window, name}},
+                                    .canBeForced = true,
+                                    .list = list});
         settle();
     };
     stays("Nota", 1);

@@ -2,6 +2,7 @@
 #include "Views/MemoryBar.h"
 #include "Views/PanelStory.h"
 
+#include <QCheckBox>
 #include <QLabel>
 #include <QRadioButton>
 #include <QTest>
@@ -97,6 +98,11 @@ TEST_F(PanelTest, TheChoicesAreTheControllers) {
     EXPECT_TRUE(find<QRadioButton>("none")->isChecked());
     click("ejectDrives");
     EXPECT_TRUE(controller->ejectDrives.get());
+    click("showScheduler");
+    EXPECT_TRUE(find<QCheckBox>("confirmScheduled")->isChecked());
+    QTest::keyClick(find("confirmScheduled"), Qt::Key_Space);
+    EXPECT_FALSE(controller->confirmScheduled.get());
+    EXPECT_FALSE(controller->schedule->has_value());
 }
 
 TEST_F(PanelTest, ReturnQuitsAllUnlessItsButtonIsOff) {
@@ -137,8 +143,10 @@ TEST_F(PanelTest, ADoubleClickDoesNotReachWhatTakesThePlace) {
     QTest::mouseDClick(find("dismissNote"), Qt::LeftButton);
     settle();
     EXPECT_TRUE(isShown("NoteCard"));
+    EXPECT_EQ(text("note"), "Era in stop.");
     click("dismissNote");
     EXPECT_FALSE(isShown("NoteCard"));
+    EXPECT_FALSE(controller->scheduleNote->has_value());
 }
 
 TEST_F(PanelTest, TheMemoryBarStaysWithinItsTrack) {
