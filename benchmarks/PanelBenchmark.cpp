@@ -30,7 +30,8 @@ public:
             apps.push_back(&desktop.open("Applicazione " + std::to_string(number),
                                          static_cast<std::uint64_t>(1000 - number) << 20));
         face.appearance.motionReduced = true;
-        controller = std::make_unique<QuitController>(desktop.ports());
+        settings = std::make_unique<Settings>(desktop.loop, desktop.preferences);
+        controller = std::make_unique<QuitController>(desktop.ports(), *settings);
         updater = std::make_unique<AppUpdater>(desktop.loop);
         desktop.loop.settle();
     }
@@ -49,6 +50,7 @@ public:
     SimulatedFace face;
     LookOwner looks{face.appearance};
     std::vector<SimulatedApplication*> apps;
+    std::unique_ptr<Settings> settings;
     std::unique_ptr<QuitController> controller;
     std::unique_ptr<AppUpdater> updater;
 };

@@ -95,7 +95,8 @@ void simulatedDay(benchmark::State& state) {
         SimulatedDesktop desktop;
         for (int number = 0; number < 20; ++number)
             desktop.open("App " + std::to_string(number), 100_MiB);
-        QuitController controller(desktop.ports());
+        Settings settings(desktop.loop, desktop.preferences);
+        QuitController controller(desktop.ports(), settings);
         controller.startLiveUpdates();
         desktop.advance(24h);
     }

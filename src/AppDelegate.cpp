@@ -14,7 +14,7 @@ namespace velmorquit {
 
 AppDelegate::AppDelegate(const Desktop& desktop, const DesktopFace& face, const Notices& notices)
     : desktop_(desktop), settings_(desktop.loop, desktop.preferences),
-      actions_(desktop.loop, desktop.kernel, desktop.formats), controller_(desktop),
+      actions_(desktop.loop, desktop.kernel, desktop.formats), controller_(desktop, settings_),
       updater_(desktop.loop), remoteControl_(controller_, actions_, desktop),
       scheduleNotice_(controller_, notices.schedule, desktop.formats),
       endNotice_(desktop.loop, desktop.loginWindow, notices.end),

@@ -42,7 +42,8 @@ void act(SimulatedDesktop& desktop, const std::vector<std::string>& words) {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     constexpr int mostLines = 12;
     SimulatedDesktop desktop;
-    QuitController controller(desktop.ports());
+    Settings settings(desktop.loop, desktop.preferences);
+    QuitController controller(desktop.ports(), settings);
     ActionRunner actions(desktop.loop, desktop.kernel, desktop.formats);
     actions.setController(&controller);
     RemoteControl control(controller, actions, desktop.ports());

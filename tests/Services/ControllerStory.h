@@ -15,7 +15,9 @@ class ControllerStory : public testing::Test {
 protected:
     /// Call it once the stage is set.
     QuitController& start() {
-        controller = std::make_unique<QuitController>(desktop.ports());
+        controller.reset();
+        settings = std::make_unique<Settings>(desktop.loop, desktop.preferences);
+        controller = std::make_unique<QuitController>(desktop.ports(), *settings);
         events_ = controller->hearEvents([this](const Event& event) { hear(event); });
         phases_ = controller->phase.subscribe([this] { desktop.write(phaseText()); });
         desktop.loop.settle();
@@ -39,6 +41,7 @@ protected:
     }
 
     SimulatedDesktop desktop;
+    std::unique_ptr<Settings> settings;
     std::unique_ptr<QuitController> controller;
     /// Called after the event is in the log.
     std::function<void(const Event&)> onEvent;

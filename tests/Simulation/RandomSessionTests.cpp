@@ -157,7 +157,8 @@ private:
                                      desktop_.windows, desktop_.processes, desktop_.registry,
                                      desktop_.input, desktop_.sleepHold, desktop_.endService});
         endNotice_ = std::make_unique<EndNotice>(desktop_.loop, *end_, notice_);
-        controller_ = std::make_unique<QuitController>(desktop_.ports(*end_));
+        settings_ = std::make_unique<Settings>(desktop_.loop, desktop_.preferences);
+        controller_ = std::make_unique<QuitController>(desktop_.ports(*end_), *settings_);
         control_ = std::make_unique<RemoteControl>(*controller_, actions_, desktop_.ports(*end_));
         events_ = controller_->hearEvents([this](const Event& event) { react(event); });
         // Of those without windows it knows nothing.
@@ -497,6 +498,7 @@ private:
     SimulatedNotice notice_{[](std::string_view) {}};
     std::unique_ptr<SessionEnd> end_;
     std::unique_ptr<EndNotice> endNotice_;
+    std::unique_ptr<Settings> settings_;
     std::unique_ptr<QuitController> controller_;
     std::unique_ptr<RemoteControl> control_;
     std::vector<SimulatedApplication*> apps_;

@@ -28,7 +28,9 @@ protected:
 
     /// Call it once the stage is set.
     QuitController& start() {
-        controller = std::make_unique<QuitController>(desktop.ports());
+        controller.reset();
+        settings = std::make_unique<Settings>(desktop.loop, desktop.preferences);
+        controller = std::make_unique<QuitController>(desktop.ports(), *settings);
         updater = std::make_unique<AppUpdater>(desktop.loop);
         frame =
             std::make_unique<PanelFrame>(new PanelView(*controller, *updater, desktop.ports(), {}));
@@ -77,6 +79,7 @@ protected:
     SimulatedDesktop desktop;
     SimulatedFace face;
     int height = 1000;
+    std::unique_ptr<Settings> settings;
     std::unique_ptr<QuitController> controller;
     std::unique_ptr<AppUpdater> updater;
     std::unique_ptr<PanelFrame> frame;

@@ -14,7 +14,8 @@ namespace {
 class PopoverTest : public PanelStory {
 protected:
     PopoverTest() {
-        controller = std::make_unique<QuitController>(desktop.ports());
+        settings = std::make_unique<Settings>(desktop.loop, desktop.preferences);
+        controller = std::make_unique<QuitController>(desktop.ports(), *settings);
         updater = std::make_unique<AppUpdater>(desktop.loop);
         popover = std::make_unique<PanelPopover>(
             PanelPopover::Surroundings{desktop.loop, face.ports(), looks},

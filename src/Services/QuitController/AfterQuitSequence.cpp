@@ -40,8 +40,7 @@ Task<> QuitRun::follow(PowerAction planned) {
 
     if (means_.options.backupFirst && means_.options.timeMachine->isConfigured) {
         status.phase = phases::BackingUp{};
-        backup_.emplace(desktop_,
-                        BackupStep::Means{status.phase, means_.options.timeMachine, means_.events});
+        backup_.emplace(desktop_, BackupStep::Means{status.phase, means_.options, means_.events});
         Task<bool> backingUp = backUp(notes);
         if (!co_await backingUp) {
             stage_ = Stage::over;

@@ -92,7 +92,7 @@ Task<bool> BackupStep::waitForRecord(WallTime started) {
                                TimeMachine::latestBackupDate(children, tool)};
             });
         const Records records = co_await looking;
-        means_.records = records.info;
+        means_.options.noteBackups(records.info);
         const auto newest = std::max(records.info.lastBackup, records.latest);
         if (newest && *newest >= started - tolerance && !stop_)
             co_return true;

@@ -5,7 +5,7 @@
 #include "Model/Phase.h"
 #include "Platform/Desktop.h"
 #include "Services/QuitController/EventFeed.h"
-#include "Services/TimeMachine.h"
+#include "Services/QuitController/RunOptions.h"
 
 #include <optional>
 #include <string>
@@ -30,7 +30,7 @@ public:
     /// Where it tells what it learns; all of it outlives the step.
     struct Means {
         Published<Phase>& phase;
-        Published<TimeMachine::Info>& records;
+        RunOptions& options;
         const EventFeed& events;
     };
 

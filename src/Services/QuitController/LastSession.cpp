@@ -1,52 +1,21 @@
 #include "Services/QuitController/LastSession.h"
 
 #include "Platform/Files.h"
-#include "Platform/Preferences.h"
 #include "Platform/Workspace.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <set>
-#include <span>
-#include <string_view>
+#include <utility>
 
 namespace velmorquit {
 
-namespace {
-
-constexpr const char* listKey = "lastSession";
-constexpr const char* dateKey = "lastSessionDate";
-
-Value::Data dataOf(std::string_view text) {
-    const auto bytes = std::as_bytes(std::span(text));
-    return {bytes.begin(), bytes.end()};
-}
-
-std::string textOf(const Value::Data& data) {
-    std::string text(data.size(), '\0');
-    std::ranges::transform(data, text.begin(),
-                           [](std::byte byte) { return static_cast<char>(byte); });
-    return text;
-}
-
-} // namespace
-
-LastSession::LastSession(const Desktop& desktop)
-    : lastSession(desktop.loop), closedForGood(desktop.loop), desktop_(desktop) {
-    load();
-}
-
-void LastSession::load() {
-    const auto storedDate = desktop_.preferences.object(dateKey);
-    const auto* date = storedDate ? storedDate->as<WallTime>() : nullptr;
-    if (!date || *date <= desktop_.loop.now() - lastSessionAge)
-        return;
-    const auto storedList = desktop_.preferences.object(listKey);
-    const auto* list = storedList ? storedList->as<Value::Data>() : nullptr;
-    if (!list)
-        return;
-    if (auto apps = SavedApps::decode(textOf(*list)))
-        lastSession = std::move(*apps);
+LastSession::LastSession(const Desktop& desktop, Settings& settings)
+    : lastSession(desktop.loop), closedForGood(desktop.loop), desktop_(desktop),
+      settings_(settings) {
+    const auto& date = settings_.lastSessionDate.get();
+    const auto& apps = settings_.lastSession.get();
+    if (date && apps && *date > desktop_.loop.now() - lastSessionAge)
+        lastSession = *apps;
 }
 
 void LastSession::remember(const std::vector<OpenApp>& closed) {
@@ -69,8 +38,8 @@ void LastSession::remember(const std::vector<OpenApp>& closed) {
     // A run that closed nothing takes nothing away from what can be brought back.
     if (saved.empty())
         return;
-    desktop_.preferences.set(listKey, dataOf(SavedApps::encode(saved)));
-    desktop_.preferences.set(dateKey, desktop_.loop.now());
+    settings_.lastSession.store(saved);
+    settings_.lastSessionDate.store(desktop_.loop.now());
     lastSession = std::move(saved);
 }
 
@@ -98,8 +67,8 @@ void LastSession::reopenLastSession() {
 void LastSession::forgetLastSession() {
     lastSession = {};
     closedForGood = {};
-    desktop_.preferences.remove(listKey);
-    desktop_.preferences.remove(dateKey);
+    settings_.lastSession.store(std::nullopt);
+    settings_.lastSessionDate.store(std::nullopt);
 }
 
 } // namespace velmorquit

@@ -4,6 +4,7 @@
 #include "Model/SavedApp.h"
 #include "Platform/Desktop.h"
 #include "Services/QuitController/OpenApp.h"
+#include "Services/Settings.h"
 
 #include <string>
 #include <vector>
@@ -17,12 +18,12 @@ public:
     static constexpr Duration lastSessionAge = 7 * 24h;
 
     /// Reads it from the preferences.
-    explicit LastSession(const Desktop& desktop);
+    LastSession(const Desktop& desktop, Settings& settings);
 
     /// What the last run that closed anything has closed, most memory first.
-    Published<std::vector<SavedApp>> lastSession;
+    Published<std::vector<SavedApp>, LastSession> lastSession;
     /// Names of what that run has closed too, but that no file starts. They aren't stored.
-    Published<std::vector<std::string>> closedForGood;
+    Published<std::vector<std::string>, LastSession> closedForGood;
 
     /// Stores the applications that quit, most memory first.
     void remember(const std::vector<OpenApp>& closed);
@@ -38,9 +39,8 @@ public:
     void forgetLastSession();
 
 private:
-    void load();
-
     Desktop desktop_;
+    Settings& settings_;
 };
 
 } // namespace velmorquit

@@ -1,7 +1,6 @@
 #include "Services/QuitController/QuitController.h"
 
 #include "Platform/LoginWindow.h"
-#include "Platform/Preferences.h"
 #include "Platform/Volumes.h"
 #include "Platform/Workspace.h"
 
@@ -9,22 +8,19 @@
 
 namespace velmorquit {
 
-QuitController::QuitController(const Desktop& desktop)
-    : RunningApplications(desktop), RunOptions(desktop), RunStatus(desktop), LastSession(desktop),
-      Scheduler(desktop, {.begin = [this](PowerAction action,
-                                          Attendance attendance) { begin(action, attendance); },
-                          .events = *this}),
+QuitController::QuitController(const Desktop& desktop, Settings& settings)
+    : RunningApplications(desktop, settings), RunOptions(desktop, settings), RunStatus(desktop),
+      LastSession(desktop, settings),
+      Scheduler(desktop, settings,
+                {.begin = [this](PowerAction action,
+                                 Attendance attendance) { begin(action, attendance); },
+                 .events = *this}),
       desktop_(desktop) {
     observe();
     refresh();
 }
 
 void QuitController::observe() {
-    observers_.push_back(desktop_.preferences.observe([this] {
-        loadExclusions();
-        loadOptions();
-        loadConfirmation();
-    }));
     observers_.push_back(desktop_.workspace.observe([this](const WorkspaceChanges& changes) {
         if (hasAnyOf(changes, {WorkspaceEvent::launched, WorkspaceEvent::terminated,
                                WorkspaceEvent::policyChanged}))

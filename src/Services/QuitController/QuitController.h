@@ -30,8 +30,8 @@ public:
     using BackupStop = velmorquit::BackupStop;
     using FailureChoice = velmorquit::FailureChoice;
 
-    /// Reads the preferences, watches the workspace and lists what is open.
-    explicit QuitController(const Desktop& desktop);
+    /// Watches the workspace and lists what is open. Both outlive it.
+    QuitController(const Desktop& desktop, Settings& settings);
     QuitController(const QuitController&) = delete;
     QuitController& operator=(const QuitController&) = delete;
 

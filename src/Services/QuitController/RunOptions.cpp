@@ -1,50 +1,25 @@
 #include "Services/QuitController/RunOptions.h"
 
-#include "Platform/Preferences.h"
-
 #include <utility>
 
 namespace velmorquit {
 
-RunOptions::RunOptions(const Desktop& desktop)
-    : afterQuit(desktop.loop), backupFirst(desktop.loop), ejectDrives(desktop.loop),
+RunOptions::RunOptions(const Desktop& desktop, Settings& settings)
+    : afterQuit(settings.afterQuit), backupFirst(settings.backupFirst),
+      ejectDrives(settings.ejectDrives),
       timeMachine(desktop.loop, TimeMachine::info(desktop.files, desktop.backupTool)),
-      externalDrives(desktop.loop), desktop_(desktop) {
-    loadOptions();
-}
-
-void RunOptions::loadOptions() {
-    const std::string action = desktop_.preferences.text("afterQuit").value_or("");
-    afterQuit = powerActionFromRaw(action).value_or(PowerAction::none);
-    backupFirst = desktop_.preferences.boolean("backupFirst", false);
-    ejectDrives = desktop_.preferences.boolean("ejectDrives", false);
-}
+      externalDrives(desktop.loop), desktop_(desktop), settings_(settings) {}
 
 void RunOptions::lookAround() {
     timeMachine = TimeMachine::info(desktop_.files, desktop_.backupTool);
     externalDrives = ExternalDrives::connected(desktop_.volumes);
 }
 
-void RunOptions::chooseAfterQuit(PowerAction action) {
-    if (afterQuit.get() == action)
-        return;
-    afterQuit = action;
-    desktop_.preferences.set("afterQuit", std::string(rawValue(action)));
-}
+void RunOptions::chooseAfterQuit(PowerAction action) { settings_.afterQuit.store(action); }
 
-void RunOptions::chooseBackupFirst(bool isChosen) {
-    if (backupFirst.get() == isChosen)
-        return;
-    backupFirst = isChosen;
-    desktop_.preferences.set("backupFirst", isChosen);
-}
+void RunOptions::chooseBackupFirst(bool isChosen) { settings_.backupFirst.store(isChosen); }
 
-void RunOptions::chooseEjectDrives(bool isChosen) {
-    if (ejectDrives.get() == isChosen)
-        return;
-    ejectDrives = isChosen;
-    desktop_.preferences.set("ejectDrives", isChosen);
-}
+void RunOptions::chooseEjectDrives(bool isChosen) { settings_.ejectDrives.store(isChosen); }
 
 void RunOptions::eject(std::function<void(const ExternalDrives::Ejected&)> told) {
     ejecting_ = ejectAndTell(std::move(told));

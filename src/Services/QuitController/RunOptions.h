@@ -5,6 +5,7 @@
 #include "Model/PowerAction.h"
 #include "Platform/Desktop.h"
 #include "Services/ExternalDrives.h"
+#include "Services/Settings.h"
 #include "Services/TimeMachine.h"
 
 #include <functional>
@@ -15,25 +16,25 @@ namespace velmorquit {
 /// What the user wants to follow a run, and what there is on this computer for it.
 class RunOptions {
 public:
-    explicit RunOptions(const Desktop& desktop);
+    RunOptions(const Desktop& desktop, Settings& settings);
 
-    Published<PowerAction> afterQuit;
+    const Setting<PowerAction>& afterQuit;
     /// Whether a run is followed by a backup, where there is a place for one.
-    Published<bool> backupFirst;
+    const Setting<bool>& backupFirst;
     /// Whether a run is followed by ejecting the external drives.
-    Published<bool> ejectDrives;
-    Published<TimeMachine::Info> timeMachine;
-    Published<std::vector<ExternalDrives::Drive>> externalDrives;
+    const Setting<bool>& ejectDrives;
+    Published<TimeMachine::Info, RunOptions> timeMachine;
+    Published<std::vector<ExternalDrives::Drive>, RunOptions> externalDrives;
 
     /// Choose what follows a run, and store it.
     void chooseAfterQuit(PowerAction action);
     void chooseBackupFirst(bool isChosen);
     void chooseEjectDrives(bool isChosen);
 
-    /// Reads the choices from the preferences.
-    void loadOptions();
     /// Looks at the backups and the drives.
     void lookAround();
+    /// Somebody has just looked at the backups.
+    void noteBackups(const TimeMachine::Info& info) { timeMachine = info; }
 
     /// Ejects the external drives outside a run; `told` hears the result.
     void eject(std::function<void(const ExternalDrives::Ejected&)> told);
@@ -45,6 +46,7 @@ private:
     Task<> ejectAndTell(std::function<void(const ExternalDrives::Ejected&)> told);
 
     Desktop desktop_;
+    Settings& settings_;
     Task<> ejecting_;
 };
 

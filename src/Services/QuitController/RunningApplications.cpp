@@ -1,22 +1,22 @@
 #include "Services/QuitController/RunningApplications.h"
 
 #include "Platform/Kernel.h"
-#include "Platform/Preferences.h"
 
 #include <algorithm>
 
 namespace velmorquit {
 
-RunningApplications::RunningApplications(const Desktop& desktop)
+RunningApplications::RunningApplications(const Desktop& desktop, Settings& settings)
     : apps(desktop.loop), sight(desktop.loop),
       systemMemory(desktop.loop, MemoryMonitor::system(desktop.kernel)), excluded(desktop.loop),
-      desktop_(desktop) {
-    loadExclusions();
+      desktop_(desktop), settings_(settings) {
+    takeOverExclusions();
+    exclusionChanges_ = settings_.excludedApps.subscribe([this] { takeOverExclusions(); });
 }
 
-void RunningApplications::loadExclusions() {
-    if (const auto stored = desktop_.preferences.texts("excludedApps")) {
-        excluded = std::set<std::string>(stored->begin(), stored->end());
+void RunningApplications::takeOverExclusions() {
+    if (const auto& stored = settings_.excludedApps.get()) {
+        excluded = *stored;
         return;
     }
     const auto own = desktop_.workspace.defaultExclusions();
@@ -68,7 +68,8 @@ std::vector<OpenApp> RunningApplications::quittable() const {
 void RunningApplications::toggleExclusion(const OpenApp& app) {
     // What the user saw and meant to change.
     const bool wasExcluded = isExcluded(app);
-    takeOverEdits();
+    settings_.refresh();
+    takeOverExclusions();
     std::set<std::string> keys = excluded;
     if (wasExcluded) {
         keys.erase(app.exclusionKey());
@@ -81,7 +82,8 @@ void RunningApplications::toggleExclusion(const OpenApp& app) {
 }
 
 bool RunningApplications::includeAgain(const std::string& key) {
-    takeOverEdits();
+    settings_.refresh();
+    takeOverExclusions();
     std::set<std::string> keys = excluded;
     if (keys.erase(key) == 0)
         return false;
@@ -90,15 +92,9 @@ bool RunningApplications::includeAgain(const std::string& key) {
 }
 
 /// The list is stored as a whole: what another program has added to it by now is part of it.
-void RunningApplications::takeOverEdits() {
-    desktop_.preferences.refresh();
-    loadExclusions();
-}
-
 void RunningApplications::storeExclusions(std::set<std::string> keys) {
-    Value::Array sorted(keys.begin(), keys.end());
+    settings_.excludedApps.store(keys);
     excluded = std::move(keys);
-    desktop_.preferences.set("excludedApps", std::move(sorted));
 }
 
 } // namespace velmorquit

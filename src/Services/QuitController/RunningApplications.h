@@ -5,6 +5,7 @@
 #include "Platform/Workspace.h"
 #include "Services/MemoryMonitor.h"
 #include "Services/QuitController/OpenApp.h"
+#include "Services/Settings.h"
 
 #include <set>
 #include <string>
@@ -15,21 +16,18 @@ namespace velmorquit {
 /// Which applications are open, and which of them the user has excluded.
 class RunningApplications {
 public:
-    explicit RunningApplications(const Desktop& desktop);
+    RunningApplications(const Desktop& desktop, Settings& settings);
 
     /// Open applications, most memory first.
-    Published<std::vector<OpenApp>> apps;
+    Published<std::vector<OpenApp>, RunningApplications> apps;
     /// How much of the session was seen when they were listed.
-    Published<Sight> sight;
-    Published<MemoryMonitor::SystemMemory> systemMemory;
+    Published<Sight, RunningApplications> sight;
+    Published<MemoryMonitor::SystemMemory, RunningApplications> systemMemory;
     /// Exclusion keys of the applications that a run leaves alone.
-    Published<std::set<std::string>> excluded;
+    Published<std::set<std::string>, RunningApplications> excluded;
 
     /// Lists anew what is open.
     void listApplications();
-
-    /// Reads the exclusions from the preferences.
-    void loadExclusions();
 
     /// Excludes the application, or includes it again, and stores the exclusions.
     void toggleExclusion(const OpenApp& app);
@@ -44,10 +42,12 @@ public:
     [[nodiscard]] std::vector<OpenApp> quittable() const;
 
 private:
-    void takeOverEdits();
+    void takeOverExclusions();
     void storeExclusions(std::set<std::string> keys);
 
     Desktop desktop_;
+    Settings& settings_;
+    Handle exclusionChanges_;
 };
 
 } // namespace velmorquit

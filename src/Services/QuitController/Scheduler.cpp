@@ -1,7 +1,6 @@
 #include "Services/QuitController/Scheduler.h"
 
 #include "Platform/Formats.h"
-#include "Platform/Preferences.h"
 #include "Platform/SleepHold.h"
 #include "Texts/Localized.h"
 
@@ -33,25 +32,18 @@ Duration nextThreshold(Duration remaining) {
 
 } // namespace
 
-Scheduler::Scheduler(const Desktop& desktop, Means means)
-    : schedule(desktop.loop), awaitingConfirmation(desktop.loop), confirmScheduled(desktop.loop),
-      scheduleNote(desktop.loop), desktop_(desktop), means_(std::move(means)) {
-    loadConfirmation();
+Scheduler::Scheduler(const Desktop& desktop, Settings& settings, Means means)
+    : schedule(desktop.loop), awaitingConfirmation(desktop.loop),
+      confirmScheduled(settings.confirmScheduled), scheduleNote(desktop.loop), desktop_(desktop),
+      settings_(settings), means_(std::move(means)) {
     observers_.push_back(
         desktop_.loop.observe(ClockEvent::woke, [this] { checkMissedSchedule(); }));
     observers_.push_back(
         desktop_.loop.observe(ClockEvent::corrected, [this] { tickAtNextSecond(); }));
 }
 
-void Scheduler::loadConfirmation() {
-    confirmScheduled = desktop_.preferences.boolean("confirmScheduled", true);
-}
-
 void Scheduler::chooseConfirmScheduled(bool isChosen) {
-    if (confirmScheduled.get() == isChosen)
-        return;
-    confirmScheduled = isChosen;
-    desktop_.preferences.set("confirmScheduled", isChosen);
+    settings_.confirmScheduled.store(isChosen);
 }
 
 void Scheduler::scheduleQuit(WallTime date, PowerAction action) {

@@ -5,6 +5,7 @@
 #include "Platform/Desktop.h"
 #include "Platform/LoginWindow.h"
 #include "Services/QuitController/EventFeed.h"
+#include "Services/Settings.h"
 
 #include <cstdint>
 #include <functional>
@@ -23,16 +24,16 @@ public:
         const EventFeed& events;
     };
 
-    Scheduler(const Desktop& desktop, Means means);
+    Scheduler(const Desktop& desktop, Settings& settings, Means means);
 
     /// The run that is to begin later; it isn't kept across starts.
-    Published<std::optional<ScheduledQuit>> schedule;
+    Published<std::optional<ScheduledQuit>, Scheduler> schedule;
     /// Its moment has come, and the user is asked whether it is to begin.
-    Published<bool> awaitingConfirmation;
+    Published<bool, Scheduler> awaitingConfirmation;
     /// Whether the user wants to be asked then.
-    Published<bool> confirmScheduled;
+    const Setting<bool>& confirmScheduled;
     /// What the user should know of a schedule that came to nothing.
-    Published<std::optional<std::string>> scheduleNote;
+    Published<std::optional<std::string>, Scheduler> scheduleNote;
 
     /// Sets the run for later, in place of one that was set before. A date that has passed is one
     /// second from now. The computer doesn't fall asleep by itself until then.
@@ -44,8 +45,6 @@ public:
     void cancelSchedule();
     /// Chooses whether the next schedule asks, and stores the choice.
     void chooseConfirmScheduled(bool isChosen);
-    /// Reads that choice from the preferences.
-    void loadConfirmation();
 
     /// Gives sleep free: somebody else holds it off, until the next tick.
     void letSleep() { sleepActivity_.reset(); }
@@ -61,6 +60,7 @@ private:
     void checkMissedSchedule();
 
     Desktop desktop_;
+    Settings& settings_;
     Means means_;
     /// Counts what is done to the schedule, so that a tick sees when a callback has replaced it.
     int scheduleNumber_ = 0;

@@ -101,7 +101,8 @@ QuitController& Stage::startUsually() {
 }
 
 QuitController& Stage::start() {
-    controller_ = std::make_unique<QuitController>(desktop.ports(setting_.formats));
+    settings.refresh();
+    controller_ = std::make_unique<QuitController>(desktop.ports(setting_.formats), settings);
     settle();
     return *controller_;
 }
