@@ -13,13 +13,6 @@ namespace velmorquit {
 
 namespace {
 
-fs::path makeRoot() {
-    std::string name = fs::temp_directory_path() / "velmor-backup.XXXXXX";
-    if (!::mkdtemp(name.data()))
-        throw std::runtime_error("no folder");
-    return fs::canonical(name);
-}
-
 std::string content(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
@@ -27,7 +20,7 @@ std::string content(const fs::path& file) {
 
 } // namespace
 
-BackupStory::BackupStory() : root(makeRoot()) {
+BackupStory::BackupStory() {
     // What others may read is left to the tool.
     ::umask(0);
     for (const char* name : {"home", "run", "config", "cache", "state", "bin"})
@@ -40,11 +33,6 @@ BackupStory::BackupStory() : root(makeRoot()) {
     ::setenv("PATH", ((root / "bin").string() + ":/usr/local/bin:/usr/bin:/bin").c_str(), 1);
     for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
         ::unsetenv(name);
-}
-
-BackupStory::~BackupStory() {
-    std::error_code ignored;
-    fs::remove_all(root, ignored);
 }
 
 std::string BackupStory::End::lastLine() const {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "support/Child.h"
+#include "support/TemporaryFolder.h"
 
 namespace velmorquit {
 
@@ -20,7 +21,6 @@ namespace fs = std::filesystem;
 class BackupStory : public testing::Test {
 protected:
     BackupStory();
-    ~BackupStory() override;
 
     struct End {
         int status = -1;
@@ -59,7 +59,8 @@ protected:
     std::vector<WallTime> dates(std::size_t index = 0) const;
     std::size_t locksIn(const fs::path& place) const;
 
-    const fs::path root;
+    const TemporaryFolder folder{"velmor-backup."};
+    const fs::path& root = folder.path();
     const fs::path home = root / "home";
     const fs::path settings = root / "config/velmorquit/backups.plist";
 };

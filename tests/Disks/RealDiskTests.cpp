@@ -1,5 +1,6 @@
 #include "Linux/QtMainLoop.h"
 #include "Linux/Volumes/UDisksVolumes.h"
+#include "Simulated/SimulatedPorts.h"
 #include "support/Child.h"
 #include "support/Waiting.h"
 
@@ -26,11 +27,6 @@ using testing::IsEmpty;
 /// Real disks that are made of files, and the real UDisks2.
 class RealDiskTest : public testing::Test {
 protected:
-    struct Log final : SystemLog {
-        void write(std::string_view line) override { lines.emplace_back(line); }
-        std::vector<std::string> lines;
-    };
-
     void SetUp() override {
         const char* obstacle = std::getenv("VELMOR_NO_DISKS");
         if (!obstacle || *obstacle != '\0')
@@ -123,7 +119,7 @@ protected:
     }
 
     QtMainLoop loop;
-    Log log;
+    SimulatedSystemLog log;
     std::unique_ptr<Child> service;
     std::unique_ptr<UDisksVolumes> volumes;
     std::vector<std::string> disks;

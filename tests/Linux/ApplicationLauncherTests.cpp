@@ -1,6 +1,7 @@
 #include "Linux/Applications/ApplicationLauncher.h"
 #include "Simulated/SimulatedPorts.h"
 #include "support/PrivateBus.h"
+#include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
 #include <gmock/gmock.h>
@@ -49,8 +50,6 @@ private:
 class ApplicationLauncherTest : public testing::Test {
 protected:
     ApplicationLauncherTest() {
-        std::string name = "/tmp/velmor-launcher.XXXXXX";
-        folder = ::mkdtemp(name.data());
         write("program",
               "#!/bin/sh\n"
               "d=" +
@@ -65,7 +64,6 @@ protected:
     ~ApplicationLauncherTest() override {
         for (const pid_t process : programs)
             ::kill(process, SIGKILL);
-        fs::remove_all(folder);
     }
 
     fs::path write(const std::string& name, const std::string& text) {
@@ -106,7 +104,8 @@ protected:
         return {};
     }
 
-    fs::path folder;
+    const TemporaryFolder temporary;
+    const fs::path& folder = temporary.path();
     std::set<pid_t> programs;
     SimulatedSystemLog log;
     ApplicationLauncher launcher{{VELMORQUIT, "--start-entry"}, log};

@@ -1,5 +1,6 @@
 #include "Linux/Autostart/AutostartEntry.h"
 #include "support/Child.h"
+#include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
 #include <gtest/gtest.h>
@@ -16,14 +17,11 @@ namespace fs = std::filesystem;
 class AutostartEntryTest : public testing::Test {
 protected:
     AutostartEntryTest() {
-        std::string name = (fs::temp_directory_path() / "velmor-autostart.XXXXXX").string();
-        root_ = ::mkdtemp(name.data());
         program = root_ / "a è; & #~*(<>)|?{x}[y]@!^";
         std::ofstream(program) << "#!/bin/sh\n";
         fs::permissions(program, fs::perms::owner_all);
         fs::create_directories(root_ / "system");
     }
-    ~AutostartEntryTest() override { fs::remove_all(root_); }
 
     AutostartEntry entry() {
         return {{root_ / "own", {root_ / "none", root_ / "system"}}, program};
@@ -43,7 +41,8 @@ protected:
 
 private:
     static constexpr const char* fileName = "org.velmorquit.VelmorQuit.desktop";
-    fs::path root_;
+    const TemporaryFolder folder_;
+    const fs::path& root_ = folder_.path();
 };
 
 TEST_F(AutostartEntryTest, IsWrittenAndDeletedWhateverThePathHolds) {

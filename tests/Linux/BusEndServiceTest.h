@@ -2,10 +2,10 @@
 
 #include "Linux/Session/BusEndService.h"
 #include "support/PrivateBus.h"
+#include "support/StandInService.h"
 #include "support/Waiting.h"
 
 #include <QDBusObjectPath>
-#include <QDBusVirtualObject>
 
 #include <gtest/gtest.h>
 
@@ -19,20 +19,11 @@ namespace velmorquit {
 enum class Manners { accepts, refuses, cancels, hangs, leaves };
 
 /// Stands for whoever ends sessions: all objects of one connection, under the names that it takes.
-class StandIn final : public QDBusVirtualObject {
+class StandIn final : public StandInService {
 public:
-    explicit StandIn(QDBusConnection bus) : bus_(std::move(bus)) {
-        EXPECT_TRUE(bus_.registerVirtualObject("/", this, QDBusConnection::SubPath));
-    }
+    using StandInService::StandInService;
 
-    void own(const QString& name) { EXPECT_TRUE(bus_.registerService(name)); }
-    void disown(const QString& name) { EXPECT_TRUE(bus_.unregisterService(name)); }
-
-    [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
-
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+    void hear(const QDBusMessage& message) override {
         QStringList words{message.path(), message.interface() + '.' + message.member()};
         for (const QVariant& argument : message.arguments())
             words << argument.typeName() + QStringLiteral(":") + argument.toString();
@@ -48,17 +39,13 @@ public:
                 "org.gtk.GDBus.UnmappedGError.Quark._g_2dio_2derror_2dquark.Code19",
                 "L'operazione è stata annullata"));
         } else if (manners == Manners::leaves) {
-            QDBusConnection::disconnectFromBus(bus_.name());
-            bus_ = QDBusConnection("none");
+            QDBusConnection::disconnectFromBus(bus.name());
+            bus = QDBusConnection("none");
         }
-        return true;
     }
 
     Manners manners = Manners::accepts;
     QStringList calls;
-
-private:
-    QDBusConnection bus_;
 };
 
 /// A session's bus and a system's, with somebody on each of them.
@@ -90,7 +77,7 @@ protected:
     }
 
     void settleAll() {
-        settle({manager.bus(), login.bus(), session.connection(), system.connection()});
+        settle({manager.bus, login.bus, session.connection(), system.connection()});
     }
 
     QStringList takeCalls() {

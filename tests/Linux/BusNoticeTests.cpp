@@ -1,9 +1,9 @@
 #include "Linux/DBus/BusNotice.h"
 #include "Linux/Session/PowerBus.h"
 #include "support/PrivateBus.h"
+#include "support/StandInService.h"
 
 #include <QDBusArgument>
-#include <QDBusVirtualObject>
 
 #include <gtest/gtest.h>
 
@@ -13,28 +13,24 @@ namespace velmorquit {
 namespace {
 
 /// Stands for the desktop's notification service.
-class Service final : public QDBusVirtualObject {
+class Service final : public StandInService {
 public:
-    explicit Service(QDBusConnection bus) : bus_(std::move(bus)) {
-        EXPECT_TRUE(bus_.registerVirtualObject("/org/freedesktop/Notifications", this));
-        EXPECT_TRUE(bus_.registerService("org.freedesktop.Notifications"));
-    }
+    static constexpr const char* name = "org.freedesktop.Notifications";
 
-    [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
+    explicit Service(const QDBusConnection& connection) : StandInService(connection, {name}) {}
 
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override {
+    void hear(const QDBusMessage& message) override {
+        EXPECT_EQ(message.path(), "/org/freedesktop/Notifications");
         const QVariantList in = message.arguments();
         if (message.member() == "CloseNotification") {
             log << "close " + in.value(0).toString();
-            bus_.send(message.createReply());
-            return true;
+            bus.send(message.createReply());
+            return;
         }
         if (message.member() == "GetCapabilities") {
             ++questions;
-            bus_.send(message.createReply(capabilities));
-            return true;
+            bus.send(message.createReply(capabilities));
+            return;
         }
         EXPECT_EQ(message.signature(), "susssasa{sv}i");
         const uint replaced = in.value(1).toUInt();
@@ -45,18 +41,17 @@ public:
         if (isSlow)
             pending = message.createReply(number);
         else
-            bus_.send(message.createReply(number));
-        return true;
+            bus.send(message.createReply(number));
     }
 
-    void answer() { bus_.send(pending); }
-    void emitSignal(const QString& name, uint number, const QVariant& argument) {
-        tell(bus_, name, number, argument);
+    void answer() { bus.send(pending); }
+    void emitSignal(const QString& member, uint number, const QVariant& argument) {
+        tell(bus, member, number, argument);
     }
-    static void tell(QDBusConnection bus, const QString& name, uint number,
+    static void tell(QDBusConnection bus, const QString& member, uint number,
                      const QVariant& argument) {
-        QDBusMessage signal = QDBusMessage::createSignal("/org/freedesktop/Notifications",
-                                                         "org.freedesktop.Notifications", name);
+        QDBusMessage signal =
+            QDBusMessage::createSignal("/org/freedesktop/Notifications", name, member);
         signal << number << argument;
         bus.send(signal);
     }
@@ -68,7 +63,6 @@ public:
     QStringList log;
 
 private:
-    QDBusConnection bus_;
     uint last_ = 6;
 };
 
@@ -91,7 +85,7 @@ protected:
         notice->notice.onButton = [this](const std::string&) { ++cancelled; };
     }
 
-    void settleAll() { settle({session.connection(), service.bus()}); }
+    void settleAll() { settle({session.connection(), service.bus}); }
 
     /// What the service has heard since the last time, when there is nothing more to hear.
     QStringList heard() {
@@ -190,11 +184,11 @@ TEST_F(BusNoticeTest, TheNextServiceIsAskedAnewAndNeverByTheNumberOfTheLast) {
         else
             notice->tell("Note");
         heard();
-        QDBusConnection(service.bus()).unregisterService("org.freedesktop.Notifications");
+        service.disown(Service::name);
         settleAll();
         Service next(bus.connect());
         const auto heardByNext = [&] {
-            settle({session.connection(), next.bus()});
+            settle({session.connection(), next.bus});
             return std::exchange(next.log, {});
         };
         EXPECT_EQ(heardByNext().size(), isQuestion ? 1 : 0);
@@ -207,9 +201,8 @@ TEST_F(BusNoticeTest, TheNextServiceIsAskedAnewAndNeverByTheNumberOfTheLast) {
         notice->tell("Mail");
         EXPECT_TRUE(heardByNext().value(0).startsWith(isQuestion ? "replace 7" : "show | "));
         notice->notice.withdraw();
-        QDBusConnection(next.bus()).unregisterService("org.freedesktop.Notifications");
-        EXPECT_TRUE(
-            QDBusConnection(service.bus()).registerService("org.freedesktop.Notifications"));
+        next.disown(Service::name);
+        service.own(Service::name);
         settleAll();
     }
 }
@@ -227,12 +220,12 @@ TEST_F(BusNoticeTest, SaysWhenTheServiceHasNoButtonsWhichItIsAskedOnce) {
     EXPECT_EQ(service.questions, 1);
     EXPECT_EQ(unanswerable, 0);
 
-    QDBusConnection(service.bus()).unregisterService("org.freedesktop.Notifications");
+    service.disown(Service::name);
     settleAll();
     EXPECT_EQ(std::exchange(unanswerable, 0), 1) << "perhaps no other service comes";
     Service plain(bus.connect());
     plain.capabilities = {"body"};
-    const auto settlePlain = [&] { settle({session.connection(), plain.bus()}); };
+    const auto settlePlain = [&] { settle({session.connection(), plain.bus}); };
     notice->tell("Note");
     settlePlain();
     EXPECT_EQ(unanswerable, 0);

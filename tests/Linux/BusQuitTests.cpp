@@ -1,10 +1,10 @@
 #include "Linux/DBus/BusQuit.h"
 #include "support/PrivateBus.h"
+#include "support/StandInService.h"
 #include "support/Waiting.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusVirtualObject>
 
 #include <gtest/gtest.h>
 
@@ -16,11 +16,11 @@ namespace velmorquit {
 namespace {
 
 /// Stands for every object of a program: a media player and an application in one.
-class Program final : public QDBusVirtualObject {
+class Program final : public StandInService {
 public:
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+    using StandInService::StandInService;
 
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+    void hear(const QDBusMessage& message) override {
         const QString call = message.path() + ' ' + message.member();
         if (message.member() == "Get") {
             bus.send(message.createReply(QVariant::fromValue(QDBusVariant(canQuit))));
@@ -37,7 +37,6 @@ public:
             if (message.member() == "Activate")
                 calls.back() += " (" + message.signature() + ')';
         }
-        return true;
     }
 
     bool canQuit = true;
@@ -46,19 +45,11 @@ public:
 
 class BusQuitTest : public testing::Test {
 protected:
-    BusQuitTest() {
-        EXPECT_TRUE(theirs().registerVirtualObject("/", &program, QDBusConnection::SubPath));
-        for (const char* name : {"org.mpris.MediaPlayer2.player", "org.example.Some-App"})
-            EXPECT_TRUE(theirs().registerService(name));
-    }
-
-    QDBusConnection theirs() { return theirs_; }
     QDBusConnection ours() { return ours_; }
 
     PrivateBus bus;
-    QDBusConnection theirs_ = bus.connect();
     QDBusConnection ours_ = bus.connect();
-    Program program;
+    Program program{bus.connect(), {"org.mpris.MediaPlayer2.player", "org.example.Some-App"}};
 };
 
 TEST_F(BusQuitTest, AsksThePlayerAndTheApplicationOfAProcess) {

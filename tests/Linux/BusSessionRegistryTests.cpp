@@ -1,12 +1,12 @@
 #include "Linux/Session/BusSessionRegistry.h"
 #include "Linux/Session/BusSleepHold.h"
 #include "support/PrivateBus.h"
+#include "support/StandInService.h"
 #include "support/Waiting.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
-#include <QDBusVirtualObject>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -51,33 +51,25 @@ const uint other = own + 1;
 
 /// Stands for a service: what it says to a member, or to "path member" first. It knows no other,
 /// and is silent where that is no value at all.
-class Keeper final : public QDBusVirtualObject {
+class Keeper final : public StandInService {
 public:
-    Keeper(QDBusConnection bus, const QString& name) : bus_(std::move(bus)) {
-        EXPECT_TRUE(bus_.registerVirtualObject("/", this, QDBusConnection::SubPath));
-        EXPECT_TRUE(bus_.registerService(name));
-    }
+    Keeper(const QDBusConnection& connection, const char* name)
+        : StandInService(connection, {name}) {}
 
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override {
+    void hear(const QDBusMessage& message) override {
         const QString whole = message.path() + ' ' + message.member();
         calls << whole;
         const QString key = says.contains(whole) ? whole : message.member();
         if (errors.contains(key) || !says.contains(key))
-            bus_.send(message.createErrorReply(
+            bus.send(message.createErrorReply(
                 errors.value(key, "org.freedesktop.DBus.Error.UnknownMethod"), "no"));
         else if (says[key].isValid())
-            bus_.send(message.createReply(says[key]));
-        return true;
+            bus.send(message.createReply(says[key]));
     }
 
     QVariantMap says;
     QMap<QString, QString> errors;
     QStringList calls;
-
-private:
-    QDBusConnection bus_;
 };
 
 class BusSessionRegistryTest : public testing::Test {

@@ -1,9 +1,8 @@
 #include "Linux/Session/BusSleepHold.h"
 #include "Linux/Session/BusSleepHolds.h"
 #include "support/PrivateBus.h"
+#include "support/StandInService.h"
 #include "support/Waiting.h"
-
-#include <QDBusVirtualObject>
 
 #include <gtest/gtest.h>
 
@@ -18,34 +17,29 @@ namespace velmorquit {
 namespace {
 
 /// Stands for whoever keeps a computer awake when asked.
-class Manager final : public QDBusVirtualObject {
+class Manager final : public StandInService {
 public:
-    Manager(QDBusConnection bus, const QString& name, const QString& path) : bus_(std::move(bus)) {
-        EXPECT_TRUE(bus_.registerVirtualObject(path, this));
-        EXPECT_TRUE(bus_.registerService(name));
-    }
+    Manager(const QDBusConnection& connection, const char* name, QString path)
+        : StandInService(connection, {name}), path_(std::move(path)) {}
 
-    [[nodiscard]] const QDBusConnection& bus() const { return bus_; }
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection&) override {
+    void hear(const QDBusMessage& message) override {
+        EXPECT_EQ(message.path(), path_);
         QStringList words{message.member()};
         for (const QVariant& argument : message.arguments())
             words << argument.toString();
         log << words.join(" | ");
         if (message.member() != "Inhibit")
-            return true;
+            return;
         pending = message;
         if (!isSlow)
             answer();
-        return true;
     }
 
     void answer() {
         if (doesRefuse)
-            bus_.send(pending.createErrorReply("org.test.No", "no"));
+            bus.send(pending.createErrorReply("org.test.No", "no"));
         else if (pending.interface() != "org.freedesktop.login1.Manager")
-            bus_.send(pending.createReply(QVariant(42U)));
+            bus.send(pending.createReply(QVariant(42U)));
         else
             giveLock();
     }
@@ -66,18 +60,18 @@ private:
         std::array<int, 2> ends{};
         ASSERT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0);
         reading_ = ends[0];
-        bus_.send(pending.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))));
+        bus.send(pending.createReply(QVariant::fromValue(QDBusUnixFileDescriptor(ends[1]))));
         ::close(ends[1]);
         pending = {};
     }
 
-    QDBusConnection bus_;
+    QString path_;
     int reading_ = -1;
 };
 
 class BusSleepHoldTest : public testing::Test {
 protected:
-    void settleAll() { settle({session.connection(), system.connection(), gnome->bus()}); }
+    void settleAll() { settle({session.connection(), system.connection(), gnome->bus}); }
 
     PrivateBus bus;
     PowerBus session = PowerBus::standIn(bus.address(), bus.folder());
@@ -168,8 +162,7 @@ TEST_F(BusSleepHoldTest, WhoComesBackIsAskedAgainForWhatIsStillHeld) {
     plan.reset();
     EXPECT_TRUE(waitUntil([&] { return gnome->log.size() == 3; }));
     EXPECT_EQ(gnome->log.last(), "Uninhibit | 42");
-    QDBusConnection old = gnome->bus();
-    EXPECT_TRUE(old.unregisterService("org.gnome.SessionManager"));
+    gnome->disown("org.gnome.SessionManager");
     gnome = std::make_unique<Manager>(bus.connect(), "org.gnome.SessionManager",
                                       "/org/gnome/SessionManager");
     EXPECT_TRUE(waitUntil([&] { return gnome->log.size() == 1; }));

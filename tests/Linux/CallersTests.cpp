@@ -2,6 +2,7 @@
 #include "Linux/Proc/Confinement.h"
 #include "support/Child.h"
 #include "support/PrivateBus.h"
+#include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
 #include <QDBusMessage>
@@ -28,14 +29,9 @@ namespace fs = std::filesystem;
 class FakeProc {
 public:
     FakeProc() {
-        std::string name = (fs::temp_directory_path() / "velmor-proc.XXXXXX").string();
-        folder_ = ::mkdtemp(name.data());
         for (const ProcessId id : {ProcessId(::getpid()), other})
             addPlain(id);
     }
-    FakeProc(const FakeProc&) = delete;
-    FakeProc& operator=(const FakeProc&) = delete;
-    ~FakeProc() { fs::remove_all(folder_); }
 
     static constexpr ProcessId other = 1;
 
@@ -63,7 +59,8 @@ private:
         write("cgroup", "0::/user.slice/session-1.scope\n", id);
     }
 
-    fs::path folder_;
+    const TemporaryFolder temporary_;
+    const fs::path& folder_ = temporary_.path();
 };
 
 TEST(ConfinementTest, KnowsWhatShutsAProcessInAndTakesWhatItCannotReadForThat) {

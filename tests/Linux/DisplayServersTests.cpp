@@ -1,6 +1,7 @@
 #include "Linux/Descriptor.h"
 #include "Linux/Session/DisplayServers.h"
 #include "Linux/Session/SessionTraits.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -20,12 +21,6 @@ namespace fs = std::filesystem;
 
 class DisplayServersTest : public testing::Test {
 protected:
-    DisplayServersTest() {
-        std::string name = (fs::temp_directory_path() / "velmor-run.XXXXXX").string();
-        folder = ::mkdtemp(name.data());
-    }
-    ~DisplayServersTest() override { fs::remove_all(folder); }
-
     /// A socket that is listened to for as long as the descriptor is open.
     [[nodiscard]] Descriptor listenAt(const fs::path& path, int backlog = 1) const {
         Descriptor server(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -48,7 +43,8 @@ protected:
             .hasAnotherDisplay();
     }
 
-    fs::path folder;
+    const TemporaryFolder temporary;
+    const fs::path& folder = temporary.path();
 };
 
 TEST_F(DisplayServersTest, WhatIsNotListenedToIsNone) {

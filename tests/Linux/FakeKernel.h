@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cstdlib>
+#include "support/TemporaryFolder.h"
+
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -12,15 +13,9 @@ namespace velmorquit {
 class FakeKernel {
 public:
     FakeKernel() {
-        std::string name =
-            (std::filesystem::temp_directory_path() / "velmor-kernel.XXXXXX").string();
-        root_ = ::mkdtemp(name.data());
         for (const char* folder : {"proc/self", "sys/dev/block", "sys/class/block", "dev"})
             std::filesystem::create_directories(root_ / folder);
     }
-    FakeKernel(const FakeKernel&) = delete;
-    FakeKernel& operator=(const FakeKernel&) = delete;
-    ~FakeKernel() { std::filesystem::remove_all(root_); }
 
     [[nodiscard]] std::string root() const { return root_.string(); }
 
@@ -77,7 +72,8 @@ private:
         write(root_ / "proc/self/mountinfo", all);
     }
 
-    std::filesystem::path root_;
+    const TemporaryFolder folder_;
+    const std::filesystem::path& root_ = folder_.path();
     std::vector<std::string> mounts_;
 };
 

@@ -3,6 +3,7 @@
 #include "Simulated/SimulatedPorts.h"
 #include "Simulated/VirtualLoop.h"
 #include "support/Child.h"
+#include "support/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 
 namespace velmorquit {
 namespace {
@@ -23,8 +25,8 @@ class IdentityTest : public testing::Test {
 protected:
     // GLib looks only once where the entries are.
     static void SetUpTestSuite() {
-        std::string name = "/tmp/velmor-identity.XXXXXX";
-        folder = fs::canonical(::mkdtemp(name.data()));
+        temporary.emplace();
+        folder = temporary->path();
         ::setenv("XDG_DATA_HOME", folder.c_str(), 1);
         ::setenv("XDG_DATA_DIRS", "/nonexistent", 1);
         fs::create_directories(folder / "applications");
@@ -48,7 +50,7 @@ protected:
         install("helper", "python3 " + bin + "helper.py");
         install("drawer", "sh -c 'exec something'", "TryExec=" + bin + "toolbox\n");
     }
-    static void TearDownTestSuite() { fs::remove_all(folder); }
+    static void TearDownTestSuite() { temporary.reset(); }
 
     static void makeProgram(const std::string& name) {
         std::ofstream(folder / name) << "#!/bin/sh\n";
@@ -99,6 +101,7 @@ protected:
         return workspace->runningApplications().back();
     }
 
+    static inline std::optional<TemporaryFolder> temporary;
     static inline fs::path folder;
     fs::path proc = folder / "proc";
     VirtualLoop loop;

@@ -6,11 +6,11 @@
 #include "Linux/Session/BusSleepHold.h"
 #include "Simulated/VirtualLoop.h"
 #include "support/PrivateBus.h"
+#include "support/StandInService.h"
 #include "support/Waiting.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
-#include <QDBusVirtualObject>
 
 #include <gtest/gtest.h>
 
@@ -23,21 +23,12 @@ namespace {
 enum class Manner { never, nothing, number, wrongMap, error, twice, good };
 
 /// Has one name, and answers whatever it is asked in its manner.
-class Service final : public QDBusVirtualObject {
+class Service final : public StandInService {
 public:
-    Service(QDBusConnection connection, const QString& service, Manner manner, QVariant right)
-        : bus(std::move(connection)), name(service), manner_(manner), right_(std::move(right)) {
-        EXPECT_TRUE(bus.registerVirtualObject("/", this, QDBusConnection::SubPath));
-        EXPECT_TRUE(bus.registerService(name));
-    }
-    Service(const Service&) = delete;
-    Service& operator=(const Service&) = delete;
-    ~Service() override {
-        bus.unregisterService(name);
-        bus.unregisterObject("/");
-    }
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& call, const QDBusConnection&) override {
+    Service(const QDBusConnection& connection, const char* name, Manner manner, QVariant right)
+        : StandInService(connection, {name}), manner_(manner), right_(std::move(right)) {}
+
+    void hear(const QDBusMessage& call) override {
         const QVariant right =
             call.member() == "GetCapabilities" ? QVariant(QStringList{"actions"}) : right_;
         switch (manner_) {
@@ -63,11 +54,7 @@ public:
         case Manner::good:
             bus.send(call.createReply(right));
         }
-        return true;
     }
-
-    QDBusConnection bus;
-    QString name;
 
 private:
     Manner manner_;

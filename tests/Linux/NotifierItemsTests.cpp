@@ -115,15 +115,5 @@ TEST_F(NotifierItemsTest, NeitherALongListNorOneThatChangesAllTheTimeKeepsItBusy
     EXPECT_LE(watcher.questions - before, 3);
 }
 
-TEST_F(NotifierItemsTest, WithoutABusThereAreNone) {
-    EXPECT_EQ(NotifierItems(QDBusConnection("no bus")).processes(), Ids());
-    watcher.items = QStringList{busEntry};
-    watcher.appear();
-    items = std::make_unique<NotifierItems>(session);
-    EXPECT_EQ(processes(), Ids{busProcess});
-    bus.stop();
-    EXPECT_TRUE(waitUntil([this] { return items->processes().empty(); }));
-}
-
 } // namespace
 } // namespace velmorquit

@@ -105,16 +105,5 @@ TEST_F(NotifierWatcherTest, OneThatComesLaterOrTakesOverCountsFromItsAnswerOn) {
     EXPECT_EQ(changes, 3);
 }
 
-TEST_F(NotifierWatcherTest, WithoutABusThereIsNone) {
-    notifier = std::make_unique<NotifierWatcher>(loop, QDBusConnection("no bus"), [] {});
-    EXPECT_TRUE(notifier->presentOne().isEmpty());
-    watcher.appear();
-    settleAll();
-    begin();
-    EXPECT_TRUE(isPresent());
-    bus.stop();
-    EXPECT_TRUE(waitUntil([this] { return notifier->presentOne().isEmpty(); }));
-}
-
 } // namespace
 } // namespace velmorquit

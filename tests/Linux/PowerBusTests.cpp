@@ -1,5 +1,6 @@
 #include "Linux/Session/PowerBus.h"
 #include "support/PrivateBus.h"
+#include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
 #include <QDBusConnectionInterface>
@@ -19,12 +20,7 @@ using Build = PowerBus::Build;
 /// A folder such as a virtual desktop has.
 class PowerBusTest : public testing::Test {
 protected:
-    PowerBusTest() {
-        std::string name = (fs::temp_directory_path() / "velmor-desktop.XXXXXX").string();
-        desktop_ = ::mkdtemp(name.data());
-        fs::create_directory(desktop_ / "run");
-    }
-    ~PowerBusTest() override { fs::remove_all(desktop_); }
+    PowerBusTest() { fs::create_directory(desktop_ / "run"); }
 
     [[nodiscard]] Environment onDesktop() const {
         return {.virtualDesktop = "1",
@@ -38,11 +34,10 @@ protected:
         EXPECT_NE(bus.problem(), "");
     }
 
-    fs::path desktop_;
+    const TemporaryFolder folder_{"velmor-desktop."};
+    const fs::path& desktop_ = folder_.path();
     PrivateBus bus_;
 };
-
-TEST_F(PowerBusTest, ThisBuildIsOneForTests) { EXPECT_EQ(PowerBus::thisBuild, Build::tests); }
 
 TEST_F(PowerBusTest, ABuildForTestsNeverUsesTheSessionsOrTheMachinesBus) {
     for (const Environment& environment :

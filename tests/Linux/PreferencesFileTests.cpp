@@ -2,7 +2,9 @@
 #include "Codecs/PropertyList.h"
 #include "Codecs/PropertyListLimits.h"
 #include "Linux/Preferences/PropertyListPreferences.h"
+#include "Simulated/SimulatedPorts.h"
 #include "Simulated/VirtualLoop.h"
+#include "support/TemporaryFolder.h"
 
 #include <QCoreApplication>
 #include <algorithm>
@@ -28,11 +30,6 @@ namespace fs = std::filesystem;
 using Dictionary = Value::Dictionary;
 using Names = std::set<std::string>;
 
-struct Log final : SystemLog {
-    void write(std::string_view line) override { lines.emplace_back(line); }
-    std::vector<std::string> lines;
-};
-
 std::string contents(const fs::path& file) {
     std::ifstream stream(file, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
@@ -43,11 +40,6 @@ std::optional<Value> decoded(const fs::path& file) { return PropertyList::decode
 class PreferencesFile : public testing::Test {
 protected:
     PreferencesFile() {
-        // In memory where that is possible: being killed is no power cut, and a disk takes its
-        // time.
-        std::string name = fs::is_directory("/dev/shm") ? "/dev/shm" : "/tmp";
-        name += "/velmor-preferences-XXXXXX";
-        root = mkdtemp(name.data());
         file = root / "velmorquit" / "preferences.plist";
         if (!QCoreApplication::instance()) {
             static int count = 1;
@@ -56,7 +48,6 @@ protected:
             static QCoreApplication application(count, arguments.data());
         }
     }
-    ~PreferencesFile() override { fs::remove_all(root); }
 
     PropertyListPreferences& open() {
         preferences.reset();
@@ -97,8 +88,11 @@ protected:
     [[nodiscard]] fs::path beside(const char* suffix) const { return file.string() + suffix; }
 
     VirtualLoop loop;
-    Log log;
-    fs::path root;
+    SimulatedSystemLog log;
+    /// In memory where that is possible: being killed is no power cut, and a disk takes its time.
+    const TemporaryFolder folder{"velmor-test.",
+                                 fs::is_directory("/dev/shm") ? "/dev/shm" : "/tmp"};
+    const fs::path& root = folder.path();
     fs::path file;
     std::unique_ptr<PropertyListPreferences> preferences;
 };

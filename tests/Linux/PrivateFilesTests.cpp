@@ -1,5 +1,6 @@
 #include "Linux/Files/AtomicFile.h"
 #include "Linux/Files/PrivateFiles.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -15,15 +16,8 @@ using PrivateFiles::Durability;
 
 class PrivateFilesTest : public testing::Test {
 protected:
-    PrivateFilesTest() {
-        std::string name = (fs::temp_directory_path() / "velmor-private.XXXXXX").string();
-        root = ::mkdtemp(name.data());
-        before_ = ::umask(0);
-    }
-    ~PrivateFilesTest() override {
-        ::umask(before_);
-        fs::remove_all(root);
-    }
+    PrivateFilesTest() : before_(::umask(0)) {}
+    ~PrivateFilesTest() override { ::umask(before_); }
 
     static unsigned modeOf(const fs::path& path) {
         struct stat its{};
@@ -36,10 +30,11 @@ protected:
     /// False where this user can't give files away.
     static bool giveAway(const fs::path& path) { return ::lchown(path.c_str(), 65534, 65534) == 0; }
 
-    fs::path root;
+    const TemporaryFolder folder;
+    const fs::path& root = folder.path();
 
 private:
-    mode_t before_ = 0;
+    mode_t before_;
 };
 
 TEST_F(PrivateFilesTest, AreForTheOwnerWhateverTheMask) {

@@ -1,5 +1,6 @@
 #include "Linux/Proc/ProcKernel.h"
 #include "Linux/Pulse/PulseAudioProcesses.h"
+#include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -17,12 +18,6 @@ namespace fs = std::filesystem;
 /// A made-up /proc and /sys.
 class ProcTreeTest : public testing::Test {
 protected:
-    ProcTreeTest() {
-        std::string name = (fs::temp_directory_path() / "velmor-proc.XXXXXX").string();
-        root_ = ::mkdtemp(name.data());
-    }
-    ~ProcTreeTest() override { fs::remove_all(root_); }
-
     void write(const std::string& file, const std::string& content) {
         fs::create_directories((root_ / file).parent_path());
         std::ofstream(root_ / file) << content;
@@ -54,7 +49,8 @@ protected:
     }
 
 private:
-    fs::path root_;
+    const TemporaryFolder folder_;
+    const fs::path& root_ = folder_.path();
 };
 
 TEST_F(ProcTreeTest, AllProcessesOfAUnitAnswerToTheApplicationInIt) {

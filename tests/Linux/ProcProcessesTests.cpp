@@ -1,5 +1,6 @@
 #include "Linux/Proc/ProcProcesses.h"
 #include "support/Child.h"
+#include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
 #include <gmock/gmock.h>
@@ -21,22 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::UnorderedElementsAre;
-
-/// A folder of its own on a disk, if the folder for temporary files is on one.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string name = (fs::temp_directory_path() / "velmor-processes.XXXXXX").string();
-        path_ = ::mkdtemp(name.data());
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() { fs::remove_all(path_); }
-    [[nodiscard]] const fs::path& path() const { return path_; }
-
-private:
-    fs::path path_;
-};
 
 struct Owners {
     std::set<ProcessId> windows, tray, desktop;

@@ -1,6 +1,7 @@
 #include "Linux/Pulse/PulseAudioProcesses.h"
 #include "Linux/QtMainLoop.h"
 #include "support/Child.h"
+#include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
 #include <QElapsedTimer>
@@ -18,16 +19,10 @@ namespace {
 /// A sound server of its own, with an output that nobody hears.
 class PulseAudioTest : public testing::Test {
 protected:
-    PulseAudioTest() {
-        std::string name =
-            (std::filesystem::temp_directory_path() / "velmor-sound.XXXXXX").string();
-        folder_ = ::mkdtemp(name.data());
-        ::setenv("PULSE_SERVER", ("unix:" + socket()).c_str(), 1);
-    }
+    PulseAudioTest() { ::setenv("PULSE_SERVER", ("unix:" + socket()).c_str(), 1); }
     ~PulseAudioTest() override {
         server_.reset();
         ::unsetenv("PULSE_SERVER");
-        std::filesystem::remove_all(folder_);
     }
 
     void SetUp() override {
@@ -60,7 +55,8 @@ protected:
     std::unique_ptr<Child> server_;
 
 private:
-    std::string folder_;
+    const TemporaryFolder temporary_{"velmor-sound."};
+    const std::string folder_ = temporary_.path();
 };
 
 TEST_F(PulseAudioTest, TellsWhoPlaysAndWhoRecordsForAsLongAsTheyDo) {

@@ -9,33 +9,27 @@
 #include "Simulated/SimulatedPorts.h"
 #include "Simulated/VirtualLoop.h"
 #include "support/PrivateBus.h"
+#include "support/StandInService.h"
 
 #include <QDBusObjectPath>
 #include <QDBusServiceWatcher>
-#include <QDBusVirtualObject>
 
 #include <gtest/gtest.h>
 
 namespace velmorquit {
 namespace {
 
-const QString busName = QStringLiteral("org.freedesktop.DBus");
-const QString busPath = QStringLiteral("/org/freedesktop/DBus");
-const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
-
 /// Has all the names that the adapters ask for, and counts what it is asked.
-class Services final : public QDBusVirtualObject {
+class Services final : public StandInService {
 public:
-    explicit Services(QDBusConnection connection) : bus(std::move(connection)) {
-        EXPECT_TRUE(bus.registerVirtualObject("/", this, QDBusConnection::SubPath));
-        for (const char* name :
-             {"org.freedesktop.Notifications", "org.kde.StatusNotifierWatcher",
-              "org.freedesktop.portal.Desktop", "org.freedesktop.UDisks2", "org.lxqt.session",
-              "org.freedesktop.login1", "org.gnome.SessionManager"})
-            EXPECT_TRUE(bus.registerService(name)) << name;
-    }
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& call, const QDBusConnection&) override {
+    explicit Services(const QDBusConnection& connection)
+        : StandInService(connection,
+                         {"org.freedesktop.Notifications", "org.kde.StatusNotifierWatcher",
+                          "org.freedesktop.portal.Desktop", "org.freedesktop.UDisks2",
+                          "org.lxqt.session", "org.freedesktop.login1",
+                          "org.gnome.SessionManager"}) {}
+
+    void hear(const QDBusMessage& call) override {
         ++asked;
         QVariant answer = 7U;
         if (call.member() == "Get" && call.arguments().value(1) == "IsStatusNotifierHostRegistered")
@@ -43,10 +37,8 @@ public:
         else if (call.member() == "Get")
             answer = QVariant::fromValue(QDBusVariant(QStringList{bus.baseService()}));
         bus.send(call.createReply(answer));
-        return true;
     }
 
-    QDBusConnection bus;
     int asked = 0;
 };
 
@@ -56,10 +48,6 @@ struct Forgery {
     const char* member;
     QVariantList arguments;
 };
-
-QVariantList ownerChange(const char* name, const QString& before, const QString& after) {
-    return {QString(name), before, after};
-}
 
 // Each signal has the right path and interface, and comes from a process that owns none of the
 // names: to everybody, and to the one connection alone.
@@ -96,58 +84,40 @@ TEST(Strangers, NobodyIsHeardWhoHasNotTheName) {
     ASSERT_EQ(watcher.presentOne(), owner);
     ASSERT_EQ(items.processes().size(), 1U);
 
-    const std::vector<Forgery> forgeries{
-        {"/org/freedesktop/Notifications",
-         "org.freedesktop.Notifications",
-         "ActionInvoked",
-         {7U, "force"}},
-        {"/org/freedesktop/Notifications",
-         "org.freedesktop.Notifications",
-         "NotificationClosed",
-         {7U, 2U}},
-        {"/StatusNotifierWatcher",
-         "org.kde.StatusNotifierWatcher",
-         "StatusNotifierHostRegistered",
-         {}},
-        {"/StatusNotifierWatcher",
-         "org.kde.StatusNotifierWatcher",
-         "StatusNotifierHostUnregistered",
-         {}},
-        {"/StatusNotifierWatcher",
-         "org.kde.StatusNotifierWatcher",
-         "StatusNotifierItemRegistered",
-         {stranger.baseService()}},
-        {"/StatusNotifierWatcher",
-         "org.kde.StatusNotifierWatcher",
-         "StatusNotifierItemUnregistered",
-         {owner}},
+    const char* const notices = "/org/freedesktop/Notifications";
+    const char* const icons = "/StatusNotifierWatcher";
+    const QString ofNotices = "org.freedesktop.Notifications";
+    const QString ofIcons = "org.kde.StatusNotifierWatcher";
+    const QVariant dark = QVariant::fromValue(QDBusVariant(1U));
+    const QVariant object = QVariant::fromValue(QDBusObjectPath("/a"));
+    std::vector<Forgery> forgeries{
+        {notices, ofNotices, "ActionInvoked", {7U, "force"}},
+        {notices, ofNotices, "NotificationClosed", {7U, 2U}},
+        {icons, ofIcons, "StatusNotifierHostRegistered", {}},
+        {icons, ofIcons, "StatusNotifierHostUnregistered", {}},
+        {icons, ofIcons, "StatusNotifierItemRegistered", {stranger.baseService()}},
+        {icons, ofIcons, "StatusNotifierItemUnregistered", {owner}},
         {"/org/freedesktop/portal/desktop",
          "org.freedesktop.portal.Settings",
          "SettingChanged",
-         {"org.freedesktop.appearance", "color-scheme", QVariant::fromValue(QDBusVariant(1U))}},
+         {"org.freedesktop.appearance", "color-scheme", dark}},
         {"/org/freedesktop/UDisks2",
          "org.freedesktop.DBus.ObjectManager",
          "InterfacesRemoved",
-         {QVariant::fromValue(QDBusObjectPath("/a")), QStringList{"b"}}},
+         {object, QStringList{"b"}}},
         {"/a",
-         properties,
+         "org.freedesktop.DBus.Properties",
          "PropertiesChanged",
-         {"org.freedesktop.UDisks2.Drive", QVariantMap(), QStringList{"a"}}},
-        {"/org/freedesktop/DBus", busName, "NameOwnerChanged",
-         ownerChange("org.freedesktop.Notifications", owner, "")},
-        {"/org/freedesktop/DBus", busName, "NameOwnerChanged",
-         ownerChange("org.kde.StatusNotifierWatcher", owner, "")},
-        {"/org/freedesktop/DBus", busName, "NameOwnerChanged",
-         ownerChange("org.freedesktop.portal.Desktop", owner, stranger.baseService())},
-        {"/org/freedesktop/DBus", busName, "NameOwnerChanged",
-         ownerChange("org.freedesktop.UDisks2", owner, "")},
-        {"/org/freedesktop/DBus", busName, "NameOwnerChanged",
-         ownerChange("org.lxqt.session", owner, "")},
-        {"/org/freedesktop/DBus", busName, "NameOwnerChanged",
-         ownerChange("org.gnome.SessionManager", "", stranger.baseService())},
-        {"/org/freedesktop/DBus", busName, "NameOwnerChanged",
-         ownerChange("org.freedesktop.login1", "", stranger.baseService())},
-    };
+         {"org.freedesktop.UDisks2.Drive", QVariantMap(), QStringList{"a"}}}};
+    for (const char* name :
+         {"org.freedesktop.Notifications", "org.kde.StatusNotifierWatcher",
+          "org.freedesktop.portal.Desktop", "org.freedesktop.UDisks2", "org.lxqt.session",
+          "org.gnome.SessionManager", "org.freedesktop.login1"})
+        for (const QString& before : {owner, QString()})
+            forgeries.push_back({"/org/freedesktop/DBus",
+                                 "org.freedesktop.DBus",
+                                 "NameOwnerChanged",
+                                 {QString(name), before, stranger.baseService()}});
     for (const Forgery& forgery : forgeries) {
         for (const bool isDirect : {false, true}) {
             const int asked = services.asked;

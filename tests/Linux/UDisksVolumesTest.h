@@ -4,6 +4,7 @@
 #include "Linux/QtMainLoop.h"
 #include "Linux/StandInDisks.h"
 #include "Linux/Volumes/UDisksVolumes.h"
+#include "Simulated/SimulatedPorts.h"
 #include "support/PrivateBus.h"
 
 #include <gmock/gmock.h>
@@ -18,11 +19,6 @@ namespace velmorquit {
 /// A computer with a built-in disk, sda, and a USB stick of two partitions, sdb1 and sdb2.
 class UDisksVolumesTest : public testing::Test {
 protected:
-    struct Log final : SystemLog {
-        void write(std::string_view line) override { lines.emplace_back(line); }
-        std::vector<std::string> lines;
-    };
-
     UDisksVolumesTest() {
         kernel.device("sda", "8:0");
         kernel.device("sda/sda1", "8:1");
@@ -107,7 +103,7 @@ protected:
 
     FakeKernel kernel;
     QtMainLoop loop;
-    Log log;
+    SimulatedSystemLog log;
     PrivateBus bus;
     QDBusConnection theirs{bus.connect()};
     StandInDisks disks{theirs};

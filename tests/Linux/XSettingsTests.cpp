@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 namespace velmorquit {
 namespace {
 
@@ -47,22 +45,6 @@ TEST(XSettings, RefusesWhatIsCutShortOrMadeOfNothingKnown) {
     std::string many = sample(Order::little);
     many.replace(8, 4, "\xff\xff\xff\xff");
     EXPECT_EQ(parseXSettings(many), std::nullopt);
-}
-
-TEST(XSettings, SurvivesWhateverHasHappenedToTheBytes) {
-    std::mt19937 random(4711);
-    for (int round = 0; round < 20000; ++round) {
-        std::string bytes = sample(round % 2 == 0 ? Order::little : Order::big);
-        for (int change = 0; change < 3; ++change)
-            bytes[random() % bytes.size()] = static_cast<char>(random());
-        bytes.resize(bytes.size() - random() % 8);
-        std::size_t total = 0;
-        for (const auto& [name, value] : parseXSettings(bytes).value_or(DesktopSettings())) {
-            const auto* text = std::get_if<std::string>(&value);
-            total += name.size() + (text ? text->size() : 4);
-        }
-        EXPECT_LE(total, bytes.size()) << "nothing comes from elsewhere";
-    }
 }
 
 } // namespace

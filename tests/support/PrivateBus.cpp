@@ -11,24 +11,20 @@
 
 namespace velmorquit {
 
-std::filesystem::path PrivateBus::makeFolder(const std::string& prefix) {
-    std::string name = (std::filesystem::temp_directory_path() / (prefix + "XXXXXX")).string();
-    if (!::mkdtemp(name.data()))
-        throw std::runtime_error("no folder for a bus");
-    const std::filesystem::path folder = name;
+std::filesystem::path PrivateBus::writeSettings(const std::filesystem::path& folder) {
     std::filesystem::create_directory(folder / "services");
     std::ofstream(folder / "bus.conf")
-        << "<busconfig><type>session</type><listen>unix:path=" << name
-        << "/bus</listen><auth>EXTERNAL</auth><servicedir>" << name << "/services</servicedir>"
-        << "<policy context='default'><allow send_destination='*' eavesdrop='true'/>"
+        << "<busconfig><type>session</type><listen>unix:path=" << folder.string()
+        << "/bus</listen><auth>EXTERNAL</auth><servicedir>" << folder.string()
+        << "/services</servicedir><policy context='default'>"
+        << "<allow send_destination='*' eavesdrop='true'/>"
         << "<allow eavesdrop='true'/><allow own='*'/></policy></busconfig>\n";
-    return folder;
+    return folder / "bus.conf";
 }
 
 PrivateBus::PrivateBus(const std::string& prefix)
-    : folder_(makeFolder(prefix)),
-      server_({"dbus-daemon", "--config-file=" + (folder_ / "bus.conf").string(), "--nofork",
-               "--nopidfile", "--nosyslog", "--print-address=1"}) {
+    : folder_(prefix), server_({"dbus-daemon", "--config-file=" + writeSettings(folder()).string(),
+                                "--nofork", "--nopidfile", "--nosyslog", "--print-address=1"}) {
     // The socket is there a moment before anybody listens to it; the address is printed after that.
     const auto isUp = [this] { return server_.output().find("unix:") != std::string::npos; };
     if (!waitUntil(isUp))
@@ -38,8 +34,6 @@ PrivateBus::PrivateBus(const std::string& prefix)
 PrivateBus::~PrivateBus() {
     for (const QString& name : connections_)
         QDBusConnection::disconnectFromBus(name);
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
 }
 
 QDBusConnection PrivateBus::connect() {

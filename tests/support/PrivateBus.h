@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/Child.h"
+#include "support/TemporaryFolder.h"
 
 #include <QDBusConnection>
 
@@ -20,9 +21,9 @@ public:
     PrivateBus& operator=(const PrivateBus&) = delete;
     ~PrivateBus();
 
-    [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
-    [[nodiscard]] std::string address() const { return "unix:path=" + (folder_ / "bus").string(); }
-    [[nodiscard]] std::filesystem::path services() const { return folder_ / "services"; }
+    [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
+    [[nodiscard]] std::string address() const { return "unix:path=" + (folder() / "bus").string(); }
+    [[nodiscard]] std::filesystem::path services() const { return folder() / "services"; }
     /// One more connection, which goes with this object.
     [[nodiscard]] QDBusConnection connect();
     void stop() { server_.send(SIGKILL); }
@@ -31,9 +32,9 @@ public:
     void goOn() { server_.send(SIGCONT); }
 
 private:
-    static std::filesystem::path makeFolder(const std::string& prefix);
+    static std::filesystem::path writeSettings(const std::filesystem::path& folder);
 
-    std::filesystem::path folder_;
+    TemporaryFolder folder_;
     Child server_;
     QStringList connections_;
 };
