@@ -341,7 +341,7 @@ constexpr std::array counters{"a", "b", "c", "d"};
 /// that all of them hold. Ends by being killed.
 [[noreturn]] void countForEver(const fs::path& file, int report) {
     VirtualLoop loop;
-    Log log;
+    SimulatedSystemLog log;
     PropertyListPreferences preferences(loop, log, file);
     const auto stored = preferences.object("d");
     for (std::int64_t number = stored ? *stored->as<std::int64_t>() : 0;;) {
