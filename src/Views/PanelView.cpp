@@ -1,115 +1,50 @@
 #include "Views/PanelView.h"
 
+#include "Platform/LoginWindow.h"
 #include "Services/MacInfo.h"
-#include "Services/Panel/PanelTexts.h"
-#include "Services/SessionEnd/EndTexts.h"
-#include "Texts/Localized.h"
-#include "Theme/AppTheme.h"
-#include "Theme/CircleActionButton.h"
 #include "Theme/Drawing.h"
-#include "Views/AppList.h"
+#include "Theme/Shadow.h"
 #include "Views/BackupCard.h"
 #include "Views/BackupFailedCard.h"
-#include "Views/EndCard.h"
-#include "Views/ExtrasRow.h"
 #include "Views/FooterView.h"
 #include "Views/HeaderView.h"
 #include "Views/Layouts.h"
 #include "Views/MemoryBar.h"
-#include "Views/NoteCard.h"
-#include "Views/PowerActionPicker.h"
-#include "Views/ReopenCard.h"
-#include "Views/ScheduleCard.h"
-#include "Views/SchedulerCard.h"
-#include "Views/StatusLineView.h"
+#include "Views/NormalContent.h"
 #include "Views/StubbornAppsCard.h"
 
+#include <QAbstractButton>
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QPainter>
 
+#include <initializer_list>
 #include <utility>
 
 namespace velmorquit {
 namespace {
-
-constexpr int blockGap = 14;
-constexpr int itemGap = 10;
-constexpr int buttonDiameter = 124;
 constexpr Duration settlingTime = 500ms;
-
-/// In a box of its own, with 4 points above and below.
-QWidget* framed(QWidget* content, Qt::Alignment alignment) {
-    constexpr int verticalPadding = 4;
-    auto* box = new QWidget;
-    column(*box, 0, {0, verticalPadding, 0, verticalPadding}).addWidget(content, 0, alignment);
-    return box;
-}
-
 } // namespace
 
 PanelView::PanelView(QuitController& controller, AppUpdater& updater, const Desktop& desktop,
                      std::function<Menu()> settingsMenu, QWidget* parent)
     : QWidget(parent), controller_(controller), updater_(updater), desktop_(desktop),
       header_(new HeaderView(controller, updater, std::move(settingsMenu))),
-      memory_(new MemoryBar(desktop.formats)), normal_(new QWidget),
-      quit_(new CircleActionButton(buttonDiameter, AppTheme::primaryPink())),
-      status_(new StatusLineView), end_(new EndCard(desktop.loop, desktop.loginWindow)),
-      picker_(new PowerActionPicker), list_(new AppList(controller, desktop.formats)),
-      stubborn_(new StubbornAppsCard(controller)), footer_(new FooterView),
-      extras_(new ExtrasRow(controller, desktop.formats)),
-      schedule_(new ScheduleCard(controller, desktop.formats)),
-      scheduler_(new SchedulerCard(controller, desktop.formats)), note_(new NoteCard),
-      reopen_(new ReopenCard(controller, desktop.workspace)), backup_(new BackupCard(controller)),
-      backupFailed_(new BackupFailedCard(controller)) {
+      memory_(new MemoryBar(desktop.formats)), normal_(new NormalContent(controller, desktop)),
+      backup_(new BackupCard(controller)), stubborn_(new StubbornAppsCard(controller)),
+      backupFailed_(new BackupFailedCard(controller)), footer_(new FooterView) {
     setObjectName(QStringLiteral("PanelView"));
     setAccessibleName(QStringLiteral("Velmor Quit"));
     setFixedWidth(width);
-    makeNormalContent();
+    normal_->onOtherParts = [this] { render(); };
+    constexpr int blockGap = 14;
     QVBoxLayout& blocks = column(*this, blockGap, allSides(padding));
-    blocks.addWidget(header_);
-    blocks.addWidget(memory_);
-    blocks.addWidget(normal_);
-    blocks.addWidget(backup_);
-    blocks.addWidget(stubborn_);
-    blocks.addWidget(backupFailed_);
-    blocks.addWidget(footer_);
+    const std::initializer_list<QWidget*> all{header_,   memory_,       normal_, backup_,
+                                              stubborn_, backupFailed_, footer_};
+    for (QWidget* block : all)
+        blocks.addWidget(block);
     blocks.addStretch();
     observe();
-}
-
-void PanelView::makeNormalContent() {
-    normal_->setObjectName(QStringLiteral("normalContent"));
-    QVBoxLayout& items = column(*normal_, itemGap);
-    quit_->setObjectName(QStringLiteral("quitAll"));
-    quit_->setToolTip(toQt(localized("Chiude tutte le app non escluse")));
-    connect(quit_, &QPushButton::clicked, this,
-            [this] { controller_.quitAll(controller_.afterQuit); });
-    items.addWidget(framed(quit_, Qt::AlignHCenter));
-    items.addWidget(framed(status_, {}));
-    end_->onCancel = [this] { controller_.cancelPowerAction(); };
-    items.addWidget(end_);
-    picker_->onChoose = [this](PowerAction action) { controller_.chooseAfterQuit(action); };
-    items.addWidget(picker_);
-    extras_->onToggleScheduler = [this] {
-        showsScheduler_ = !showsScheduler_;
-        if (showsScheduler_)
-            scheduler_->reset();
-        render();
-    };
-    items.addWidget(extras_);
-    items.addWidget(schedule_);
-    // Else the keyboard would go on to the list, where the same key closes an application.
-    scheduler_->onScheduled = [this] {
-        showsScheduler_ = false;
-        render();
-        schedule_->setFocus();
-    };
-    items.addWidget(scheduler_);
-    note_->onDismiss = [this] { controller_.scheduleNote = std::nullopt; };
-    items.addWidget(note_);
-    items.addWidget(reopen_);
-    items.addWidget(list_);
 }
 
 void PanelView::observe() {
@@ -148,7 +83,7 @@ void PanelView::render() {
     const auto* backingUp = std::get_if<phases::BackingUp>(&phase);
     const auto* failed = std::get_if<phases::BackupFailed>(&phase);
     if (isNormal)
-        renderNormalContent();
+        normal_->render();
     if (is<phases::Waiting>(phase))
         stubborn_->render();
     if (backingUp)
@@ -164,57 +99,8 @@ void PanelView::render() {
         setFocus();
 }
 
-void PanelView::renderNormalContent() {
-    const bool isBusy = velmorquit::isBusy(controller_.phase);
-    const PowerAction action = controller_.afterQuit;
-    quit_->setEnabled(!isBusy);
-    quit_->setBusy(isBusy);
-    quit_->setSymbol(toQt(std::string(PanelTexts::buttonSymbol(action))));
-    quit_->setText(toQt(buttonTitle(action)));
-    renderEnd();
-    picker_->render(action);
-    picker_->setEnabled(!isBusy);
-    extras_->render(showsScheduler_);
-    extras_->setEnabled(!isBusy);
-    renderCards();
-    list_->render();
-}
-
-// What the end of the session waits for stands in the place of what a run would close.
-void PanelView::renderEnd() {
-    const LoginWindow& loginWindow = desktop_.loginWindow;
-    const bool isEnding = loginWindow.state->stage != EndState::Stage::none;
-    end_->setVisible(isEnding);
-    status_->parentWidget()->setVisible(!isEnding);
-    if (isEnding)
-        end_->render();
-    PanelTexts::StatusLine line = PanelTexts::statusLine(controller_, desktop_.formats);
-    const std::string limits = EndTexts::outlook(loginWindow.outlook(LoginRequest::shutDown));
-    if (controller_.afterQuit.get() != PowerAction::none && !line.note && !limits.empty())
-        line.note = limits;
-    status_->render(line);
-    picker_->explain(limits);
-}
-
-void PanelView::renderCards() {
-    const bool isSet = controller_.schedule->has_value();
-    schedule_->render();
-    schedule_->setVisible(isSet);
-    scheduler_->render();
-    scheduler_->setVisible(!isSet && showsScheduler_);
-    const std::optional<std::string>& note = controller_.scheduleNote;
-    note_->setVisible(note.has_value());
-    if (note)
-        note_->render(*note);
-    const std::vector<SavedApp> apps =
-        isBusy(controller_.phase) ? std::vector<SavedApp>() : controller_.reopenable();
-    reopen_->setVisible(!apps.empty());
-    if (!apps.empty())
-        reopen_->render(apps, controller_.notReopenable());
-}
-
 int PanelView::heightFor(int listHeight) {
-    list_->setRoom(listHeight);
+    normal_->setListRoom(listHeight);
     // From the inside out, since a layout remembers what those within it wanted when it was asked
     // last. Children come after their parents in the list.
     const QList<QWidget*> blocks = findChildren<QWidget*>();
@@ -257,12 +143,13 @@ void PanelView::keyPressEvent(QKeyEvent* event) {
     const bool isMeant =
         !event->isAutoRepeat() && desktop_.loop.uptime() - shownAt_ >= settlingTime;
     auto* marked = qobject_cast<QAbstractButton*>(window()->focusWidget());
+    QAbstractButton& quit = normal_->quitButton();
     if (!isMeant)
         return;
     if (marked && marked->isEnabled() && showsFocus(*marked))
         marked->click();
-    else if (quit_->isVisible() && quit_->isEnabled())
-        quit_->click();
+    else if (quit.isVisible() && quit.isEnabled())
+        quit.click();
 }
 
 void PanelView::showEvent(QShowEvent*) {

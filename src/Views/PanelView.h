@@ -12,25 +12,16 @@
 
 namespace velmorquit {
 
-class AppList;
 class BackupCard;
 class BackupFailedCard;
-class CircleActionButton;
-class EndCard;
-class ExtrasRow;
 class FooterView;
 class HeaderView;
 class MemoryBar;
-class NoteCard;
-class PowerActionPicker;
-class ReopenCard;
-class ScheduleCard;
-class SchedulerCard;
-class StatusLineView;
+class NormalContent;
 class StubbornAppsCard;
 
-/// All that the panel shows: it reads the controller and has no state of its own but whether the
-/// scheduler is open. It draws no ground: that is its frame's.
+/// All that the panel shows: it reads the controller and has no state of its own. It draws no
+/// ground: that is its frame's.
 class PanelView : public QWidget {
 public:
     static constexpr int width = 360;
@@ -56,34 +47,19 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
-    void makeNormalContent();
     void observe();
     void renderLater();
-    void renderNormalContent();
-    void renderEnd();
-    void renderCards();
 
     QuitController& controller_;
     AppUpdater& updater_;
     Desktop desktop_;
     HeaderView* header_;
     MemoryBar* memory_;
-    QWidget* normal_;
-    CircleActionButton* quit_;
-    StatusLineView* status_;
-    EndCard* end_;
-    PowerActionPicker* picker_;
-    AppList* list_;
-    StubbornAppsCard* stubborn_;
-    FooterView* footer_;
-    ExtrasRow* extras_;
-    ScheduleCard* schedule_;
-    SchedulerCard* scheduler_;
-    NoteCard* note_;
-    ReopenCard* reopen_;
+    NormalContent* normal_;
     BackupCard* backup_;
+    StubbornAppsCard* stubborn_;
     BackupFailedCard* backupFailed_;
-    bool showsScheduler_ = false;
+    FooterView* footer_;
     Uptime shownAt_;
     bool isRenderPending_ = false;
     Handle macLine_;
