@@ -110,6 +110,15 @@ TEST_F(PanelOnDesktop, StaysWhileARunWaitsAndItsCardEndsIt) {
     await("the end of the panel", [] { return window().empty(); });
 }
 
+TEST_F(PanelOnDesktop, FindsItsPlaceAgainWhenTheScreenBecomesSmaller) {
+    startProgram();
+    openPanel();
+    const auto rightEdge = [] { return place().x + place().width; };
+    EXPECT_EQ(rightEdge(), 1280 - 8);
+    run({"xrandr", "--output", "screen", "--off", "--fb", "1024x700"});
+    await("its place on the other screen", [&] { return rightEdge() == 1024 - 8; });
+}
+
 // Nobody shows notices on this desktop, so that the panel comes by itself.
 TEST_F(PanelOnDesktop, ComesWhenTheSessionsEndWaitsAndLeavingTheProgramIsAskedAbout) {
     startAll();
