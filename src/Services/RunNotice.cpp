@@ -1,5 +1,6 @@
 #include "Services/RunNotice.h"
 
+#include "Model/AppTexts.h"
 #include "Services/Panel/CardTexts.h"
 #include "Services/RunAnswers.h"
 #include "Texts/Localized.h"
@@ -9,26 +10,6 @@
 
 namespace velmorquit {
 namespace {
-
-std::string described(const std::string& name, StayReason reason) {
-    switch (reason) {
-    case StayReason::asking:
-        return localized("%@ (aspetta una tua risposta)", name);
-    case StayReason::windowless:
-        return localized("%@ (senza finestre)", name);
-    case StayReason::cannotBeAsked:
-        return localized("%@ (non si può chiederle di chiudersi)", name);
-    case StayReason::busyTerminal:
-        return localized("%@ (ha un comando in corso)", name);
-    case StayReason::notResponding:
-        return localized("%@ (non risponde)", name);
-    case StayReason::inTray:
-        return localized("%@ (nell'area di notifica)", name);
-    case StayReason::unknown:
-        break;
-    }
-    return name;
-}
 
 std::string outlook(PowerAction action) {
     switch (action) {
@@ -141,9 +122,9 @@ Notice::Content RunNotice::aboutApplications() const {
     std::string names;
     for (std::size_t at = 0; at < named; ++at) {
         const auto reason = reasons.find(apps[at].id);
-        names += (at == 0 ? "" : ", ") + described(apps[at].name, reason == reasons.end()
-                                                                      ? StayReason::unknown
-                                                                      : reason->second);
+        names += (at == 0 ? "" : ", ") + nameWithReason(apps[at].name, reason == reasons.end()
+                                                                           ? StayReason::unknown
+                                                                           : reason->second);
     }
     std::string text = named == apps.size() ? localized("Ancora aperte: %@.", names)
                                             : localized("Ancora aperte: %@ e altre %lld app.",

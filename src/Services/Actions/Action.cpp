@@ -2,8 +2,6 @@
 
 #include "Texts/Localized.h"
 
-#include <algorithm>
-
 namespace velmorquit {
 
 namespace {
@@ -12,37 +10,7 @@ constexpr int fewestMinutes = 1;
 constexpr int mostMinutes = 600;
 constexpr std::string_view application = "Velmor Quit";
 
-/// The last one is a key of the string table.
-struct AfterQuitTexts {
-    AfterQuit choice;
-    std::string_view raw;
-    PowerAction action;
-    const char* title;
-};
-
-constexpr std::array<AfterQuitTexts, allAfterQuits.size()> afterQuits{{
-    {AfterQuit::nothing, "nothing", PowerAction::none, textKey("Niente")},
-    {AfterQuit::shutDown, "shutDown", PowerAction::shutDown, textKey("Spegni")},
-    {AfterQuit::restart, "restart", PowerAction::restart, textKey("Riavvia")},
-    {AfterQuit::logOut, "logOut", PowerAction::logOut, textKey("Esci utente")},
-}};
-
-const AfterQuitTexts& textsOf(AfterQuit choice) {
-    return afterQuits[static_cast<std::size_t>(choice)];
-}
-
 } // namespace
-
-std::string_view rawValue(AfterQuit choice) { return textsOf(choice).raw; }
-
-std::optional<AfterQuit> afterQuitFromRaw(std::string_view raw) {
-    const auto found = std::ranges::find(afterQuits, raw, &AfterQuitTexts::raw);
-    return found == afterQuits.end() ? std::nullopt : std::optional(found->choice);
-}
-
-PowerAction powerAction(AfterQuit choice) { return textsOf(choice).action; }
-
-std::string displayTitle(AfterQuit choice) { return localized(textsOf(choice).title); }
 
 std::vector<ActionDescription> allActions() {
     const std::string then = localized("Poi");

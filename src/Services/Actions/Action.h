@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Model/PowerAction.h"
+#include "Model/AfterQuit.h"
 
 #include <optional>
 #include <span>
@@ -9,18 +9,6 @@
 #include <vector>
 
 namespace velmorquit {
-
-/// What is to follow a run, as an action's parameter.
-enum class AfterQuit { nothing, shutDown, restart, logOut };
-
-inline constexpr std::array allAfterQuits{AfterQuit::nothing, AfterQuit::shutDown,
-                                          AfterQuit::restart, AfterQuit::logOut};
-
-/// "nothing", "shutDown", "restart" or "logOut".
-[[nodiscard]] std::string_view rawValue(AfterQuit choice);
-[[nodiscard]] std::optional<AfterQuit> afterQuitFromRaw(std::string_view raw);
-[[nodiscard]] PowerAction powerAction(AfterQuit choice);
-[[nodiscard]] std::string displayTitle(AfterQuit choice);
 
 enum class ActionKind { quitAll, scheduleQuit, cancelSchedule, reopenApps, memory };
 

@@ -52,18 +52,8 @@ std::string appCount(const QuitController& controller) {
 }
 
 std::string emptyList(Sight sight) {
-    switch (sight) {
-    case Sight::noWindowList:
-        return localized("Non vedo che cosa è aperto: nessun gestore di finestre me lo dice.");
-    case Sight::incomplete:
-        return localized("Non vedo tutto: ci sono troppe finestre o troppi file aperti.");
-    case Sight::anotherDisplay:
-        return localized("Non vedo che cosa è aperto: di questa sessione vedo solo una parte delle "
-                         "finestre.");
-    case Sight::all:
-        break;
-    }
-    return localized("Tutto chiuso. La memoria è libera.");
+    const std::string unseen = unseenHelp(sight);
+    return unseen.empty() ? localized("Tutto chiuso. La memoria è libera.") : unseen;
 }
 
 std::string nothingToQuit(Sight sight) {
@@ -94,26 +84,6 @@ std::string rowHelp(const OpenApp& app, bool isExcluded) {
 }
 
 std::string rowQuitHelp(const OpenApp& app) { return localized("Chiudi solo %@", app.name); }
-
-std::string stayHelp(StayReason reason) {
-    switch (reason) {
-    case StayReason::asking:
-        return localized("Ha una finestra aperta che aspetta una risposta.");
-    case StayReason::windowless:
-        return localized("Ha chiuso le sue finestre, ma resta in esecuzione.");
-    case StayReason::cannotBeAsked:
-        return localized("Non c'è modo di chiederle di chiudersi.");
-    case StayReason::busyTerminal:
-        return localized("Vi è in corso un comando che andrebbe perso.");
-    case StayReason::notResponding:
-        return localized("Non risponde.");
-    case StayReason::inTray:
-        return localized("Ha chiuso le sue finestre e resta nell'area di notifica.");
-    case StayReason::unknown:
-        break;
-    }
-    return localized("Forse chiede qualcosa dentro la sua finestra.");
-}
 
 std::string forceHelp(const OpenApp& app) {
     return localized("Chiude subito %@: le modifiche non salvate andranno perse", app.name);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Model/AppTexts.h"
 #include "Platform/Formats.h"
 #include "Platform/RunningApplication.h"
 #include "Services/QuitController/QuitController.h"
@@ -47,7 +48,7 @@ struct StatusLine {
 [[nodiscard]] std::string rowQuitHelp(const OpenApp& app);
 
 /// Why an application that was asked to quit is still open; a guess where nobody knows.
-[[nodiscard]] std::string stayHelp(StayReason reason);
+using velmorquit::stayHelp;
 [[nodiscard]] std::string forceHelp(const OpenApp& app);
 
 /// In the list of choices, and in the round button.

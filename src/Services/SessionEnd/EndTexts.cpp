@@ -1,5 +1,6 @@
 #include "Services/SessionEnd/EndTexts.h"
 
+#include "Model/AppTexts.h"
 #include "Texts/Localized.h"
 #include "Texts/Shown.h"
 
@@ -46,9 +47,9 @@ std::string described(const EndObstacle& obstacle) {
     const std::string detail = shownText(obstacle.detail);
     switch (obstacle.kind) {
     case Kind::question:
-        return localized("%@ (aspetta una tua risposta)", name);
+        return nameWithReason(name, StayReason::asking);
     case Kind::unaskable:
-        return localized("%@ (non si può chiederle di chiudersi)", name);
+        return nameWithReason(name, StayReason::cannotBeAsked);
     case Kind::work:
         return detail.empty() ? localized("%@ (sta ancora lavorando)", name)
                               : localized("%@ (sta ancora lavorando: %@)", name, detail);

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "Platform/RunningApplication.h"
+#include "Platform/Workspace.h"
+
+#include <string>
+
+/// What is said of open applications in the same words everywhere, in the interface's language.
+namespace velmorquit {
+
+/// The application with why it stays, for a list in a sentence; the name alone when nothing is
+/// known.
+[[nodiscard]] std::string nameWithReason(const std::string& name, StayReason reason);
+
+/// Why it stays, for the column of a table.
+[[nodiscard]] std::string stayRemark(StayReason reason);
+
+/// Why it stays, as a sentence.
+[[nodiscard]] std::string stayHelp(StayReason reason);
+
+/// Why there may be more than what is seen, as a sentence; empty where all is seen.
+[[nodiscard]] std::string unseenHelp(Sight sight);
+
+} // namespace velmorquit

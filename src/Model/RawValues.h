@@ -1,0 +1,33 @@
+#pragma once
+
+#include "Platform/LoginWindow.h"
+#include "Platform/RunningApplication.h"
+#include "Platform/Workspace.h"
+
+#include <optional>
+#include <string_view>
+
+/// The names under which other processes know what the desktop tells the engine. Whoever reads one
+/// that nobody has gets the neutral value.
+namespace velmorquit {
+
+/// Empty for `unknown`.
+[[nodiscard]] std::string_view rawValue(StayReason reason);
+[[nodiscard]] StayReason stayReasonFromRaw(std::string_view raw);
+
+[[nodiscard]] std::string_view rawValue(Sight sight);
+/// `all` for any other text: an earlier program doesn't say how much it sees.
+[[nodiscard]] Sight sightFromRaw(std::string_view raw);
+
+[[nodiscard]] std::string_view rawValue(LoginRequest request);
+[[nodiscard]] std::optional<LoginRequest> loginRequestFromRaw(std::string_view raw);
+
+[[nodiscard]] std::string_view rawValue(EndState::Stage stage);
+/// `none` for any other text.
+[[nodiscard]] EndState::Stage endStageFromRaw(std::string_view raw);
+
+[[nodiscard]] std::string_view rawValue(EndObstacle::Kind kind);
+/// `unknown` for any other text.
+[[nodiscard]] EndObstacle::Kind obstacleKindFromRaw(std::string_view raw);
+
+} // namespace velmorquit
