@@ -35,7 +35,7 @@ AppDelegate::~AppDelegate() { actions_.setController(nullptr); }
 
 void AppDelegate::serveOthers(Notice& answers) {
     remoteControl_.onShow = [this](const std::string&) { menuBarItem_.showPopover(); };
-    RemoteSchedule& published = remoteControl_.schedule();
+    ScheduleCommands& published = remoteControl_.schedule();
     published.onConfirm = [this](const std::string& question, const std::string& button,
                                  std::function<void(bool)> answer) {
         // A double click on the yes to a caller is none to what that leads to.

@@ -7,7 +7,7 @@
 #include "Services/AppUpdater.h"
 #include "Services/MenuBar/MenuBarItem.h"
 #include "Services/QuitController/QuitController.h"
-#include "Services/RemoteControl.h"
+#include "Services/Remote/RemoteControl.h"
 #include "Services/RunNotice.h"
 #include "Services/ScheduleNotice.h"
 #include "Services/SessionEnd/EndNotice.h"

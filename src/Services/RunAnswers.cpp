@@ -1,10 +1,6 @@
 #include "Services/RunAnswers.h"
 
-#include "Texts/Localized.h"
-
-#include <algorithm>
 #include <array>
-#include <string_view>
 
 namespace velmorquit::RunAnswers {
 namespace {
@@ -13,8 +9,6 @@ constexpr const char* accepted = nullptr;
 
 constexpr const char* noRun = textKey("Non c'è nessuna chiusura in corso.");
 constexpr const char* quits = textKey("Velmor Quit sta già chiudendo le app.");
-constexpr const char* works = textKey("Velmor Quit è già al lavoro.");
-constexpr const char* noneStayed = textKey("Nessuna app è rimasta aperta.");
 constexpr const char* tooSoon =
     textKey("Le app hanno ancora qualche secondo per chiudersi da sole: riprova fra poco.");
 constexpr const char* backupRuns =
@@ -33,9 +27,8 @@ constexpr const char* ends = textKey("La chiusura delle app è finita: velmorctl
 constexpr const char* mayPass = textKey("La chiusura delle app è finita: velmorctl anyway passa "
                                         "sopra a ciò che resta aperto.");
 constexpr const char* tooLate = textKey("È troppo tardi: il sistema lo sta già facendo.");
-constexpr const char* changed = textKey("Ciò che resta aperto è cambiato: non faccio niente.");
 
-constexpr std::size_t words = static_cast<std::size_t>(Word::reopen) + 1;
+constexpr std::size_t words = static_cast<std::size_t>(Word::none);
 constexpr std::size_t moments = static_cast<std::size_t>(Moment::underWay) + 1;
 
 /// By word and moment.
@@ -56,48 +49,19 @@ constexpr std::array<std::array<const char*, moments>, words> table{{
     // cancel
     {accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted, tooLate},
     // confirmSchedule, postponeSchedule
-    {accepted, quits, quits, works, backupAsks, works, accepted, accepted, tooLate},
+    {accepted, quits, quits, alreadyAtWork, backupAsks, alreadyAtWork, accepted, accepted, tooLate},
     {accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted, accepted},
     // quitAll
-    {accepted, quits, quits, backupRuns, backupAsks, works, accepted, accepted, accepted},
+    {accepted, quits, quits, backupRuns, backupAsks, alreadyAtWork, accepted, accepted, accepted},
     // endAnyway
-    {accepted, changed, changed, changed, changed, changed, accepted, accepted, tooLate},
+    {accepted, othersStay, othersStay, othersStay, othersStay, othersStay, accepted, accepted,
+     tooLate},
     // reopen
-    {accepted, quits, quits, backupRuns, backupAsks, works, accepted, accepted, accepted},
+    {accepted, quits, quits, backupRuns, backupAsks, alreadyAtWork, accepted, accepted, accepted},
 }};
 
 const char* answerTo(Word word, Moment moment) {
     return table.at(static_cast<std::size_t>(word)).at(static_cast<std::size_t>(moment));
-}
-
-struct Command {
-    std::string_view verb;
-    Word word;
-    std::size_t mostArguments = 0;
-    /// None for one that takes what it likes.
-    std::array<std::string_view, 2> arguments{};
-};
-
-constexpr std::array<Command, 11> commands{{
-    {"leave", Word::leave},
-    {"askAgain", Word::askAgain, 1},
-    {"force", Word::force},
-    {"backup", Word::endBackup, 1, {"skip", "cancel"}},
-    {"backup", Word::answerFailure, 1, {"continue", "stop"}},
-    {"cancel", Word::cancel},
-    {"confirm", Word::confirmSchedule},
-    {"postpone", Word::postponeSchedule, 1},
-    {"quitAll", Word::quitAll, 1},
-    {"anyway", Word::endAnyway, 1},
-    {"reopen", Word::reopen},
-}};
-
-bool isMeant(const Command& one, const RemoteCommand& command) {
-    if (one.verb != command.verb || command.arguments.size() > one.mostArguments)
-        return false;
-    return one.arguments.front().empty() ||
-           (command.arguments.size() == 1 &&
-            std::ranges::count(one.arguments, command.arguments.front()) > 0);
 }
 
 } // namespace
@@ -132,11 +96,10 @@ Moment momentOf(const QuitController& controller, const EndState& end) {
 bool isTaken(Word word, Moment moment) { return answerTo(word, moment) == accepted; }
 
 std::optional<std::string> refusal(const RemoteCommand& command, Moment moment) {
-    const auto* one = std::ranges::find_if(
-        commands, [&](const Command& known) { return isMeant(known, command); });
-    if (one == commands.end())
+    const remote::Meaning* const meaning = remote::meaningOf(command);
+    if (!meaning || meaning->word == Word::none)
         return std::nullopt;
-    const char* why = answerTo(one->word, moment);
+    const char* why = answerTo(meaning->word, moment);
     return why ? std::optional(localized(why)) : std::nullopt;
 }
 

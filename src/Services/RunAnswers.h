@@ -1,8 +1,9 @@
 #pragma once
 
 #include "Platform/LoginWindow.h"
-#include "Platform/RemoteCommands.h"
+#include "Remote/Verbs.h"
 #include "Services/QuitController/QuitController.h"
+#include "Texts/Localized.h"
 
 #include <optional>
 #include <string>
@@ -22,22 +23,13 @@ enum class Moment {
     underWay, ///< the system has been told to end the session
 };
 
-/// What a user may say, and whoever speaks for one.
-enum class Word {
-    leave,         ///< whatever stays open alone
-    leaveNamed,    ///< the same, as the answer to a notice that has named it
-    showNamed,     ///< what such a notice has named
-    askAgain,      ///< what stays
-    force,         ///< what stays to end
-    endBackup,     ///< that runs
-    answerFailure, ///< of a backup
-    cancel,        ///< what was asked for
-    confirmSchedule,
-    postponeSchedule,
-    quitAll,
-    endAnyway, ///< over what stays open
-    reopen,    ///< what the last run has closed
-};
+using remote::Word;
+
+// What is refused in the same words elsewhere: keys of the string table.
+inline constexpr const char* alreadyAtWork = textKey("Velmor Quit è già al lavoro.");
+inline constexpr const char* noneStayed = textKey("Nessuna app è rimasta aperta.");
+inline constexpr const char* othersStay =
+    textKey("Ciò che resta aperto è cambiato: non faccio niente.");
 
 [[nodiscard]] Moment momentOf(const QuitController& controller, const EndState& end);
 /// Where the run itself stands, whatever follows it.

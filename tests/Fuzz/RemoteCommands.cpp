@@ -1,5 +1,5 @@
 #include "Fuzz/Fuzz.h"
-#include "Services/RemoteControl.h"
+#include "Services/Remote/RemoteControl.h"
 #include "Simulated/SimulatedDesktop.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "Services/Actions/ActionRunner.h"
 #include "Services/ControllerStory.h"
-#include "Services/RemoteControl.h"
+#include "Services/Remote/RemoteControl.h"
 
 #include <nlohmann/json.hpp>
 

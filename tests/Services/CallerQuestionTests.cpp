@@ -1,5 +1,5 @@
 #include "Services/ControllerStory.h"
-#include "Services/RemoteControl.h"
+#include "Services/Remote/RemoteControl.h"
 
 #include <map>
 #include <utility>
@@ -83,6 +83,18 @@ TEST_F(CallerStory, LooksAndHoldsUpAtOnceAndAsksForAllElse) {
         give = nullptr;
         desktop.advance(CallerQuestion::patience + CallerQuestion::longestRest);
     }
+
+    const auto quits = [&](const std::string& name) {
+        return ask("quit", {name}) == Status::asking ? questions.back() : std::string();
+    };
+    EXPECT_EQ(quits("Nobody"), "") << "there is nothing to ask about";
+    EXPECT_EQ(quits("no"), "«org.example.Rude», che gira in una sandbox, chiede di chiudere Note. "
+                           "Lo permetti?");
+    desktop.open("Nodes");
+    controller->refresh();
+    answer(true);
+    EXPECT_EQ(told, "Nel frattempo le cose sono cambiate: non faccio niente.")
+        << "the name means another one now";
 
     desktop.remote.caller = {};
     EXPECT_EQ(ask("quitAll"), Status::done) << "whoever is not shut in";

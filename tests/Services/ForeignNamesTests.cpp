@@ -1,5 +1,5 @@
 #include "Services/ControllerStory.h"
-#include "Services/RemoteControl.h"
+#include "Services/Remote/RemoteControl.h"
 #include "Services/RunNotice.h"
 #include "Services/SessionEndTest.h"
 

@@ -1,5 +1,5 @@
 #include "Services/ControllerStory.h"
-#include "Services/RemoteControl.h"
+#include "Services/Remote/RemoteControl.h"
 
 #include <nlohmann/json.hpp>
 
@@ -97,24 +97,60 @@ TEST_F(RemoteControlTest, UnderstandsTheNamesThatAPersonWouldUse) {
     EXPECT_EQ(excluded(),
               json::array({"org.example.Editor", "org.example.one", "org.example.two"}));
     EXPECT_EQ(desktop.remote.give("exclude", {"nobody"}).status, Status::refused);
+    desktop.open("Text Viewer");
+    controller->refresh();
+    EXPECT_EQ(desktop.remote.give("include", {"text"}).status, Status::done) << "the excluded one";
     EXPECT_EQ(desktop.remote.give("include", {"Text Editor"}).status, Status::done);
-    EXPECT_EQ(desktop.remote.give("include", {"Text Editor"}).status, Status::done);
+    EXPECT_EQ(desktop.remote.give("exclude", {"text"}).text,
+              "Più app cominciano con «text»: Text Editor, Text Viewer.");
+    EXPECT_EQ(desktop.remote.give("include", {"tw"}).text,
+              "Più app cominciano con «tw»: org.example.one, org.example.two.");
     EXPECT_EQ(excluded(), json::array({"org.example.one", "org.example.two"}));
 }
 
-TEST_F(RemoteControlTest, TellsAnEndFromALossOfWindows) {
+TEST_F(RemoteControlTest, AsksOnlyThoseThatAreNamedAndNoRunBegins) {
+    desktop.open("Note").identified("org.example.note").quitsAfter(1s);
+    desktop.open("Notebook").quitsAfter(1s);
+    auto& shell = desktop.open("Shell").hindered(StayReason::busyTerminal);
+    desktop.open("Twin").identified("one");
+    desktop.open("Twin").identified("two");
+    desktop.preferences.set("excludedApps", Value::Array{"org.example.note"});
+    serve();
+    desktop.startLog();
+    const auto refusal = [&](const std::vector<std::string>& names) {
+        const RemoteAnswer answer = desktop.remote.give("quit", names);
+        return answer.status == Status::refused ? answer.text : "";
+    };
+    EXPECT_EQ(refusal({"Note", "Nobody"}), "Nessuna app aperta si chiama «Nobody».");
+    EXPECT_EQ(refusal({"not"}), "Più app cominciano con «not»: Note, Notebook.");
+    EXPECT_EQ(refusal({"Notebook", "Twin"}), "Più app si chiamano «Twin»: indica l'id di una.");
+    EXPECT_EQ(refusal({"Shell"}), "Shell: Vi è in corso un comando che andrebbe perso.");
+    EXPECT_EQ(refusal({""}), "Nessuna app aperta si chiama «».");
+    EXPECT_EQ(desktop.log(), Lines()) << "nobody is asked where one name is wrong";
+
+    const json answer =
+        json::parse(desktop.remote.give("quit", {"note", "NOTEB", "sh", "Note", "one"}).text);
+    EXPECT_EQ(answer["text"], "Chiedo di chiudersi a: Note, Notebook, Twin.\n"
+                              "Shell: Vi è in corso un comando che andrebbe perso.");
+    EXPECT_EQ(answer["asked"].size(), 3U);
+    EXPECT_EQ(answer["notAsked"][0]["reason"], "busyTerminal");
+    desktop.advance(10s);
+    EXPECT_EQ(told(), "closed closed closed ") << "an excluded one that is named, too";
+    EXPECT_TRUE(is<phases::Idle>(controller->phase));
+    EXPECT_TRUE(controller->lastSession->empty());
+
+    shell.ignoresAsking();
+    desktop.remote.give("quitAll");
+    EXPECT_EQ(refusal({"Shell"}), "Velmor Quit sta già chiudendo le app.");
+}
+
+TEST_F(RemoteControlTest, TellsAnEndFromALossOfWindowsWhicheverComesFirst) {
     desktop.open("Ends");
-    desktop.open("Stays").livesOnWithoutWindows();
+    auto& tray = desktop.open("Tray").livesOnWithoutWindows();
     serve();
     desktop.remote.give("quitAll");
     desktop.advance(100ms);
     EXPECT_EQ(told(), "phase windowless closed ");
-}
-
-TEST_F(RemoteControlTest, TellsTheEndOfOneThatWasWithoutWindowsBefore) {
-    auto& tray = desktop.open("Tray").livesOnWithoutWindows();
-    serve();
-    desktop.remote.give("quitAll");
     desktop.advance(1s);
     controller->leaveStubbornOpen();
     desktop.advance(1s);
@@ -146,19 +182,12 @@ TEST_F(RemoteControlTest, TellsWhyTheyStayAndWhenThatChanges) {
     EXPECT_EQ(answer.text, "Note: Ha una finestra aperta che aspetta una risposta.");
 }
 
-TEST_F(RemoteControlTest, RefusesASecondRunInTheTurnInWhichAnEmptyOneBegan) {
-    serve();
-    EXPECT_EQ(desktop.remote.give("quitAll", {"restart"}).status, Status::done);
-    EXPECT_EQ(desktop.remote.give("quitAll").status, Status::refused);
-    desktop.loop.settle();
-    EXPECT_EQ(desktop.remote.give("quitAll").status, Status::done);
-}
-
-TEST_F(RemoteControlTest, AnnouncesTheResultOfEachRunThoughItIsTheSame) {
+TEST_F(RemoteControlTest, AnnouncesTheResultOfEachEmptyRunAndTakesNoneInTheTurnOfAnother) {
     serve();
     for (int run = 0; run < 2; ++run) {
         desktop.remote.changes.clear();
         EXPECT_EQ(desktop.remote.give("quitAll").status, Status::done);
+        EXPECT_EQ(desktop.remote.give("quitAll").status, Status::refused);
         desktop.advance(1s);
         EXPECT_EQ(told(), "phase ");
     }

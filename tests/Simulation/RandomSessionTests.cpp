@@ -1,5 +1,5 @@
 #include "Services/QuitController/QuitController.h"
-#include "Services/RemoteControl.h"
+#include "Services/Remote/RemoteControl.h"
 #include "Services/SessionEnd/EndNotice.h"
 #include "Services/SessionEnd/SessionEnd.h"
 #include "Simulated/SimulatedDesktop.h"

@@ -1,11 +1,12 @@
 #include "Linux/DBus/BusCommands.h"
 
 #include "Linux/Proc/ProcessStat.h"
+#include "Remote/Names.h"
+#include "Remote/StatusJson.h"
+#include "Remote/Verbs.h"
 #include "Texts/Localized.h"
 
 #include <QDBusMessage>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <ctime>
 #include <utility>
@@ -14,22 +15,12 @@ namespace velmorquit {
 
 namespace {
 
-const QString service = QStringLiteral("org.velmorquit.VelmorQuit");
-const QString path = QStringLiteral("/org/velmorquit/VelmorQuit");
+const QString service = remote::service;
+const QString path = remote::path;
 
-/// Null when there is none.
-const char* errorOf(RemoteAnswer::Status status) {
-    switch (status) {
-    case RemoteAnswer::Status::refused:
-        return "org.velmorquit.VelmorQuit.Error.Refused";
-    case RemoteAnswer::Status::unknown:
-        return "org.velmorquit.VelmorQuit.Error.Unknown";
-    case RemoteAnswer::Status::asking:
-        return "org.velmorquit.VelmorQuit.Error.Asking";
-    case RemoteAnswer::Status::done:
-        break;
-    }
-    return nullptr;
+QString verb(remote::Verb verb) {
+    const std::string_view name = remote::commandOf(verb).name;
+    return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
 }
 
 /// In bytes, with all arguments: names of applications and tokens are the longest of them.
@@ -42,12 +33,9 @@ std::size_t sizeOf(const RemoteCommand& command) {
     return size;
 }
 
-/// To stop what is about to happen costs next to nothing and must always be possible.
 bool isAlwaysTaken(const RemoteCommand& command) {
-    const auto& words = command.arguments;
-    return command.verb == "cancel" || command.verb == "leave" || command.verb == "postpone" ||
-           (command.verb == "backup" && words.size() == 1 &&
-            (words[0] == "cancel" || words[0] == "stop"));
+    const remote::Meaning* const meaning = remote::meaningOf(command);
+    return meaning && meaning->isAlwaysTaken;
 }
 
 Duration clock(clockid_t id) {
@@ -100,13 +88,13 @@ BusCommands::Holder BusCommands::holder() {
     if (!holder.name.empty() && holder.name != "xdg-dbus-proxy")
         return holder;
     QDBusMessage status =
-        QDBusMessage::createMethodCall(service, path, "org.velmorquit.VelmorQuit1", "Perform");
+        QDBusMessage::createMethodCall(service, path, remote::interface, remote::performMethod);
     status.setAutoStartService(false);
-    status << QStringLiteral("status") << QStringList();
+    status << verb(remote::Verb::status) << QStringList();
     const QDBusMessage answer = bus_.call(status, QDBus::Block, ofHolder);
-    const QByteArray json = answer.arguments().value(0).toString().toUtf8();
-    holder.isThisProgram = answer.type() == QDBusMessage::ReplyMessage &&
-                           QJsonDocument::fromJson(json).object().value("phase").isString();
+    const std::string json = answer.arguments().value(0).toString().toStdString();
+    holder.isThisProgram =
+        answer.type() == QDBusMessage::ReplyMessage && remote::isStatus(remote::parsed(json));
     return holder;
 }
 
@@ -127,7 +115,7 @@ void BusCommands::claimLater() {
 
 bool BusCommands::showOther(const QVariantMap& platformData, std::chrono::milliseconds limit) {
     QDBusMessage call =
-        QDBusMessage::createMethodCall(service, path, "org.freedesktop.Application", "Activate");
+        QDBusMessage::createMethodCall(service, path, remote::launcherInterface, "Activate");
     call.setAutoStartService(false);
     call << platformData;
     const QDBusMessage reply = bus_.call(call, QDBus::Block, static_cast<int>(limit.count()));
@@ -153,7 +141,7 @@ void BusCommands::take(RemoteCommand command, const QString& connection, const A
         return refuse(localized("Il comando è troppo lungo."));
     if (!isAlwaysTaken(command) && !budget_.allows(connection.toStdString(), uptime()))
         return refuse(localized("Velmor Quit riceve troppi comandi: riprova fra poco."));
-    if (command.verb == "cancel")
+    if (command.verb == remote::commandOf(remote::Verb::cancel).name)
         ++cancellations_;
     if (!handler_.mattersWhose(command))
         return perform(command, connection, answered);
@@ -186,7 +174,7 @@ QString BusCommands::Perform(const QString& verb, const QStringList& arguments) 
         if (!call.isReplyRequired())
             return;
         const QString text = QString::fromStdString(given.text);
-        const char* error = errorOf(given.status);
+        const char* error = remote::errorOf(given.status);
         bus.send(error ? call.createErrorReply(error, text) : call.createReply(text));
     });
     return {};

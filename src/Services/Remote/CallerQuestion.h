@@ -41,8 +41,10 @@ public:
     Screen screen;
 
     /// None when the command may be carried out at once. Else the user is asked, or that is
-    /// refused: `agreed` is called after a yes.
+    /// refused: `agreed` is called after a yes. The subject is what the command names, as it is to
+    /// stand in the question; empty where it names nothing.
     [[nodiscard]] std::optional<RemoteAnswer> consider(const RemoteCommand& command,
+                                                       const std::string& subject,
                                                        std::function<void()> agreed);
 
 private:

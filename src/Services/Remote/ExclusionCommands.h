@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Platform/RemoteCommands.h"
+#include "Services/QuitController/QuitController.h"
+
+#include <string>
+#include <vector>
+
+namespace velmorquit {
+
+/// What other processes can do about the exclusions.
+class ExclusionCommands {
+public:
+    /// The controller outlives it.
+    explicit ExclusionCommands(QuitController& controller) : controller_(controller) {}
+
+    RemoteAnswer exclude(const std::string& name);
+    /// Also for what isn't open now.
+    RemoteAnswer include(const std::string& name);
+
+private:
+    RemoteAnswer set(const std::string& name, const std::vector<OpenApp>& apps, bool isExcluded);
+    RemoteAnswer includeShown(const std::string& name);
+
+    QuitController& controller_;
+};
+
+} // namespace velmorquit
