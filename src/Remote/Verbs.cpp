@@ -261,7 +261,7 @@ constexpr std::array table{
     Command{.verb = Verb::help,
             .control = "help",
             .reply = Reply::own,
-            .usage = "help",
+            .usage = "help, --help",
             .help = textKey("questo testo")},
     Command{.verb = Verb::version,
             .control = "--version",

@@ -1,9 +1,7 @@
-#include "Sentences.h"
-#include "FollowedRun.h"
+#include "Tools/velmorctl/Sentences.h"
 #include "Fuzz/Fuzz.h"
 #include "Language/LocaleFormats.h"
-
-#include <QJsonDocument>
+#include "Tools/velmorctl/FollowedRun.h"
 
 #include <iostream>
 #include <sstream>
@@ -14,17 +12,19 @@ namespace {
 
 void requireText(const std::string& text, std::size_t size) {
     fuzz::require(fuzz::isUtf8(text), "what is printed is a text");
-    // The columns of a table are as wide as their widest cell.
-    fuzz::require(text.size() <= (size + 64) * (size + 64), "no longer than what it is about");
+    // The columns of a table are as wide as their widest cell, and no sentence is longer than 200
+    // bytes without what it names.
+    fuzz::require(text.size() <= (size + 200) * (size + 64), "no longer than what it is about");
 }
 
-void follow(const QJsonArray& changes, const Formats& formats, const QString& then) {
-    CommandLine line;
+void follow(const remote::Json& said, const Formats& formats, AfterQuit then) {
+    CommandLine line{.command = &remote::commandOf(remote::Verb::quitAll)};
     line.then = then;
     FollowedRun run(line, formats);
-    run.begin(changes);
-    for (const auto& change : changes) {
-        if (run.hear(change.toObject()) || run.hearEnding(change.toObject()["ending"]))
+    run.begin(remote::decodeAnswer(said).asked.value_or(std::vector<remote::Application>()));
+    for (const remote::Json& one : said) {
+        const auto change = remote::decodeChange(one);
+        if ((change && run.hear(*change)) || run.hearEnding(remote::decodeEnding(one)))
             return;
     }
 }
@@ -35,17 +35,23 @@ void follow(const QJsonArray& changes, const Formats& formats, const QString& th
 /// that come one after the other.
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const LocaleFormats formats(Language::italian, QLocale(QLocale::Italian));
-    const auto document = QJsonDocument::fromJson(
-        QByteArray::fromRawData(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));
-    const QJsonObject object = document.object();
-    requireText(statusText(object, formats), size);
-    requireText(actionsText(object), size);
-    requireText(changeText(object, formats), size);
-    static_cast<void>(confirmationQuestion(object["count"].toInt(), object["then"].toString()));
+    const remote::Json said =
+        remote::parsed(std::string_view(reinterpret_cast<const char*>(data), size));
+    requireText(statusText(remote::decodeStatus(said), formats), size);
+    requireText(actionsText(remote::decodeActions(said)), size);
+    if (const auto change = remote::decodeChange(said)) {
+        requireText(changeText(*change, formats), size);
+        // Once it is understood it is the same when it is told again.
+        const remote::Json told = remote::encode(*change);
+        const auto again = remote::decodeChange(told);
+        fuzz::require(again && remote::encode(*again) == told, "a change is what it was");
+    }
     std::ostringstream printed;
     auto* const terminal = std::cout.rdbuf(printed.rdbuf());
-    for (const char* then : {"nothing", "shutDown"})
-        follow(document.array(), formats, then);
+    for (const AfterQuit then : {AfterQuit::nothing, AfterQuit::shutDown}) {
+        requireText(confirmationQuestion(size, then), size);
+        follow(said, formats, then);
+    }
     std::cout.rdbuf(terminal);
     requireText(printed.str(), size);
     return 0;

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <QString>
-#include <QStringList>
+#include "Model/AfterQuit.h"
+#include "Remote/Verbs.h"
 
 #include <chrono>
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace velmorquit {
 
@@ -24,48 +25,20 @@ enum class ExitStatus {
 
 /// What the user asked for on the command line.
 struct CommandLine {
-    enum class Command {
-        help,
-        version,
-        status,
-        watch,
-        quitAll,
-        askAgain,
-        force,
-        leave,
-        exclude,
-        include,
-        show,
-        backup,
-        eject,
-        cancel,
-        reopen,
-        forget,
-        anyway,
-        schedule,
-        postpone,
-        confirm,
-        memory,
-        actions,
-        action
-    };
-
-    Command command = Command::help;
-    QString name;                             ///< of an application
-    QString word;                             ///< what is said to a backup
-    QString moment;                           ///< "minutes" or "at", of a schedule
-    QString time;                             ///< a number of minutes, or a time of day
-    QStringList arguments;                    ///< name and parameters of a published action
-    QString then = QStringLiteral("nothing"); ///< what is to follow a run
+    const remote::Command* command = nullptr; ///< never null
+    std::vector<std::string> arguments{};     ///< of its verb, where the line has them
+    AfterQuit then = AfterQuit::nothing;      ///< what is to follow a run
     bool isConfirmed = false;                 ///< no question is to be asked first
     bool endsWithRun = false;                 ///< what follows a run isn't waited for
     /// How long a run is waited for; none for as long as it takes.
-    std::optional<std::chrono::milliseconds> timeout;
+    std::optional<std::chrono::milliseconds> timeout{};
     bool wantsJson = false;
 };
 
-/// Reads the arguments, the program's name left out; a text says what is wrong with them.
-[[nodiscard]] std::variant<CommandLine, std::string> parseCommandLine(const QStringList& arguments);
+/// Reads the arguments, the program's name left out; a text says what is wrong with them. Commands
+/// may be shortened to what they alone begin with.
+[[nodiscard]] std::variant<CommandLine, std::string>
+parseCommandLine(const std::vector<std::string>& arguments);
 
 /// How velmorctl is used.
 [[nodiscard]] std::string usage();

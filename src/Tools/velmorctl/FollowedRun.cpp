@@ -9,63 +9,72 @@
 
 namespace velmorquit {
 
+namespace changes = remote::changes;
+
 FollowedRun::FollowedRun(const CommandLine& line, const Formats& formats)
     : line_(line), formats_(formats) {}
 
-void FollowedRun::begin(const QJsonArray& asked) {
+void FollowedRun::begin(const std::vector<remote::Application>& asked) {
     elapsed_.start();
-    asked_ = asked.size();
+    asked_ = static_cast<int>(asked.size());
     stage_ = Stage::running;
     if (asked_ == 0)
         std::cout << localized("Non c'è niente da chiudere.") << '\n' << std::flush;
 }
 
-std::optional<ExitStatus> FollowedRun::hear(const QJsonObject& change) {
-    const bool isOfTheEnd = change["change"] == "ending";
-    if (stage_ == Stage::ending && isOfTheEnd)
-        return hearEnding(change["ending"]);
+std::optional<ExitStatus> FollowedRun::hear(const remote::Change& change) {
+    const auto* ending = std::get_if<changes::EndingState>(&change);
+    if (stage_ == Stage::ending && ending)
+        return hearEnding(ending->ending);
     // One that an earlier run had asked for may be given up while this one goes on.
-    if (stage_ != Stage::running || isOfTheEnd)
+    if (stage_ != Stage::running || ending)
         return std::nullopt;
+    const auto* happened = std::get_if<changes::Happened>(&change);
     // What the user had begun to eject before the run ends before the drives of the run do.
-    if (change["event"] == "disksEjected")
-        isDriveLeft_ = !change["failed"].toArray().isEmpty();
+    if (const auto* ejected =
+            happened ? std::get_if<events::DisksEjected>(&happened->event) : nullptr)
+        isDriveLeft_ = !ejected->failed.empty();
+    const auto* run = std::get_if<changes::Run>(&change);
     // One that turned out to be excluded is no target any more.
-    if (change["change"] == "phase" && change["phase"] == "quitting")
-        asked_ = change["total"].toInteger();
-    const bool isResult = change["change"] == "phase" && change["phase"] == "done";
+    if (const auto* quitting = run ? std::get_if<phases::Quitting>(&run->state.phase) : nullptr)
+        asked_ = quitting->total;
+    const auto* done = run ? std::get_if<phases::Done>(&run->state.phase) : nullptr;
     // Where nothing was asked to quit only a note says more.
-    const bool isEmpty = asked_ == 0 && isResult && change["note"].isNull();
+    const bool isEmpty = asked_ == 0 && done && !run->state.note;
     if (const std::string text = changeText(change, formats_); !text.empty() && !isEmpty)
         say(text);
-    return isResult ? hearResult(change) : std::nullopt;
+    return done ? hearResult(run->state, done->closed) : std::nullopt;
 }
 
-std::optional<ExitStatus> FollowedRun::hearResult(const QJsonObject& change) {
+std::optional<ExitStatus> FollowedRun::hearResult(const remote::RunState& run, int closed) {
     // A run that was broken off isn't followed by what was asked for.
-    const bool isFollowed = line_.then == "nothing" || change["then"] == line_.then;
-    isGood_ = isFollowed && !isDriveLeft_ && change["closed"].toInteger() == asked_;
-    if (line_.then == "nothing" || line_.endsWithRun || !isFollowed)
+    const bool isFollowed = line_.then == AfterQuit::nothing || run.then == powerAction(line_.then);
+    isGood_ = isFollowed && !isDriveLeft_ && closed == asked_;
+    if (line_.then == AfterQuit::nothing || line_.endsWithRun || !isFollowed)
         return finish(ExitStatus::success);
     stage_ = Stage::ending;
     return std::nullopt;
 }
 
-std::optional<ExitStatus> FollowedRun::hearEnding(const QJsonValue& ending) {
+std::optional<ExitStatus> FollowedRun::hearEnding(const std::optional<remote::Ending>& ending) {
     if (stage_ != Stage::ending)
         return std::nullopt;
-    if (!ending.isObject()) {
-        say(localized("Annullato: non spengo, non riavvio e non esco."));
+    if (!ending) {
+        say(remote::givenUpText());
         return finish(ExitStatus::failure);
     }
-    const QString text = ending["text"].toString();
-    if (text != lastEnding_)
-        say(text.toStdString());
-    lastEnding_ = text;
-    const QString stage = ending["stage"].toString();
-    if (stage == "waiting" || stage == "naming")
+    if (ending->text != lastEnding_)
+        say(ending->text);
+    lastEnding_ = ending->text;
+    switch (ending->stage) {
+    case EndState::Stage::waiting:
+    case EndState::Stage::naming:
         return std::nullopt;
-    return finish(stage == "underWay" ? ExitStatus::success : ExitStatus::failure);
+    case EndState::Stage::underWay:
+        return finish(ExitStatus::success);
+    default:
+        return finish(ExitStatus::failure);
+    }
 }
 
 ExitStatus FollowedRun::finish(ExitStatus status) {

@@ -2,14 +2,13 @@
 
 #include "CommandLine.h"
 #include "Platform/Formats.h"
+#include "Remote/ChangeJson.h"
 
 #include <QElapsedTimer>
-#include <QJsonArray>
-#include <QJsonObject>
-#include <QJsonValue>
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace velmorquit {
 
@@ -20,15 +19,15 @@ public:
     FollowedRun(const CommandLine& line, const Formats& formats);
 
     /// The run has begun, and has asked these to quit.
-    void begin(const QJsonArray& asked);
+    void begin(const std::vector<remote::Application>& asked);
 
     /// None while there is something to wait for. Changes before the run's beginning are none of
     /// it.
-    [[nodiscard]] std::optional<ExitStatus> hear(const QJsonObject& change);
+    [[nodiscard]] std::optional<ExitStatus> hear(const remote::Change& change);
 
-    /// How far the session's end has come: null when nobody wants it any more. None while there is
-    /// something to wait for.
-    [[nodiscard]] std::optional<ExitStatus> hearEnding(const QJsonValue& ending);
+    /// How far the session's end has come, if anybody still wants it. None while there is something
+    /// to wait for.
+    [[nodiscard]] std::optional<ExitStatus> hearEnding(const std::optional<remote::Ending>& ending);
 
     /// Whether the run is over, and what follows it is waited for.
     [[nodiscard]] bool isEnding() const { return stage_ == Stage::ending; }
@@ -36,7 +35,7 @@ public:
 private:
     enum class Stage { notBegun, running, ending, over };
 
-    std::optional<ExitStatus> hearResult(const QJsonObject& change);
+    std::optional<ExitStatus> hearResult(const remote::RunState& run, int closed);
     [[nodiscard]] ExitStatus finish(ExitStatus status);
     void say(const std::string& text) const;
 
@@ -44,11 +43,11 @@ private:
     const Formats& formats_;
     QElapsedTimer elapsed_;
     Stage stage_ = Stage::notBegun;
-    qsizetype asked_ = 0;
+    int asked_ = 0;
     bool isDriveLeft_ = false;
     /// Whether the run has done all that it was to do.
     bool isGood_ = false;
-    QString lastEnding_;
+    std::string lastEnding_;
 };
 
 } // namespace velmorquit

@@ -3,7 +3,7 @@
 #include "ForegroundJob.h"
 #include "Language/InstalledLanguage.h"
 #include "Session.h"
-#include "Texts/Shown.h"
+#include "Terminal.h"
 #include "Texts/Version.h"
 
 #include <QCoreApplication>
@@ -13,17 +13,20 @@
 #include <array>
 #include <csignal>
 #include <iostream>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 using namespace velmorquit;
 
 namespace {
 
 /// Whether it is one of the commands that go on until something happens.
-bool isWaiting(std::string_view command) {
-    constexpr std::array<std::string_view, 3> waiting{"quit-all", "watch", "eject"};
-    return std::ranges::find(waiting, command) != waiting.end();
+bool isWaiting(std::string_view word) {
+    constexpr std::array waiting{remote::Verb::quitAll, remote::Verb::watch, remote::Verb::eject};
+    const auto meant = remote::controlCommands(word);
+    return meant.size() == 1 && std::ranges::count(waiting, meant.front()->verb) > 0;
 }
 
 } // namespace
@@ -36,20 +39,25 @@ int main(int argc, char** argv) {
     const QCoreApplication application(argc, argv);
     const InstalledLanguage language(forcedLanguage(
         storedPreference(defaultPreferencesFile(), std::string(languagePreference))));
-    const auto line = parseCommandLine(QCoreApplication::arguments().mid(1));
-    if (const auto* wrong = std::get_if<std::string>(&line)) {
-        std::cerr << "velmorctl: " << shownLines(*wrong) << "\n\n" << usage();
+    std::vector<std::string> arguments;
+    for (const QString& argument : QCoreApplication::arguments().mid(1))
+        arguments.push_back(argument.toStdString());
+    const auto read = parseCommandLine(arguments);
+    if (const auto* wrong = std::get_if<std::string>(&read)) {
+        Terminal::complain(*wrong);
+        std::cerr << '\n' << usage();
         return static_cast<int>(ExitStatus::usage);
     }
-    if (std::get<CommandLine>(line).command == CommandLine::Command::help) {
+    const CommandLine& line = std::get<CommandLine>(read);
+    if (line.command->verb == remote::Verb::help) {
         std::cout << usage();
         return static_cast<int>(ExitStatus::success);
     }
-    if (std::get<CommandLine>(line).command == CommandLine::Command::version) {
+    if (line.command->verb == remote::Verb::version) {
         std::cout << versionLine("velmorctl") << '\n';
         return static_cast<int>(ExitStatus::success);
     }
-    Session session(std::get<CommandLine>(line), language.formats(), std::move(job));
-    QTimer::singleShot(0, &session, [&session] { session.start(); });
+    Session session(line, language.formats(), std::move(job));
+    QTimer::singleShot(0, [&session] { session.start(); });
     return QCoreApplication::exec();
 }
