@@ -8,34 +8,34 @@ namespace velmorquit {
 
 namespace {
 
-/// The last one is a key of the string table.
-struct Texts {
+struct Names {
     AfterQuit choice;
     std::string_view raw;
     PowerAction action;
-    const char* title;
 };
 
-constexpr std::array<Texts, allAfterQuits.size()> table{{
-    {AfterQuit::nothing, "nothing", PowerAction::none, textKey("Niente")},
-    {AfterQuit::shutDown, "shutDown", PowerAction::shutDown, textKey("Spegni")},
-    {AfterQuit::restart, "restart", PowerAction::restart, textKey("Riavvia")},
-    {AfterQuit::logOut, "logOut", PowerAction::logOut, textKey("Esci utente")},
+constexpr std::array<Names, allAfterQuits.size()> table{{
+    {AfterQuit::nothing, "nothing", PowerAction::none},
+    {AfterQuit::shutDown, "shutDown", PowerAction::shutDown},
+    {AfterQuit::restart, "restart", PowerAction::restart},
+    {AfterQuit::logOut, "logOut", PowerAction::logOut},
 }};
 
-const Texts& textsOf(AfterQuit choice) { return table[static_cast<std::size_t>(choice)]; }
+const Names& namesOf(AfterQuit choice) { return table[static_cast<std::size_t>(choice)]; }
 
 } // namespace
 
-std::string_view rawValue(AfterQuit choice) { return textsOf(choice).raw; }
+std::string_view rawValue(AfterQuit choice) { return namesOf(choice).raw; }
 
 std::optional<AfterQuit> afterQuitFromRaw(std::string_view raw) {
-    const auto found = std::ranges::find(table, raw, &Texts::raw);
+    const auto found = std::ranges::find(table, raw, &Names::raw);
     return found == table.end() ? std::nullopt : std::optional(found->choice);
 }
 
-PowerAction powerAction(AfterQuit choice) { return textsOf(choice).action; }
+PowerAction powerAction(AfterQuit choice) { return namesOf(choice).action; }
 
-std::string displayTitle(AfterQuit choice) { return localized(textsOf(choice).title); }
+std::string displayTitle(AfterQuit choice) {
+    return choice == AfterQuit::nothing ? localized("Niente") : label(powerAction(choice));
+}
 
 } // namespace velmorquit
