@@ -8,8 +8,7 @@
 # velmor_target(NAME FOLDER [PORTABLE] [KIND STATIC|INTERFACE|EXECUTABLE] [SOURCES ...]
 #               [USES targets...] [SYSTEM_HEADERS regex...])
 # FOLDER is relative to src/; without SOURCES a library has all those below it. A PORTABLE target includes
-# of the system's headers only those of the C++
-# standard library and those that match one of the expressions.
+# of the system's headers only those of the C++ standard library and those that match one of the expressions.
 function(velmor_target name folder)
     cmake_parse_arguments(PARSE_ARGV 2 arg "PORTABLE" "KIND" "SOURCES;USES;SYSTEM_HEADERS")
     set(root ${CMAKE_BINARY_DIR}/include/${name})

@@ -67,7 +67,7 @@ NormalContent::NormalContent(QuitController& controller, const Desktop& desktop,
         schedule_->setFocus();
     };
     items.addWidget(scheduler_);
-    note_->onDismiss = [this] { controller_.scheduleNote = std::nullopt; };
+    note_->onDismiss = [this] { controller_.dismissScheduleNote(); };
     items.addWidget(note_);
     items.addWidget(reopen_);
     items.addWidget(list_);

@@ -42,6 +42,12 @@ protected:
         return *controller;
     }
 
+    /// Leaves a note of a schedule that came to nothing.
+    void missSchedule() {
+        controller->scheduleQuit(desktop.loop.now() + 1min, PowerAction::none);
+        desktop.loop.fallAsleep(10min);
+    }
+
     /// Lets the desktop and the toolkit come to rest.
     void settle() {
         desktop.loop.settle();

@@ -137,13 +137,13 @@ TEST_F(PanelTest, ReturnMeansTheControlThatIsMarked) {
 
 TEST_F(PanelTest, ADoubleClickDoesNotReachWhatTakesThePlace) {
     start();
-    controller->scheduleNote = std::string("Era in stop.");
+    missSchedule();
     settle();
     // Its first press was on something else.
     QTest::mouseDClick(find("dismissNote"), Qt::LeftButton);
     settle();
     EXPECT_TRUE(isShown("NoteCard"));
-    EXPECT_EQ(text("note"), "Era in stop.");
+    EXPECT_EQ(text("note").rfind("La chiusura programmata delle", 0), 0);
     click("dismissNote");
     EXPECT_FALSE(isShown("NoteCard"));
     EXPECT_FALSE(controller->scheduleNote->has_value());

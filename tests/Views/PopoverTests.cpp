@@ -178,7 +178,7 @@ TEST_F(PopoverTest, ComesToRest) {
     }
     EXPECT_LT(fittings, 5);
     const int before = fittings;
-    controller->scheduleNote = std::string("Era in stop.");
+    missSchedule();
     for (int turn = 0; turn < 50; ++turn) {
         desktop.loop.settle();
         QApplication::processEvents();

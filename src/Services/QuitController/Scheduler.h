@@ -43,6 +43,8 @@ public:
     /// Lets the run begin that waits for the user's word.
     void confirmScheduledQuit();
     void cancelSchedule();
+    /// The user has read the note.
+    void dismissScheduleNote() { scheduleNote = std::nullopt; }
     /// Chooses whether the next schedule asks, and stores the choice.
     void chooseConfirmScheduled(bool isChosen);
 

@@ -41,8 +41,8 @@ void ChangeFeed::follow(const Desktop& desktop) {
     subscribe(controller_.stubborn, [this] { announceStubborn(); });
     subscribe(controller_.stayReasons, [this] { announceStubborn(); });
     subscribe(controller_.phase, [this] { announce(changes::Run{source_.run()}); });
-    subscriptions_.push_back(controller_.hearEvents(
-        [this](const Event& event) { announce(changes::Happened{event}); }));
+    subscriptions_.push_back(
+        controller_.hearEvents([this](const Event& event) { announce(changes::Happened{event}); }));
     subscriptions_.push_back(controller_.hearCalls([this] { announceAttention(); }));
     subscriptions_.push_back(desktop.workspace.observe([this](const WorkspaceChanges& happened) {
         if (hasAnyOf(happened, {WorkspaceEvent::terminated}))
