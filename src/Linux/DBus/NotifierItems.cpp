@@ -70,7 +70,6 @@ void NotifierItems::listen() {
 
 void NotifierItems::ask() {
     isOutdated_ = false;
-    processes_.drop();
     QDBusMessage question =
         QDBusMessage::createMethodCall(service, path, "org.freedesktop.DBus.Properties", "Get");
     question.setAutoStartService(false);
@@ -96,6 +95,7 @@ void NotifierItems::hearList(const QDBusMessage& answer) {
     items_ = std::move(items);
     if (isOutdated_)
         questions_.ask();
+    processes_.drop();
     for (const auto& [name, item] : items_)
         askProcess(name);
 }
