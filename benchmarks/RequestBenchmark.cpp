@@ -2,8 +2,8 @@
 // own: scripts/virtual-desktop -t none -- request_benchmark
 
 #include "Linux/Applications/LinuxWorkspace.h"
-#include "Linux/JournalLog.h"
-#include "Linux/QtMainLoop.h"
+#include "Linux/Log/JournalLog.h"
+#include "Linux/Loop/QtMainLoop.h"
 #include "Linux/X11/X11Toplevels.h"
 #include "support/Child.h"
 #include "support/Waiting.h"

@@ -1,12 +1,12 @@
 #include "Program.h"
 
 #include "AppDelegate.h"
-#include "Linux/DBus/BusCommands.h"
-#include "Linux/DBus/KeepReading.h"
+#include "Linux/Bus/KeepReading.h"
 #include "Linux/LinuxDesktop.h"
 #include "Linux/Program/OwnProcess.h"
 #include "Linux/Program/QtStart.h"
 #include "Linux/Program/SingleInstance.h"
+#include "Linux/Remote/BusCommands.h"
 #include "Services/SessionEnd/SessionEnd.h"
 #include "Services/StartSwitches.h"
 

@@ -2,7 +2,7 @@
 #include "Language/InstalledLanguage.h"
 #include "Linux/Applications/DesktopEntryStart.h"
 #include "Linux/Autostart/AutostartEntry.h"
-#include "Linux/JournalLog.h"
+#include "Linux/Log/JournalLog.h"
 #include "Linux/Program/OwnProcess.h"
 #include "Program.h"
 #include "Services/LaunchAtLogin.h"

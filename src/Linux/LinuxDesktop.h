@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Linux/EndSignals.h"
+#include "Linux/Program/EndSignals.h"
 #include "Linux/Program/FinishedWork.h"
-#include "Linux/Windowing.h"
+#include "Linux/Windows/Windowing.h"
 #include "Platform/Desktop.h"
 #include "Platform/DesktopFace.h"
 #include "Platform/SessionPorts.h"

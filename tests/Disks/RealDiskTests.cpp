@@ -1,4 +1,4 @@
-#include "Linux/QtMainLoop.h"
+#include "Linux/Loop/QtMainLoop.h"
 #include "Linux/Volumes/UDisksVolumes.h"
 #include "Simulated/SimulatedPorts.h"
 #include "support/Child.h"

@@ -1,7 +1,7 @@
 #include "Fuzz/Variants.h"
-#include "Linux/DBus/NotifierItems.h"
-#include "Linux/DBus/PortalSettings.h"
-#include "Linux/DesktopLook.h"
+#include "Linux/Appearance/DesktopLook.h"
+#include "Linux/Appearance/PortalSettings.h"
+#include "Linux/Tray/NotifierItems.h"
 
 using namespace velmorquit;
 

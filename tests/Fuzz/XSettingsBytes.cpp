@@ -1,5 +1,5 @@
 #include "Fuzz/Fuzz.h"
-#include "Linux/DesktopLook.h"
+#include "Linux/Appearance/DesktopLook.h"
 #include "Linux/X11/XSettings.h"
 
 using namespace velmorquit;

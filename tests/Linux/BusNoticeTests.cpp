@@ -1,5 +1,5 @@
-#include "Linux/DBus/BusNotice.h"
-#include "Linux/Session/PowerBus.h"
+#include "Linux/Notices/BusNotice.h"
+#include "Linux/Power/PowerBus.h"
 #include "support/PrivateBus.h"
 #include "support/StandInService.h"
 

@@ -1,4 +1,4 @@
-#include "Linux/DBus/BusQuit.h"
+#include "Linux/Applications/BusQuit.h"
 #include "support/PrivateBus.h"
 #include "support/StandInService.h"
 #include "support/Waiting.h"

@@ -1,5 +1,5 @@
+#include "Linux/Power/BusSleepHold.h"
 #include "Linux/Session/BusSessionRegistry.h"
-#include "Linux/Session/BusSleepHold.h"
 #include "support/PrivateBus.h"
 #include "support/StandInService.h"
 #include "support/Waiting.h"

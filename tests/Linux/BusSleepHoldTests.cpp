@@ -1,5 +1,5 @@
-#include "Linux/Session/BusSleepHold.h"
-#include "Linux/Session/BusSleepHolds.h"
+#include "Linux/Power/BusSleepHold.h"
+#include "Linux/Power/BusSleepHolds.h"
 #include "support/PrivateBus.h"
 #include "support/StandInService.h"
 #include "support/Waiting.h"

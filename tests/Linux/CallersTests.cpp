@@ -1,5 +1,5 @@
-#include "Linux/DBus/BusCallers.h"
 #include "Linux/Proc/Confinement.h"
+#include "Linux/Remote/BusCallers.h"
 #include "support/Child.h"
 #include "support/PrivateBus.h"
 #include "support/TemporaryFolder.h"

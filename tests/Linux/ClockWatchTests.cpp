@@ -1,5 +1,5 @@
-#include "Linux/ClockWatch.h"
-#include "Linux/QtMainLoop.h"
+#include "Linux/Loop/ClockWatch.h"
+#include "Linux/Loop/QtMainLoop.h"
 #include "support/Waiting.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "Linux/DesktopLook.h"
+#include "Linux/Appearance/DesktopLook.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "Linux/Descriptor.h"
-#include "Linux/Session/DisplayServers.h"
-#include "Linux/Session/SessionTraits.h"
+#include "Linux/Files/Descriptor.h"
+#include "Linux/Windows/DisplayServers.h"
+#include "Linux/Windows/SessionTraits.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

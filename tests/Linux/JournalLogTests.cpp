@@ -1,4 +1,4 @@
-#include "Linux/JournalLog.h"
+#include "Linux/Log/JournalLog.h"
 
 #include <gtest/gtest.h>
 

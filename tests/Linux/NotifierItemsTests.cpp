@@ -1,4 +1,4 @@
-#include "Linux/DBus/NotifierItems.h"
+#include "Linux/Tray/NotifierItems.h"
 #include "support/PrivateBus.h"
 #include "support/StandInWatcher.h"
 #include "support/Waiting.h"

@@ -1,4 +1,4 @@
-#include "Linux/DBus/NotifierWatcher.h"
+#include "Linux/Tray/NotifierWatcher.h"
 #include "Simulated/VirtualLoop.h"
 #include "support/PrivateBus.h"
 #include "support/StandInWatcher.h"

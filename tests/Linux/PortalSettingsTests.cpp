@@ -1,4 +1,4 @@
-#include "Linux/DBus/PortalSettings.h"
+#include "Linux/Appearance/PortalSettings.h"
 #include "support/PrivateBus.h"
 #include "support/StandInPortal.h"
 #include "support/Waiting.h"

@@ -1,4 +1,4 @@
-#include "Linux/Session/PowerBus.h"
+#include "Linux/Power/PowerBus.h"
 #include "support/PrivateBus.h"
 #include "support/TemporaryFolder.h"
 #include "support/Waiting.h"

@@ -1,5 +1,5 @@
 #include "Linux/Proc/ProcKernel.h"
-#include "Linux/Pulse/PulseAudioProcesses.h"
+#include "Linux/Sound/PulseAudioProcesses.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

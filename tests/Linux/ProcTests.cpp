@@ -1,6 +1,6 @@
 #include "Linux/Proc/ProcKernel.h"
 #include "Linux/Proc/ProcessStat.h"
-#include "Linux/Text.h"
+#include "Linux/Text/Utf8.h"
 #include "support/Child.h"
 #include "support/Waiting.h"
 

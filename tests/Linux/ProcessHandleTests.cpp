@@ -1,6 +1,6 @@
 #include "Linux/Applications/LinuxApplication.h"
 #include "Linux/Applications/ProcessHandle.h"
-#include "Linux/QtMainLoop.h"
+#include "Linux/Loop/QtMainLoop.h"
 #include "Simulated/SimulatedPorts.h"
 #include "support/Child.h"
 #include "support/Waiting.h"

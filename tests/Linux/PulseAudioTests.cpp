@@ -1,5 +1,5 @@
-#include "Linux/Pulse/PulseAudioProcesses.h"
-#include "Linux/QtMainLoop.h"
+#include "Linux/Loop/QtMainLoop.h"
+#include "Linux/Sound/PulseAudioProcesses.h"
 #include "support/Child.h"
 #include "support/TemporaryFolder.h"
 #include "support/Waiting.h"

@@ -1,4 +1,4 @@
-#include "Linux/QtMainLoop.h"
+#include "Linux/Loop/QtMainLoop.h"
 #include "Loop/Task.h"
 #include "support/Waiting.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/Applications/ToplevelSource.h"
+#include "Linux/Windows/ToplevelSource.h"
 #include "Loop/Subscribers.h"
 
 #include <map>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/FakeKernel.h"
-#include "Linux/QtMainLoop.h"
+#include "Linux/Loop/QtMainLoop.h"
 #include "Linux/StandInDisks.h"
 #include "Linux/Volumes/UDisksVolumes.h"
 #include "Simulated/SimulatedPorts.h"

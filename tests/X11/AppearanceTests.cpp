@@ -1,4 +1,4 @@
-#include "Linux/DesktopAppearance.h"
+#include "Linux/Appearance/DesktopAppearance.h"
 #include "Linux/X11/XSettings.h"
 #include "X11/FaceTest.h"
 #include "support/StandInPortal.h"

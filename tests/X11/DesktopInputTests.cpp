@@ -1,4 +1,4 @@
-#include "Linux/Session/DesktopInput.h"
+#include "Linux/Input/DesktopInput.h"
 #include "Linux/X11/X11Idle.h"
 #include "X11/FaceTest.h"
 #include "support/PrivateBus.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/QtMainLoop.h"
+#include "Linux/Loop/QtMainLoop.h"
 #include "Linux/X11/X11Events.h"
 #include "Linux/X11/X11Windows.h"
 #include "X11/OwnWindow.h"

@@ -1,7 +1,7 @@
 #include "Linux/Applications/LinuxWindows.h"
 #include "Linux/Applications/LinuxWorkspace.h"
+#include "Linux/Loop/QtMainLoop.h"
 #include "Linux/Proc/ProcProcesses.h"
-#include "Linux/QtMainLoop.h"
 #include "Linux/Session/BusEndService.h"
 #include "Linux/Session/BusSessionRegistry.h"
 #include "Linux/X11/X11Toplevels.h"

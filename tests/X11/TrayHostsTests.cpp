@@ -1,4 +1,4 @@
-#include "Linux/X11/DesktopTrayHosts.h"
+#include "Linux/Tray/DesktopTrayHosts.h"
 #include "Linux/X11/X11Tray.h"
 #include "X11/FaceTest.h"
 #include "support/StandInWatcher.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/Applications/LinuxWorkspace.h"
-#include "Linux/QtMainLoop.h"
+#include "Linux/Loop/QtMainLoop.h"
 #include "Linux/X11/X11Toplevels.h"
 #include "Simulated/SimulatedPorts.h"
 #include "support/Child.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/DesktopSettings.h"
+#include "Linux/Appearance/DesktopSettings.h"
 #include "Loop/Handle.h"
 
 #include <functional>

@@ -2,7 +2,7 @@
 
 #include "Linux/Applications/MakeshiftName.h"
 #include "Linux/Proc/ProcessStat.h"
-#include "Linux/Text.h"
+#include "Linux/Text/Utf8.h"
 
 #include <gio/gdesktopappinfo.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/Applications/ProgramEntries.h"
-#include "Linux/Applications/ToplevelSource.h"
+#include "Linux/Windows/ToplevelSource.h"
 
 #include <functional>
 #include <map>

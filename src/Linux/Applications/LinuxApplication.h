@@ -4,7 +4,7 @@
 #include "Linux/Applications/ProcessHandle.h"
 #include "Linux/Applications/ProcessOrigin.h"
 #include "Linux/Applications/QuitRequest.h"
-#include "Linux/Applications/ToplevelSource.h"
+#include "Linux/Windows/ToplevelSource.h"
 #include "Loop/MainLoop.h"
 #include "Platform/SystemLog.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/Applications/LinuxWorkspace.h"
-#include "Linux/Applications/ToplevelSource.h"
+#include "Linux/Windows/ToplevelSource.h"
 #include "Platform/Windows.h"
 
 #include <functional>

@@ -2,9 +2,9 @@
 
 #include "Linux/Applications/BackgroundStarts.h"
 #include "Linux/Applications/LinuxApplication.h"
-#include "Linux/Applications/ToplevelSource.h"
 #include "Linux/Applications/WorkspaceWindows.h"
 #include "Linux/Proc/ProcDirectory.h"
+#include "Linux/Windows/ToplevelSource.h"
 #include "Loop/MainLoop.h"
 #include "Platform/Workspace.h"
 #include "Platform/WorkspaceObservers.h"

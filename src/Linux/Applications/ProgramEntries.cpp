@@ -1,6 +1,6 @@
 #include "Linux/Applications/ProgramEntries.h"
 
-#include "Linux/Text.h"
+#include "Linux/Text/Utf8.h"
 
 #include <gio/gdesktopappinfo.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Linux/Applications/LinuxApplication.h"
-#include "Linux/Applications/ToplevelSource.h"
 #include "Linux/Proc/TerminalJobs.h"
+#include "Linux/Windows/ToplevelSource.h"
 #include "Loop/MainLoop.h"
 
 #include <cstdint>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/Descriptor.h"
+#include "Linux/Files/Descriptor.h"
 
 #include <filesystem>
 #include <string_view>

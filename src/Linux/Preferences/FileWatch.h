@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/Descriptor.h"
+#include "Linux/Files/Descriptor.h"
 
 #include <QSocketNotifier>
 #include <filesystem>

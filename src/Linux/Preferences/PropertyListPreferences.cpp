@@ -3,8 +3,8 @@
 #include "Codecs/PreferencesFile.h"
 #include "Codecs/PropertyList.h"
 #include "Codecs/PropertyListLimits.h"
-#include "Linux/Descriptor.h"
 #include "Linux/Files/AtomicFile.h"
+#include "Linux/Files/Descriptor.h"
 #include "Linux/Files/PrivateFiles.h"
 #include "Linux/Preferences/FileWatch.h"
 

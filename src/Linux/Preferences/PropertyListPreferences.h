@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/Paced.h"
+#include "Linux/Loop/Paced.h"
 #include "Loop/MainLoop.h"
 #include "Loop/Subscribers.h"
 #include "Platform/Preferences.h"

@@ -1,6 +1,6 @@
 #include "Linux/Proc/LinuxChildProcesses.h"
 
-#include "Linux/Descriptor.h"
+#include "Linux/Files/Descriptor.h"
 
 #include <QSocketNotifier>
 

@@ -3,7 +3,7 @@
 #include "Linux/Proc/ControlGroup.h"
 #include "Linux/Proc/ProcText.h"
 #include "Linux/Proc/ProcessStat.h"
-#include "Linux/Text.h"
+#include "Linux/Text/Utf8.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "Linux/Proc/ProcProcesses.h"
 
 #include "Linux/Proc/ProcText.h"
-#include "Linux/Text.h"
+#include "Linux/Text/Utf8.h"
 
 #include <algorithm>
 #include <array>

@@ -1,8 +1,8 @@
 #include "Linux/Program/QtStart.h"
 
-#include "Linux/JournalLog.h"
+#include "Linux/Log/JournalLog.h"
 #include "Linux/Program/OwnProcess.h"
-#include "Linux/Windowing.h"
+#include "Linux/Windows/Windowing.h"
 #include "Texts/Shown.h"
 
 #include <QGuiApplication>

@@ -1,6 +1,6 @@
 #include "Linux/Program/SingleInstance.h"
 
-#include "Linux/DBus/BusCommands.h"
+#include "Linux/Remote/BusCommands.h"
 #include "Texts/Localized.h"
 
 #include <chrono>

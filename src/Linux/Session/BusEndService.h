@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/Bus/BusCall.h"
-#include "Linux/Session/PowerBus.h"
+#include "Linux/Power/PowerBus.h"
 #include "Linux/Session/SessionManagers.h"
 #include "Loop/Time.h"
 #include "Platform/EndService.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/Session/PowerBus.h"
+#include "Linux/Power/PowerBus.h"
 #include "Loop/Time.h"
 #include "Platform/SessionRegistry.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Linux/DBus/NotifierItems.h"
 #include "Linux/Tray/EmbeddingTray.h"
+#include "Linux/Tray/NotifierItems.h"
 
 #include <set>
 

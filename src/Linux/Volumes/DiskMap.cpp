@@ -1,6 +1,6 @@
 #include "Linux/Volumes/DiskMap.h"
 
-#include "Linux/Text.h"
+#include "Linux/Text/Utf8.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/Paced.h"
+#include "Linux/Loop/Paced.h"
 #include "Linux/X11/X11Connection.h"
 
 #include <QSocketNotifier>

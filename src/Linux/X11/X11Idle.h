@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/Session/IdleSource.h"
+#include "Linux/Input/IdleSource.h"
 #include "Linux/X11/X11Events.h"
 
 namespace velmorquit {

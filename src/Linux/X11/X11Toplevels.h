@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Linux/Applications/ToplevelSource.h"
-#include "Linux/Paced.h"
+#include "Linux/Loop/Paced.h"
+#include "Linux/Windows/ToplevelSource.h"
 #include "Linux/X11/X11Connection.h"
 #include "Linux/X11/X11Pings.h"
 #include "Linux/X11/X11Windows.h"

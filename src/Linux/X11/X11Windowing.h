@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/Windowing.h"
+#include "Linux/Windows/Windowing.h"
 #include "Linux/X11/X11Connection.h"
 
 #include <memory>

@@ -1,6 +1,6 @@
 #include "Linux/X11/X11Windows.h"
 
-#include "Linux/Text.h"
+#include "Linux/Text/Utf8.h"
 #include "Linux/X11/X11Properties.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/Applications/ToplevelSource.h"
+#include "Linux/Windows/ToplevelSource.h"
 #include "Linux/X11/X11Connection.h"
 
 #include <xcb/res.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Linux/Appearance/SettingsManager.h"
-#include "Linux/Paced.h"
+#include "Linux/Loop/Paced.h"
 #include "Linux/X11/X11Events.h"
 #include "Linux/X11/X11Selection.h"
 #include "Loop/Subscribers.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Linux/EndSignals.h"
+#include "Linux/Program/EndSignals.h"
 
 #include <functional>
 #include <string>
