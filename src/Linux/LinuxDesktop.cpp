@@ -121,7 +121,7 @@ struct LinuxDesktop::Services {
     UDisksVolumes volumes;
 };
 
-/// What the program shows, and what its windows ask of the desktop.
+/// The notices, and the answers to what the program's windows ask of the desktop.
 struct LinuxDesktop::Face {
     Face(MainLoop& loop, const QDBusConnection& noticeBus, const WindowSources& sources)
         : schedule(noticeBus), answers(noticeBus), end(noticeBus), run(noticeBus), screens(loop),

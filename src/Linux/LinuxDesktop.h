@@ -57,7 +57,7 @@ private:
     WindowSources sources_;
     std::unique_ptr<Applications> applications_;
     std::unique_ptr<Services> services_;
-    /// What comes after it isn't used by work on other threads.
+    /// Work on other threads uses nothing that comes after it.
     FinishedWork finishedWork_;
     std::unique_ptr<Face> face_;
 };

@@ -2,7 +2,7 @@
 
 namespace velmorquit {
 
-/// What a desktop is like, as far as the program's icon and windows have to know. It stays so for
+/// The traits of a desktop that the program's icon and windows have to know. They stay so for
 /// as long as the program runs.
 struct DesktopTraits {
     /// Its panel paints icons that it knows by name in the panel's own colours.
@@ -11,7 +11,7 @@ struct DesktopTraits {
     /// The pointer's place is known wherever the pointer is, and not only over some windows.
     bool isPointerKnown = true;
 
-    /// What the screen shows can be read, and not only what some windows show.
+    /// The whole screen can be read, and not only some windows.
     bool isScreenReadable = true;
 };
 

@@ -12,7 +12,7 @@ class SystemLog;
 class Windows;
 class Workspace;
 
-/// What has to be known and asked before a session may end. Whoever makes it outlives whoever is
+/// All that has to be known and asked before a session may end. Its maker outlives whoever is
 /// handed it.
 struct SessionPorts {
     MainLoop& loop;

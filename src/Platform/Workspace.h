@@ -22,7 +22,7 @@ enum class WorkspaceEvent {
     policyChanged ///< one that lives on showed or lost its last window, or is better known now
 };
 
-/// What happened to one of them.
+/// A change of one of them.
 struct WorkspaceChange {
     WorkspaceEvent event;
     ProcessId process; ///< whose it is; 0 when none of them is in front any more
@@ -30,7 +30,7 @@ struct WorkspaceChange {
     friend auto operator<=>(const WorkspaceChange&, const WorkspaceChange&) = default;
 };
 
-/// What was noticed in one turn.
+/// All that were noticed in one turn.
 using WorkspaceChanges = std::set<WorkspaceChange>;
 
 [[nodiscard]] inline bool hasAnyOf(const WorkspaceChanges& changes,

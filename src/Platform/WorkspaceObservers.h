@@ -27,7 +27,7 @@ public:
 
 private:
     Subscribers subscribers_;
-    /// What is being told.
+    /// The changes that are being told.
     std::shared_ptr<const WorkspaceChanges*> changes_ =
         std::make_shared<const WorkspaceChanges*>(nullptr);
 };

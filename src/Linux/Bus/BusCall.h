@@ -11,7 +11,7 @@
 
 namespace velmorquit {
 
-/// What an answer over a bus must be like to count.
+/// The terms on which an answer over a bus counts.
 struct BusTerms {
     using Patience = std::chrono::milliseconds;
     /// As long as QtDBus waits by itself.
@@ -42,7 +42,7 @@ public:
     void drop() { open_ = std::make_unique<QObject>(); }
 
 private:
-    /// What waits for the answers belongs to it.
+    /// Owns all that waits for an answer.
     std::unique_ptr<QObject> open_ = std::make_unique<QObject>();
 };
 

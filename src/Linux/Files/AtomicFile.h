@@ -12,13 +12,13 @@ namespace velmorquit {
 /// the file and then put in its place in one step. Without that nothing of it stays.
 class AtomicFile {
 public:
-    /// What it is called until then.
+    /// Its name until then.
     enum class Name {
         ofItsOwn,  ///< any number of processes may write the same file
         ofTheFile, ///< `<file>.new`: what a killed process has left is written over
     };
 
-    /// What is at `target` is replaced, also where that is a link.
+    /// A link at `target` is replaced as well, and not followed.
     AtomicFile(std::filesystem::path target, Name name);
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;

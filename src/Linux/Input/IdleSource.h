@@ -6,7 +6,7 @@
 
 namespace velmorquit {
 
-/// What a window system knows of the user's input.
+/// A window system's knowledge of the user's input.
 class IdleSource {
 public:
     virtual ~IdleSource() = default;

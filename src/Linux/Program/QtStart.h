@@ -6,7 +6,7 @@ namespace velmorquit {
 
 class Windowing;
 
-/// What the making of the toolkit's application object needs around it.
+/// Prepares the making of the toolkit's application object, and clears up after it.
 class QtStart {
 public:
     /// To be made before that object: chooses the toolkit's platform, unless the user has, and puts

@@ -13,7 +13,7 @@ namespace velmorquit {
 /// Finds out who is at the other end of a connection to the bus.
 class BusCallers final {
 public:
-    /// What the bus has to tell.
+    /// The time that the bus has to tell.
     static constexpr BusTerms::Patience patience{3000};
 
     /// `proc` looks like /proc.

@@ -9,7 +9,7 @@
 
 namespace velmorquit {
 
-/// Who shows tray icons: whoever the notifiers' watcher knows, or the window system's own tray.
+/// The hosts of tray icons: those of the notifiers' watcher, or the window system's own tray.
 class DesktopTrayHosts final : public TrayHosts {
 public:
     /// `bus` is the session bus, connected or not. The loop outlives it, and so does the tray,

@@ -6,7 +6,7 @@
 
 namespace velmorquit {
 
-/// What the environment says of the session that tells what its desktop is like.
+/// The variables of a session that tell what its desktop is like.
 struct SessionEnvironment {
     std::string desktops{};         ///< XDG_CURRENT_DESKTOP: names with colons between them
     bool hasWaylandDisplay = false; ///< whether WAYLAND_DISPLAY is set, to whatever

@@ -12,7 +12,7 @@ class SystemLog;
 class ToplevelSource;
 class WindowSystem;
 
-/// What a window system can tell and do; null for what it can't.
+/// The sources that a window system has; null where it lacks one.
 struct WindowSources {
     ToplevelSource* toplevels = nullptr; ///< the windows of all programs
     WindowSystem* own = nullptr;         ///< the program's own windows, and presses outside them

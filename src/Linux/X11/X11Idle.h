@@ -5,7 +5,7 @@
 
 namespace velmorquit {
 
-/// What an X server knows of the user's input, by its extension for screen savers.
+/// An X server's knowledge of the user's input, by its extension for screen savers.
 class X11Idle final : public IdleSource {
 public:
     /// The events outlive it.
