@@ -40,13 +40,12 @@ TEST_F(AccessibilityTest, EveryControlHasItsRoleItsNameAndItsPlaceInTheOrder) {
     start();
     click("showScheduler");
     EXPECT_EQ(keyboardOrder(),
-              Lines("PushButton Impostazioni", "PushButton Chiudi tutto", "RadioButton Solo chiudi",
+              Lines("Button Impostazioni", "Button Chiudi tutto", "RadioButton Solo chiudi",
                     "RadioButton Spegni", "RadioButton Riavvia", "RadioButton Esci utente",
-                    "CheckBox Espelli dischi", "CheckBox Programma", "PushButton 15 min",
-                    "PushButton 30 min", "PushButton 1 ora", "PushButton 2 ore",
-                    "SpinBox oppure alle", "PushButton Programma",
-                    "CheckBox Chiedi conferma prima di chiudere", "CheckBox Nota",
-                    "CheckBox Posta"));
+                    "CheckBox Espelli dischi", "CheckBox Programma", "Button 15 min",
+                    "Button 30 min", "Button 1 ora", "Button 2 ore", "SpinBox oppure alle",
+                    "Button Programma", "CheckBox Chiedi conferma prima di chiudere",
+                    "CheckBox Nota", "CheckBox Posta"));
 }
 
 TEST_F(AccessibilityTest, ForcingSaysWhomItForces) {
@@ -54,10 +53,10 @@ TEST_F(AccessibilityTest, ForcingSaysWhomItForces) {
     start();
     controller->quitAll(PowerAction::none);
     advance(7s);
-    EXPECT_EQ(keyboardOrder(), Lines("PushButton Impostazioni", "PushButton Mostra Testardo",
-                                     "PushButton Forza la chiusura di Testardo",
-                                     "PushButton Chiedi di nuovo a Testardo di chiudersi",
-                                     "PushButton Annulla", "PushButton Forza tutte"));
+    EXPECT_EQ(keyboardOrder(), Lines("Button Impostazioni", "Button Mostra Testardo",
+                                     "Button Forza la chiusura di Testardo",
+                                     "Button Chiedi di nuovo a Testardo di chiudersi",
+                                     "Button Annulla", "Button Forza tutte"));
 }
 
 } // namespace
