@@ -112,11 +112,12 @@ TEST_F(CardTest, WhatWasClosedCanBeReopenedOrForgotten) {
     EXPECT_EQ(text("reopenTitle"), "5 app di prima");
     EXPECT_EQ(find("reopenIcons")->width(), 24 + 3 * 12);
     EXPECT_EQ(text("notReopenable"), "Non si può riaprire: Persa.");
-    const auto session = controller->lastSession.get();
     click("reopen");
     EXPECT_FALSE(isShown("ReopenCard"));
-    controller->lastSession = session;
+    desktop.open("Uno", 10_MiB).identified("Uno");
     settle();
+    click("quitAll");
+    advance(1s);
     EXPECT_FALSE(isShown("notReopenable"));
     click("forget");
     EXPECT_FALSE(isShown("ReopenCard"));

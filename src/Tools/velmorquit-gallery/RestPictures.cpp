@@ -4,6 +4,8 @@
 
 #include <QCheckBox>
 
+#include <algorithm>
+
 namespace velmorquit {
 namespace {
 
@@ -56,7 +58,20 @@ void allExcluded(Stage& stage) {
 
 void reopenWithoutOne(Stage& stage) {
     stage.rememberClosed(closedBefore);
-    stage.startUsually().closedForGood = {"editor.py", "Screen Recorder 0.9"};
+    QuitController& controller = stage.startUsually();
+    // No file starts them.
+    const std::vector<std::string> names{"editor.py", "Screen Recorder 0.9"};
+    std::vector<SimulatedApplication*> open;
+    for (const std::string& name : names)
+        open.push_back(&stage.desktop.open(name));
+    controller.refresh();
+    std::vector<OpenApp> closed = controller.apps;
+    std::erase_if(closed, [&](const OpenApp& app) {
+        return std::ranges::find(names, app.name) == names.end();
+    });
+    for (SimulatedApplication* app : open)
+        app->end();
+    controller.remember(closed);
     stage.openPanel();
 }
 
