@@ -39,9 +39,7 @@ int runProgram(int argc, char** argv, SystemLog& log, const Formats& formats) {
         return *start.status;
 
     LinuxDesktop desktop(log, commands, std::move(windowing));
-    const SessionPorts end = desktop.sessionPorts();
-    SessionEnd sessionEnd({end.loop, end.log, end.workspace, end.windows, end.processes,
-                           end.registry, end.input, end.sleepHold, end.service});
+    SessionEnd sessionEnd(desktop.sessionPorts());
     const LinuxDesktop::Notices notices = desktop.notices();
     AppDelegate delegate(desktop.ports(formats, sessionEnd), desktop.face(),
                          {notices.schedule, notices.answers, notices.end, notices.run});

@@ -4,6 +4,7 @@
 #include "Platform/EndService.h"
 #include "Platform/InputActivity.h"
 #include "Platform/LoginWindow.h"
+#include "Platform/SessionPorts.h"
 #include "Platform/SessionRegistry.h"
 #include "Platform/SleepHold.h"
 #include "Platform/SystemLog.h"
@@ -40,17 +41,7 @@ public:
     /// Whoever has used the computer that recently is there to answer.
     static constexpr Duration presence = 120s;
 
-    struct Surroundings {
-        MainLoop& loop;
-        SystemLog& log;
-        Workspace& workspace;
-        Windows& windows;
-        const Processes& processes;
-        SessionRegistry& registry;
-        InputActivity& input;
-        SleepHold& sleepHold;
-        EndService& service;
-    };
+    using Surroundings = SessionPorts;
 
     /// What it refers to outlives it, and `service` is its own to listen to.
     explicit SessionEnd(const Surroundings& surroundings);

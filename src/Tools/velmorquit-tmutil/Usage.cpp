@@ -2,18 +2,19 @@
 
 #include "Texts/Localized.h"
 
-#include <map>
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+#include <utility>
 
 namespace velmorquit::tmutil {
 
 namespace {
 
 /// Keys of the string table.
-const std::map<std::string, const char*>& pages() {
-    static const std::map<std::string, const char*> pages{
-        {"setup",
-         textKey(
-             "Uso: velmorquit-tmutil setup DESTINAZIONE [OPZIONI]\n"
+constexpr std::pair<std::string_view, const char*> pages[] = {
+    {"setup",
+     textKey("Uso: velmorquit-tmutil setup DESTINAZIONE [OPZIONI]\n"
              "\n"
              "Fa di una cartella un posto per i backup, di solito su un disco esterno. Una "
              "cartella\n"
@@ -44,9 +45,8 @@ const std::map<std::string, const char*>& pages() {
              "\n"
              "Esempio:\n"
              "  velmorquit-tmutil setup /media/disco/Backup --keep-daily 14 --keep-monthly 12\n")},
-        {"startbackup",
-         textKey(
-             "Uso: velmorquit-tmutil startbackup [--block]\n"
+    {"startbackup",
+     textKey("Uso: velmorquit-tmutil startbackup [--block]\n"
              "\n"
              "Fa un backup su ogni destinazione, una dopo l’altra. Senza --block parte e va "
              "avanti\n"
@@ -58,46 +58,41 @@ const std::map<std::string, const char*>& pages() {
              "sono detti in un avviso e il backup vale. Intanto il computer non va in stop.\n"
              "Un secondo avvio è rifiutato. Ctrl+C o stopbackup fermano senza danni: ciò che\n"
              "era già copiato non va copiato di nuovo.\n")},
-        {"status",
-         textKey(
-             "Uso: velmorquit-tmutil status [-X]\n"
+    {"status",
+     textKey("Uso: velmorquit-tmutil status [-X]\n"
              "\n"
              "Dice se un backup è in corso, a che punto è, e quando è stato fatto l’ultimo. Con "
              "-X\n"
              "scrive una property list XML per i programmi: Running, un booleano, e durante un\n"
              "backup Percent, un numero da 0 a 1, appena è noto.\n")},
-        {"latestbackup",
-         textKey("Uso: velmorquit-tmutil latestbackup\n"
-                 "\n"
-                 "Scrive la destinazione e la data del backup più recente come un percorso:\n"
-                 "  DESTINAZIONE/2026-03-02-081500\n"
-                 "Senza un backup lo stato è 1. L’ultima parte va bene per restore.\n")},
-        {"stopbackup", textKey("Uso: velmorquit-tmutil stopbackup\n"
-                               "\n"
-                               "Ferma il backup in corso e aspetta che sia finito. La destinazione "
-                               "resta in ordine e\n"
-                               "ciò che era già copiato serve al prossimo backup.\n")},
-        {"destinations",
-         textKey(
-             "Uso: velmorquit-tmutil destinations\n"
+    {"latestbackup",
+     textKey("Uso: velmorquit-tmutil latestbackup\n"
+             "\n"
+             "Scrive la destinazione e la data del backup più recente come un percorso:\n"
+             "  DESTINAZIONE/2026-03-02-081500\n"
+             "Senza un backup lo stato è 1. L’ultima parte va bene per restore.\n")},
+    {"stopbackup", textKey("Uso: velmorquit-tmutil stopbackup\n"
+                           "\n"
+                           "Ferma il backup in corso e aspetta che sia finito. La destinazione "
+                           "resta in ordine e\n"
+                           "ciò che era già copiato serve al prossimo backup.\n")},
+    {"destinations",
+     textKey("Uso: velmorquit-tmutil destinations\n"
              "\n"
              "Elenca le destinazioni: che cosa vi si salva, che cosa si conserva, e in che file è\n"
              "la password.\n")},
-        {"remove",
-         textKey(
-             "Uso: velmorquit-tmutil remove DESTINAZIONE\n"
+    {"remove",
+     textKey("Uso: velmorquit-tmutil remove DESTINAZIONE\n"
              "\n"
              "Dimentica una destinazione. I backup che contiene e il file della password restano;\n"
              "con setup la si può usare di nuovo.\n")},
-        {"list",
-         textKey(
-             "Uso: velmorquit-tmutil list\n"
+    {"list",
+     textKey("Uso: velmorquit-tmutil list\n"
              "\n"
              "Elenca i backup di tutte le destinazioni collegate, anche quelli di altri computer:\n"
              "data, identificativo, computer, cartelle.\n")},
-        {"restore",
-         textKey(
-             "Uso: velmorquit-tmutil restore BACKUP [PERCORSO] --to CARTELLA\n"
+    {"restore",
+     textKey("Uso: velmorquit-tmutil restore BACKUP [PERCORSO] --to CARTELLA\n"
              "\n"
              "Riprende da un backup tutto, o solo un file o una cartella, dentro CARTELLA, che\n"
              "dev’essere nuova o vuota: niente di ciò che hai viene sovrascritto. Lì dentro ogni\n"
@@ -109,16 +104,13 @@ const std::map<std::string, const char*>& pages() {
              "\n"
              "Esempio:\n"
              "  velmorquit-tmutil restore latest ~/nota.txt --to ~/ripreso\n")},
-        {"check",
-         textKey(
-             "Uso: velmorquit-tmutil check [--read-data]\n"
+    {"check",
+     textKey("Uso: velmorquit-tmutil check [--read-data]\n"
              "\n"
              "Controlla ogni destinazione: che tutto ci sia, e che i dati siano leggibili e\n"
              "integri. Legge fino a 1 GB di dati, ogni volta altri; con --read-data tutti, il che\n"
              "può durare ore. Lo stato è 1 se qualcosa è danneggiato o non collegato.\n")},
-    };
-    return pages;
-}
+};
 
 } // namespace
 
@@ -150,8 +142,9 @@ std::string usage() {
 }
 
 std::string usage(const std::string& command) {
-    const auto page = pages().find(command);
-    return page == pages().end() ? usage() : localized(page->second);
+    const auto* const page =
+        std::ranges::find(pages, command, &std::pair<std::string_view, const char*>::first);
+    return page == std::end(pages) ? usage() : localized(page->second);
 }
 
 } // namespace velmorquit::tmutil
