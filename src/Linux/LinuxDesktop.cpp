@@ -66,7 +66,7 @@ struct LinuxDesktop::Base {
 struct LinuxDesktop::Applications {
     Applications(MainLoop& loop, SystemLog& log, const WindowSources& sources);
 
-    [[nodiscard]] LinuxWorkspace::Means means();
+    [[nodiscard]] LinuxWorkspace::Surroundings surroundings();
 
     ToplevelSource& toplevels;
     QDBusConnection bus = QDBusConnection::sessionBus();
@@ -87,7 +87,7 @@ LinuxDesktop::Applications::Applications(MainLoop& loop, SystemLog& log,
       input(loop, bus, sources.idle,
             displays.hasAnotherDisplay() ? DesktopInput::Server::guest
                                          : DesktopInput::Server::whole),
-      workspace(loop, log, toplevels, means()),
+      workspace(loop, log, toplevels, surroundings()),
       windows(toplevels, workspace,
               {.askWithoutWindows = [this](ProcessId process) { quit.quit(process); },
                .trayOwners = [this] { return trayOwners.processes(); }}),
@@ -95,7 +95,7 @@ LinuxDesktop::Applications::Applications(MainLoop& loop, SystemLog& log,
                  .trayOwners = [this] { return trayOwners.processes(); },
                  .desktopProcesses = [this] { return toplevels.shellProcesses(); }}) {}
 
-LinuxWorkspace::Means LinuxDesktop::Applications::means() {
+LinuxWorkspace::Surroundings LinuxDesktop::Applications::surroundings() {
     return {.withoutWindows = {.ask = [this](ProcessId process) { quit.quit(process); },
                                .trayOwners = [this] { return trayOwners.processes(); },
                                .clickInTray =

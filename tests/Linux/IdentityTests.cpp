@@ -95,8 +95,8 @@ protected:
 
     std::shared_ptr<RunningApplication> last() {
         if (!workspace)
-            workspace = std::make_unique<LinuxWorkspace>(loop, log, source,
-                                                         LinuxWorkspace::Means{.proc = proc});
+            workspace = std::make_unique<LinuxWorkspace>(
+                loop, log, source, LinuxWorkspace::Surroundings{.proc = proc});
         source.tell();
         return workspace->runningApplications().back();
     }

@@ -61,12 +61,12 @@ bool LinuxWindows::askToClose(std::uint64_t window) {
 }
 
 void LinuxWindows::askWithoutWindows(ProcessId process) {
-    if (means_.askWithoutWindows && !workspace_.hasJob(process))
-        means_.askWithoutWindows(process);
+    if (surroundings_.askWithoutWindows && !workspace_.hasJob(process))
+        surroundings_.askWithoutWindows(process);
 }
 
 std::set<ProcessId> LinuxWindows::trayOwners() {
-    return means_.trayOwners ? means_.trayOwners() : std::set<ProcessId>();
+    return surroundings_.trayOwners ? surroundings_.trayOwners() : std::set<ProcessId>();
 }
 
 } // namespace velmorquit

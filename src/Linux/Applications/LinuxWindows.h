@@ -12,7 +12,7 @@ namespace velmorquit {
 /// The windows of a Linux desktop, with the names by which the workspace knows their programs.
 class LinuxWindows final : public Windows {
 public:
-    struct Means {
+    struct Surroundings {
         /// Asks a process without windows to quit; may be empty.
         std::function<void(ProcessId)> askWithoutWindows;
         /// The processes that have an icon in the tray; may be empty.
@@ -20,8 +20,8 @@ public:
     };
 
     /// Both references outlive it.
-    LinuxWindows(ToplevelSource& source, LinuxWorkspace& workspace, Means means)
-        : source_(source), workspace_(workspace), means_(std::move(means)) {}
+    LinuxWindows(ToplevelSource& source, LinuxWorkspace& workspace, Surroundings surroundings)
+        : source_(source), workspace_(workspace), surroundings_(std::move(surroundings)) {}
 
     [[nodiscard]] std::vector<OpenWindow> open() override;
     bool askToClose(std::uint64_t window) override;
@@ -36,7 +36,7 @@ private:
 
     ToplevelSource& source_;
     LinuxWorkspace& workspace_;
-    Means means_;
+    Surroundings surroundings_;
     /// Windows that are not to be asked again.
     std::set<std::uint64_t> askedOnce_;
 };

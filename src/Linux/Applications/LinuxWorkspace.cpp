@@ -20,10 +20,11 @@ bool isThere(ProcessId id) { return ::kill(id, 0) == 0 || errno == EPERM; }
 } // namespace
 
 LinuxWorkspace::LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source,
-                               const Means& means)
+                               const Surroundings& surroundings)
     : loop_(loop), log_(log), source_(source),
-      windows_(std::make_shared<WorkspaceWindows>(loop, source, means.withoutWindows)),
-      launch_(means.launch), hasAnotherDisplay_(means.hasAnotherDisplay), proc_(means.proc) {
+      windows_(std::make_shared<WorkspaceWindows>(loop, source, surroundings.withoutWindows)),
+      launch_(surroundings.launch), hasAnotherDisplay_(surroundings.hasAnotherDisplay),
+      proc_(surroundings.proc) {
     readToplevels();
     watching_ = source_.observe([this] { update(); });
 }

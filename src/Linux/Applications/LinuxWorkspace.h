@@ -28,9 +28,9 @@ public:
     /// their unit late.
     static constexpr Duration identityDelay = 2s;
 
-    struct Means {
+    struct Surroundings {
         /// What is done with processes that have no windows.
-        WorkspaceWindows::Means withoutWindows = {};
+        WorkspaceWindows::Surroundings withoutWindows = {};
         /// Starts the application of a desktop entry, given its path, and returns at once; may be
         /// empty.
         std::function<void(const std::string&)> launch = {};
@@ -41,7 +41,8 @@ public:
     };
 
     /// The references outlive it.
-    LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source, const Means& means);
+    LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source,
+                   const Surroundings& surroundings);
     ~LinuxWorkspace() override;
 
     [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>> runningApplications() override;

@@ -64,9 +64,9 @@ bool WorkspaceWindows::askWithoutWindows(ProcessId process) {
     const auto& toplevels = source_.toplevels();
     const bool hasWindows = std::ranges::any_of(
         toplevels, [process](const Toplevel& one) { return one.process == process; });
-    if (!means_.ask || hasWindows || hasJob(process))
+    if (!surroundings_.ask || hasWindows || hasJob(process))
         return false;
-    means_.ask(process);
+    surroundings_.ask(process);
     return true;
 }
 
@@ -89,11 +89,11 @@ std::vector<Toplevel> WorkspaceWindows::windowsOf(ProcessId process) {
 }
 
 bool WorkspaceWindows::isInTray(ProcessId process) {
-    return means_.trayOwners && means_.trayOwners().contains(process);
+    return surroundings_.trayOwners && surroundings_.trayOwners().contains(process);
 }
 
 bool WorkspaceWindows::clickInTray(ProcessId process) {
-    return means_.clickInTray && means_.clickInTray(process);
+    return surroundings_.clickInTray && surroundings_.clickInTray(process);
 }
 
 bool WorkspaceWindows::isDeaf(ProcessId process) {

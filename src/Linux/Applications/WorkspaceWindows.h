@@ -18,7 +18,7 @@ namespace velmorquit {
 class WorkspaceWindows final : public ApplicationWindows {
 public:
     /// What is done with processes that have no windows; each may be empty.
-    struct Means {
+    struct Surroundings {
         /// Asks it to quit.
         std::function<void(ProcessId)> ask = {};
         std::function<std::set<ProcessId>()> trayOwners = {};
@@ -29,14 +29,14 @@ public:
     };
 
     /// Both references outlive it.
-    WorkspaceWindows(MainLoop& loop, ToplevelSource& source, Means means)
-        : loop_(loop), source_(source), means_(std::move(means)) {}
+    WorkspaceWindows(MainLoop& loop, ToplevelSource& source, Surroundings surroundings)
+        : loop_(loop), source_(source), surroundings_(std::move(surroundings)) {}
 
     std::optional<StayReason> obstacle(ProcessId process) override;
     void askToClose(ProcessId process) override;
     bool takeBack(ProcessId process) override { return asking_.erase(process) > 0; }
     std::optional<Duration> sinceInput() override {
-        return means_.sinceInput ? means_.sinceInput() : std::nullopt;
+        return surroundings_.sinceInput ? surroundings_.sinceInput() : std::nullopt;
     }
     bool askWithoutWindows(ProcessId process) override;
     bool bringToFront(ProcessId process) override;
@@ -57,7 +57,7 @@ private:
 
     MainLoop& loop_;
     ToplevelSource& source_;
-    Means means_;
+    Surroundings surroundings_;
     std::vector<ProcessStat> table_;
     bool knowsProcesses_ = false; ///< whether the table could be read
     std::set<ProcessId> owners_;

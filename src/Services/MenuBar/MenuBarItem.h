@@ -27,7 +27,7 @@ public:
 
     /// What it works with; it outlives it, and the callbacks of the icon and of the panel's window
     /// are its own to hear.
-    struct Parts {
+    struct Surroundings {
         QuitController& controller;
         AppUpdater& updater;
         Settings& settings;
@@ -35,7 +35,7 @@ public:
         Popover& popover;
     };
 
-    MenuBarItem(const Parts& parts, const Desktop& desktop);
+    MenuBarItem(const Surroundings& surroundings, const Desktop& desktop);
     MenuBarItem(const MenuBarItem&) = delete;
     MenuBarItem& operator=(const MenuBarItem&) = delete;
     ~MenuBarItem();
@@ -70,7 +70,7 @@ private:
     void popoverDidClose();
     void keepMenu();
 
-    Parts parts_;
+    Surroundings surroundings_;
     MainLoop& loop_;
     LoginWindow& loginWindow_;
     const Formats& formats_;

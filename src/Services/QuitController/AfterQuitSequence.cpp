@@ -34,13 +34,14 @@ void noteEjected(std::vector<std::string>& notes, const ExternalDrives::Ejected&
 // of this one.
 Task<> QuitRun::follow(PowerAction planned) {
     stage_ = Stage::following;
-    RunStatus& status = means_.status;
+    RunStatus& status = surroundings_.status;
     status.runningAction = action_;
     std::vector<std::string> notes;
 
-    if (means_.options.backupFirst && means_.options.timeMachine->isConfigured) {
+    if (surroundings_.options.backupFirst && surroundings_.options.timeMachine->isConfigured) {
         status.phase = phases::BackingUp{};
-        backup_.emplace(desktop_, BackupStep::Means{status.phase, means_.options, means_.events});
+        backup_.emplace(desktop_, BackupStep::Surroundings{status.phase, surroundings_.options,
+                                                           surroundings_.events});
         Task<bool> backingUp = backUp(notes);
         if (!co_await backingUp) {
             stage_ = Stage::over;
@@ -50,7 +51,7 @@ Task<> QuitRun::follow(PowerAction planned) {
             co_return;
         }
     }
-    if (means_.options.ejectDrives && !ExternalDrives::connected(desktop_.volumes).empty()) {
+    if (surroundings_.options.ejectDrives && !ExternalDrives::connected(desktop_.volumes).empty()) {
         status.phase = phases::Ejecting{};
         Task<> ejecting = eject(notes);
         co_await ejecting;
@@ -59,7 +60,7 @@ Task<> QuitRun::follow(PowerAction planned) {
     stage_ = Stage::over;
     status.show(result_, notes.empty() ? std::nullopt : std::optional(joined(notes, " · ")));
     if (result_.closed > 0)
-        means_.events.tell(events::QuitDone{result_.closed});
+        surroundings_.events.tell(events::QuitDone{result_.closed});
     co_await unlessCancelled();
     if (planned != PowerAction::none) {
         Task<> acting = act(planned);
@@ -76,7 +77,7 @@ Task<bool> QuitRun::backUp(std::vector<std::string>& notes) {
     backup_.reset();
     switch (outcome.end) {
     case BackupStep::End::completed:
-        means_.events.tell(events::BackupFinished{true});
+        surroundings_.events.tell(events::BackupFinished{true});
         co_await unlessCancelled();
         notes.push_back(localized("Backup Time Machine completato"));
         co_return true;
@@ -89,7 +90,7 @@ Task<bool> QuitRun::backUp(std::vector<std::string>& notes) {
     case BackupStep::End::failed:
         break;
     }
-    means_.events.tell(events::BackupFinished{false});
+    surroundings_.events.tell(events::BackupFinished{false});
     co_await unlessCancelled();
     waitForChoice(outcome.reason);
     const FailureChoice choice = co_await choice_;
@@ -101,9 +102,9 @@ Task<bool> QuitRun::backUp(std::vector<std::string>& notes) {
 }
 
 void QuitRun::waitForChoice(const std::string& reason) {
-    means_.status.phase = phases::BackupFailed{reason};
-    if (means_.status.unattended) {
-        means_.status.autoContinueAt = desktop_.loop.now() + unattendedGrace;
+    surroundings_.status.phase = phases::BackupFailed{reason};
+    if (surroundings_.status.unattended) {
+        surroundings_.status.autoContinueAt = desktop_.loop.now() + unattendedGrace;
         givingUp_ = desktop_.loop.after(unattendedGrace,
                                         [this] { resolveBackupFailure(FailureChoice::goOn); });
     }
@@ -112,14 +113,14 @@ void QuitRun::waitForChoice(const std::string& reason) {
 
 Task<> QuitRun::eject(std::vector<std::string>& notes) {
     // What the user had begun to eject before has a result of its own.
-    while (means_.options.isEjectingAlone())
+    while (surroundings_.options.isEjectingAlone())
         co_await sleep(pollInterval);
     isEjecting_ = true;
     Task<ExternalDrives::Ejected> ejecting =
         ExternalDrives::ejectAll(desktop_.loop, desktop_.volumes);
     const ExternalDrives::Ejected ejected = co_await ejecting;
     isEjecting_ = false;
-    means_.events.tell(events::DisksEjected{ejected.count, ejected.failed});
+    surroundings_.events.tell(events::DisksEjected{ejected.count, ejected.failed});
     co_await unlessCancelled();
     noteEjected(notes, ejected);
 }
@@ -132,19 +133,19 @@ Task<> QuitRun::act(PowerAction action) {
     if (action_ == PowerAction::none)
         co_return;
     const auto attendance =
-        means_.status.unattended ? Attendance::unattended : Attendance::attended;
+        surroundings_.status.unattended ? Attendance::unattended : Attendance::attended;
     perform(action, {.attendance = attendance, .comesLate = isLate_}, desktop_.loginWindow,
             desktop_.log);
     // The session's end holds off sleep from here on. A pending schedule takes its own hold again
     // if that doesn't come.
     sleepHold_.reset();
-    means_.letSleep();
+    surroundings_.letSleep();
 }
 
 void QuitRun::dropAction() {
     action_ = PowerAction::none;
-    means_.status.pendingAction = PowerAction::none;
-    means_.status.runningAction = PowerAction::none;
+    surroundings_.status.pendingAction = PowerAction::none;
+    surroundings_.status.runningAction = PowerAction::none;
 }
 
 void QuitRun::stopBackup(BackupStop how) {

@@ -25,8 +25,8 @@ struct Records {
 
 } // namespace
 
-BackupStep::BackupStep(const Desktop& desktop, Means means)
-    : desktop_(desktop), means_(std::move(means)) {}
+BackupStep::BackupStep(const Desktop& desktop, Surroundings surroundings)
+    : desktop_(desktop), surroundings_(std::move(surroundings)) {}
 
 Task<BackupStep::Outcome> BackupStep::run() {
     const Desktop& desktop = desktop_;
@@ -35,7 +35,7 @@ Task<BackupStep::Outcome> BackupStep::run() {
     if (const auto* error = std::get_if<std::string>(&launched))
         co_return Outcome{End::failed, shownText(*error)};
     const auto process = std::get<std::shared_ptr<ChildProcess>>(launched);
-    means_.events.tell(events::BackupStarted{});
+    surroundings_.events.tell(events::BackupStarted{});
     co_await unlessCancelled();
 
     Task<> watching = watch(*process);
@@ -71,14 +71,14 @@ Task<> BackupStep::watch(const ChildProcess& process) {
         });
         const TimeMachine::Status status = co_await reading;
         if (status.running)
-            means_.phase = phases::BackingUp{status.fraction};
+            surroundings_.phase = phases::BackingUp{status.fraction};
         if (!status.fraction || !std::isfinite(*status.fraction))
             continue;
         const int quarter = static_cast<int>(*status.fraction * 4);
         if (quarter >= 4 || quarter <= lastQuarter)
             continue;
         lastQuarter = quarter;
-        means_.events.tell(events::BackupProgress{quarter * 0.25});
+        surroundings_.events.tell(events::BackupProgress{quarter * 0.25});
         co_await unlessCancelled();
     }
 }
@@ -92,7 +92,7 @@ Task<bool> BackupStep::waitForRecord(WallTime started) {
                                TimeMachine::latestBackupDate(children, tool)};
             });
         const Records records = co_await looking;
-        means_.options.noteBackups(records.info);
+        surroundings_.options.noteBackups(records.info);
         const auto newest = std::max(records.info.lastBackup, records.latest);
         if (newest && *newest >= started - tolerance && !stop_)
             co_return true;

@@ -28,13 +28,13 @@ public:
         std::string reason{}; ///< of a failure
     };
     /// Where it tells what it learns; all of it outlives the step.
-    struct Means {
+    struct Surroundings {
         Published<Phase>& phase;
         RunOptions& options;
         const EventFeed& events;
     };
 
-    BackupStep(const Desktop& desktop, Means means);
+    BackupStep(const Desktop& desktop, Surroundings surroundings);
 
     Task<Outcome> run();
 
@@ -49,7 +49,7 @@ private:
     [[nodiscard]] static Outcome failure(const ChildProcess& process);
 
     Desktop desktop_;
-    Means means_;
+    Surroundings surroundings_;
     std::optional<BackupStop> stop_;
     /// Ends the pause before it is looked again whether the backup is on record.
     Answer<std::monostate> nextReading_;

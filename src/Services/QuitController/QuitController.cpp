@@ -47,13 +47,13 @@ void QuitController::begin(PowerAction action, Attendance attendance) {
     // An earlier run may be about to end the session: it gives way to this one.
     run_.reset();
     run_.emplace(desktop_,
-                 QuitRun::Means{.applications = *this,
-                                .options = *this,
-                                .status = *this,
-                                .lastSession = *this,
-                                .events = *this,
-                                .refresh = [this] { refresh(); },
-                                .letSleep = [this] { letSleep(); }},
+                 QuitRun::Surroundings{.applications = *this,
+                                       .options = *this,
+                                       .status = *this,
+                                       .lastSession = *this,
+                                       .events = *this,
+                                       .refresh = [this] { refresh(); },
+                                       .letSleep = [this] { letSleep(); }},
                  action, attendance);
 }
 

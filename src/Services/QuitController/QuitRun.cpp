@@ -7,21 +7,23 @@
 
 namespace velmorquit {
 
-QuitRun::QuitRun(const Desktop& desktop, Means means, PowerAction action, Attendance attendance)
-    : desktop_(desktop), means_(std::move(means)), action_(action) {
+QuitRun::QuitRun(const Desktop& desktop, Surroundings surroundings, PowerAction action,
+                 Attendance attendance)
+    : desktop_(desktop), surroundings_(std::move(surroundings)), action_(action) {
     // What an earlier run has asked of the session gives way to this one.
     desktop_.loginWindow.cancel();
     holdSleep();
-    means_.refresh();
-    means_.status.begin(action, attendance == Attendance::unattended);
+    surroundings_.refresh();
+    surroundings_.status.begin(action, attendance == Attendance::unattended);
     // Of the wait it is not known how long it was.
     waking_ = desktop_.loop.observe(ClockEvent::woke, [this] { isLate_ |= waiting_.isSet(); });
-    targets_.emplace(desktop_.loop, means_.applications, means_.applications.quittable());
+    targets_.emplace(desktop_.loop, surroundings_.applications,
+                     surroundings_.applications.quittable());
     if (targets_->list().empty()) {
         finishAsking(AfterSteps::run);
         return;
     }
-    means_.status.phase = phases::Quitting{static_cast<int>(targets_->list().size())};
+    surroundings_.status.phase = phases::Quitting{static_cast<int>(targets_->list().size())};
     targets_->ask();
     polling_ = poll(desktop_.loop.uptime() + gracePeriod);
 }
@@ -35,8 +37,9 @@ Task<> QuitRun::poll(Uptime deadline) {
     const Uptime lastAsking = desktop_.loop.uptime() + askingTime;
     for (;;) {
         co_await sleep(pollInterval);
-        if (targets_->ask() && is<phases::Quitting>(means_.status.phase))
-            means_.status.phase = phases::Quitting{static_cast<int>(targets_->list().size())};
+        if (targets_->ask() && is<phases::Quitting>(surroundings_.status.phase))
+            surroundings_.status.phase =
+                phases::Quitting{static_cast<int>(targets_->list().size())};
         std::vector<OpenApp> running = targets_->running();
         if (running.empty()) {
             finishAsking(AfterSteps::run);
@@ -49,10 +52,10 @@ Task<> QuitRun::poll(Uptime deadline) {
         if (now < deadline)
             continue;
         look(std::move(running));
-        if (!is<phases::Waiting>(means_.status.phase)) {
-            means_.events.tell(events::StubbornApps{});
+        if (!is<phases::Waiting>(surroundings_.status.phase)) {
+            surroundings_.events.tell(events::StubbornApps{});
             co_await unlessCancelled();
-            means_.status.phase = phases::Waiting{};
+            surroundings_.status.phase = phases::Waiting{};
             beginWaiting();
         }
     }
@@ -62,14 +65,14 @@ void QuitRun::look(std::vector<OpenApp> running) {
     targets_->askWindowless(running);
     const Uptime now = desktop_.loop.uptime();
     if (!lookedAt_ || now - *lookedAt_ >= reasonInterval) {
-        means_.status.stayReasons = RunTargets::reasonsOf(running);
-        for (const auto& [id, reason] : means_.status.stayReasons.get()) {
+        surroundings_.status.stayReasons = RunTargets::reasonsOf(running);
+        for (const auto& [id, reason] : surroundings_.status.stayReasons.get()) {
             if (reason == StayReason::busyTerminal)
                 targets_->noteHindered(id);
         }
         lookedAt_ = now;
     }
-    means_.status.stubborn = std::move(running);
+    surroundings_.status.stubborn = std::move(running);
 }
 
 // Nobody is there at night: the computer would fall asleep in the middle of the run.
@@ -79,7 +82,7 @@ void QuitRun::holdSleep() {
 }
 
 void QuitRun::beginWaiting() {
-    if (!means_.status.unattended)
+    if (!surroundings_.status.unattended)
         sleepHold_.reset();
     waiting_ = desktop_.loop.after(longWait, [this] {
         isLate_ = true;
@@ -94,7 +97,7 @@ void QuitRun::noteAsked(ProcessId id) {
 
 void QuitRun::leave() {
     if (stage_ == Stage::asking) {
-        means_.status.pendingAction = PowerAction::none;
+        surroundings_.status.pendingAction = PowerAction::none;
         finishAsking(AfterSteps::skip);
     } else if (stage_ == Stage::asked) {
         following_.cancel();
@@ -110,13 +113,13 @@ void QuitRun::finishAsking(AfterSteps steps) {
     result_ = RunTargets::resultOf(closed);
     // Before the refresh: that and all that follows may take long, and may be the last thing that
     // this session sees.
-    means_.lastSession.remember(closed);
-    means_.status.stubborn = {};
-    means_.status.stayReasons = {};
+    surroundings_.lastSession.remember(closed);
+    surroundings_.status.stubborn = {};
+    surroundings_.status.stayReasons = {};
     targets_.reset();
-    means_.refresh();
-    const PowerAction planned = means_.status.pendingAction;
-    means_.status.pendingAction = PowerAction::none;
+    surroundings_.refresh();
+    const PowerAction planned = surroundings_.status.pendingAction;
+    surroundings_.status.pendingAction = PowerAction::none;
     if (steps == AfterSteps::skip) {
         conclude(std::nullopt);
         return;
@@ -128,8 +131,8 @@ void QuitRun::finishAsking(AfterSteps steps) {
 
 void QuitRun::conclude(std::optional<std::string> note) {
     stage_ = Stage::over;
-    means_.status.show(result_, std::move(note));
-    means_.status.unattended = false;
+    surroundings_.status.show(result_, std::move(note));
+    surroundings_.status.unattended = false;
     sleepHold_.reset();
 }
 

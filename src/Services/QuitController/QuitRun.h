@@ -37,7 +37,7 @@ public:
     static constexpr Duration longWait = 10min;
 
     /// All of it outlives the run.
-    struct Means {
+    struct Surroundings {
         RunningApplications& applications;
         RunOptions& options;
         RunStatus& status;
@@ -47,7 +47,8 @@ public:
         std::function<void()> letSleep; ///< the session is about to end: nothing holds sleep off
     };
 
-    QuitRun(const Desktop& desktop, Means means, PowerAction action, Attendance attendance);
+    QuitRun(const Desktop& desktop, Surroundings surroundings, PowerAction action,
+            Attendance attendance);
 
     /// Whether the result is on show: another run may begin.
     [[nodiscard]] bool isOver() const { return stage_ == Stage::over; }
@@ -82,7 +83,7 @@ private:
     void conclude(std::optional<std::string> note);
 
     Desktop desktop_;
-    Means means_;
+    Surroundings surroundings_;
     Stage stage_ = Stage::asking;
     /// What follows; `none` as soon as it is dropped.
     PowerAction action_;

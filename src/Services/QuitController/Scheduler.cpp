@@ -32,10 +32,10 @@ Duration nextThreshold(Duration remaining) {
 
 } // namespace
 
-Scheduler::Scheduler(const Desktop& desktop, Settings& settings, Means means)
+Scheduler::Scheduler(const Desktop& desktop, Settings& settings, Surroundings surroundings)
     : schedule(desktop.loop), awaitingConfirmation(desktop.loop),
       confirmScheduled(settings.confirmScheduled), scheduleNote(desktop.loop), desktop_(desktop),
-      settings_(settings), means_(std::move(means)) {
+      settings_(settings), surroundings_(std::move(surroundings)) {
     observers_.push_back(
         desktop_.loop.observe(ClockEvent::woke, [this] { checkMissedSchedule(); }));
     observers_.push_back(
@@ -93,7 +93,7 @@ void Scheduler::scheduleTick() {
     const int number = scheduleNumber_;
     const Duration remaining = schedule.get()->date - desktop_.loop.now();
     if (isAttentionDue(remaining)) {
-        means_.events.callUser();
+        surroundings_.events.callUser();
         if (number != scheduleNumber_)
             return;
     }
@@ -121,14 +121,14 @@ void Scheduler::meetDeadline() {
         awaitingConfirmation = true;
         scheduleTimer_.reset();
         sleepActivity_.reset();
-        means_.events.tell(events::ConfirmationNeeded{});
+        surroundings_.events.tell(events::ConfirmationNeeded{});
         return;
     }
     const PowerAction action = schedule.get()->action;
     // Until the run has one of its own.
     const Handle hold = std::move(sleepActivity_);
     cancelSchedule();
-    means_.begin(action, Attendance::unattended);
+    surroundings_.begin(action, Attendance::unattended);
 }
 
 void Scheduler::postponeSchedule(int minutes) {
@@ -147,7 +147,7 @@ void Scheduler::confirmScheduledQuit() {
         return;
     const PowerAction action = schedule.get()->action;
     cancelSchedule();
-    means_.begin(action, Attendance::attended);
+    surroundings_.begin(action, Attendance::attended);
 }
 
 void Scheduler::cancelSchedule() {

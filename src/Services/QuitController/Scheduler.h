@@ -19,12 +19,12 @@ namespace velmorquit {
 class Scheduler {
 public:
     /// What it works with; all of it outlives it.
-    struct Means {
+    struct Surroundings {
         std::function<void(PowerAction, Attendance)> begin; ///< a run; nothing during another
         const EventFeed& events;
     };
 
-    Scheduler(const Desktop& desktop, Settings& settings, Means means);
+    Scheduler(const Desktop& desktop, Settings& settings, Surroundings surroundings);
 
     /// The run that is to begin later; it isn't kept across starts.
     Published<std::optional<ScheduledQuit>, Scheduler> schedule;
@@ -63,7 +63,7 @@ private:
 
     Desktop desktop_;
     Settings& settings_;
-    Means means_;
+    Surroundings surroundings_;
     /// Counts what is done to the schedule, so that a tick sees when a callback has replaced it.
     int scheduleNumber_ = 0;
     Uptime scheduledAt_;
