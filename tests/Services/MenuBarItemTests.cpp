@@ -82,7 +82,8 @@ protected:
     void begin() {
         start();
         item = std::make_unique<MenuBarItem>(
-            MenuBarItem::Parts{*controller, updater, settings, icon, popover}, desktop.ports());
+            MenuBarItem::Surroundings{*controller, updater, settings, icon, popover},
+            desktop.ports());
         item->hideCountdown = [this] { desktop.write("countdown hides"); };
         item->onPopoverClose = [this] { desktop.write("countdown may come back"); };
         item->onExit = [this] { desktop.write("ends"); };

@@ -2,6 +2,7 @@
 
 #include "Remote/Verbs.h"
 #include "Services/Remote/Answers.h"
+#include "Texts/Shown.h"
 
 #include <algorithm>
 #include <utility>
@@ -11,10 +12,10 @@ namespace velmorquit {
 namespace {
 
 std::string questionOf(const RemoteCaller& caller, const std::string& what) {
-    if (caller.name.empty())
+    const std::string name = shownName(caller.name);
+    if (name.empty())
         return localized("Un programma sconosciuto chiede di %@. Lo permetti?", what);
-    return localized("«%@», che gira in una sandbox, chiede di %@. Lo permetti?", caller.name,
-                     what);
+    return localized("«%@», che gira in una sandbox, chiede di %@. Lo permetti?", name, what);
 }
 
 } // namespace
