@@ -14,10 +14,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 namespace velmorquit {
@@ -56,6 +59,22 @@ constexpr const char* emptySession = R"(<?xml version="1.0" encoding="UTF-8"?>
 </channel>
 )";
 
+/// Session managers name their sockets after their process. One that was killed leaves its own,
+/// and on virtual desktops, whose processes are counted from one, another may soon have its number.
+void removeDeadSockets() {
+    std::error_code unreadable;
+    for (const auto& entry : fs::directory_iterator("/tmp/.ICE-unix", unreadable)) {
+        sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
+        const std::string path = entry.path().string();
+        path.copy(address.sun_path, sizeof(address.sun_path) - 1);
+        const int connection = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        const auto* const name = reinterpret_cast<const sockaddr*>(&address);
+        if (::connect(connection, name, sizeof(address)) != 0 && errno == ECONNREFUSED)
+            fs::remove(entry.path(), unreadable);
+        ::close(connection);
+    }
+}
+
 /// A real session manager on the virtual desktop, and real windows.
 class RealSessionEndTest : public testing::Test {
 protected:
@@ -64,6 +83,7 @@ protected:
             !fs::exists(configurationService))
             GTEST_SKIP() << "xfce4-session is not installed";
         ASSERT_TRUE(std::getenv("VELMOR_VIRTUAL_DESKTOP"));
+        removeDeadSockets();
         fs::copy(configurationService, folder("XDG_DATA_HOME") / "dbus-1" / "services");
         bus(QStringLiteral("ReloadConfig"));
         const fs::path settings =
