@@ -100,6 +100,7 @@ TEST_F(BusCallTest, AnAnswerMayAskAgainAndMayEndWhatAsked) {
 TEST_F(BusCallTest, ANameIsFollowedUntilTheBusGoes) {
     QStringList owners;
     const BusName name(own, "org.test.Slow", [&](const QString& owner) { owners << owner; });
+    settle({own});
     service.disown("org.test.Slow");
     const Slow next(bus.connect(), {"org.test.Slow"});
     settle({own, next.bus});
