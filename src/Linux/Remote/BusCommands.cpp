@@ -1,5 +1,6 @@
 #include "Linux/Remote/BusCommands.h"
 
+#include "Linux/Bus/BusCall.h"
 #include "Linux/Proc/ProcessStat.h"
 #include "Remote/Names.h"
 #include "Remote/StatusJson.h"
@@ -70,11 +71,8 @@ BusCommands::Claim BusCommands::claimName() {
 BusCommands::Holder BusCommands::holder() {
     constexpr int ofBus = 1000;
     constexpr int ofHolder = 1500;
-    QDBusMessage question =
-        QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                       "org.freedesktop.DBus", "GetConnectionUnixProcessID");
-    question << service;
-    const QDBusMessage known = bus_.call(question, QDBus::Block, ofBus);
+    const QDBusMessage known =
+        bus_.call(busQuestion("GetConnectionUnixProcessID", {service}), QDBus::Block, ofBus);
     Holder holder{.process = static_cast<ProcessId>(known.arguments().value(0).toUInt())};
     if (known.type() == QDBusMessage::ReplyMessage)
         holder.name = executableName(holder.process);
