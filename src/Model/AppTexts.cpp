@@ -63,4 +63,8 @@ std::string unseenHelp(Sight sight) {
     return {};
 }
 
+std::string ejectedText(int count) {
+    return count == 1 ? localized("1 disco espulso") : localized("%lld dischi espulsi", count);
+}
+
 } // namespace velmorquit

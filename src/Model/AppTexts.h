@@ -5,7 +5,8 @@
 
 #include <string>
 
-/// What is said of open applications in the same words everywhere, in the interface's language.
+/// Sentences about applications and drives that several speakers share, in the interface's
+/// language.
 namespace velmorquit {
 
 /// The application with why it stays, for a list in a sentence; the name alone when nothing is
@@ -20,5 +21,8 @@ namespace velmorquit {
 
 /// Why there may be more than what is seen, as a sentence; empty where all is seen.
 [[nodiscard]] std::string unseenHelp(Sight sight);
+
+/// How many drives are gone.
+[[nodiscard]] std::string ejectedText(int count);
 
 } // namespace velmorquit

@@ -66,6 +66,10 @@ const char* answerTo(Word word, Moment moment) {
 
 } // namespace
 
+std::string reopening(std::size_t count) {
+    return count == 1 ? localized("Riapro 1 app.") : localized("Riapro %lld app.", count);
+}
+
 Moment momentOf(const QuitController& controller) {
     const Phase& phase = controller.phase;
     if (is<phases::Waiting>(phase))

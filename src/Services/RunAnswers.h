@@ -25,11 +25,17 @@ enum class Moment {
 
 using remote::Word;
 
-// What is refused in the same words elsewhere: keys of the string table.
+// Said in the same words by several: keys of the string table.
 inline constexpr const char* alreadyAtWork = textKey("Velmor Quit è già al lavoro.");
 inline constexpr const char* noneStayed = textKey("Nessuna app è rimasta aperta.");
 inline constexpr const char* othersStay =
     textKey("Ciò che resta aperto è cambiato: non faccio niente.");
+inline constexpr const char* nothingScheduled = textKey("Non c'è nessuna chiusura programmata.");
+inline constexpr const char* scheduleCancelled = textKey("Annullata: non chiudo niente.");
+inline constexpr const char* nothingToReopen = textKey("Non ci sono app da riaprire.");
+
+/// So many applications are started again.
+[[nodiscard]] std::string reopening(std::size_t count);
 
 [[nodiscard]] Moment momentOf(const QuitController& controller, const EndState& end);
 /// Where the run itself stands, whatever follows it.

@@ -1,6 +1,7 @@
 #include "Services/Actions/ActionRunner.h"
 
 #include "Services/QuitController/QuitController.h"
+#include "Services/RunAnswers.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
@@ -104,17 +105,17 @@ std::string ActionRunner::schedule(const ActionRequest& request) {
 
 std::string ActionRunner::cancelSchedule() {
     if (!controller_->schedule.get())
-        return localized("Non c'è nessuna chiusura programmata.");
+        return localized(RunAnswers::nothingScheduled);
     controller_->cancelSchedule();
-    return localized("Annullata: non chiudo niente.");
+    return localized(RunAnswers::scheduleCancelled);
 }
 
 std::string ActionRunner::reopen() {
     const std::size_t count = controller_->reopenable().size();
     if (count == 0)
-        return localized("Non ci sono app da riaprire.");
+        return localized(RunAnswers::nothingToReopen);
     controller_->reopenLastSession();
-    return count == 1 ? localized("Riapro 1 app.") : localized("Riapro %lld app.", count);
+    return RunAnswers::reopening(count);
 }
 
 } // namespace velmorquit

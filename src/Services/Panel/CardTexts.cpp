@@ -1,5 +1,6 @@
 #include "Services/Panel/CardTexts.h"
 
+#include "Texts/Joined.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
@@ -82,21 +83,13 @@ std::string reopenTitle(std::size_t count) {
     return count == 1 ? localized("L'app di prima") : localized("%lld app di prima", count);
 }
 
-std::string names(const std::vector<SavedApp>& apps) {
-    std::string text;
-    for (const SavedApp& app : apps)
-        text += (text.empty() ? "" : ", ") + app.name;
-    return text;
-}
+std::string names(const std::vector<SavedApp>& apps) { return joined(apps, ", ", &SavedApp::name); }
 
 std::string notReopenable(const std::vector<std::string>& names) {
-    std::string list;
-    for (const std::string& name : names)
-        list += (list.empty() ? "" : ", ") + name;
     if (names.empty())
         return {};
-    return names.size() == 1 ? localized("Non si può riaprire: %@.", list)
-                             : localized("Non si possono riaprire: %@.", list);
+    return names.size() == 1 ? localized("Non si può riaprire: %@.", names.front())
+                             : localized("Non si possono riaprire: %@.", joined(names));
 }
 
 } // namespace velmorquit::CardTexts

@@ -1,8 +1,9 @@
+#include "Model/AppTexts.h"
 #include "Platform/LoginWindow.h"
 #include "Services/QuitController/QuitRun.h"
+#include "Texts/Joined.h"
 #include "Texts/Localized.h"
 
-#include <string_view>
 #include <utility>
 
 namespace velmorquit {
@@ -12,20 +13,11 @@ namespace {
 /// So that the result can be seen before the session ends.
 constexpr Duration beforePowerAction = 1200ms;
 
-std::string joined(const std::vector<std::string>& texts, std::string_view separator) {
-    std::string all;
-    for (const std::string& text : texts)
-        all += (all.empty() ? "" : std::string(separator)) + text;
-    return all;
-}
-
 void noteEjected(std::vector<std::string>& notes, const ExternalDrives::Ejected& ejected) {
-    if (ejected.count == 1)
-        notes.push_back(localized("1 disco espulso"));
-    else if (ejected.count > 1)
-        notes.push_back(localized("%lld dischi espulsi", ejected.count));
+    if (ejected.count > 0)
+        notes.push_back(ejectedText(ejected.count));
     if (!ejected.failed.empty())
-        notes.push_back(localized("Non espulso: %@", joined(ejected.failed, ", ")));
+        notes.push_back(localized("Non espulso: %@", joined(ejected.failed)));
 }
 
 } // namespace

@@ -90,11 +90,11 @@ void Scheduler::scheduleTick() {
     if (!schedule.get() || awaitingConfirmation)
         return;
     holdSleepForSchedule();
-    const int number = scheduleNumber_;
+    const std::optional<ScheduledQuit> before = schedule;
     const Duration remaining = schedule.get()->date - desktop_.loop.now();
     if (isAttentionDue(remaining)) {
         surroundings_.events.callUser();
-        if (number != scheduleNumber_)
+        if (schedule.get() != before)
             return;
     }
     if (remaining > Duration::zero())
@@ -151,7 +151,6 @@ void Scheduler::confirmScheduledQuit() {
 }
 
 void Scheduler::cancelSchedule() {
-    ++scheduleNumber_;
     scheduleTimer_.reset();
     sleepActivity_.reset();
     schedule = std::nullopt;

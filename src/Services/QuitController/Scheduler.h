@@ -64,8 +64,6 @@ private:
     Desktop desktop_;
     Settings& settings_;
     Surroundings surroundings_;
-    /// Counts what is done to the schedule, so that a tick sees when a callback has replaced it.
-    int scheduleNumber_ = 0;
     Uptime scheduledAt_;
     Handle scheduleTimer_;
     int scheduleWarnings_ = 0; ///< marks that were told

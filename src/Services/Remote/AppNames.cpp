@@ -1,6 +1,7 @@
 #include "Services/Remote/AppNames.h"
 
 #include "Remote/Shortened.h"
+#include "Texts/Joined.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
@@ -60,10 +61,7 @@ std::string list(const std::vector<OpenApp>& apps) {
         if (std::ranges::find(names, app.name) == names.end())
             names.push_back(app.name);
     }
-    std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
+    return joined(names);
 }
 
 std::string severalBegin(const std::string& name, const std::string& list) {

@@ -137,11 +137,10 @@ RemoteAnswer RunCommands::eject() {
 RemoteAnswer RunCommands::reopen() {
     const std::vector<SavedApp> apps = controller_.reopenable();
     const std::string lost = CardTexts::notReopenable(controller_.notReopenable());
-    std::string text = localized("Non ci sono app da riaprire.");
+    std::string text = localized(RunAnswers::nothingToReopen);
     if (!apps.empty()) {
         controller_.reopenLastSession();
-        text = apps.size() == 1 ? localized("Riapro 1 app.")
-                                : localized("Riapro %lld app.", apps.size());
+        text = RunAnswers::reopening(apps.size());
     }
     return done(
         {{"reopened", remote::encode(apps)}, {"text", lost.empty() ? text : text + ' ' + lost}});

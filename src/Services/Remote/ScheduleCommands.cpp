@@ -3,6 +3,7 @@
 #include "Remote/AnswerJson.h"
 #include "Services/MemoryMonitor.h"
 #include "Services/Remote/Answers.h"
+#include "Services/RunAnswers.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
@@ -75,7 +76,7 @@ RemoteAnswer ScheduleCommands::postpone(const std::string& minutes) {
     if (!number || *number < 1 || *number > longestPostponement)
         return refused(localized("I minuti vanno da %lld a %lld.", 1, longestPostponement));
     if (!controller.schedule.get())
-        return refused(localized("Non c'è nessuna chiusura programmata."));
+        return refused(localized(RunAnswers::nothingScheduled));
     controller.postponeSchedule(*number);
     const ScheduledQuit& schedule = *controller.schedule.get();
     return said(scheduledText(schedule.date, schedule.action, surroundings_.formats));
@@ -97,8 +98,8 @@ RemoteAnswer ScheduleCommands::cancel() {
     // A run that has begun goes on.
     if (hadAction)
         return said(remote::givenUpText());
-    return said(hadSchedule ? localized("Annullata: non chiudo niente.")
-                            : localized("Non c'è nessuna chiusura programmata."));
+    return said(hadSchedule ? localized(RunAnswers::scheduleCancelled)
+                            : localized(RunAnswers::nothingScheduled));
 }
 
 RemoteAnswer ScheduleCommands::memory() {

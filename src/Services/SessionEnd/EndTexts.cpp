@@ -1,6 +1,7 @@
 #include "Services/SessionEnd/EndTexts.h"
 
 #include "Model/AppTexts.h"
+#include "Texts/Joined.h"
 #include "Texts/Localized.h"
 #include "Texts/Shown.h"
 
@@ -173,10 +174,7 @@ std::string list(const std::vector<EndObstacle>& obstacles) {
         if (std::ranges::find(told, one) == told.end())
             told.push_back(std::move(one));
     }
-    std::string all;
-    for (const std::string& one : told)
-        all += (all.empty() ? "" : ", ") + one;
-    return all;
+    return joined(told);
 }
 
 std::string anyway(LoginRequest request) { return localized(keysOf(request).anyway); }

@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include "Texts/Joined.h"
 #include "Texts/Localized.h"
 
 #include <QByteArray>
@@ -29,19 +30,12 @@ std::string take(Rest& rest) {
     return word;
 }
 
-template <class Texts> std::string joined(const Texts& texts, const char* between) {
-    std::string all;
-    for (const auto& text : texts)
-        all += (all.empty() ? "" : between) + std::string(text);
-    return all;
-}
-
 std::string trimmed(const std::string& text) {
     return QString::fromStdString(text).trimmed().toStdString();
 }
 
 std::string wantsOneOf(std::string_view what, const std::vector<std::string_view>& words) {
-    return localized("%@ vuole una di queste parole: %@", what, joined(words, ", "));
+    return localized("%@ vuole una di queste parole: %@", what, joined(words));
 }
 
 std::string wantsMoment() {
@@ -180,7 +174,7 @@ std::variant<CommandLine, std::string> parseCommandLine(const std::vector<std::s
         std::vector<std::string_view> names;
         for (const remote::Command* command : meant)
             names.push_back(command->control);
-        return localized("comando ambiguo: %@ (%@)", word, joined(names, ", "));
+        return localized("comando ambiguo: %@ (%@)", word, joined(names));
     }
     CommandLine line{.command = meant.front()};
     if (line.command->verb == Verb::schedule)

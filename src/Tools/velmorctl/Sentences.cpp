@@ -2,6 +2,7 @@
 
 #include "Model/AppTexts.h"
 #include "Table.h"
+#include "Texts/Joined.h"
 #include "Texts/Localized.h"
 
 #include <algorithm>
@@ -18,13 +19,6 @@ template <class... Cases> struct Overloaded : Cases... {
     using Cases::operator()...;
 };
 template <class... Cases> Overloaded(Cases...) -> Overloaded<Cases...>;
-
-std::string listed(const std::vector<std::string>& texts) {
-    std::string all;
-    for (const std::string& text : texts)
-        all += (all.empty() ? "" : ", ") + text;
-    return all;
-}
 
 std::string doneText(const remote::RunState& run, phases::Done done, const Formats& formats) {
     std::string text =
@@ -96,9 +90,8 @@ std::string eventText(const Event& event) {
     if (!ejected)
         return {};
     if (!ejected->failed.empty())
-        return localized("Ancora collegati: %@", listed(ejected->failed));
-    return ejected->count == 1 ? localized("1 disco espulso")
-                               : localized("%lld dischi espulsi", ejected->count);
+        return localized("Ancora collegati: %@", joined(ejected->failed));
+    return ejectedText(ejected->count);
 }
 
 /// What is set for later, without a full stop.
@@ -118,8 +111,8 @@ std::string stubbornText(const std::vector<remote::Application>& applications) {
         names.push_back(nameWithReason(application.name, application.reason));
     if (names.empty())
         return {};
-    return names.size() == 1 ? localized("Ancora aperta: %@", listed(names))
-                             : localized("Ancora aperte: %@", listed(names));
+    return names.size() == 1 ? localized("Ancora aperta: %@", joined(names))
+                             : localized("Ancora aperte: %@", joined(names));
 }
 
 /// What can be brought back, as a line; empty while a run is in progress or when there is nothing.
@@ -129,7 +122,7 @@ std::string reopenableText(const remote::Status& status) {
         names.push_back(application.name);
     if (names.empty() || isBusy(status.run.phase))
         return {};
-    return localized("Da riaprire: %@", listed(names)) + '\n';
+    return localized("Da riaprire: %@", joined(names)) + '\n';
 }
 
 /// In the place of the table.
@@ -169,7 +162,7 @@ std::string statusText(const remote::Status& status, const Formats& formats) {
 std::string actionsText(const std::vector<remote::PublishedAction>& actions) {
     Table table({Table::Align::left, Table::Align::left, Table::Align::left});
     for (const remote::PublishedAction& action : actions)
-        table.add({action.name, action.title, listed(action.parameters)});
+        table.add({action.name, action.title, joined(action.parameters)});
     return table.text();
 }
 

@@ -2,6 +2,7 @@
 
 #include "Sentences.h"
 #include "Terminal.h"
+#include "Texts/Joined.h"
 #include "Texts/Localized.h"
 
 #include <QCoreApplication>
@@ -13,17 +14,6 @@ namespace velmorquit {
 
 using remote::Reply;
 using remote::Verb;
-
-namespace {
-
-std::string joined(const std::vector<std::string>& names) {
-    std::string text;
-    for (const std::string& name : names)
-        text += (text.empty() ? "" : ", ") + name;
-    return text;
-}
-
-} // namespace
 
 Session::Session(CommandLine line, const Formats& formats, ForegroundJob job)
     : line_(std::move(line)), formats_(formats), job_(std::move(job)),

@@ -4,6 +4,7 @@
 #include "RunningBackup.h"
 #include "Say.h"
 #include "Stamp.h"
+#include "Texts/Joined.h"
 #include "Texts/Localized.h"
 #include "Texts/Shown.h"
 
@@ -44,18 +45,12 @@ std::string rulesText(const KeepRules& keep) {
     add(keep.daily, textKey("%lld giornalieri"));
     add(keep.weekly, textKey("%lld settimanali"));
     add(keep.monthly, textKey("%lld mensili"));
-    std::string text;
-    for (const std::string& rule : rules)
-        text += (text.empty() ? "" : ", ") + rule;
-    return text;
+    return joined(rules);
 }
 
-std::string joined(const std::vector<std::string>& texts) {
+std::string shownList(const std::vector<std::string>& texts) {
     constexpr std::size_t longest = 4096;
-    std::string all;
-    for (const std::string& text : texts)
-        all += (all.empty() ? "" : ", ") + shownText(text, longest);
-    return all;
+    return joined(texts, ", ", [](const std::string& text) { return shownText(text, longest); });
 }
 
 bool isSame(const SnapshotRecord& record, const Snapshot& snapshot) {
@@ -139,9 +134,9 @@ ExitStatus printDestinations() {
     for (const Destination& destination : destinations) {
         say(Repository::isAt(destination.path) ? destination.path
                                                : localized("%@ (non collegata)", destination.path));
-        say(localized("  cartelle: %@", joined(destination.sources)));
+        say(localized("  cartelle: %@", shownList(destination.sources)));
         if (!destination.excludes.empty())
-            say(localized("  escluso: %@", joined(destination.excludes)));
+            say(localized("  escluso: %@", shownList(destination.excludes)));
         say(localized("  si conservano: %@", rulesText(destination.keep)));
         say(localized("  backup: %lld", destination.snapshots.size()));
         say(localized("  password: %@", destination.passwordFile));
@@ -229,7 +224,7 @@ ExitStatus listSnapshots(Restic& restic) {
         say(destination.path);
         for (const Snapshot& snapshot : std::get<std::vector<Snapshot>>(read)) {
             say("  " + stampOf(snapshot.date) + "  " + snapshot.id.substr(0, 8) + "  " +
-                shownName(snapshot.host) + "  " + joined(snapshot.paths));
+                shownName(snapshot.host) + "  " + shownList(snapshot.paths));
         }
     }
     return status;
