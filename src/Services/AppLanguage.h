@@ -17,10 +17,10 @@ inline constexpr std::array allAppLanguages{AppLanguage::system, AppLanguage::it
 /// "system", "it" or "en".
 [[nodiscard]] std::string_view rawValue(AppLanguage language);
 
-/// The choice with that raw value; none for any other text, different letter case included.
+/// The choice with that raw value; none for any other text, another letter case included.
 [[nodiscard]] std::optional<AppLanguage> appLanguageFromRaw(std::string_view raw);
 
-/// The choice that a value stored for it stands for: the system's, unless it forces another.
+/// The choice in a stored value: the system's language, unless the value forces another.
 [[nodiscard]] AppLanguage appLanguageOf(const Value& stored);
 
 } // namespace velmorquit

@@ -6,8 +6,8 @@ namespace velmorquit {
 
 /// Newer versions of the program.
 ///
-/// Where it is installed as a package the desktop's own updates bring them, and there is nothing
-/// that it could look for by itself: both fields stay false, and what is offered with them is
+/// Where the program is installed as a package, the desktop's own updates bring new versions and
+/// there is nothing to look for: both fields stay false, and the controls that depend on them are
 /// switched off or hidden.
 class AppUpdater {
 public:

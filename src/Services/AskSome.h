@@ -6,8 +6,8 @@
 
 namespace velmorquit {
 
-/// Asks only some of the open applications to quit, since the user means these: excluded ones too.
-/// It is no run: no phase begins, nothing follows, and nothing of it can be reopened.
+/// Asks only some of the open applications to quit. The user has named them, so excluded ones too.
+/// This is not a run: no phase begins, nothing follows, and nothing can be reopened afterwards.
 class AskSome {
 public:
     struct Result {
@@ -21,8 +21,8 @@ public:
 
     explicit AskSome(const QuitController& controller) : controller_(controller) {}
 
-    /// Asks each of them, unless something stands in the way of that; they are not waited for. Asks
-    /// nobody while a run is in progress, which has asked already and would count them as its own.
+    /// Asks each of them that can be asked, without waiting for any. Asks nobody while a run is in
+    /// progress: it has already asked them, and would count these as its own.
     [[nodiscard]] Result ask(const std::vector<OpenApp>& apps) const;
 
 private:

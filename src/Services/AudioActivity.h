@@ -7,8 +7,8 @@
 
 namespace velmorquit::AudioActivity {
 
-/// Calls `told` later, on the main loop, with the processes of the applications that play or
-/// record. Both ports outlive the call.
+/// Calls `told` later, on the main loop, with the processes of applications that are playing or
+/// recording. Both ports must outlive the call.
 void busyApps(AudioProcesses& audio, const Kernel& kernel,
               std::function<void(const std::set<ProcessId>&)> told);
 

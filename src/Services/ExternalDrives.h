@@ -28,7 +28,7 @@ inline constexpr Duration betweenAttempts = 3s;
 [[nodiscard]] std::vector<Drive> connected(const Volumes& volumes);
 
 /// Ejects all of them, one after another, each at most three times with 3 s in between. Both
-/// outlive the task.
+/// arguments must outlive the task.
 Task<Ejected> ejectAll(MainLoop& loop, Volumes& volumes);
 
 } // namespace velmorquit::ExternalDrives

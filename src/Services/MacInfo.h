@@ -9,11 +9,11 @@
 
 namespace velmorquit::MacInfo {
 
-/// The processor as it is shown, from what it calls itself.
+/// The processor's name as shown, from its own brand string.
 [[nodiscard]] std::string chipName(std::string_view brand);
 
-/// Finds out the computer's model and processor elsewhere, then calls `completion` on the main loop
-/// with one line of both, unless the handle was reset meanwhile. `kernel` outlives the loop.
+/// Finds out the computer's model and processor off the main thread, then calls `completion` on the
+/// main loop with both in one line, unless the handle was reset. `kernel` outlives the loop.
 [[nodiscard]] Handle load(MainLoop& loop, const Kernel& kernel,
                           std::function<void(const std::string& line)> completion);
 

@@ -19,8 +19,8 @@ struct SystemMemory {
 /// `used` is 0 when the kernel doesn't say.
 [[nodiscard]] SystemMemory system(const Kernel& kernel);
 
-/// Memory of each of these applications in bytes: of its process, of all that descend from it and
-/// of those for which the system holds it responsible. A process without a figure counts 0.
+/// Memory of each of these applications in bytes: its process, all descendants, and the processes
+/// for which the system holds it responsible. A process without a figure counts 0.
 [[nodiscard]] std::map<ProcessId, std::uint64_t> footprints(const Kernel& kernel,
                                                             const std::vector<ProcessId>& ids);
 

@@ -10,7 +10,7 @@
 
 namespace velmorquit::RunAnswers {
 
-/// Where a run stands, for whoever says something about it from outside.
+/// Where a run stands, to judge what is said about it from outside.
 enum class Moment {
     idle,
     quitting,
@@ -25,7 +25,7 @@ enum class Moment {
 
 using remote::Word;
 
-// Said in the same words by several: keys of the string table.
+// Sentences that several speakers use: keys of the string table.
 inline constexpr const char* alreadyAtWork = textKey("Velmor Quit è già al lavoro.");
 inline constexpr const char* noneStayed = textKey("Nessuna app è rimasta aperta.");
 inline constexpr const char* othersStay =
@@ -34,22 +34,22 @@ inline constexpr const char* nothingScheduled = textKey("Non c'è nessuna chiusu
 inline constexpr const char* scheduleCancelled = textKey("Annullata: non chiudo niente.");
 inline constexpr const char* nothingToReopen = textKey("Non ci sono app da riaprire.");
 
-/// So many applications are started again.
+/// Says how many applications are being started again.
 [[nodiscard]] std::string reopening(std::size_t count);
 
 [[nodiscard]] Moment momentOf(const QuitController& controller, const EndState& end);
-/// Where the run itself stands, whatever follows it.
+/// Where the run itself stands, disregarding what follows it.
 [[nodiscard]] Moment momentOf(const QuitController& controller);
-/// Where what follows a run stands: `ending`, `underWay` or, without any, `idle`.
+/// Where the end of the session stands: `ending`, `underWay` or, without one, `idle`.
 [[nodiscard]] Moment momentOf(const EndState& end);
 
-/// Whether the word makes sense at that moment. That is all about a button of a notice or an entry
-/// of a menu, which may be pressed when what it was about has gone.
+/// Whether the word makes sense at that moment. Enough for the button of a notice or a menu entry,
+/// which may be pressed after its subject has gone.
 [[nodiscard]] bool isTaken(Word word, Moment moment);
 
-/// Why the command makes no sense at that moment, and what does, for a person. None where it may,
-/// and for commands that are not about a run: what else they need is looked at by who does them.
-/// The same table as for `isTaken`.
+/// Why the command makes no sense at that moment, and what does, in words for the user. None where
+/// it is acceptable, and for commands not about a run: their other conditions are checked where
+/// they are carried out. Uses the same table as `isTaken`.
 [[nodiscard]] std::optional<std::string> refusal(const RemoteCommand& command, Moment moment);
 
 } // namespace velmorquit::RunAnswers

@@ -10,22 +10,22 @@
 
 namespace velmorquit {
 
-/// Tells the user by a notice of the desktop's what a run waits for, while the panel, which shows
-/// all of it, is closed. There it can be answered, too.
+/// Tells the user by a desktop notice what a run is waiting for, while the panel, which shows all
+/// of it, is closed. The notice can also be answered.
 class RunNotice {
 public:
-    /// What is over by then is worth no notice. A second look at the applications is within it,
-    /// which knows more of why they stay.
+    /// A wait that is over sooner needs no notice. By then the applications have been looked at
+    /// twice, and more is known about why they stay.
     static constexpr Duration delay = 1500ms;
-    /// Between two texts of one wait: each may come up before the user's eyes again.
+    /// Between two texts of the same wait, since each may pop up in front of the user again.
     static constexpr Duration pause = 5s;
-    /// How long the question after a failed backup has to have been there before the answer that
-    /// goes on counts: the finger may have been on its way to what was there before.
+    /// How long the question after a failed backup must have been shown before "go on" counts: the
+    /// press may have been meant for whatever was there before.
     static constexpr Duration readingTime = 1500ms;
-    /// More applications than that are counted rather than named.
+    /// More applications than this are counted instead of named.
     static constexpr std::size_t mostNames = 5;
 
-    /// `notice` is its own to listen to; all outlive it.
+    /// Only this object listens to `notice`; all arguments must outlive it.
     RunNotice(QuitController& controller, Notice& notice, const Formats& formats);
     RunNotice(const RunNotice&) = delete;
     RunNotice& operator=(const RunNotice&) = delete;
@@ -34,18 +34,18 @@ public:
     void panelOpened();
     void panelClosed();
 
-    /// The user wants to see what the run waits for, and it can't be shown by itself.
+    /// The user wants to see what the run is waiting for, and it has no window to bring up.
     std::function<void()> onShow;
-    /// The run waits, and no notice can be answered. Called once in a wait of which the user has
-    /// not seen the panel.
+    /// The run is waiting, and no notice can be answered. Called once per wait, unless the user has
+    /// seen the panel meanwhile.
     std::function<void()> onUnanswerable;
 
 private:
     enum class Wait { none, applications, backup };
-    /// What a text is about.
+    /// What a notice is about.
     struct Subject {
         std::vector<ProcessId> apps;
-        std::set<ProcessId> explained; ///< those of which it is said why they stay
+        std::set<ProcessId> explained; ///< those whose reason for staying was given
         PowerAction action = PowerAction::none;
     };
 

@@ -11,21 +11,21 @@
 
 namespace velmorquit {
 
-/// Tells the user of a scheduled quit by a notice of the desktop's: when it is about to begin, when
-/// it waits for an answer, and when it came to nothing.
+/// Tells the user of a scheduled quit by a desktop notice: when it is about to begin, when it waits
+/// for an answer, and when it came to nothing.
 class ScheduleNotice {
 public:
     static constexpr int postponement = 10; ///< in minutes
-    /// How long after a run's beginning its countdown may still be before the user's eyes.
+    /// For how long after the run has begun its countdown may still be on the screen.
     static constexpr Duration lateness = 3s;
 
-    /// `notice` is its own to listen to.
+    /// Only this object listens to `notice`.
     ScheduleNotice(QuitController& controller, Notice& notice, const Formats& formats);
     ScheduleNotice(const ScheduleNotice&) = delete;
     ScheduleNotice& operator=(const ScheduleNotice&) = delete;
     ~ScheduleNotice();
 
-    /// There is something to answer, and no notice can be answered. Called once in a schedule.
+    /// There is something to answer, and no notice can be answered. Called once per schedule.
     std::function<void()> onUnanswerable;
 
 private:
@@ -41,11 +41,11 @@ private:
     QuitController& controller_;
     Notice& notice_;
     const Formats& formats_;
-    /// What the notice on show is about; none when there is none that could be out of date.
+    /// The schedule that the notice on show is about; none when nothing shown can become outdated.
     std::optional<ScheduledQuit> told_;
-    /// For which of them the user has been shown the panel.
+    /// The last schedule for which the user was shown the panel.
     std::optional<ScheduledQuit> shownInPanel_;
-    /// When the run began that was told of.
+    /// When the run began whose countdown was shown.
     std::optional<Uptime> begunAt_;
     bool isQuestion_ = false;
     std::optional<std::string> toldNote_;

@@ -19,22 +19,22 @@ namespace velmorquit {
 class Preferences;
 class Settings;
 
-/// What the settings have in common, whatever their types.
+/// The common base of all settings, whatever their types.
 class AnySetting {
 public:
     AnySetting(const AnySetting&) = delete;
     AnySetting& operator=(const AnySetting&) = delete;
     virtual ~AnySetting() = default;
 
-    /// Takes over what is stored by now.
+    /// Takes over the stored value.
     virtual void takeOver() = 0;
 
 protected:
     AnySetting() = default;
 };
 
-/// A preference as a value of its type. It is what its default is while nothing is stored under its
-/// key, or what is no such value. An optional one that is none is not stored.
+/// A preference as a value of its type. It has its default while nothing, or nothing valid, is
+/// stored under its key. An optional that is none is not stored.
 template <class T> class Setting final : public AnySetting {
 public:
     Setting(Settings& settings, std::string_view key, T initial);
@@ -43,12 +43,12 @@ public:
     operator const T&() const { return value_; }
     const T* operator->() const { return &value_.get(); }
 
-    /// As `Published` has it.
+    /// See `Published`.
     [[nodiscard]] Handle subscribe(std::function<void()> told) const {
         return value_.subscribe(std::move(told));
     }
 
-    /// Keeps `value`, as `Preferences::set` does. What it is already is not stored again.
+    /// Keeps `value`, as `Preferences::set` does; an unchanged value is not stored again.
     void store(T value);
 
     void takeOver() override;
@@ -60,10 +60,10 @@ private:
     Published<T, Setting> value_;
 };
 
-/// All that is kept across starts, with keys, types and defaults, over the desktop's preferences.
-/// What another program stores is taken over when the preferences tell.
+/// Everything that is kept across starts, with keys, types and defaults, over the desktop's
+/// preferences. Values stored by other programs are taken over as soon as the preferences tell.
 class Settings {
-    // In this order: the settings are made with them.
+    // First, since the settings below are made with them.
     MainLoop& loop_;
     Preferences& preferences_;
     std::vector<AnySetting*> all_;
@@ -72,7 +72,7 @@ class Settings {
 public:
     Settings(MainLoop& loop, Preferences& preferences);
 
-    /// Takes over what another program has stored by now, instead of in a moment.
+    /// Takes over at once what other programs have stored.
     void refresh();
 
     /// Exclusion keys of the applications that a run leaves alone; none until the user has chosen.
@@ -81,14 +81,14 @@ public:
     Setting<bool> backupFirst{*this, "backupFirst", false};
     Setting<bool> ejectDrives{*this, "ejectDrives", false};
     Setting<bool> confirmScheduled{*this, "confirmScheduled", true};
-    /// What the last run that closed anything has closed, and when.
+    /// The applications closed by the last run that closed any, and when.
     Setting<std::optional<std::vector<SavedApp>>> lastSession{*this, "lastSession", std::nullopt};
     Setting<std::optional<WallTime>> lastSessionDate{*this, "lastSessionDate", std::nullopt};
 
     Setting<bool> clickIconQuitsAll{*this, "clickIconQuitsAll", false};
-    /// The panel has opened by itself once, to be seen.
+    /// The panel has introduced itself once by opening unasked.
     Setting<bool> didShowWelcome{*this, "didShowWelcome", false};
-    /// The choice holds from the next start on.
+    /// Takes effect at the next start.
     Setting<AppLanguage> language{*this, languagePreference, AppLanguage::system};
 
 private:

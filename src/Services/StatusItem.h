@@ -8,8 +8,8 @@
 
 namespace velmorquit {
 
-/// The program's icon among those of the desktop. For the main thread; nothing fails or waits, and
-/// where the desktop shows no icons nothing happens.
+/// The program's icon in the desktop's tray. For the main thread; nothing fails or waits, and where
+/// the desktop shows no icons nothing happens.
 class StatusItem {
 public:
     struct Click {
@@ -21,19 +21,19 @@ public:
 
     virtual ~StatusItem() = default;
 
-    /// Where the icon is, as far as the desktop tells. Where it doesn't, it is the spot at which
-    /// the icon was clicked last. None before that, and where there is no icon.
+    /// Where the icon is, if the desktop tells; otherwise where the icon was last clicked. None
+    /// before the first click, and where there is no icon.
     [[nodiscard]] virtual std::optional<ScreenRect> frame() const = 0;
 
-    /// Opens this menu at the icon, in place of one that is open. Returns at once.
+    /// Opens this menu at the icon, replacing one that is open. Returns at once.
     virtual void popUp(const Menu& menu) = 0;
 
-    /// Hands over the menu for desktops that open it themselves at a right click, of which nobody
-    /// hears then; others do nothing with it. One that is open keeps its lines until it is closed:
-    /// only their titles change under the pointer.
+    /// Sets the menu for desktops that open it themselves at a right click, without telling the
+    /// program; others ignore it. While the menu is open its lines stay: only their titles change
+    /// under the pointer.
     virtual void keepMenu(const Menu& menu) = 0;
 
-    /// Hears of each click that the desktop doesn't answer itself.
+    /// Called for each click that the desktop doesn't handle itself.
     std::function<void(const Click&)> onClick;
 };
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <variant>
 
-/// The system's backups, by the tool that makes them. What can't be read is as if it weren't there.
+/// The system's backups, through the tool that makes them. Unreadable data counts as missing.
 namespace velmorquit::TimeMachine {
 
 struct Info {
@@ -30,22 +30,22 @@ struct Status {
 /// Reads the tool's property list; quick.
 [[nodiscard]] Info info(const Files& files, const BackupTool& tool);
 
-/// When the newest backup was made, as the tool tells. Blocks.
+/// When the newest backup was made, according to the tool. Blocks.
 [[nodiscard]] std::optional<WallTime> latestBackupDate(ChildProcesses& children,
                                                        const BackupTool& tool);
 
 /// How far the running backup is. Blocks.
 [[nodiscard]] Status status(ChildProcesses& children, const BackupTool& tool);
 
-/// Starts a backup, which lasts as long as the process; its exit status 0 means that it succeeded.
-/// A text says why it could not be started.
+/// Starts a backup, which lasts as long as the process; exit status 0 means success. A text says
+/// why it could not be started.
 [[nodiscard]] std::variant<std::shared_ptr<ChildProcess>, std::string>
 startBackup(ChildProcesses& children, const BackupTool& tool);
 
 /// Has the tool stop the running backup. Blocks.
 void stopBackup(ChildProcesses& children, const BackupTool& tool);
 
-/// The last line with anything in it that the process has written to standard error.
+/// The last non-blank line that the process has written to standard error.
 [[nodiscard]] std::optional<std::string> errorMessage(const ChildProcess& process);
 
 } // namespace velmorquit::TimeMachine

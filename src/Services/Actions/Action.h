@@ -12,14 +12,14 @@ namespace velmorquit {
 
 enum class ActionKind { quitAll, scheduleQuit, cancelSchedule, reopenApps, memory };
 
-/// An action with its parameters. Those that it doesn't have are ignored.
+/// An action with its parameters; those that it doesn't have are ignored.
 struct ActionRequest {
     ActionKind kind = ActionKind::quitAll;
     AfterQuit then = AfterQuit::nothing;
     int minutes = 30;
 };
 
-/// What can be asked of the program from outside, for whoever publishes it. All texts are in the
+/// An action that the program offers to other programs, such as launchers. All texts are in the
 /// interface's language.
 struct ActionDescription {
     struct Number {
@@ -34,14 +34,14 @@ struct ActionDescription {
     };
 
     ActionKind kind;
-    std::string name; ///< under which it is published, such as "quit-all"
+    std::string name; ///< published under this name, such as "quit-all"
     std::string title;
     std::optional<Number> minutes;
     std::optional<Choice> then;
     /// The action with its parameters in one sentence: `%1$@` is the minutes where there are any,
     /// the last placeholder what follows. Empty without parameters.
     std::string summary;
-    std::vector<std::string> phrases; ///< with which it is asked for
+    std::vector<std::string> phrases; ///< by which the user asks for it
     std::string shortTitle;
     std::string symbol; ///< name of its picture
 };

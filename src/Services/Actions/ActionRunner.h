@@ -16,7 +16,7 @@ namespace velmorquit {
 
 class QuitController;
 
-/// What an action has to say when it has been carried out, or why it was not.
+/// The outcome of an action, or why it was not carried out.
 struct ActionAnswer {
     enum class Status {
         done,
@@ -28,9 +28,9 @@ struct ActionAnswer {
     std::optional<std::int64_t> value{};
 };
 
-/// What is said of a quit that was scheduled.
+/// The sentence that confirms a scheduled quit.
 [[nodiscard]] std::string scheduledText(WallTime date, PowerAction action, const Formats& formats);
-/// What is said of the memory in use, with the percentage as the value.
+/// The sentence on the memory in use, with the percentage as the value.
 [[nodiscard]] ActionAnswer memoryAnswer(const MemoryMonitor::SystemMemory& memory,
                                         const Formats& formats);
 
@@ -46,15 +46,15 @@ public:
                                        std::function<void(bool isWanted)> answer)>;
     using Answered = std::function<void(const ActionAnswer&)>;
 
-    /// What it is handed outlives it.
+    /// The arguments must outlive it.
     ActionRunner(MainLoop& loop, const Kernel& kernel, const Formats& formats)
         : loop_(loop), kernel_(kernel), formats_(formats) {}
 
-    /// What the actions work on: null until the program has started, and when it ends.
+    /// The controller that the actions work on: null before the program has started and as it ends.
     void setController(QuitController* controller) { controller_ = controller; }
 
-    /// Carries the action out and tells `answered` once, in a later turn; never when this object
-    /// has gone by then. The request's parameters are in their range.
+    /// Carries the action out and calls `answered` once, in a later turn; never if this object has
+    /// gone by then. The request's parameters are in their range.
     void perform(const ActionRequest& request, Confirm confirm, Answered answered);
 
     [[nodiscard]] MainLoop& mainLoop() const { return loop_; }

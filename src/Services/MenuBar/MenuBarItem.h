@@ -16,17 +16,17 @@ class AppUpdater;
 class QuitController;
 class Settings;
 
-/// What the user reaches by the icon: the panel, the menu, and quitting all at once.
+/// All that the icon offers: the panel, the menu, and quitting everything at once.
 class MenuBarItem {
 public:
     static constexpr auto welcomeDelay = 300ms;
-    /// How late the panel may hear of a press that the icon was told of as a click.
+    /// How much later than the icon hears of a click the panel may hear of the same press.
     static constexpr auto pressDelay = 50ms;
-    /// A click that comes so soon after the panel has opened by itself was to open it.
+    /// A click so soon after the panel has opened by itself was meant to open it.
     static constexpr auto surprise = 700ms;
 
-    /// What it works with; it outlives it, and the callbacks of the icon and of the panel's window
-    /// are its own to hear.
+    /// All of it outlives this object, which alone sets the callbacks of the icon and of the
+    /// panel's window.
     struct Surroundings {
         QuitController& controller;
         AppUpdater& updater;
@@ -40,19 +40,19 @@ public:
     MenuBarItem& operator=(const MenuBarItem&) = delete;
     ~MenuBarItem();
 
-    /// Opens the panel and gives it the keyboard; one that is open stays as it is.
+    /// Opens the panel and gives it the keyboard; an open panel stays as it is.
     void showPopover();
 
-    /// Opens the panel by itself, where it leaves the keyboard to others.
+    /// Opens the panel unasked, without taking the keyboard.
     void showPopoverAside();
 
-    /// The first time that the program runs for this user, opens the panel a little later.
+    /// Opens the panel a little later if the program runs for the first time for this user.
     void welcome();
 
     /// Ends the program: the user has asked for it.
     std::function<void()> onExit;
 
-    /// Takes away what counts down at the icon: the panel is about to cover it.
+    /// Removes the countdown at the icon, which the panel is about to cover.
     std::function<void()> hideCountdown;
 
     /// The panel has opened, and has closed.
@@ -75,7 +75,7 @@ private:
     LoginWindow& loginWindow_;
     const Formats& formats_;
     Menu kept_;
-    /// When the panel that is open has opened by itself.
+    /// When the panel that is open now opened by itself.
     std::optional<Uptime> openedAside_;
     Handle welcome_;
     Handle opening_;

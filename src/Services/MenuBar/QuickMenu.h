@@ -12,18 +12,18 @@ class AppUpdater;
 class LoginWindow;
 class QuitController;
 
-/// What the lines of the icon's menu do.
+/// What the entries of the icon's menu do.
 struct QuickMenuActions {
     std::function<void(PowerAction then)> quit;
     std::function<void()> reopen;
     std::function<void()> cancelSchedule;
-    std::function<void()> cancelEnd; ///< of the session, which is about to come
+    std::function<void()> cancelEnd; ///< cancels the end of the session that is about to come
     std::function<void()> checkForUpdates;
     std::function<void()> openPanel;
     std::function<void()> exit;
 };
 
-/// The icon's menu for what is true now.
+/// The icon's menu for the present state.
 [[nodiscard]] Menu quickMenu(const QuitController& controller, const LoginWindow& loginWindow,
                              const AppUpdater& updater, const Formats& formats,
                              const QuickMenuActions& actions);

@@ -10,20 +10,20 @@
 #include <string>
 #include <vector>
 
-/// What the panel's cards say, in the interface's language.
+/// Texts of the panel's cards, in the interface's language.
 namespace velmorquit::CardTexts {
 
 /// A span offered for a schedule: "15 min", "1 ora", "2 ore".
 [[nodiscard]] std::string preset(int minutes);
 
-/// What is left until a moment, rounded up: "tra 42 s", "tra 59 min", "tra 1 h 24 min". Nothing is
-/// left of a moment that has passed.
+/// The time left until a moment, rounded up: "tra 42 s", "tra 59 min", "tra 1 h 24 min". Zero once
+/// the moment has passed.
 [[nodiscard]] std::string remaining(Duration left);
 
-/// So near its moment a schedule is urgent, and so it stays.
+/// With less time than this left, a schedule becomes urgent and stays so.
 inline constexpr Duration urgency = 60s;
 
-/// Beyond that a backup is an old one.
+/// A backup older than this counts as old.
 inline constexpr Duration freshBackup = 7 * 24h;
 
 struct LastBackup {
@@ -36,20 +36,20 @@ struct LastBackup {
 [[nodiscard]] std::string backupHelp(const TimeMachine::Info& info);
 [[nodiscard]] std::string ejectHelp(const std::vector<ExternalDrives::Drive>& drives);
 
-/// The progress that can be shown: a number that is none is as good as none at all.
+/// The progress as far as it can be shown: not a number counts as none.
 [[nodiscard]] std::optional<double> shownFraction(std::optional<double> fraction);
 /// "42 %", halves rounded up.
 [[nodiscard]] std::string percentage(double fraction);
 
 /// Caption of the button that passes over a failed backup.
 [[nodiscard]] std::string continueTitle(PowerAction runningAction);
-/// When that happens by itself.
+/// How soon the failed backup is passed over without an answer.
 [[nodiscard]] std::string continuesIn(Duration left);
 
 [[nodiscard]] std::string reopenTitle(std::size_t count);
 /// The names, with commas.
 [[nodiscard]] std::string names(const std::vector<SavedApp>& apps);
-/// What was closed beside them and doesn't come back; empty when there are no such names.
+/// The names of closed applications that can't be reopened; empty without any.
 [[nodiscard]] std::string notReopenable(const std::vector<std::string>& names);
 
 } // namespace velmorquit::CardTexts

@@ -9,20 +9,20 @@
 #include <string>
 #include <string_view>
 
-/// What the panel says, in the interface's language, and the names of the symbols beside it.
+/// The panel's texts, in the interface's language, and the names of the symbols beside them.
 namespace velmorquit::PanelTexts {
 
 /// How many applications are open, excluded ones among them.
 [[nodiscard]] std::string appCount(const QuitController& controller);
 
-/// What stands in the place of the list when it is empty: that nothing is open only where it would
-/// be seen.
+/// Shown in place of an empty list. It says that nothing is open only if all windows can be
+/// seen.
 [[nodiscard]] std::string emptyList(Sight sight);
 
-/// That a run would close nothing.
+/// Says that a run would close nothing.
 [[nodiscard]] std::string nothingToQuit(Sight sight);
 
-/// What stands below the round button.
+/// The line below the round button.
 struct StatusLine {
     enum class Kind {
         quiet,    ///< there is nothing to do
@@ -33,7 +33,7 @@ struct StatusLine {
     Kind kind = Kind::ordinary;
     std::string text;
     std::optional<std::string> badge; ///< how much memory came free; none when none did
-    std::optional<std::string> note;  ///< what else is to be known of the result
+    std::optional<std::string> note;  ///< a remark on the result
 
     friend bool operator==(const StatusLine&, const StatusLine&) = default;
 };
@@ -43,7 +43,7 @@ struct StatusLine {
 /// "11,24 GB di 16 GB".
 [[nodiscard]] std::string memory(const MemoryMonitor::SystemMemory& memory, const Formats& formats);
 
-/// What a row of the list says about itself, and its button.
+/// Tooltips of a row of the list, and of its button.
 [[nodiscard]] std::string rowHelp(const OpenApp& app, bool isExcluded);
 [[nodiscard]] std::string rowQuitHelp(const OpenApp& app);
 
@@ -51,7 +51,7 @@ struct StatusLine {
 using velmorquit::stayHelp;
 [[nodiscard]] std::string forceHelp(const OpenApp& app);
 
-/// In the list of choices, and in the round button.
+/// Symbols in the list of choices, and in the round button.
 [[nodiscard]] std::string_view choiceSymbol(PowerAction action);
 [[nodiscard]] std::string_view buttonSymbol(PowerAction action);
 

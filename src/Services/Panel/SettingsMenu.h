@@ -9,7 +9,7 @@ namespace velmorquit {
 class AppUpdater;
 class Settings;
 
-/// The menu of what can be set, for what is so now. Both outlive its lines.
+/// The menu of settings, showing their present values. Both must outlive the menu.
 [[nodiscard]] Menu settingsMenu(Settings& settings, AppUpdater& updater,
                                 std::function<void()> exit);
 

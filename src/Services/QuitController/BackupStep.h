@@ -15,11 +15,11 @@ namespace velmorquit {
 
 /// How the user stops a running backup.
 enum class BackupStop {
-    skip,   ///< and goes on with what follows
+    skip,   ///< and continues with the next step
     cancel, ///< and ends the run
 };
 
-/// One backup: has the tool make it, tells how far it is, and waits until it is on record.
+/// One backup: has the tool make it, reports progress, and waits until the backup is on record.
 class BackupStep {
 public:
     enum class End { completed, skipped, cancelled, failed };
@@ -27,7 +27,7 @@ public:
         End end = End::failed;
         std::string reason{}; ///< of a failure
     };
-    /// Where it tells what it learns; all of it outlives the step.
+    /// Where it reports to; all of it outlives the step.
     struct Surroundings {
         Published<Phase>& phase;
         RunOptions& options;
@@ -38,7 +38,7 @@ public:
 
     Task<Outcome> run();
 
-    /// Stops it within a second. The first word that is noticed counts.
+    /// Stops it within a second. Only the first request noticed counts.
     void stop(BackupStop how);
 
     [[nodiscard]] MainLoop& mainLoop() const { return desktop_.loop; }
@@ -51,7 +51,7 @@ private:
     Desktop desktop_;
     Surroundings surroundings_;
     std::optional<BackupStop> stop_;
-    /// Ends the pause before it is looked again whether the backup is on record.
+    /// Ends the pause before the next look whether the backup is on record.
     Answer<std::monostate> nextReading_;
 };
 

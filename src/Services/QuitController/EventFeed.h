@@ -8,14 +8,14 @@
 
 namespace velmorquit {
 
-/// What happens in a run or with the schedule, told the moment it happens. Those who hear of it may
-/// call any operation.
+/// Events of a run or of the schedule, told the moment they happen. Listeners may call any
+/// operation.
 class EventFeed {
 public:
     [[nodiscard]] Handle hearEvents(std::function<void(const Event&)> heard) {
         return events_.hear(std::move(heard));
     }
-    /// Calls `heard` when the user is to be called to the computer, before a scheduled run begins.
+    /// Calls `heard` when the user should come to the computer, before a scheduled run begins.
     [[nodiscard]] Handle hearCalls(std::function<void()> heard) {
         return calls_.hear(std::move(heard));
     }
@@ -25,7 +25,7 @@ public:
 
 private:
     Told<Event> events_;
-    Told<> calls_; ///< of the user, to the computer
+    Told<> calls_; ///< calls the user to the computer
 };
 
 } // namespace velmorquit

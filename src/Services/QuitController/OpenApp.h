@@ -8,15 +8,15 @@
 
 namespace velmorquit {
 
-/// One application that the user has open, as it was known, and with the figure read, when it was
+/// One of the user's open applications: its identity as last renewed, and its memory when it was
 /// listed.
 struct OpenApp {
     ProcessId id = 0;
     std::shared_ptr<RunningApplication> app;
-    /// As it may be shown; never empty. Others may look the same.
+    /// Fit for display; never empty. Others may look the same.
     std::string name;
     std::optional<std::string> bundleID;
-    /// The other identities of the same process; an exclusion of one of them holds for it as well.
+    /// The other identities of the same process; excluding one of them excludes this one as well.
     std::vector<std::string> otherIdentities;
     /// Never null.
     std::shared_ptr<const Icon> icon;
@@ -25,15 +25,15 @@ struct OpenApp {
 
     OpenApp(std::shared_ptr<RunningApplication> application, std::uint64_t footprint);
 
-    /// Brings what it is known by up to date; the figure stays.
+    /// Updates its identity; the figure stays.
     void renew();
 
-    /// What the exclusions know the application by: its bundle identifier, else its name as it
-    /// says it itself.
+    /// The key under which it is excluded: its bundle identifier, or else its name exactly as it
+    /// gives it.
     [[nodiscard]] const std::string& exclusionKey() const { return key_; }
 
-    /// Equal means the same process, known by the same and with the same figure: a list needs not
-    /// be drawn again.
+    /// Equal means the same process with the same identity and figure: a list of them need not be
+    /// redrawn.
     friend bool operator==(const OpenApp& one, const OpenApp& other) {
         return one.id == other.id && one.memory == other.memory && one.name == other.name &&
                one.key_ == other.key_ && one.bundleID == other.bundleID &&

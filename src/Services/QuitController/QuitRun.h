@@ -17,23 +17,23 @@
 
 namespace velmorquit {
 
-/// What the user says to a backup that has failed.
+/// The user's answer to a failed backup.
 enum class FailureChoice { stop, goOn };
 
-/// One run: it asks the applications to quit, waits for them, then makes a backup, ejects drives
-/// and ends the session, as far as that is wanted. Destroying it ends it where it is; applications
-/// that were asked stay so.
+/// One run: it asks the applications to quit, waits for them, then backs up, ejects drives and ends
+/// the session, as far as that is wanted. Destroying it stops it where it is; applications already
+/// asked remain asked.
 class QuitRun {
 public:
     static constexpr Duration gracePeriod = 6s;
     static constexpr Duration pollInterval = 250ms;
-    /// How often it is looked why the stubborn ones stay.
+    /// How often the reasons why applications stay are looked up.
     static constexpr Duration reasonInterval = 1s;
-    /// So long after the beginning an application is asked whose obstacle has gone.
+    /// For this long after the beginning, an application is still asked once its obstacle has gone.
     static constexpr Duration askingTime = 10min;
     static constexpr Duration unattendedGrace = 60s;
-    /// A run that waits for an answer that long lets the computer sleep, and what was to follow it
-    /// is announced before it comes.
+    /// A run that has waited this long for an answer lets the computer sleep, and announces the
+    /// power action before it comes.
     static constexpr Duration longWait = 10min;
 
     /// All of it outlives the run.
@@ -44,7 +44,7 @@ public:
         LastSession& lastSession;
         const EventFeed& events;
         std::function<void()> refresh;
-        std::function<void()> letSleep; ///< the session is about to end: nothing holds sleep off
+        std::function<void()> letSleep; ///< when the session is about to end: nothing
     };
 
     QuitRun(const Desktop& desktop, Surroundings surroundings, PowerAction action,
@@ -56,9 +56,9 @@ public:
     [[nodiscard]] const std::vector<OpenApp>& targets() const;
     [[nodiscard]] bool isEjecting() const { return isEjecting_; }
 
-    /// The user has asked that one.
+    /// The user has asked that application.
     void noteAsked(ProcessId id);
-    /// Leaves alone what is still open, without anything to follow. Too late once that has begun.
+    /// Leaves alone what is still open; nothing follows. Too late once the next step has begun.
     void leave();
     void dropAction();
     void stopBackup(BackupStop how);
@@ -85,21 +85,21 @@ private:
     Desktop desktop_;
     Surroundings surroundings_;
     Stage stage_ = Stage::asking;
-    /// What follows; `none` as soon as it is dropped.
+    /// The action that follows; `none` as soon as it is dropped.
     PowerAction action_;
     RunResult result_;
-    /// It has waited for an answer for so long that nobody expects what follows.
+    /// The wait for an answer took so long that nobody expects the power action any more.
     bool isLate_ = false;
     bool isEjecting_ = false;
     std::optional<RunTargets> targets_;
     std::optional<BackupStep> backup_;
     Answer<FailureChoice> choice_;
-    Handle givingUp_; ///< the wait for that choice
-    Handle waiting_;  ///< for an answer of the user's, since not too long ago
+    Handle givingUp_; ///< ends the wait for that choice
+    Handle waiting_;  ///< the wait for the user's answer, until it has lasted too long
     Handle waking_;   ///< tells when the computer has slept
     Handle sleepHold_;
     std::optional<Uptime> lookedAt_;
-    /// The work of a stage, which ends before all that it uses.
+    /// The stages' work; declared last, so that it ends before all that it uses.
     Task<> polling_;
     Task<> following_;
 };

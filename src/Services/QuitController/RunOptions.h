@@ -13,7 +13,7 @@
 
 namespace velmorquit {
 
-/// What the user wants to follow a run, and what there is on this computer for it.
+/// What the user wants to happen after a run, and what this computer offers for it.
 class RunOptions {
 public:
     RunOptions(const Desktop& desktop, Settings& settings);
@@ -26,14 +26,14 @@ public:
     Published<TimeMachine::Info, RunOptions> timeMachine;
     Published<std::vector<ExternalDrives::Drive>, RunOptions> externalDrives;
 
-    /// Choose what follows a run, and store it.
+    /// Choose what happens after a run, and store it.
     void chooseAfterQuit(PowerAction action);
     void chooseBackupFirst(bool isChosen);
     void chooseEjectDrives(bool isChosen);
 
-    /// Looks at the backups and the drives.
+    /// Reads the state of the backups and the drives.
     void lookAround();
-    /// Somebody has just looked at the backups.
+    /// Takes over a state of the backups that was just read elsewhere.
     void noteBackups(const TimeMachine::Info& info) { timeMachine = info; }
 
     /// Ejects the external drives outside a run; `told` hears the result.

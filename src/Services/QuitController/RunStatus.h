@@ -13,13 +13,13 @@
 
 namespace velmorquit {
 
-/// What a run has closed.
+/// What a run has achieved.
 struct RunResult {
     int closed = 0;
     std::uint64_t freed = 0; ///< bytes that they used when the run began
 };
 
-/// How far the present run is, or the last one: its result stays on show for a while.
+/// How far the present run is, or the last one, whose result stays on show for a while.
 class RunStatus {
 public:
     static constexpr Duration resultTime = 8s;
@@ -31,24 +31,24 @@ public:
     Published<std::vector<OpenApp>> stubborn;
     /// Why each of the stubborn ones is still there, by process.
     Published<std::map<ProcessId, StayReason>> stayReasons;
-    /// What the user should know of the result beyond its figures.
+    /// A remark for the user on the result, beyond its figures.
     Published<std::optional<std::string>> resultNote;
     /// Nobody attends the present run: a failed backup is passed over after a while.
     Published<bool> unattended;
-    /// When that happens, by the wall clock; none otherwise.
+    /// When a failed backup is passed over, by the wall clock; none otherwise.
     Published<std::optional<WallTime>> autoContinueAt;
-    /// What is to follow once the applications that were asked have gone; `none` from then on.
+    /// What follows once the applications that were asked have gone; `none` from then on.
     Published<PowerAction> pendingAction;
-    /// What the running sequence ends with; `none` outside one.
+    /// The power action at the end of the running sequence; `none` outside one.
     Published<PowerAction> runningAction;
 
-    /// A run begins: nothing of the one before counts any more.
+    /// A run begins: everything about the one before is reset.
     void begin(PowerAction action, bool isUnattended);
 
     /// Shows the result of the present run, for 8 s.
     void show(RunResult result, std::optional<std::string> note);
 
-    /// Nothing of the present run is to follow any more.
+    /// The run ends: nothing more follows it.
     void end();
 
 private:

@@ -11,48 +11,48 @@
 
 namespace velmorquit {
 
-/// The applications that a run asks to quit, and how each of them has been asked.
+/// The applications that a run asks to quit, and how far it has got with each.
 class RunTargets {
 public:
-    /// How long an application lives on without windows before it is asked once more, in the way
-    /// that is left, after the grace period.
+    /// How long an application lives on without windows, after the grace period, before it is asked
+    /// once more in whatever other way it understands.
     static constexpr Duration windowlessPatience = 1s;
-    /// How often it is looked whether an obstacle has gone.
+    /// How often to look whether an obstacle has gone.
     static constexpr Duration obstacleInterval = 1s;
-    /// An application that could not be asked, for an obstacle, is asked when that goes; but not
-    /// while it is used, nor soon after that.
+    /// An application that an obstacle kept from being asked is asked once that goes, but not while
+    /// it is in use nor this soon afterwards.
     static constexpr Duration restBeforeAsking = 30s;
-    /// An obstacle that is gone so soon was none.
+    /// An obstacle that goes away within this time never was one.
     static constexpr Duration beginning = 3s;
 
-    /// Both outlive it.
+    /// Both references must outlive it.
     RunTargets(MainLoop& loop, const RunningApplications& applications, std::vector<OpenApp> list);
 
-    /// With their figures of the run's beginning.
+    /// With their figures from the run's beginning.
     [[nodiscard]] const std::vector<OpenApp>& list() const { return list_; }
     [[nodiscard]] std::vector<OpenApp> running() const;
     [[nodiscard]] std::vector<OpenApp> closed() const;
     [[nodiscard]] static RunResult resultOf(const std::vector<OpenApp>& closed);
 
-    /// Asks those that are known for good by now. True when some were spared, which are none of
-    /// the targets any more.
+    /// Asks those whose identity is certain by now. True when some turned out to be spared; they
+    /// are no longer targets.
     bool ask();
 
     /// Notes which of them have no windows.
     void noteWindowless(const std::vector<OpenApp>& running);
     void askWindowless(const std::vector<OpenApp>& running);
 
-    /// Something stands in the way of asking that one.
+    /// An obstacle kept that application from being asked.
     void noteHindered(ProcessId id) { hindered_.try_emplace(id); }
     void askHindered(const std::vector<OpenApp>& running);
 
-    /// Somebody else has asked that one.
+    /// Somebody else has asked that application.
     void noteAsked(ProcessId id) { hindered_.erase(id); }
 
     [[nodiscard]] static std::map<ProcessId, StayReason>
     reasonsOf(const std::vector<OpenApp>& running);
 
-    /// What was not said to them so far isn't said any more, and they count as they are known now.
+    /// Withdraws requests not yet made, and updates the targets' identities.
     void stopAsking();
 
 private:
@@ -63,11 +63,11 @@ private:
     MainLoop& loop_;
     const RunningApplications& applications_;
     std::vector<OpenApp> list_;
-    /// Those of them that are not asked yet, since they may turn out to be others.
+    /// Targets not asked yet, since they may turn out to be other applications.
     std::set<ProcessId> unsettled_;
-    /// When targets were first seen without windows; those that were asked once more have no time.
+    /// When targets were first seen without windows; none for those already asked once more.
     std::map<ProcessId, std::optional<Uptime>> windowlessSince_;
-    /// Targets that could not be asked, with the moment from which on nothing stood in the way.
+    /// Targets that could not be asked, with the moment since which nothing has stood in the way.
     std::map<ProcessId, std::optional<Uptime>> hindered_;
     Uptime lookForObstaclesAt_;
     Uptime beginningUntil_;

@@ -20,7 +20,7 @@ public:
 
     /// Open applications, most memory first.
     Published<std::vector<OpenApp>, RunningApplications> apps;
-    /// How much of the session was seen when they were listed.
+    /// How much of the session could be seen when they were listed.
     Published<Sight, RunningApplications> sight;
     Published<MemoryMonitor::SystemMemory, RunningApplications> systemMemory;
     /// Exclusion keys of the applications that a run leaves alone.
@@ -32,8 +32,8 @@ public:
     /// Excludes the application, or includes it again, and stores the exclusions.
     void toggleExclusion(const OpenApp& app);
 
-    /// Removes `key` from the exclusions and stores them; also for what isn't open now. False when
-    /// it was none.
+    /// Removes `key` from the exclusions and stores them, also for an application that isn't open.
+    /// False when it was not excluded.
     bool includeAgain(const std::string& key);
 
     [[nodiscard]] bool isExcluded(const OpenApp& app) const;

@@ -15,32 +15,32 @@
 
 namespace velmorquit {
 
-/// Has a run begin later, and calls the user before.
+/// Begins a run at a later time, and calls the user before.
 class Scheduler {
 public:
-    /// What it works with; all of it outlives it.
+    /// All of it must outlive the scheduler.
     struct Surroundings {
-        std::function<void(PowerAction, Attendance)> begin; ///< a run; nothing during another
+        std::function<void(PowerAction, Attendance)> begin; ///< begins a run, except during one
         const EventFeed& events;
     };
 
     Scheduler(const Desktop& desktop, Settings& settings, Surroundings surroundings);
 
-    /// The run that is to begin later; it isn't kept across starts.
+    /// The scheduled run; it isn't kept across starts.
     Published<std::optional<ScheduledQuit>, Scheduler> schedule;
-    /// Its moment has come, and the user is asked whether it is to begin.
+    /// The time has come, and the user is being asked whether the run may begin.
     Published<bool, Scheduler> awaitingConfirmation;
-    /// Whether the user wants to be asked then.
+    /// Whether the user wants to be asked first.
     const Setting<bool>& confirmScheduled;
-    /// What the user should know of a schedule that came to nothing.
+    /// Tells the user why a schedule came to nothing.
     Published<std::optional<std::string>, Scheduler> scheduleNote;
 
-    /// Sets the run for later, in place of one that was set before. A date that has passed is one
-    /// second from now. The computer doesn't fall asleep by itself until then.
+    /// Schedules the run, replacing an earlier schedule. A date in the past means one second from
+    /// now. The computer doesn't fall asleep by itself until then.
     void scheduleQuit(WallTime date, PowerAction action);
-    /// Sets it for so many minutes later than it was to be, or than now when that has passed.
+    /// Postpones it by so many minutes: from its date, or from now once that has passed.
     void postponeSchedule(int minutes);
-    /// Lets the run begin that waits for the user's word.
+    /// Begins the run that waits for the user's confirmation.
     void confirmScheduledQuit();
     void cancelSchedule();
     /// The user has read the note.
@@ -48,7 +48,7 @@ public:
     /// Chooses whether the next schedule asks, and stores the choice.
     void chooseConfirmScheduled(bool isChosen);
 
-    /// Gives sleep free: somebody else holds it off, until the next tick.
+    /// Lets the computer sleep, since somebody else holds sleep off; the next tick holds it again.
     void letSleep() { sleepActivity_.reset(); }
 
 private:
@@ -66,7 +66,7 @@ private:
     Surroundings surroundings_;
     Uptime scheduledAt_;
     Handle scheduleTimer_;
-    int scheduleWarnings_ = 0; ///< marks that were told
+    int scheduleWarnings_ = 0; ///< how many have been given
     std::optional<std::int64_t> lastBeepSecond_;
     Handle sleepActivity_;
     std::vector<Handle> observers_;

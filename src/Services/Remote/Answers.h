@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-/// The kinds of answers that the commands of other processes get.
+/// The kinds of answers to commands of other processes.
 namespace velmorquit::remote {
 
 [[nodiscard]] inline RemoteAnswer done(const Json& json) {

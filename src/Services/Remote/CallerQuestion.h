@@ -9,40 +9,40 @@
 
 namespace velmorquit {
 
-/// Asks the user about what programs that are shut in ask for. They may look, and hold things up;
-/// whatever closes, forces, forgets or ends anything needs the user's word on the screen.
+/// Asks the user to confirm what sandboxed programs want. They may look, and hold things up; to
+/// close, force, forget or end anything they need the user's consent on the screen.
 ///
-/// There is one question at a time, and none for a while after a no: a program that asks again and
-/// again gets no more of them than one in an hour.
+/// There is one question at a time, and none for a while after a no: a program that keeps asking
+/// ends up with no more than one question an hour.
 class CallerQuestion {
 public:
-    /// Without an answer within this time it is a no.
+    /// No answer within this time counts as a no.
     static constexpr Duration patience = 1min;
-    /// After the first no; twice as long after each that follows, and not longer than an hour.
+    /// The pause after the first no; it doubles with each further one, up to an hour.
     static constexpr Duration rest = 1min;
     static constexpr Duration longestRest = 1h;
 
     /// How the question is put.
     struct Screen {
-        /// With the caption of the button that says yes; the answer comes later, on the main loop.
+        /// `button` is the caption of the yes button; the answer comes later, on the main loop.
         std::function<void(const std::string& question, const std::string& button,
                            std::function<void(bool isWanted)> answer)>
             ask;
-        /// Takes the question away, which may answer it.
+        /// Removes the question; that may also call `answer`.
         std::function<void()> withdraw;
     };
 
     explicit CallerQuestion(MainLoop& loop) : loop_(loop) {}
 
-    /// Whether the command is one of those that not everybody may give.
+    /// Whether sandboxed programs need the user's consent for this command.
     [[nodiscard]] static bool isAbout(const RemoteCommand& command);
 
-    /// Until it is set every such command is refused.
+    /// Until it is set, every such command is refused.
     Screen screen;
 
-    /// None when the command may be carried out at once. Else the user is asked, or that is
-    /// refused: `agreed` is called after a yes. The subject is what the command names, as it is to
-    /// stand in the question; empty where it names nothing.
+    /// None when the command may be carried out at once. Otherwise the user is asked, or the
+    /// command is refused: `agreed` is called after a yes. `subject` is what the command names, as
+    /// it appears in the question; empty where it names nothing.
     [[nodiscard]] std::optional<RemoteAnswer> consider(const RemoteCommand& command,
                                                        const std::string& subject,
                                                        std::function<void()> agreed);
@@ -52,7 +52,7 @@ private:
 
     MainLoop& loop_;
     std::function<void()> agreed_; ///< set while a question is open
-    unsigned question_ = 0;        ///< the last one; answers to those before don't count
+    unsigned question_ = 0; ///< number of the last one; late answers to earlier ones are ignored
     Handle losingPatience_;
     Duration nextRest_ = rest;
     std::optional<Uptime> quietUntil_;

@@ -12,7 +12,7 @@ namespace velmorquit {
 /// Tells other processes what changes, each change once.
 class ChangeFeed {
 public:
-    /// What it is handed outlives it.
+    /// The arguments must outlive it.
     ChangeFeed(QuitController& controller, const Desktop& desktop, const StatusSource& source);
 
 private:
@@ -29,7 +29,7 @@ private:
     RemoteCommands& remote_;
     const StatusSource& source_;
     std::vector<OpenApp> knownApps_;
-    /// Those told as windowless, whose end nobody has heard of yet.
+    /// Those reported as windowless, whose end has not been reported yet.
     std::vector<OpenApp> windowless_;
     std::vector<remote::Application> knownStubborn_;
     std::set<std::string> knownExclusions_;

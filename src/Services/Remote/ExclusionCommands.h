@@ -8,14 +8,14 @@
 
 namespace velmorquit {
 
-/// What other processes can do about the exclusions.
+/// The commands that other processes can give about exclusions.
 class ExclusionCommands {
 public:
-    /// The controller outlives it.
+    /// The controller must outlive it.
     explicit ExclusionCommands(QuitController& controller) : controller_(controller) {}
 
     RemoteAnswer exclude(const std::string& name);
-    /// Also for what isn't open now.
+    /// Also for an application that isn't open now.
     RemoteAnswer include(const std::string& name);
 
 private:

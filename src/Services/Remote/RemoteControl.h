@@ -13,18 +13,18 @@
 
 namespace velmorquit {
 
-/// What other processes of the user can do with the controller and hear of it: the commands of
-/// `Remote/Verbs`, where those that are about a run are taken when `RunAnswers` says, and the
-/// changes of `Remote/ChangeJson`.
+/// What other processes of the user can do with the controller and hear from it: the commands of
+/// `Remote/Verbs` (those about a run only when `RunAnswers` accepts them) and the changes of
+/// `Remote/ChangeJson`.
 class RemoteControl {
 public:
-    /// What it is handed outlives it.
+    /// The arguments must outlive it.
     RemoteControl(QuitController& controller, ActionRunner& actions, const Desktop& desktop);
 
-    /// The part that is about the schedule and the published actions.
+    /// The commands for the schedule and the published actions.
     [[nodiscard]] ScheduleCommands& schedule() { return schedule_; }
 
-    /// Where the user is asked about what programs in a sandbox want.
+    /// Asks the user to confirm what sandboxed programs want.
     [[nodiscard]] CallerQuestion& callerQuestion() { return callerQuestion_; }
 
     /// Shows the program to its user. The token lets a window come to the front; it may be empty.
@@ -32,10 +32,10 @@ public:
 
 private:
     RemoteAnswer answer(const RemoteCommand& command);
-    /// The applications that it names, where it is about some of them.
+    /// The applications that the command names; none where it names none.
     RunCommands::Meant meantBy(const RemoteCommand& command);
     [[nodiscard]] std::string situation(const std::vector<OpenApp>& meant) const;
-    /// Does what the user has agreed to. Whoever wanted it has its answer already.
+    /// Does what the user has agreed to. The caller already has its answer.
     void perform(RemoteCommand command, const std::string& seen);
     RemoteAnswer carryOut(remote::Verb verb, const std::vector<std::string>& arguments);
     RemoteAnswer status();

@@ -11,15 +11,15 @@
 
 namespace velmorquit {
 
-/// What other processes can have done to the open applications, and to a run and what follows it.
-/// `RunAnswers` has said before that it makes sense at this moment.
+/// The commands that other processes can give about open applications, about a run and about what
+/// follows it. `RunAnswers` has already accepted them for the present moment.
 class RunCommands {
 public:
     using Words = std::vector<std::string>;
-    /// Applications, or why one of the names is none.
+    /// The applications, or why one of the names means none.
     using Meant = std::variant<std::vector<OpenApp>, std::string>;
 
-    /// What it is handed outlives it.
+    /// The arguments must outlive it.
     RunCommands(QuitController& controller, LoginWindow& loginWindow, const StatusSource& source)
         : controller_(controller), loginWindow_(loginWindow), source_(source), some_(controller) {}
 
@@ -34,7 +34,7 @@ public:
     RemoteAnswer forget();
     RemoteAnswer anyway(const std::string& list);
 
-    /// The open applications that all these names mean, each once.
+    /// The open applications that these names stand for, each once.
     [[nodiscard]] Meant meant(const Words& names);
 
 private:

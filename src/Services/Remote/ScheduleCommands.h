@@ -11,8 +11,8 @@
 
 namespace velmorquit {
 
-/// What other processes can do with the scheduled quit and the published actions, and what they can
-/// ask about the computer.
+/// The commands that other processes can give about the scheduled quit and the published actions,
+/// and their questions about the computer.
 class ScheduleCommands {
 public:
     using Words = std::vector<std::string>;
@@ -26,23 +26,23 @@ public:
 
     explicit ScheduleCommands(const Surroundings& surroundings) : surroundings_(surroundings) {}
 
-    /// Puts the question of an action to the user; until it is set nothing is asked and every such
-    /// action counts as declined.
+    /// Asks the user an action's question; until it is set nothing is asked and every such action
+    /// counts as declined.
     ActionRunner::Confirm onConfirm;
-    /// Shows the user what an action has to say.
+    /// Shows the user an action's answer.
     std::function<void(const ActionAnswer&)> onAnswer;
 
-    /// `minutes N ACTION` or `at HH:MM ACTION`: the next time the clock shows that. The action is
-    /// the power action's raw value.
+    /// `minutes N ACTION`, or `at HH:MM ACTION` for the next time the clock shows that. The action
+    /// is the power action's raw value.
     RemoteAnswer schedule(const Words& words);
     RemoteAnswer postpone(const std::string& minutes);
     RemoteAnswer confirm();
-    /// The schedule, and a power action that has not happened yet.
+    /// Cancels the schedule, and a power action that has not happened yet.
     RemoteAnswer cancel();
     RemoteAnswer memory();
-    /// Those that are published, with their texts and parameters.
+    /// The published actions, with their texts and parameters.
     [[nodiscard]] static RemoteAnswer listActions();
-    /// `NAME [minutes=N] [then=CHOICE]`, as published: question and answer are shown on the screen.
+    /// `NAME [minutes=N] [then=CHOICE]`, as published; question and answer appear on the screen.
     RemoteAnswer act(const Words& words);
 
 private:

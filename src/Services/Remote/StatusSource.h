@@ -5,10 +5,10 @@
 
 namespace velmorquit {
 
-/// The engine's state as other processes are told of it.
+/// The engine's state as reported to other processes.
 class StatusSource {
 public:
-    /// What it is handed outlives it.
+    /// The arguments must outlive it.
     StatusSource(const QuitController& controller, const LoginWindow& loginWindow)
         : controller_(controller), loginWindow_(loginWindow) {}
 
@@ -17,13 +17,13 @@ public:
     [[nodiscard]] remote::Application application(const OpenApp& app) const;
     [[nodiscard]] std::vector<remote::Application>
     applications(const std::vector<OpenApp>& apps) const;
-    /// With the reasons why they stay.
+    /// With the reason why each of them stays.
     [[nodiscard]] std::vector<remote::Application> stubborn() const;
     [[nodiscard]] remote::RunState run() const;
     [[nodiscard]] std::vector<remote::Drive> drives() const;
     /// None without one.
     [[nodiscard]] std::optional<remote::Schedule> schedule() const;
-    /// None when nobody has asked for it.
+    /// None when no end was requested.
     [[nodiscard]] std::optional<remote::Ending> ending() const;
 
 private:

@@ -5,23 +5,23 @@
 
 namespace velmorquit {
 
-/// The question whether the session is to end over what stays open, wherever it is put. The first
-/// press asks it. A second one counts when the question, with these very names, has been there for
-/// long enough to be read: before that it is a double click or bad luck.
+/// Asks whether the session may end despite what stays open. The first press asks the question; a
+/// second one counts only if the question, with exactly these names, has been shown long enough to
+/// be read. An earlier one is a double click or an accident.
 class AnywayQuestion {
 public:
-    /// `readingTime`: from the moment at which it is put to the first answer that counts.
+    /// `readingTime`: how long the question must have been shown before an answer counts.
     AnywayQuestion(MainLoop& loop, LoginWindow& loginWindow, Duration readingTime);
 
     [[nodiscard]] bool isAsked() const { return isAsked_; }
 
-    /// Takes over what the obstacles are now; to be called before they are shown.
+    /// Takes over the present obstacles; to be called before they are shown.
     void follow();
-    /// Puts it, where there is something that may be passed over.
+    /// Asks the question, if there is anything that may be passed over.
     void ask();
     void giveUp() { isAsked_ = false; }
-    /// Passes over the obstacles that were shown last. Nothing happens when nobody can have read
-    /// them, or when there are others by now: it is asked anew.
+    /// Passes over the obstacles that were shown last. If nobody can have read them yet, or if
+    /// there are others by now, the question is asked anew instead.
     void confirm();
 
 private:

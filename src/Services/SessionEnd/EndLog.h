@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// What the log says of the end of the session: no language is chosen there.
+/// The log's texts on the end of the session; the log isn't translated.
 namespace velmorquit::EndLog {
 
 [[nodiscard]] std::string name(LoginRequest request);

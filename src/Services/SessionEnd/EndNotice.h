@@ -7,25 +7,25 @@
 
 namespace velmorquit {
 
-/// Tells the user by a notice of the desktop's what the end of the session waits for, and why it
-/// didn't come. There the user can cancel it, or have it come anyway.
+/// Tells the user by a desktop notice what the end of the session is waiting for, and why it didn't
+/// come. There the user can cancel it, or have it come anyway.
 class EndNotice {
 public:
-    /// What is over by then is not worth a notice, unless it can't be over by itself.
+    /// A wait that is over sooner needs no notice, unless it can't end by itself.
     static constexpr Duration delay = 1s;
-    /// How long the question has to have been there before its answer counts. A notice that takes
-    /// another's place comes to the screen a while after it was sent.
+    /// How long the question must have been shown before its answer counts. A notice that replaces
+    /// another one reaches the screen a while after it was sent.
     static constexpr Duration readingTime = 1500ms;
 
-    /// `notice` is its own to listen to; all outlive it.
+    /// Only this object listens to `notice`; all arguments must outlive it.
     EndNotice(MainLoop& loop, LoginWindow& loginWindow, Notice& notice);
     EndNotice(const EndNotice&) = delete;
     EndNotice& operator=(const EndNotice&) = delete;
     ~EndNotice();
 
-    /// What the button that cancels does; until it is set, it cancels the request alone.
+    /// Called by the cancel button; until it is set, only the request is cancelled.
     std::function<void()> onCancel;
-    /// There is something to answer, and no notice can be answered. Called once in a request.
+    /// There is something to answer, and no notice can be answered. Called once per request.
     std::function<void()> onUnanswerable;
 
 private:
@@ -42,7 +42,7 @@ private:
     Notice::Content shown_;
     bool isShown_ = false;
     AnywayQuestion question_;
-    /// The user has not been shown the panel because of the present request.
+    /// The user has not been shown the panel for the present request yet.
     bool isPanelDue_ = true;
     Handle telling_;
     Handle following_;

@@ -12,57 +12,57 @@
 
 namespace velmorquit {
 
-/// What would be lost if the session ended now.
+/// Everything that would be lost if the session ended now.
 ///
-/// Every window of the display counts, whoever owns it; it has nothing to do with what the list of
-/// applications shows. A program that has lost its windows while we ran is looked at until it is
-/// plain that it does nothing.
+/// Every window of the display counts, no matter which program owns it; the list of applications
+/// plays no part. A program that has lost its windows while we ran is watched until it is clear
+/// that it is doing nothing.
 class OpenWork {
 public:
-    /// Time for which a program is left alone that has closed its windows when it was asked to,
-    /// before it is asked to quit in whatever other way it understands.
+    /// How long a program that closed its windows on request is left alone before it is asked to
+    /// quit in whatever other way it understands.
     static constexpr Duration windowlessPatience = 1s;
-    /// How often it is looked what there is besides windows and the work of processes.
+    /// How often to look for more than windows and working processes.
     static constexpr Duration mentionInterval = 2s;
 
     struct Found {
-        /// All that keeps the session from ending.
+        /// Everything that keeps the session from ending.
         std::vector<EndObstacle> obstacles;
-        /// Whether programs have closed their windows that may end yet, or begin to work.
+        /// Whether programs without windows may still end, or begin to work.
         bool isSomebodyEnding = false;
     };
 
-    /// Both outlive it. From here on it knows who had windows.
+    /// Both references must outlive it. From now on it keeps track of who had windows.
     OpenWork(Windows& windows, const Processes& processes);
 
-    /// Asks those that it is time to ask, and says what is still in the way of `request`.
+    /// Asks the programs whose time has come; returns what still stands in the way of `request`.
     Found ask(Uptime now, LoginRequest request, const SessionAccount& account);
 
-    /// What nobody can look into, so that the user is told of it: programs that went to the tray by
-    /// themselves, commands without a window. As old as the last `lookForMentions`, which takes a
-    /// while.
+    /// Things nobody can look into, named for the user's information: programs that went to the
+    /// tray by themselves, commands without a window. As of the last `lookForMentions`, which takes
+    /// a while.
     [[nodiscard]] const std::vector<EndObstacle>& mentions() const { return mentions_; }
     [[nodiscard]] bool areMentionsDue(Uptime now) const {
         return !mentionedAt_ || now - *mentionedAt_ >= mentionInterval;
     }
     void lookForMentions(Uptime now);
 
-    /// Has those with windows asked once more, save those that wait for the user's answer.
+    /// Asks the owners of windows once more, except those waiting for the user's answer.
     void askAnew();
 
-    /// Forgets who was asked, and what was seen of work.
+    /// Forgets who was asked, and all observations of work.
     void forget();
 
 private:
     struct Program {
         WindowOwner owner;
         std::uint64_t start = 0;
-        /// Those on the display at the last look.
+        /// Those seen on the display at the last look.
         std::vector<OpenWindow> windows{};
         bool wasAsked = false;
-        /// Of a program without a known process, which windows were.
+        /// The windows that were asked, where the program's process isn't known.
         std::set<std::uint64_t> askedWindows{};
-        /// It was not asked, for what runs in it.
+        /// It was not asked, because something that runs in it would be lost.
         bool couldNotBeAsked = false;
         bool wasAskedWithoutWindows = false;
         std::optional<Uptime> windowlessSince{};
@@ -82,9 +82,9 @@ private:
 
     Windows& windows_;
     const Processes& processes_;
-    /// All that had windows since they were first seen and still run.
+    /// All running programs that had windows at any time since the start.
     std::map<ProcessId, Program> programs_;
-    /// Those of which nobody knows the process, one for each name.
+    /// Windows' owners whose process isn't known, one for each name.
     std::vector<Program> strangers_;
     std::vector<EndObstacle> mentions_;
     std::optional<Uptime> mentionedAt_;

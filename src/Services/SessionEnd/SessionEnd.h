@@ -16,39 +16,39 @@
 namespace velmorquit {
 
 /// Ends the session, or switches the computer off, once nothing in it can be lost by that. Nobody
-/// else would ask: those who do the rest close what is still open without a question.
+/// else would ask: the system's own services close what is still open without a question.
 class SessionEnd final : public LoginWindow {
 public:
     static constexpr Duration pollInterval = 250ms;
-    /// How long windows are waited for once they have been asked.
+    /// How long to wait for windows once they have been asked.
     static constexpr Duration windowLimit = 60s;
-    /// How long anything is waited for.
+    /// How long to wait for anything else.
     static constexpr Duration limit = 30min;
-    /// How old the account of the sessions may be while something else is waited for.
+    /// How old the account of the sessions may be while waiting for something else.
     static constexpr Duration accountInterval = 2s;
-    /// How long what can't be looked into is named before the end follows.
+    /// How long obstacles that can't be looked into are named before the end follows.
     static constexpr Duration namingTime = 10s;
-    /// How long one is announced that comes when nobody expects it any more.
+    /// How long an end is announced that comes when nobody expects it any more.
     static constexpr Duration lateNamingTime = 60s;
-    /// Who wakes the computer after that has something else in mind.
+    /// After a longer sleep the user has woken the computer for something else.
     static constexpr Duration mostSleep = 120s;
-    /// How long it is said that the system has been told.
+    /// How long to show that the system has been told.
     static constexpr Duration underWayTime = 8s;
-    /// A window manager that is replaced by another one lists no windows for a moment …
+    /// While one window manager replaces another, no windows are listed for a moment …
     static constexpr Duration blindPatience = 3s;
-    /// … and those that there are one by one.
+    /// … and then they come back one by one.
     static constexpr Duration sightPatience = 2s;
-    /// Whoever has used the computer that recently is there to answer.
+    /// A user whose last input is more recent than this is there to answer.
     static constexpr Duration presence = 120s;
 
     using Surroundings = SessionPorts;
 
-    /// What it refers to outlives it, and `service` is its own to listen to.
+    /// Everything it refers to must outlive it; only this object listens to `service`.
     explicit SessionEnd(const Surroundings& surroundings);
     ~SessionEnd() override;
 
-    /// Refused as well while the system is being asked for an earlier request. A request that is
-    /// refused leaves one that waits as it is.
+    /// Also refused while the system is being asked for an earlier request. A refused request
+    /// leaves one that is waiting as it is.
     std::optional<std::string> request(LoginRequest request, const EndTerms& terms) override;
     void announce(LoginRequest request) override;
     bool cancel() override;
@@ -61,31 +61,31 @@ private:
     using Kind = EndObstacle::Kind;
     using Obstacles = std::vector<EndObstacle>;
 
-    /// What is wanted, and since when it has been in which way of waiting.
+    /// The present request, and since when each kind of waiting has lasted.
     struct Wait {
         LoginRequest request = LoginRequest::shutDown;
         EndTerms terms;
         Uptime begin;
-        /// What the clock on the wall was ahead of running time then: that grows by sleep.
+        /// How far the wall clock was ahead of running time at the beginning; sleep increases it.
         Duration ahead{};
-        /// How it is to be carried out, by what is seen now.
+        /// How it is to be carried out, given what can be seen now.
         EndForm form = EndForm::direct;
         std::optional<Uptime> blindSince{};
-        /// Since when all has been seen again.
+        /// Since when everything can be seen again.
         std::optional<Uptime> sightSince{};
         std::optional<Uptime> windowsSince{};
         std::optional<Uptime> namedSince{};
         Obstacles named{};
-        /// For what is to be named.
+        /// Whether the mentions were looked up in the previous round.
         bool haveJustLooked = false;
         std::optional<Uptime> readAt{};
-        /// Whether it has been asked, since not all is seen, if the user is there.
+        /// Whether the time of the last input has been asked for, since not everything can be seen.
         bool isInputRead = false;
     };
     enum class Next {
         wait,
-        lookAgain, ///< at all, from what others say on
-        carryOut,  ///< as far as that is concerned
+        lookAgain, ///< start over, beginning with the account of the sessions
+        carryOut,  ///< nothing in this respect stands in the way
         refuse,
     };
 
@@ -116,7 +116,7 @@ private:
     Answer<std::optional<Duration>> inputAnswer_;
     Handle asking_;
     Obstacles refusal_;
-    /// Those over which the user has said that the end may come.
+    /// The obstacles that the user has allowed the end to pass over.
     Obstacles pardoned_;
     std::uint64_t lastList_ = 0;
     Handle awake_;
@@ -124,7 +124,7 @@ private:
     Handle waking_;
     Handle telling_;
     Task<> waiting_;
-    /// What the service is being asked for.
+    /// The request that the service is carrying out.
     std::optional<LoginRequest> underWay_;
 };
 

@@ -7,20 +7,20 @@
 
 namespace velmorquit {
 
-/// Tells from looks at a process whether it is at work or merely there.
+/// Tells by repeated looks whether a process is working or merely there.
 ///
-/// Twenty-six programs that sat in the tray of a desktop, watched for a minute, used 1.0 % of a
-/// core at the most and wrote 8 KiB at the most in any two seconds.
+/// Twenty-six programs in a desktop's tray, watched for a minute, used at most 1.0 % of a core and
+/// wrote at most 8 KiB in any two seconds.
 class WorkMeter {
 public:
     static constexpr Duration lookInterval = 2s;
-    /// From here on a process is busy between two looks: a share of one core, in percent …
+    /// A process counts as busy between two looks from this share of one core on, in percent …
     static constexpr int busyPercent = 5;
-    /// … or so many bytes given to disks.
+    /// … or from this many bytes given to disks.
     static constexpr std::uint64_t busyBytes = 256 << 10;
-    /// How long a process is waited for that isn't at work: most are gone by then.
+    /// How long to wait for a process that isn't working: most are gone by then.
     static constexpr Duration quietTime = 6s;
-    /// One that has not been at work for so long is merely busy now and then.
+    /// A process that has not worked for so long is merely busy now and then.
     static constexpr Duration longQuietTime = 20s;
 
     [[nodiscard]] bool isLookDue(Uptime now) const {
@@ -28,10 +28,10 @@ public:
     }
     void look(Uptime now, const ProcessWork& work);
 
-    /// It was busy in the last two times between looks.
+    /// It was busy in both of the last two intervals.
     [[nodiscard]] bool isWorking() const { return busyLooks_ >= 2; }
-    /// It has not been at work for so long that there is no use in waiting for it, nor may it just
-    /// have begun to be.
+    /// It has not worked for so long that there is no use in waiting for it, and it can't just
+    /// have begun to.
     [[nodiscard]] bool isQuiet(Uptime now) const {
         if (!quietSince_)
             return false;
