@@ -8,7 +8,7 @@ namespace velmorquit::ExternalDrives {
 
 namespace {
 
-/// What isn't known to be built in counts as external only when it can be taken away.
+/// A volume not known to be built in counts as external only if it can be taken away.
 bool isExternal(const Volume& volume) {
     return volume.isInternal == false || volume.isRemovable == true || volume.isEjectable == true;
 }

@@ -42,7 +42,7 @@ std::string intelName(std::string_view brand) {
     return "Intel";
 }
 
-/// Maker and model: what follows ("8-Core Processor", "with Radeon Graphics") says nothing more.
+/// Maker and model; the rest ("8-Core Processor", "with Radeon Graphics") adds nothing.
 std::string amdName(std::string_view brand) {
     std::string name;
     for (const std::string& word : words(plain(brand))) {

@@ -8,7 +8,7 @@ namespace velmorquit::MemoryMonitor {
 
 namespace {
 
-/// Below lie the kernel's idle task and the first process, which everything descends from.
+/// Lower ids are the kernel's idle task and the first process, the ancestor of all others.
 constexpr ProcessId firstOrdinaryId = 2;
 
 using Children = std::unordered_map<ProcessId, std::vector<ProcessId>>;
@@ -62,7 +62,7 @@ std::map<ProcessId, std::uint64_t> footprints(const Kernel& kernel,
             group->second.insert(process.id);
     }
 
-    // A helper of two applications is looked at once.
+    // A helper shared by two applications is read only once.
     std::unordered_map<ProcessId, std::uint64_t> figures;
     std::map<ProcessId, std::uint64_t> sums;
     for (const auto& [id, group] : groups) {

@@ -80,7 +80,7 @@ Moment momentOf(const QuitController& controller) {
         return Moment::backupFailed;
     if (is<phases::Ejecting>(phase))
         return Moment::ejecting;
-    // A run that had nothing to ask has begun, though its phase has not.
+    // A run without any targets has begun, but never set a phase.
     if (controller.isRunning())
         return Moment::quitting;
     return is<phases::Done>(phase) ? Moment::done : Moment::idle;

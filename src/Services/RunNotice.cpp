@@ -79,7 +79,7 @@ RunNotice::Subject RunNotice::subject() const {
     return subject;
 }
 
-// A reason may come and go with every look at the application: only one that was missing is news.
+// Reasons may come and go with every look at an application: only a reason not told yet is news.
 bool RunNotice::isNews() const {
     const Subject now = subject();
     return !isShown_ || now.apps != told_.apps || now.action != told_.action ||
@@ -155,7 +155,7 @@ Notice::Content RunNotice::aboutBackup() const {
             .stays = true};
 }
 
-// A click may have been meant for what was there a moment ago, in another phase.
+// A click may have been meant for what was shown a moment ago, in another phase.
 void RunNotice::answer(const std::string& button) {
     using RunAnswers::Word;
     const auto isMeant = [&](const char* id, Word word) {
@@ -179,7 +179,7 @@ void RunNotice::showFirst() {
         onShow();
 }
 
-// The desktop takes a notice away when one of its buttons is pressed: the question comes back.
+// The desktop removes a notice when one of its buttons is pressed, so the question is shown again.
 void RunNotice::goOn() {
     if (controller_.mainLoop().uptime() - toldAt_ >= readingTime) {
         controller_.resolveBackupFailure(QuitController::FailureChoice::goOn);

@@ -63,7 +63,7 @@ void ScheduleNotice::show(std::string title, std::string text,
                   .stays = true});
 }
 
-// Whatever the user did elsewhere, or time, has made what is shown untrue.
+// The notice may have become outdated by time or by something the user did elsewhere.
 void ScheduleNotice::follow() {
     const bool isTrue =
         told_ == controller_.schedule.get() && isQuestion_ == controller_.awaitingConfirmation;
@@ -101,7 +101,7 @@ void ScheduleNotice::answer(const std::string& button) {
     else if (RunAnswers::isTaken(Word::confirmSchedule, moment))
         controller_.confirmScheduledQuit();
     else
-        ask(); // the desktop has taken the question away with the press
+        ask(); // the desktop removed the question with the press
 }
 
 } // namespace velmorquit

@@ -21,7 +21,7 @@ std::string textOf(const Value::Data& data) {
     return text;
 }
 
-/// How a type is stored. What is read is none where it is no such value.
+/// How a type is stored. Reading gives none for anything that isn't such a value.
 template <class T> struct Stored {
     static std::optional<T> read(const Value& stored) {
         const T* value = stored.as<T>();

@@ -41,7 +41,7 @@ std::string unknownLine(const std::vector<std::string>& unknown) {
                                            : "Velmor Quit: argomenti sconosciuti, li ignoro:";
     for (const std::string& argument : unknown)
         line += ' ' + argument;
-    // It is one line whatever is in them.
+    // It must remain one line whatever the arguments contain.
     constexpr unsigned char firstPrintable = 0x20;
     constexpr unsigned char deletion = 0x7F;
     std::ranges::replace_if(

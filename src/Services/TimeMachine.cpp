@@ -25,7 +25,7 @@ const Type* entry(const Value::Dictionary& dictionary, const std::string& key) {
 std::optional<double> numberIn(std::string_view text) {
     if (text.starts_with('+') && !text.starts_with("+-"))
         text.remove_prefix(1);
-    // Words such as "inf" are numbers to the parser.
+    // The parser would also accept words such as "inf".
     if (text.empty() || text.find_first_not_of("0123456789.-+eE") != std::string_view::npos)
         return std::nullopt;
     double number = 0;
@@ -44,18 +44,18 @@ std::optional<double> numberAt(const Value::Dictionary& dictionary, const std::s
     return std::nullopt;
 }
 
-/// What stands for per cent comes as well.
+/// Some values are in per cent.
 std::optional<double> fractionOf(double progress) {
     if (progress < 0)
         return std::nullopt;
     return std::min(progress > 1 ? progress / 100 : progress, 1.0);
 }
 
-/// The instant at which the user's clock shows these figures, the first of two; none when there is
-/// no such day or time.
+/// The instant at which the user's clock shows these figures, the earlier one of two; none when
+/// there is no such day or time.
 std::optional<WallTime> localTime(const std::tm& figures) {
     std::optional<std::time_t> earliest;
-    // Where the clock is set back the same figures come once with and once without daylight saving.
+    // Where the clock is set back, the same figures occur with and without daylight saving.
     for (const int daylightSaving : {1, 0}) {
         std::tm shown = figures;
         shown.tm_isdst = daylightSaving;
@@ -71,7 +71,7 @@ std::optional<WallTime> localTime(const std::tm& figures) {
     return dateAt(std::chrono::sys_seconds(std::chrono::seconds(*earliest)));
 }
 
-/// "2026-03-02-081500"; the first such stamp counts, whether or not it is a date.
+/// "2026-03-02-081500". Only the first such stamp counts, even if it is no valid date.
 std::optional<WallTime> dateIn(const std::string& output) {
     static const std::regex stamp(R"((\d{4})-(\d{2})-(\d{2})-(\d{2})(\d{2})(\d{2}))");
     std::smatch found;

@@ -81,7 +81,7 @@ std::shared_ptr<ActionRunner::Job> ActionRunner::jobOf(const Job& job) const {
     return *std::ranges::find(jobs_, &job, [](const auto& one) { return one.get(); });
 }
 
-// The job goes with that, and what it was asked of may perform the next one.
+// The job is destroyed before it answers: the listener may perform the next one.
 void ActionRunner::tell(Job& job, const ActionAnswer& answer) {
     const Answered answered = std::move(job.answered);
     jobs_.remove(jobOf(job));

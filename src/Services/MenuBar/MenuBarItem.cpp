@@ -48,8 +48,8 @@ void MenuBarItem::hear(const StatusItem::Click& click) {
         opening_ = loop_.after(pressDelay, [this] { openAfterPress(); });
 }
 
-// The press that closed the panel is either that of the click, which then has had its effect, or
-// one before it.
+// The press that closed the panel either is this click, which has then had its effect, or came
+// before it.
 void MenuBarItem::openAfterPress() {
     if (!surroundings_.popover.wasClosedByLastPress())
         showPopover();
@@ -88,7 +88,7 @@ void MenuBarItem::popoverDidClose() {
         onPopoverClose();
 }
 
-// It is kept in mind before the panel opens: a start that fails over that isn't tried again.
+// Stored before the panel opens, so that a start that fails while opening it isn't repeated.
 void MenuBarItem::welcome() {
     if (surroundings_.settings.didShowWelcome)
         return;
@@ -101,7 +101,7 @@ void MenuBarItem::quitAll(PowerAction then) {
     showPopover();
 }
 
-// A menu that was made a while ago may offer what isn't offered any more.
+// An older menu may offer what is no longer available.
 void MenuBarItem::reopen() {
     if (RunAnswers::isTaken(RunAnswers::Word::reopen,
                             RunAnswers::momentOf(surroundings_.controller)))

@@ -22,8 +22,8 @@ void noteEjected(std::vector<std::string>& notes, const ExternalDrives::Ejected&
 
 } // namespace
 
-// A listener may begin the next run only after the result is on show: until then the phase is that
-// of this one.
+// A listener may begin the next run only once the result is on show; until then the phase still
+// belongs to this run.
 Task<> QuitRun::follow(PowerAction planned) {
     stage_ = Stage::following;
     RunStatus& status = surroundings_.status;
@@ -62,7 +62,7 @@ Task<> QuitRun::follow(PowerAction planned) {
     sleepHold_.reset();
 }
 
-/// False when the run ends with it.
+/// False when the run ends with the backup.
 Task<bool> QuitRun::backUp(std::vector<std::string>& notes) {
     Task<BackupStep::Outcome> backingUp = backup_->run();
     const BackupStep::Outcome outcome = co_await backingUp;
@@ -104,7 +104,7 @@ void QuitRun::waitForChoice(const std::string& reason) {
 }
 
 Task<> QuitRun::eject(std::vector<std::string>& notes) {
-    // What the user had begun to eject before has a result of its own.
+    // Drives that the user began to eject before the run are reported separately.
     while (surroundings_.options.isEjectingAlone())
         co_await sleep(pollInterval);
     isEjecting_ = true;
@@ -117,7 +117,7 @@ Task<> QuitRun::eject(std::vector<std::string>& notes) {
     noteEjected(notes, ejected);
 }
 
-/// Ends the session in the way that was planned, unless that is dropped before.
+/// Ends the session as planned, unless the action is dropped before.
 Task<> QuitRun::act(PowerAction action) {
     if (action_ != PowerAction::none)
         desktop_.loginWindow.announce(*loginRequest(action));
@@ -128,8 +128,8 @@ Task<> QuitRun::act(PowerAction action) {
         surroundings_.status.unattended ? Attendance::unattended : Attendance::attended;
     perform(action, {.attendance = attendance, .comesLate = isLate_}, desktop_.loginWindow,
             desktop_.log);
-    // The session's end holds off sleep from here on. A pending schedule takes its own hold again
-    // if that doesn't come.
+    // The session's end holds off sleep from here on. If it doesn't come, a pending schedule takes
+    // its own hold again.
     sleepHold_.reset();
     surroundings_.letSleep();
 }

@@ -15,7 +15,7 @@ namespace {
 constexpr Duration progressInterval = 1s;
 constexpr Duration betweenReadings = 2s;
 constexpr int mostReadings = 10;
-/// The clocks of the program and of the tool's records need not be the same.
+/// The program's clock and that of the tool's records may differ.
 constexpr Duration tolerance = 5s;
 
 struct Records {
@@ -42,14 +42,14 @@ Task<BackupStep::Outcome> BackupStep::run() {
     co_await watching;
     if (!stop_ && process->status() != 0)
         co_return failure(*process);
-    // The tool has ended well; what counts is that the backup is on record.
+    // The tool has ended well, but only a backup that is on record counts.
     Task<bool> waiting = waitForRecord(started);
     if (co_await waiting)
         co_return Outcome{End::completed};
     if (!stop_)
         co_return failure(*process);
 
-    // The request that was noticed counts, whatever else is said while the tool stops.
+    // The first request counts, whatever the user says while the tool is stopping.
     const BackupStop how = *stop_;
     OffMain stopping([&children = desktop.children, tool = desktop.backupTool] {
         TimeMachine::stopBackup(children, tool);
@@ -59,7 +59,7 @@ Task<BackupStep::Outcome> BackupStep::run() {
     co_return Outcome{how == BackupStop::cancel ? End::cancelled : End::skipped};
 }
 
-/// Tells how far the backup is: each quarter that is passed once, the last one never.
+/// Reports how far the backup is: each quarter once as it is passed, except the last.
 Task<> BackupStep::watch(const ChildProcess& process) {
     int lastQuarter = 0;
     while (process.isRunning()) {
@@ -83,7 +83,7 @@ Task<> BackupStep::watch(const ChildProcess& process) {
     }
 }
 
-/// True when the backup is on record, false when it isn't after all patience or when it is stopped.
+/// True when the backup is on record; false when it isn't after all retries, or when stopped.
 Task<bool> BackupStep::waitForRecord(WallTime started) {
     for (int reading = 0; reading < mostReadings && !stop_; ++reading) {
         OffMain looking(

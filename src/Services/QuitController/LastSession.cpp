@@ -25,7 +25,7 @@ void LastSession::remember(const std::vector<OpenApp>& closed) {
     for (const OpenApp& app : closed) {
         const auto path = app.app->bundlePath();
         SavedApp record{app.name, path.value_or(std::string())};
-        // Several processes may have been the windows of one application.
+        // One application may have run as several processes.
         if (!path || !SavedApps::canBeStored(record)) {
             if (std::ranges::find(lost, app.name) == lost.end())
                 lost.push_back(app.name);
@@ -35,7 +35,7 @@ void LastSession::remember(const std::vector<OpenApp>& closed) {
     }
     if (!closed.empty())
         closedForGood = std::move(lost);
-    // A run that closed nothing takes nothing away from what can be brought back.
+    // A run that closed nothing must not discard what can still be reopened.
     if (saved.empty())
         return;
     settings_.lastSession.store(saved);

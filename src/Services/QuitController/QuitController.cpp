@@ -44,7 +44,7 @@ void QuitController::stopLiveUpdates() { refreshTimer_.reset(); }
 void QuitController::begin(PowerAction action, Attendance attendance) {
     if (isRunning())
         return;
-    // An earlier run may be about to end the session: it gives way to this one.
+    // An earlier run that is about to end the session gives way to this one.
     run_.reset();
     run_.emplace(desktop_,
                  QuitRun::Surroundings{.applications = *this,

@@ -10,12 +10,12 @@ namespace velmorquit {
 QuitRun::QuitRun(const Desktop& desktop, Surroundings surroundings, PowerAction action,
                  Attendance attendance)
     : desktop_(desktop), surroundings_(std::move(surroundings)), action_(action) {
-    // What an earlier run has asked of the session gives way to this one.
+    // A session end requested by an earlier run gives way to this one.
     desktop_.loginWindow.cancel();
     holdSleep();
     surroundings_.refresh();
     surroundings_.status.begin(action, attendance == Attendance::unattended);
-    // Of the wait it is not known how long it was.
+    // After sleep nobody can tell how long the wait has been.
     waking_ = desktop_.loop.observe(ClockEvent::woke, [this] { isLate_ |= waiting_.isSet(); });
     targets_.emplace(desktop_.loop, surroundings_.applications,
                      surroundings_.applications.quittable());
@@ -75,7 +75,7 @@ void QuitRun::look(std::vector<OpenApp> running) {
     surroundings_.status.stubborn = std::move(running);
 }
 
-// Nobody is there at night: the computer would fall asleep in the middle of the run.
+// With nobody there, the computer would fall asleep in the middle of the run.
 void QuitRun::holdSleep() {
     if (!sleepHold_.isSet())
         sleepHold_ = desktop_.sleepHold.begin(localized("Velmor Quit sta chiudendo le app"));
@@ -111,8 +111,8 @@ void QuitRun::finishAsking(AfterSteps steps) {
     targets_->stopAsking();
     const std::vector<OpenApp> closed = targets_->closed();
     result_ = RunTargets::resultOf(closed);
-    // Before the refresh: that and all that follows may take long, and may be the last thing that
-    // this session sees.
+    // Before the refresh: it and the steps that follow may take long, and the session may end
+    // with them.
     surroundings_.lastSession.remember(closed);
     surroundings_.status.stubborn = {};
     surroundings_.status.stayReasons = {};

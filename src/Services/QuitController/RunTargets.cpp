@@ -37,15 +37,15 @@ RunResult RunTargets::resultOf(const std::vector<OpenApp>& closed) {
     return result;
 }
 
-/// A run begins with what is known at that moment. What is asked, remembered and shown goes by what
-/// is known by now.
+/// The run began with the identities known then; asking, remembering and showing go by those known
+/// now.
 void RunTargets::renew() {
     for (OpenApp& target : list_)
         target.renew();
 }
 
 bool RunTargets::isSpared(const OpenApp& target) const {
-    // One that is known by now for what the user doesn't see isn't on the user's list.
+    // By now it is known as something the user doesn't see, so it isn't on the user's list either.
     const bool isHidden = target.app->isIdentitySettled() &&
                           target.app->activationPolicy() == ActivationPolicy::accessory &&
                           target.app->obstacle();
@@ -53,16 +53,16 @@ bool RunTargets::isSpared(const OpenApp& target) const {
            (applications_.isExcluded(target) || isHidden);
 }
 
-// An application that has only just shown itself may turn out to be one that the user excludes: it
-// is asked as soon as it is known for good, which is long before the grace period ends. One that
-// has been asked can't be spared any more.
+// An application that has only just appeared may turn out to be one that the user excludes, so it
+// is asked once its identity is certain, which is long before the grace period ends. One that has
+// been asked can no longer be spared.
 bool RunTargets::ask() {
     renew();
     const auto spared =
         std::erase_if(list_, [this](const OpenApp& target) { return isSpared(target); });
     for (const OpenApp& target : list_) {
         const bool isRegular = target.app->activationPolicy() == ActivationPolicy::regular;
-        // Between two windows it isn't asked: one that has none for long is asked otherwise.
+        // Not while it is between two windows; one that stays without is asked differently later.
         if (target.app->isIdentitySettled() && unsettled_.erase(target.id) > 0 &&
             !(isRegular && target.app->terminate(AskedBy::run)))
             hindered_.insert_or_assign(target.id, std::nullopt);
@@ -80,8 +80,8 @@ void RunTargets::noteWindowless(const std::vector<OpenApp>& running) {
 }
 
 // Some close their windows and go on in the tray or in the background. They still have to quit, and
-// may understand being told so. They have the grace period to end what they are doing: most are
-// gone by themselves.
+// may understand a request to do so. During the grace period they may finish what they are doing:
+// most end by themselves.
 void RunTargets::askWindowless(const std::vector<OpenApp>& running) {
     for (const OpenApp& app : running) {
         const auto found = windowlessSince_.find(app.id);
@@ -93,11 +93,11 @@ void RunTargets::askWindowless(const std::vector<OpenApp>& running) {
     }
 }
 
-// What stood in the way may be gone between two commands only, and the user may be about to begin
-// something there.
+// The obstacle may be gone only between two commands, and the user may be about to type the next
+// one.
 bool RunTargets::isFree(const OpenApp& app, Uptime now) const {
     const auto used = app.app->lastUsed();
-    // What is in the way at the very beginning may be a prompt's helper.
+    // An obstacle at the very beginning may be no more than a helper of the prompt.
     const bool isInUse = now > beginningUntil_ && used && now - *used < restBeforeAsking;
     return !isInUse && !applications_.isExcluded(app) && !app.app->obstacle() &&
            app.app->activationPolicy() == ActivationPolicy::regular;

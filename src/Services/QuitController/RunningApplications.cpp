@@ -66,7 +66,7 @@ std::vector<OpenApp> RunningApplications::quittable() const {
 }
 
 void RunningApplications::toggleExclusion(const OpenApp& app) {
-    // What the user saw and meant to change.
+    // The user means to change the state on the screen, which another program may have changed.
     const bool wasExcluded = isExcluded(app);
     settings_.refresh();
     takeOverExclusions();
@@ -91,7 +91,7 @@ bool RunningApplications::includeAgain(const std::string& key) {
     return true;
 }
 
-/// The list is stored as a whole: what another program has added to it by now is part of it.
+/// The list is stored as a whole, so entries that another program has added must be in it.
 void RunningApplications::storeExclusions(std::set<std::string> keys) {
     settings_.excludedApps.store(keys);
     excluded = std::move(keys);

@@ -11,17 +11,17 @@ namespace velmorquit {
 
 namespace {
 
-/// What is left when the user is alerted.
+/// The remaining times at which the user is alerted.
 constexpr std::array<Duration, 2> warningMarks{60s, 30s};
-/// From here on every second is told.
+/// With this much left, every second is told.
 constexpr Duration finalCountdown = 10s;
 constexpr Duration tickInterval = 1s;
-/// So long it takes at most until a clock that somebody sets is noticed where nobody tells of it.
+/// The longest time until a change of the clock is noticed on systems that don't tell of it.
 constexpr int mostTicksSkipped = 60;
-/// How late a run may still begin by itself when the computer wakes.
+/// How late a run may still begin unasked when the computer wakes.
 constexpr Duration mostLate = 120s;
 
-/// What is left at the next moment at which anything happens.
+/// The remaining time at the next moment when something happens.
 Duration nextThreshold(Duration remaining) {
     for (const Duration mark : warningMarks) {
         if (remaining > mark)
@@ -67,8 +67,8 @@ void Scheduler::tickAtNextSecond() {
         tickAfter(1);
 }
 
-// Ticks fall on whole seconds since the schedule was set. Those at which nothing happens are left
-// out, so that a schedule for the night doesn't wake the machine every second of the day.
+// Ticks fall on whole seconds since the schedule was set. Those without anything to do are skipped,
+// so that a schedule for the night doesn't wake the machine every second of the day.
 void Scheduler::tickWhenNeeded(Duration remaining) {
     if (remaining <= finalCountdown) {
         tickAfter(1);
@@ -125,7 +125,7 @@ void Scheduler::meetDeadline() {
         return;
     }
     const PowerAction action = schedule.get()->action;
-    // Until the run has one of its own.
+    // Bridges the time until the run holds sleep off itself.
     const Handle hold = std::move(sleepActivity_);
     cancelSchedule();
     surroundings_.begin(action, Attendance::unattended);
@@ -136,7 +136,7 @@ void Scheduler::postponeSchedule(int minutes) {
         return;
     const WallTime now = desktop_.loop.now();
     const WallTime date = schedule.get()->date;
-    // What is put off again and again, by whomever, is not put off for ever.
+    // Callers can't postpone it for ever by asking again and again.
     constexpr auto furthest = std::chrono::hours(7 * 24);
     const WallTime later = std::max(now, date) + std::chrono::minutes(minutes);
     scheduleQuit(std::max(date, std::min<WallTime>(later, now + furthest)), schedule.get()->action);

@@ -20,7 +20,7 @@ std::string questionOf(const RemoteCaller& caller, const std::string& what) {
 
 } // namespace
 
-// What nobody has thought of is not done for everybody.
+// Commands that nobody has classified are not open to everybody.
 bool CallerQuestion::isAbout(const RemoteCommand& command) {
     const remote::Meaning* const meaning = remote::meaningOf(command);
     return !meaning || meaning->request;
@@ -51,7 +51,7 @@ std::optional<RemoteAnswer> CallerQuestion::consider(const RemoteCommand& comman
                                   "sullo schermo, e lo esegue solo dopo un sì.")};
 }
 
-// Withdrawing answers as well: the question has been closed by then.
+// The question is over before it is withdrawn, since withdrawing may answer it as well.
 void CallerQuestion::hear(unsigned question, bool isWanted) {
     if (question != question_ || !agreed_)
         return;
@@ -63,7 +63,7 @@ void CallerQuestion::hear(unsigned question, bool isWanted) {
         agreed();
         return;
     }
-    // What was weeks ago says nothing of who asks today.
+    // A refusal weeks ago says nothing about a caller today.
     if (quietUntil_ && loop_.uptime() - *quietUntil_ > 2 * longestRest)
         nextRest_ = rest;
     quietUntil_ = loop_.uptime() + nextRest_;

@@ -58,7 +58,7 @@ void ChangeFeed::announceSchedule() {
     announce(changes::Scheduled{knownSchedule_});
 }
 
-/// How soon a scheduled run begins.
+/// Tells how soon a scheduled run begins.
 void ChangeFeed::announceAttention() {
     const auto& schedule = controller_.schedule.get();
     if (!schedule)
@@ -88,7 +88,7 @@ void ChangeFeed::announceApps() {
     }
 }
 
-/// The list of open applications doesn't change any more when one of these ends.
+/// When one of these ends, the list of open applications no longer changes.
 void ChangeFeed::announceEnds() {
     for (const OpenApp& app : windowless_) {
         if (app.app->isTerminated())
@@ -97,7 +97,7 @@ void ChangeFeed::announceEnds() {
     std::erase_if(windowless_, [](const OpenApp& app) { return app.app->isTerminated(); });
 }
 
-/// Told when the list changes, or why somebody is on it, once for both.
+/// Told once, both for a change of the list and for new reasons.
 void ChangeFeed::announceStubborn() {
     auto stubborn = source_.stubborn();
     if (stubborn == knownStubborn_)

@@ -26,7 +26,7 @@ RemoteAnswer ExclusionCommands::exclude(const std::string& name) {
     return apps.empty() ? refused(AppNames::noneIsOpen(name)) : set(name, apps, true);
 }
 
-// A stored key is meant before an application that is called alike.
+// A stored key takes precedence over an application with that name.
 RemoteAnswer ExclusionCommands::include(const std::string& name) {
     if (controller_.includeAgain(name))
         return done(told(name, false));
@@ -44,8 +44,8 @@ RemoteAnswer ExclusionCommands::set(const std::string& name, const std::vector<O
     return done(told(apps.front().exclusionKey(), isExcluded));
 }
 
-/// One that doesn't run is known to a person as it was shown; one that does may be shortened as
-/// long as no other exclusion begins like that.
+/// Users know an application that isn't running by the name that was shown; the name of a running
+/// one may be shortened as long as no other exclusion begins the same way.
 RemoteAnswer ExclusionCommands::includeShown(const std::string& name) {
     const auto isOpenAs = [&](const std::string& key, auto fits) {
         return std::ranges::any_of(controller_.apps.get(), [&](const OpenApp& app) {

@@ -48,7 +48,7 @@ RunCommands::Meant RemoteControl::meantBy(const RemoteCommand& command) {
     return isByName ? run_.meant(command.arguments) : RunCommands::Meant();
 }
 
-/// What words like "force" and "confirm" are about, and those that are meant by name.
+/// Everything that words like "force" and "confirm" refer to, and the applications meant by name.
 std::string RemoteControl::situation(const std::vector<OpenApp>& meant) const {
     const auto& schedule = controller_.schedule.get();
     remote::Json seen{controller_.phase.get().index(),
@@ -60,7 +60,7 @@ std::string RemoteControl::situation(const std::vector<OpenApp>& meant) const {
     return seen.dump();
 }
 
-// The yes was to what was there when the question was put.
+// The user agreed to the situation at the time of the question, and to no other.
 void RemoteControl::perform(RemoteCommand command, const std::string& seen) {
     command.caller = {};
     const auto meant = meantBy(command);
@@ -117,7 +117,7 @@ RemoteAnswer RemoteControl::carryOut(Verb verb, const std::vector<std::string>& 
         return run_.forget();
     case Verb::show:
         return show(arguments);
-    // These are velmorctl's alone: they are in no command.
+    // Only velmorctl knows these: no command has them.
     case Verb::help:
     case Verb::version:
     case Verb::watch:

@@ -87,7 +87,7 @@ RemoteAnswer RunCommands::askAgain(const Words& name) {
     }
     if (apps.empty())
         return refused(localized(RunAnswers::noneStayed));
-    // Being asked twice is an answer to some: it is to be meant.
+    // Some take a second request as an answer, so it must be deliberate.
     const std::string names = AppNames::list(apps);
     if (name.empty() && apps.size() > 1)
         return refused(localized("Di' a quale: %@.", names));

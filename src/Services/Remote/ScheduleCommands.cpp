@@ -95,7 +95,7 @@ RemoteAnswer ScheduleCommands::cancel() {
     const bool hadSchedule = controller.schedule.get().has_value();
     controller.cancelSchedule();
     const bool hadAction = controller.cancelPowerAction();
-    // A run that has begun goes on.
+    // A run that has begun is not cancelled.
     if (hadAction)
         return said(remote::givenUpText());
     return said(hadSchedule ? localized(RunAnswers::scheduleCancelled)

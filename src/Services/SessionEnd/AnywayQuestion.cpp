@@ -8,7 +8,7 @@ namespace velmorquit {
 
 AnywayQuestion::AnywayQuestion(MainLoop& loop, LoginWindow& loginWindow, Duration readingTime)
     : loop_(loop), loginWindow_(loginWindow), readingTime_(readingTime) {
-    // Nobody may be looking when the request goes: the next one is another question.
+    // Nobody may be looking when the request ends; the next request needs a new question.
     following_ = loginWindow_.state.subscribe([this] {
         if (!loginWindow_.state->canBeForced)
             giveUp();

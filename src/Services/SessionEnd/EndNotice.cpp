@@ -44,7 +44,7 @@ void EndNotice::follow() {
     tell();
 }
 
-// Each new text may come up before the user's eyes again, so there is one only when it differs.
+// Each new text may pop up in front of the user again, so only a different one is shown.
 void EndNotice::tell() {
     telling_.reset();
     const EndState& state = loginWindow_.state;
@@ -61,7 +61,7 @@ void EndNotice::tell() {
     }
     const bool isComing = state.isComing();
     const std::string text = EndTexts::text(state);
-    // What was waited for has gone: that is worth no notice of its own.
+    // The wait is over: that alone needs no notice.
     if (text.empty() && !isShown_)
         return;
     std::vector<Notice::Button> buttons;
@@ -93,13 +93,13 @@ void EndNotice::show(const Notice::Content& content) {
         notice_.show(content);
 }
 
-// The desktop takes a notice away when one of its buttons is pressed.
+// The desktop removes a notice when one of its buttons is pressed.
 void EndNotice::showAgain() {
     shown_ = {};
     tell();
 }
 
-// A click may have been meant for what was there a moment ago.
+// A click may have been meant for what was shown a moment ago.
 void EndNotice::answer(const std::string& button) {
     using RunAnswers::Word;
     const RunAnswers::Moment moment = RunAnswers::momentOf(loginWindow_.state);

@@ -22,7 +22,7 @@ OpenWork::OpenWork(Windows& windows, const Processes& processes)
     watching_ = windows_.observe([this] { note(); });
 }
 
-/// Brings what is known of the programs in line with the display.
+/// Updates the programs from the windows on the display.
 void OpenWork::note() {
     for (auto& [id, program] : programs_)
         program.windows.clear();
@@ -54,7 +54,7 @@ void OpenWork::noteWindow(const OpenWindow& window) {
     stranger->windows.push_back(window);
 }
 
-/// An id whose process has ended may be that of another one by now.
+/// The id of a process that has ended may belong to another one by now.
 bool OpenWork::isSame(ProcessId id, const Program& program) const {
     return processes_.startOf(id) == program.start;
 }
@@ -84,7 +84,7 @@ OpenWork::Found OpenWork::ask(Uptime now, LoginRequest request, const SessionAcc
     return found;
 }
 
-// Whoever is asked may go on the spot, and what is known of it with it.
+// A program may go, and its entry with it, while it is being asked: hence the list of ids.
 void OpenWork::askAll(Uptime now) {
     std::vector<ProcessId> ids;
     for (const auto& [id, program] : programs_)
@@ -101,8 +101,8 @@ void OpenWork::askAll(Uptime now) {
     askStrangers();
 }
 
-// One that shows a question is left alone: some take being asked once more as an answer to it. One
-// that showed a window after it had gone on without any is as good as opened anew.
+// A program that shows a question is left alone: some take a second request as an answer to it. One
+// that shows a window again after being without counts as newly opened.
 void OpenWork::askWindows(Program& program) {
     const bool isAnew = !program.wasAsked || program.wasAskedWithoutWindows;
     program.windowlessSince.reset();
@@ -148,7 +148,7 @@ void OpenWork::askWindowless(ProcessId id, Program& program, Uptime now) {
     windows_.askWithoutWindows(id);
 }
 
-/// Looks at those that have no windows and whose time has come.
+/// Looks at the work of programs without windows that are due for a look.
 void OpenWork::measure(Uptime now) {
     std::set<ProcessId> due;
     for (const auto& [id, program] : programs_) {

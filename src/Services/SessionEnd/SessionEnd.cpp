@@ -22,8 +22,8 @@ bool canBePassedOver(const EndObstacle& obstacle) {
     return isOfWindows(obstacle) || obstacle.kind == Kind::work || obstacle.kind == Kind::inhibitor;
 }
 
-/// What a program says of its work may change while it is the same. Of one that holds something off
-/// nothing else is known.
+/// The description of a program's work may change while the obstacle remains the same. Inhibitors
+/// are told apart by it, since nothing else is known of them.
 bool isSame(const EndObstacle& one, const EndObstacle& other) {
     return one.kind == other.kind && one.name == other.name && one.process == other.process &&
            one.windows == other.windows &&
@@ -35,7 +35,7 @@ bool holds(const std::vector<EndObstacle>& list, const EndObstacle& wanted) {
                                [&](const EndObstacle& known) { return isSame(known, wanted); });
 }
 
-/// To a user who reads it, one that is called alike is the same.
+/// For a user who reads the list, equal names mean the same obstacle.
 bool isNamed(const std::vector<EndObstacle>& list, const EndObstacle& wanted) {
     return std::ranges::any_of(list, [&](const EndObstacle& known) {
         return known.kind == wanted.kind && known.name == wanted.name;
@@ -83,7 +83,7 @@ Duration SessionEnd::ahead() const {
     return surroundings_.loop.now().time_since_epoch() - surroundings_.loop.uptime().sinceStart;
 }
 
-// Whoever wakes the computer hours later doesn't expect it to be switched off.
+// A user who wakes the computer hours later doesn't expect it to be switched off.
 void SessionEnd::hearWakeUp() {
     if (!waiting_.isActive())
         return;
@@ -112,7 +112,7 @@ bool SessionEnd::cancel() {
     return isWaiting;
 }
 
-/// Nothing is waited for any more, or shown.
+/// Stops waiting, and shows nothing any more.
 void SessionEnd::end() {
     waiting_.cancel();
     asking_.reset();
@@ -143,8 +143,8 @@ EndOutlook SessionEnd::outlook(LoginRequest request) const {
                                                                     : EndOutlook::asks;
 }
 
-// What others say takes a while to come, and by then the windows may be others: so they are looked
-// at last, in the same turn in which the system is asked.
+// The answers of others take a while, and the windows may have changed by then: so windows are
+// checked last, in the same turn in which the system is told.
 Task<> SessionEnd::waitAndEnd() {
     for (bool isAccountWanted = true;;) {
         const Uptime now = surroundings_.loop.uptime();
@@ -171,7 +171,7 @@ Task<> SessionEnd::waitAndEnd() {
             refuse(std::exchange(refusal_, {}));
             co_return;
         }
-        // Nothing is done by a look of which one part is older than another.
+        // Only if no part of what was seen is older than another.
         if (next == Next::carryOut && form() == wait_.form) {
             carryOut();
             co_return;
@@ -182,7 +182,7 @@ Task<> SessionEnd::waitAndEnd() {
     }
 }
 
-/// What stands in the way for good is looked for before anybody is asked to close.
+/// Lasting obstacles are checked before any window is asked to close.
 SessionEnd::Next SessionEnd::consider(bool isAccountFresh) {
     if (const Next next = considerAccount(); next != Next::carryOut)
         return next;
@@ -264,9 +264,9 @@ SessionEnd::Next SessionEnd::considerWork(bool isAccountFresh) {
     return isAccountFresh ? Next::carryOut : Next::lookAgain;
 }
 
-/// Whatever comes to be named later is named as long.
+/// Mentions that come later are named for the full time as well.
 SessionEnd::Next SessionEnd::considerMentions(Uptime now) {
-    // By the time that the others have answered they may be due again.
+    // Reading the account anew may take so long that the mentions are due again.
     const bool haveJustLooked = std::exchange(wait_.haveJustLooked, false);
     if (!haveJustLooked && work_.areMentionsDue(now)) {
         work_.lookForMentions(now);
@@ -331,7 +331,7 @@ void SessionEnd::refuse(Obstacles obstacles) {
     publish(EndState::Stage::refused, std::move(obstacles));
 }
 
-/// Nothing is said any more of windows that the user has closed since.
+/// A refusal is dropped once the user has closed its windows.
 void SessionEnd::forgetRefusal() {
     const EndState& shown = state;
     if (shown.stage != EndState::Stage::refused ||
@@ -363,7 +363,7 @@ void SessionEnd::hear(const std::optional<std::string>& failure) {
     if (!request)
         return;
     if (!failure) {
-        // The user may have said no to a question of the system's.
+        // The user may have said no to a question that the system asked.
         telling_ = surroundings_.loop.after(underWayTime, [this] {
             if (state->stage == EndState::Stage::underWay)
                 become({});
