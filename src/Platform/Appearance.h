@@ -6,24 +6,24 @@
 
 namespace velmorquit {
 
-/// How the user has asked the desktop to look.
+/// The user's wishes for how the desktop looks.
 ///
-/// For the main thread, from memory: until the desktop has told, and where it doesn't, nothing is
-/// asked for.
+/// For the main thread, from memory: all false until the desktop has told, or where it doesn't
+/// tell.
 class Appearance {
 public:
     virtual ~Appearance() = default;
 
-    /// Text and controls are to stand out more than they usually do.
+    /// Text and controls should stand out more than usual.
     [[nodiscard]] virtual bool isHighContrast() const = 0;
 
-    /// Nothing is to move that needn't.
+    /// Avoid all unnecessary motion.
     [[nodiscard]] virtual bool isMotionReduced() const = 0;
 
-    /// The desktop is dark.
+    /// The desktop uses dark colours.
     [[nodiscard]] virtual bool isDark() const = 0;
 
-    /// Calls `changed` in a later turn whenever one of them changes.
+    /// Calls `changed` in a later turn whenever any of these changes.
     [[nodiscard]] virtual Handle observe(std::function<void()> changed) const = 0;
 };
 

@@ -7,7 +7,7 @@
 
 namespace velmorquit {
 
-/// The sound server's knowledge of who uses it.
+/// The processes that use the sound server.
 class AudioProcesses {
 public:
     virtual ~AudioProcesses() = default;

@@ -8,8 +8,8 @@
 
 namespace velmorquit {
 
-/// A program that was started and goes on by itself. It is not ended with this object. What it
-/// writes is taken off its hands all the time, so that it never has to wait for a reader.
+/// A running program that was started here; it lives on when this object is destroyed. Its output
+/// is read continuously, so it never has to wait for a reader.
 class ChildProcess {
 public:
     virtual ~ChildProcess() = default;
@@ -17,7 +17,7 @@ public:
     [[nodiscard]] virtual bool isRunning() const = 0;
     /// The exit status; 128 and the signal's number for one that a signal ended, 0 while it runs.
     [[nodiscard]] virtual int status() const = 0;
-    /// What it has written to standard error so far: the last 64 KiB of it.
+    /// The last 64 KiB that it has written to standard error so far.
     [[nodiscard]] virtual std::string errorOutput() const = 0;
 };
 
@@ -28,16 +28,16 @@ public:
 
     struct Result {
         int status = -1; ///< as in `ChildProcess`; -1 when it could not be started
-        /// All that it wrote to standard output; none when it could not be started, or was longer
-        /// than 16 MiB.
+        /// All that it wrote to standard output; none when it could not be started, or when that
+        /// was more than 16 MiB.
         std::optional<std::string> output;
     };
 
-    /// Runs a program to its end, its standard error unread. Blocks: never on the main thread.
+    /// Runs a program to its end and discards its standard error. Blocks: never on the main thread.
     [[nodiscard]] virtual Result run(const std::string& program,
                                      const std::vector<std::string>& arguments) = 0;
 
-    /// Starts a program, from the main thread and without waiting. A text says why it can't be.
+    /// Starts a program, from the main thread and without waiting. A text says why it failed.
     [[nodiscard]] virtual std::variant<std::shared_ptr<ChildProcess>, std::string>
     launch(const std::string& program, const std::vector<std::string>& arguments) = 0;
 };

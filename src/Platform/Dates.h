@@ -6,8 +6,8 @@
 
 namespace velmorquit {
 
-/// A second as a date, kept within the dates that there are: from 1677 to 2262. What others write
-/// may be any number.
+/// A second as a date, limited to those that can be represented: from 1677 to 2262. Figures from
+/// other programs may be anything.
 [[nodiscard]] inline WallTime dateAt(std::chrono::sys_seconds second) {
     using std::chrono::ceil;
     using std::chrono::floor;

@@ -18,7 +18,7 @@ class SystemLog;
 class Volumes;
 class Workspace;
 
-/// All that the program asks of a desktop. Whoever makes it outlives whoever is handed it.
+/// All that the program needs from a desktop. The members must outlive every user of it.
 struct Desktop {
     MainLoop& loop;
     Preferences& preferences;

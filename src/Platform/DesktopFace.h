@@ -9,8 +9,8 @@ class Screens;
 class TrayHosts;
 class WindowSystem;
 
-/// What the program's own windows and its icon ask of a desktop. Whoever makes it outlives whoever
-/// is handed it.
+/// All that the program's own windows and its icon need from a desktop. The members must outlive
+/// every user of it.
 struct DesktopFace {
     WindowSystem& windows;
     const Screens& screens;

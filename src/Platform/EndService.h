@@ -14,26 +14,26 @@ enum class EndForm {
     asking, ///< the session's own manager asks its user, who may still say no
 };
 
-/// Whoever ends the session or switches the computer off when it is told so.
+/// The service that ends the session or switches the computer off.
 class EndService {
 public:
     virtual ~EndService() = default;
 
-    /// Whether it is known by now who is there to be told. It becomes so within seconds of the
-    /// start, whatever happens.
+    /// Whether it is known yet which service there is. It becomes known within seconds of the
+    /// start, in any case.
     [[nodiscard]] virtual bool isReady() const = 0;
 
-    /// Why nothing here can do this, for the log; none when it can, or while it isn't ready. From
-    /// memory, returns at once.
+    /// Why no service here can do this, for the log; none when one can, or while it isn't ready.
+    /// From memory, returns at once.
     [[nodiscard]] virtual std::optional<std::string> obstacle(LoginRequest request,
                                                               EndForm form) const = 0;
 
-    /// Has it done, once it is ready: asked for once, never again. Returns at once; `onAnswered` is
-    /// called once, in a later turn.
+    /// Does it, once it is ready. The system is told only once, without retries. Returns at once;
+    /// `onAnswered` is called once, in a later turn.
     virtual void carryOut(LoginRequest request, EndForm form) = 0;
 
-    /// Called with why it failed, for the log; with none when it is under way, or when the user is
-    /// being asked. May be empty.
+    /// Called with the reason of a failure, for the log; with none when the end is under way, or
+    /// when the user is being asked. May be empty.
     std::function<void(const std::optional<std::string>& failure)> onAnswered;
 };
 

@@ -5,7 +5,7 @@
 
 namespace velmorquit {
 
-/// Files of others, to be looked at.
+/// Reads files of other programs.
 class Files {
 public:
     virtual ~Files() = default;

@@ -6,7 +6,7 @@
 
 namespace velmorquit {
 
-/// A picture, row by row from the top left, a pixel as 0xAARRGGBB that is not premultiplied.
+/// A picture, row by row from the top left; each pixel is 0xAARRGGBB, not premultiplied.
 struct Image {
     int width = 0;
     int height = 0;
@@ -15,8 +15,8 @@ struct Image {
     [[nodiscard]] bool isEmpty() const { return pixels.empty(); }
 };
 
-/// Where an application's icon is to be had. Whoever draws it takes the first that there is: the
-/// name in the icon theme, the file, the window's own picture, else the icon of any application.
+/// Sources of an application's icon. The first that exists is drawn: the name in the icon theme,
+/// the file, the window's own picture, or else a generic application icon.
 struct Icon {
     std::string name; ///< in the icon theme; empty without one
     std::string file; ///< absolute path; empty without one

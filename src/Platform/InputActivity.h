@@ -8,14 +8,14 @@
 
 namespace velmorquit {
 
-/// Whether anybody is at the computer.
+/// Tells whether anybody is using the computer.
 class InputActivity {
 public:
     virtual ~InputActivity() = default;
 
-    /// Calls `told` once, in a later turn, with the time since the session's last input by keyboard
-    /// or pointer; with none when nobody knows or says so within a second. Not called any more once
-    /// the handle has gone.
+    /// Calls `told` once, in a later turn, with the time since the session's last keyboard or
+    /// pointer input; with none when that is unknown or not answered within a second. Not called
+    /// once the handle is gone.
     [[nodiscard]] virtual Handle
     sinceLastInput(std::function<void(std::optional<Duration>)> told) = 0;
 };

@@ -11,8 +11,8 @@ class Localization {
 public:
     virtual ~Localization() = default;
 
-    /// The text for `key`, with the placeholders of the key still in it; none when the table has
-    /// none, and then the key itself is the text. Quick, on any thread.
+    /// The text for `key`, still with the key's placeholders; none when the table has no such key,
+    /// and the key itself is then the text. Quick, on any thread.
     [[nodiscard]] virtual std::optional<std::string> text(std::string_view key) const = 0;
 };
 

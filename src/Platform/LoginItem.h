@@ -5,24 +5,24 @@
 
 namespace velmorquit {
 
-/// Whether this program starts with the user's session, and why not.
+/// Whether this program starts with the user's session, or why not.
 enum class LoginItemStatus {
     notRegistered,
     enabled,
     requiresApproval, ///< the user has to allow it elsewhere first
-    notFound,         ///< it is registered, but what is to be started isn't there
+    notFound,         ///< it is registered, but the file to start is missing
     unknown,
 };
 
-/// The session's list of programs that start with it, as far as this program is concerned.
+/// This program's entry among those that start with the session.
 class LoginItem {
 public:
     virtual ~LoginItem() = default;
 
-    /// Puts the program on the list. None when that worked, else what went wrong, for the log.
+    /// Adds the program. None on success, else what went wrong, for the log.
     virtual std::optional<std::string> add() = 0;
 
-    /// Takes the program off the list; not being on it is no error. Returns as `add` does.
+    /// Removes the program; success if it isn't there. Returns like `add`.
     virtual std::optional<std::string> remove() = 0;
 
     [[nodiscard]] virtual LoginItemStatus status() const = 0;

@@ -11,21 +11,21 @@
 
 namespace velmorquit {
 
-/// What the session can be asked for.
+/// The ways in which the session can end.
 enum class LoginRequest { shutDown, restart, logOut };
 
-/// Whether somebody attends what is going on.
+/// Whether the user attends to what is happening.
 enum class Attendance { attended, unattended };
 
-/// What came before a request.
+/// The circumstances of a request.
 struct EndTerms {
     Attendance attendance = Attendance::attended;
-    /// So much time has passed since the user asked for it that they may be at something else now:
-    /// it is announced for a minute.
+    /// The user asked for it so long ago that they may be busy with something else by now: it is
+    /// announced for a minute.
     bool comesLate = false;
 };
 
-/// Something over which the session is not ended, or that is named before it is.
+/// Something that keeps the session from ending, or that is named before it ends.
 struct EndObstacle {
     enum class Kind {
         window,        ///< open, and asked to close
@@ -35,16 +35,16 @@ struct EndObstacle {
         inhibitor,     ///< says that the computer is needed
         otherUser,     ///< somebody else is logged in
         secondSession, ///< this user is logged in on a second screen
-        slept,         ///< the computer was asleep for long while it was waited for
+        slept,         ///< the computer was asleep for long during the wait
         unseen,        ///< not all windows can be seen
-        unknown,       ///< whoever keeps account of the sessions doesn't answer
-        tray,          ///< lives on in the tray: named, no more
-        job,           ///< a command that runs in no window: named, no more
+        unknown,       ///< the service that keeps account of the sessions doesn't answer
+        tray,          ///< lives on in the tray: only named
+        job,           ///< a command that runs in no window: only named
     };
 
     Kind kind = Kind::window;
     std::string name{};   ///< of a program or a user; empty where there is none
-    std::string detail{}; ///< what it says of itself; may be empty
+    std::string detail{}; ///< its description of itself; may be empty
     ProcessId process = 0;
     std::vector<std::uint64_t> windows{};
 
@@ -55,21 +55,21 @@ struct EndObstacle {
 struct EndState {
     enum class Stage {
         none,
-        waiting,  ///< for the obstacles; without any, for what is about to be gone
-        naming,   ///< it follows; the obstacles are only named
+        waiting,  ///< for the obstacles; if there are none, for something that is about to end
+        naming,   ///< it is about to come; the obstacles are only named
         underWay, ///< the system has been told
-        refused,  ///< it doesn't come, because of the obstacles
+        refused,  ///< it doesn't come because of the obstacles
         failed,   ///< the system refused, or didn't answer
     };
 
     Stage stage = Stage::none;
     LoginRequest request = LoginRequest::shutDown;
     std::vector<EndObstacle> obstacles{};
-    /// When it follows, by running time, where that is known.
+    /// When it comes, by running time, where that is known.
     std::optional<Uptime> at{};
-    /// Whether the user may say that it is to come over these very obstacles.
+    /// Whether the user may have it come over exactly these obstacles.
     bool canBeForced = false;
-    /// Tells this list of obstacles from any other one that is not empty.
+    /// Number that tells this list of obstacles from any other one that isn't empty.
     std::uint64_t list = 0;
 
     /// Whether it is still to come.
@@ -80,14 +80,14 @@ struct EndState {
     friend bool operator==(const EndState&, const EndState&) = default;
 };
 
-/// How a session would be ended.
+/// How a session would end.
 enum class EndOutlook {
     direct,  ///< once everything is closed
     asks,    ///< not all windows can be seen: the session's manager asks its user
     refused, ///< not all windows can be seen, and nobody could ask
 };
 
-/// Whoever ends sessions and switches the computer off.
+/// Ends sessions and switches the computer off.
 class LoginWindow {
 public:
     explicit LoginWindow(MainLoop& loop) : state(loop) {}
@@ -95,23 +95,23 @@ public:
     LoginWindow& operator=(const LoginWindow&) = delete;
     virtual ~LoginWindow() = default;
 
-    /// Asks for it. None when the request was taken, else why not, for the log. Returns at once:
-    /// what is still open is asked to close first and waited for, and when something stays the
-    /// request is given up; `state` tells. A request that is waiting is replaced by the next.
+    /// Requests the end. None when the request was taken, else the reason, for the log. Returns at
+    /// once: everything open is asked to close and waited for, and the request is given up if
+    /// something stays; `state` tells. A waiting request is replaced by the next.
     virtual std::optional<std::string> request(LoginRequest request, const EndTerms& terms) = 0;
 
-    /// Says that it will be asked for in a moment.
+    /// Announces a request that will follow in a moment.
     virtual void announce(LoginRequest request) = 0;
 
-    /// Gives up a request that is still waiting, and forgets one that was announced or refused;
-    /// false when none was waiting.
+    /// Gives up a waiting request, and forgets one that was announced or refused; false when none
+    /// was waiting.
     virtual bool cancel() = 0;
 
-    /// The user's word that the end is to come over the obstacles of that list, whatever is lost by
-    /// it. False when it is not their list any more, or may not be passed over.
+    /// The user has the end come over the obstacles of that list, whatever is lost. False when
+    /// that list is no longer the present one, or may not be passed over.
     virtual bool endAnyway(std::uint64_t list) = 0;
 
-    /// What a request would come to now, as far as that can be told.
+    /// What would become of a request now, as far as can be told.
     [[nodiscard]] virtual EndOutlook outlook(LoginRequest request) const = 0;
 
     Published<EndState, LoginWindow> state;

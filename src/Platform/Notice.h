@@ -6,8 +6,8 @@
 
 namespace velmorquit {
 
-/// A short message of the desktop's, in a corner of the screen. One at a time: a new one takes the
-/// last one's place. Every operation returns at once; where nobody shows notices, nothing happens.
+/// A short message in a corner of the screen, shown by the desktop, one at a time: a new one
+/// replaces the last. Every operation returns at once; without a notice service nothing happens.
 class Notice {
 public:
     struct Button {
@@ -18,9 +18,9 @@ public:
     };
     struct Content {
         std::string title;
-        std::string text; ///< as it is, without markup
+        std::string text; ///< plain text without markup
         std::vector<Button> buttons{};
-        /// It stays until it is answered or withdrawn, not for as long as the desktop thinks right.
+        /// It stays until answered or withdrawn, however long the desktop usually shows notices.
         bool stays = false;
     };
 
@@ -30,11 +30,11 @@ public:
     /// Takes away what is shown.
     virtual void withdraw() = 0;
 
-    /// Called with the id of the button that the user has pressed. May be empty.
+    /// Called with the id of the button that the user pressed. May be empty.
     std::function<void(const std::string& button)> onButton;
 
-    /// Called in a later turn when nobody can press the buttons of what is shown: nobody shows
-    /// notices, or those that are shown have no buttons. May be empty.
+    /// Called in a later turn when the shown buttons can't be pressed: there is no notice service,
+    /// or its notices have no buttons. May be empty.
     std::function<void()> onUnanswerable;
 };
 

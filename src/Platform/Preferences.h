@@ -11,26 +11,26 @@
 
 namespace velmorquit {
 
-/// The user's settings and small pieces of remembered state, kept across starts, by case-sensitive
-/// key.
+/// The user's settings and small pieces of remembered state, kept across starts under
+/// case-sensitive keys.
 class Preferences {
 public:
     virtual ~Preferences() = default;
 
-    /// What is stored under `key`, none when nothing is. Read from memory.
+    /// The value stored under `key`, none without one. Read from memory.
     [[nodiscard]] virtual std::optional<Value> object(std::string_view key) const = 0;
 
-    /// Stores `value`; it is kept when this returns. When it can't be kept (a full disk) the value
-    /// holds for as long as the program runs and a line in the log says so.
+    /// Stores `value`; it is saved when this returns. If it can't be saved (a full disk), the value
+    /// holds while the program runs and a line in the log says so.
     virtual void set(std::string_view key, Value value) = 0;
 
-    /// Forgets what is stored under `key`. Nothing stored is no error.
+    /// Removes the value under `key`, if there is one.
     virtual void remove(std::string_view key) = 0;
 
-    /// Takes over what another program has stored by now, instead of in a moment.
+    /// Takes over at once what other programs have stored.
     virtual void refresh() = 0;
 
-    /// Calls `changed` in a later turn after any change, by this program or by another one.
+    /// Calls `changed` in a later turn after any change, by this program or another.
     [[nodiscard]] virtual Handle observe(std::function<void()> changed) = 0;
 
     /// The Boolean under `key`; `fallback` when nothing or another type is stored there.

@@ -7,11 +7,11 @@
 
 namespace velmorquit {
 
-/// Whoever gave a command.
+/// The process that gave a command.
 struct RemoteCaller {
-    /// Whether it is shut in: it may not do by itself whatever the user may.
+    /// Whether it is sandboxed, and so may not do everything that the user may.
     bool isConfined = false;
-    /// What it goes by, for a person: letters, digits and a few signs. Empty when nobody knows.
+    /// Its name for the user: letters, digits and a few signs. Empty when unknown.
     std::string name{};
 };
 
@@ -22,35 +22,35 @@ struct RemoteCommand {
     RemoteCaller caller{};
 };
 
-/// What comes back: a JSON text, or what went wrong.
+/// The result: a JSON text, or what went wrong.
 struct RemoteAnswer {
     enum class Status {
-        done,    ///< `text` is the answer, as JSON
-        refused, ///< understood, but it can't be done now; `text` says why, for a person
-        unknown, ///< no such command or argument; `text` says which, for a person
-        asking,  ///< nothing is done until the user agrees; `text` says so, for a person
+        done,    ///< `text` is the result, as JSON
+        refused, ///< understood, but impossible now; `text` tells the user why
+        unknown, ///< no such command or argument; `text` tells the user which
+        asking,  ///< nothing happens until the user agrees; `text` says so
     };
     Status status = Status::done;
     std::string text;
 };
 
-/// The way by which other processes of the same user give commands and hear of changes.
+/// The channel by which other processes of the same user give commands and hear of changes.
 class RemoteCommands {
 public:
     virtual ~RemoteCommands() = default;
 
-    /// What takes the commands.
+    /// Receives the commands.
     struct Handler {
         std::function<RemoteAnswer(const RemoteCommand&)> answer;
-        /// Whether it matters whose command it is: `answer` gets the others without a caller.
+        /// Whether the caller matters for a command; others reach `answer` without one.
         std::function<bool(const RemoteCommand&)> mattersWhose;
     };
 
-    /// Starts handing commands over, on the main loop. False when there is no way in (no bus); the
+    /// Starts delivering commands, on the main loop. False when there is no channel (no bus); the
     /// program then does without.
     virtual bool serve(Handler handler) = 0;
 
-    /// Tells whoever listens of a change, as a JSON text. Nobody listening is no error.
+    /// Broadcasts a change, as a JSON text, to all listeners. Having none is no error.
     virtual void announce(std::string_view change) = 0;
 };
 

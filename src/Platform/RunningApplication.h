@@ -11,35 +11,35 @@
 
 namespace velmorquit {
 
-/// The number by which the system knows a process.
+/// The system's number for a process.
 using ProcessId = std::int32_t;
 
-/// How much of an application the user sees.
+/// How much of an application the user can see.
 enum class ActivationPolicy {
     regular,   ///< it has windows of its own that the user works with
-    accessory, ///< it runs, without such windows
+    accessory, ///< it runs without such windows
 };
 
-/// Why an application that was asked to quit is still there, as far as the desktop can see.
+/// Why an application that was asked to quit is still running, as far as the desktop can tell.
 enum class StayReason {
     unknown,
-    asking,        ///< it asks something on the screen: the user has to answer it
+    asking,        ///< it shows a question that the user has to answer
     windowless,    ///< it has closed its windows and goes on running
     cannotBeAsked, ///< there is no polite way to ask it
-    busyTerminal,  ///< a command runs in it that would be lost
-    notResponding, ///< it doesn't react to anything
+    busyTerminal,  ///< a command that would be lost runs in it
+    notResponding, ///< it doesn't react at all
     inTray,        ///< it has closed its windows and lives on in the tray
 };
 
-/// By whose word an application is asked to quit.
+/// Who wants an application to quit.
 enum class AskedBy {
-    run,  ///< all are asked: to one that was asked before, asking again may be an answer
-    user, ///< the user means this one
+    run,  ///< all are asked; some that were asked before take another request as an answer
+    user, ///< the user means this application
 };
 
-/// One application of the user's session, for as long as anybody asks about it: also after it
-/// ended. Its process id is never mistaken for that of a later process that was given the same
-/// number.
+/// One application of the user's session. The object stays valid for as long as it is held, also
+/// after the application has ended. Its process id is never mistaken for a later process with the
+/// same number.
 class RunningApplication {
 public:
     virtual ~RunningApplication() = default;
@@ -49,16 +49,16 @@ public:
     /// The name in the user's language, as valid UTF-8; none when nothing gives one.
     [[nodiscard]] virtual std::optional<std::string> localizedName() const = 0;
 
-    /// What identifies the application across starts; none when nothing does.
+    /// Identifies the application across starts; none when nothing does.
     [[nodiscard]] virtual std::optional<std::string> bundleIdentifier() const = 0;
 
-    /// Further identifiers and names under which the same process has shown itself, such as the
-    /// other parts of an office suite. They never hold the first identity.
+    /// Further identifiers and names of the same process, such as the other parts of an office
+    /// suite. The first identity is never among them.
     [[nodiscard]] virtual std::vector<std::string> otherIdentities() const = 0;
 
-    /// Whether its name, identifiers, file and icon stay as they are. An application that has only
-    /// just shown itself may become better known; what it was known by before is then among its
-    /// other identities.
+    /// Whether its name, identifiers, file and icon are final. An application that has only just
+    /// appeared may become better known; the identity that it had before is then among its other
+    /// ones.
     [[nodiscard]] virtual bool isIdentitySettled() const = 0;
 
     /// The file that starts the application; none when it is not known.
@@ -72,37 +72,37 @@ public:
 
     [[nodiscard]] virtual ActivationPolicy activationPolicy() const = 0;
 
-    /// Whether it has ended. A background service of the desktop has ended as an application when
-    /// its last window has closed, and the same service is a new application when it shows another.
+    /// Whether it has ended. A background service of the desktop counts as ended when its last
+    /// window closes, and as a new application when it shows another one.
     [[nodiscard]] virtual bool isTerminated() const = 0;
 
     /// Asks the application to quit as its own Quit command would, so that it can ask about unsaved
     /// work. One that has closed its windows and goes on running is asked in whatever other way it
-    /// understands. False when it was not asked, as there is no polite way: it is then left as it
-    /// is, as it is while there is an `obstacle`. A run leaves one alone that it has asked before
-    /// and that still shows its question, or that has not been used since: to some, being asked
-    /// twice means that what isn't saved may be lost. That counts as asked. Returns at once.
+    /// understands. False when there is no polite way, or while there is an `obstacle`: it is then
+    /// left as it is. A run doesn't ask again (which counts as asked) while the application shows
+    /// its question, or if it has not been used since: some take a second request to mean that
+    /// unsaved work may be lost. Returns at once.
     virtual bool terminate(AskedBy who) = 0;
 
-    /// What `terminate` has not said to it so far is not said any more.
+    /// Withdraws requests of `terminate` that have not been delivered yet.
     virtual void takeBack() = 0;
 
-    /// Why `terminate` would not ask it now; none when it would.
+    /// Why `terminate` would not ask it now; none if it would.
     [[nodiscard]] virtual std::optional<StayReason> obstacle() = 0;
 
-    /// When it had the keyboard last, by running time: now while it has it; none when it never had.
+    /// When it last had the keyboard, by running time: now while it has it; none if it never had.
     [[nodiscard]] virtual std::optional<Uptime> lastUsed() const = 0;
 
-    /// Why it is still there, once it was asked. To find out, it may be sent a short question,
-    /// whose answer (or its absence) counts the next time.
+    /// Why it is still there after being asked. To find out, it may be sent a short question whose
+    /// answer, or the lack of one, counts at the next call.
     [[nodiscard]] virtual StayReason stayReason() = 0;
 
-    /// Makes the process end, whatever it is doing. False when the system refuses; a process that
-    /// has ended already is no refusal. Returns at once; the end shows in `isTerminated`.
+    /// Forces the process to end, whatever it is doing. False when the system refuses; true for a
+    /// process that has already ended. Returns at once; the end shows in `isTerminated`.
     virtual bool forceTerminate() = 0;
 
-    /// Brings its windows to the front, or has its icon in the tray bring them. False when there is
-    /// nothing to bring.
+    /// Brings its windows to the front, if need be through its icon in the tray. False when there
+    /// is nothing to bring.
     virtual bool activate() = 0;
 };
 

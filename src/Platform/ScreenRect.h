@@ -2,8 +2,8 @@
 
 namespace velmorquit {
 
-/// A rectangle, in the toolkit's units and from the top left of the whole desktop where nothing
-/// else is said.
+/// A rectangle, in the toolkit's units and from the top left of the whole desktop unless stated
+/// otherwise.
 struct ScreenRect {
     int x = 0;
     int y = 0;

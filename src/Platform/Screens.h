@@ -18,35 +18,35 @@ struct ScreenPoint {
 
 struct Screen {
     ScreenRect frame;
-    ScreenRect usable; ///< without what is kept for panels
+    ScreenRect usable; ///< without the space reserved for panels
 
     friend bool operator==(const Screen&, const Screen&) = default;
 };
 
-/// The other way of counting: the engine's y grows upward and the toolkit's downward, both from the
-/// upper edge of the whole desktop. A rectangle's place is the corner at which it has the least x
+/// Converts between the engine's coordinates (y grows upward) and the toolkit's (downward), both
+/// from the upper edge of the whole desktop. A rectangle's position is its corner with the least x
 /// and y.
 [[nodiscard]] constexpr ScreenRect turned(const ScreenRect& area) {
     return {area.x, -area.y - area.height, area.width, area.height};
 }
 [[nodiscard]] constexpr ScreenPoint turned(ScreenPoint place) { return {place.x, -place.y}; }
 
-/// The screens that the desktop consists of, and the pointer on it, as the engine counts: y grows
-/// upward. For the main thread, from memory.
+/// The desktop's screens and its pointer, in the engine's coordinates: y grows upward. For the main
+/// thread, from memory.
 class Screens {
 public:
     virtual ~Screens() = default;
 
-    /// The desktop's main screen comes first. Empty where there is none.
+    /// The main screen first. Empty without screens.
     [[nodiscard]] virtual std::vector<Screen> all() const = 0;
 
-    /// Where the pointer is, as far as the desktop tells.
+    /// The pointer's position, as far as the desktop tells.
     [[nodiscard]] virtual ScreenPoint pointer() const = 0;
 
-    /// Calls `changed` in a later turn whenever a screen comes, goes, or becomes another.
+    /// Calls `changed` in a later turn whenever a screen is added, removed or changed.
     [[nodiscard]] virtual Handle observe(std::function<void()> changed) const = 0;
 
-    /// The one that the place is on, else the main one; without any an empty one.
+    /// The screen at that place, or else the main one; an empty one if there are none.
     [[nodiscard]] Screen at(ScreenPoint place) const {
         const std::vector<Screen> screens = all();
         for (const Screen& screen : screens) {

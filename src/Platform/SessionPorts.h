@@ -12,8 +12,8 @@ class SystemLog;
 class Windows;
 class Workspace;
 
-/// All that has to be known and asked before a session may end. Its maker outlives whoever is
-/// handed it.
+/// Everything that must be known and asked before a session may end. The members must outlive every
+/// user of it.
 struct SessionPorts {
     MainLoop& loop;
     SystemLog& log;

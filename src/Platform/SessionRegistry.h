@@ -10,29 +10,29 @@
 
 namespace velmorquit {
 
-/// Somebody's word that the computer is needed.
+/// A program's statement that the computer is needed.
 struct Inhibitor {
-    /// What it is held against. One that only asks for a moment's delay is none.
+    /// What it is meant to prevent. Inhibitors that only want a moment's delay aren't included.
     enum class Against {
         shutdown,   ///< switching the computer off
         sessionEnd, ///< the end of this user's session, and so switching it off as well
-        sleep,      ///< sleep, or what comes when nobody uses the computer
+        sleep,      ///< sleep, or whatever happens when the computer is idle
     };
 
     Against against = Against::sleep;
     std::string who;
     std::string why; ///< for a person; may be empty
-    /// Who holds it; 0 where somebody else keeps it on its behalf.
+    /// The process that holds it; 0 where another process keeps it on its behalf.
     ProcessId process = 0;
-    /// The application on whose behalf it is kept; empty when that isn't said.
+    /// The application on whose behalf it is held; empty when unknown.
     std::string application;
 
     friend bool operator==(const Inhibitor&, const Inhibitor&) = default;
 };
 
-/// What is known of the sessions on this computer.
+/// The state of the sessions on this computer.
 struct SessionAccount {
-    /// In the order in which they are kept, this program's own left out.
+    /// In the registry's order, without this program's own.
     std::vector<Inhibitor> inhibitors{};
     /// Users other than this one who are logged in, on a screen or a terminal; each once.
     std::vector<std::string> otherUsers{};
@@ -42,14 +42,14 @@ struct SessionAccount {
     friend bool operator==(const SessionAccount&, const SessionAccount&) = default;
 };
 
-/// Those who keep account of sessions and of what must not be interrupted.
+/// Keeps account of the sessions and of work that must not be interrupted.
 class SessionRegistry {
 public:
     virtual ~SessionRegistry() = default;
 
-    /// Calls `told` once, in a later turn: with the account at that time, or with none when whoever
-    /// keeps it did not answer within three seconds. Where nobody keeps one, it is empty. Not
-    /// called any more once the handle has gone.
+    /// Calls `told` once, in a later turn: with the present account, or with none if it wasn't
+    /// available within three seconds. Where nobody keeps an account, it is empty. Not called once
+    /// the handle is gone.
     [[nodiscard]] virtual Handle
     read(std::function<void(const std::optional<SessionAccount>&)> told) = 0;
 };

@@ -6,13 +6,13 @@
 
 namespace velmorquit {
 
-/// What keeps the computer from falling asleep by itself, because nobody uses it.
+/// Keeps an idle computer from falling asleep by itself.
 class SleepHold {
 public:
     virtual ~SleepHold() = default;
 
-    /// Holds sleep off for as long as the handle is held. `reason` is what a user reads who asks
-    /// what keeps the computer awake. Returns at once; where nobody can be asked nothing is held.
+    /// Holds sleep off for as long as the handle is held. `reason` is shown to users who look up
+    /// what keeps the computer awake. Returns at once; without a service nothing is held.
     [[nodiscard]] virtual Handle begin(const std::string& reason) = 0;
 };
 

@@ -7,11 +7,11 @@
 
 namespace velmorquit {
 
-/// Who shows tray icons.
+/// The kinds of tray.
 enum class TrayHost {
     none,
-    notifier, ///< one that draws the icons itself, from what programs tell it (StatusNotifierItem)
-    embedding ///< one that takes windows in (XEmbed)
+    notifier, ///< draws the icons itself, from data that programs give it (StatusNotifierItem)
+    embedding ///< embeds windows (XEmbed)
 };
 
 /// Which of them the desktop has.
@@ -19,15 +19,15 @@ class TrayHosts {
 public:
     virtual ~TrayHosts() = default;
 
-    /// A notifier where there are both. From memory.
+    /// The notifier if there are both. From memory.
     [[nodiscard]] virtual TrayHost present() const = 0;
 
-    /// Asks the one that takes windows in for that window of this program, which the toolkit has
-    /// made. Returns at once; nothing happens where there is none.
+    /// Asks the embedding tray to embed that window, which the toolkit has made for this program.
+    /// Returns at once; nothing happens without such a tray.
     virtual void takeIn(std::uint64_t window) const = 0;
 
-    /// Calls `changed` in a later turn when it changes, also when one was replaced by another of
-    /// its kind.
+    /// Calls `changed` in a later turn when it changes, also when a tray is replaced by another of
+    /// the same kind.
     [[nodiscard]] virtual Handle observe(std::function<void()> changed) const = 0;
 };
 

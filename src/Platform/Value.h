@@ -12,8 +12,8 @@
 
 namespace velmorquit {
 
-/// A value of the preferences store. Each type is itself: an integer 0 is no Boolean, a text no
-/// number.
+/// A value of the preferences store. Types are never converted: an integer 0 is no Boolean, a text
+/// no number.
 class Value {
 public:
     using Data = std::vector<std::byte>;
@@ -31,7 +31,7 @@ public:
     Value(Array array) : value_(std::move(array)) {}
     Value(Dictionary dictionary) : value_(std::move(dictionary)) {}
 
-    /// The value as a `T`, null when it is of another type.
+    /// The value as a `T`, null if it is of another type.
     template <class T> [[nodiscard]] const T* as() const { return std::get_if<T>(&value_); }
 
     friend bool operator==(const Value&, const Value&) = default;

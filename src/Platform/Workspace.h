@@ -14,23 +14,23 @@
 
 namespace velmorquit {
 
-/// What happens among the running applications.
+/// Kinds of changes among the running applications.
 enum class WorkspaceEvent {
-    launched,     ///< an application came, or showed its first window
+    launched,     ///< an application started, or showed its first window
     terminated,   ///< an application's process ended
-    activated,    ///< another application is in front now, or none of them any more
-    policyChanged ///< one that lives on showed or lost its last window, or is better known now
+    activated,    ///< another application came to the front, or none is there now
+    policyChanged ///< it goes on, but showed or lost its last window, or is better known now
 };
 
-/// A change of one of them.
+/// A change of one application.
 struct WorkspaceChange {
     WorkspaceEvent event;
-    ProcessId process; ///< whose it is; 0 when none of them is in front any more
+    ProcessId process; ///< of the application; 0 when none is in front any more
 
     friend auto operator<=>(const WorkspaceChange&, const WorkspaceChange&) = default;
 };
 
-/// All that were noticed in one turn.
+/// All changes noticed in one turn.
 using WorkspaceChanges = std::set<WorkspaceChange>;
 
 [[nodiscard]] inline bool hasAnyOf(const WorkspaceChanges& changes,
@@ -43,9 +43,9 @@ using WorkspaceChanges = std::set<WorkspaceChange>;
 /// Whether all windows of the session can be seen.
 enum class Sight {
     all,
-    noWindowList,   ///< nobody on this display lists its windows
-    incomplete,     ///< more windows than are looked at, or too few file descriptors for all
-    anotherDisplay, ///< the session has a display of another kind, whose windows aren't seen
+    noWindowList,   ///< no program on this display lists its windows
+    incomplete,     ///< too many windows to look at, or too few file descriptors for all
+    anotherDisplay, ///< the session has a display of another kind, whose windows can't be seen
 };
 
 /// The applications of the user's session.
@@ -53,30 +53,30 @@ class Workspace {
 public:
     virtual ~Workspace() = default;
 
-    /// All that run, those without windows too, in the system's own order, ended ones left out.
+    /// All running ones, also without windows, in the system's order.
     [[nodiscard]] virtual std::vector<std::shared_ptr<RunningApplication>>
     runningApplications() = 0;
 
-    /// How much of the session is seen now: where that is not all, nothing can be said to be
+    /// How much of the session can be seen now: unless that is all, nothing can be said to be
     /// closed.
     [[nodiscard]] virtual Sight sight() = 0;
 
-    /// The running application that the user worked with last; null when that is none of them.
+    /// The running application that the user worked with last; null if it isn't one of them.
     [[nodiscard]] virtual std::shared_ptr<RunningApplication> frontmostApplication() const = 0;
 
-    /// Calls `told` on the main loop after what happened, once for all that was noticed together.
+    /// Calls `told` on the main loop after changes, once for all that were noticed together.
     [[nodiscard]] virtual Handle observe(std::function<void(const WorkspaceChanges&)> told) = 0;
 
-    /// Starts the application of that file in the background: it is not brought to the front.
-    /// Returns at once; a failure is not told.
+    /// Starts the application of that file in the background, without bringing it to the front.
+    /// Returns at once; failures are not reported.
     virtual void open(const std::string& path) = 0;
 
-    /// The icon of the application that this file starts; an empty one when it has none. Never
-    /// null. Reads the file.
+    /// The icon of the application that this file starts; an empty one if it has none. Never null.
+    /// Reads the file.
     [[nodiscard]] virtual std::shared_ptr<const Icon> icon(const std::string& path) const = 0;
 
-    /// Exclusion keys that this system's own essential applications have, such as its file
-    /// managers: left running until the user says otherwise.
+    /// Exclusion keys of this system's essential applications, such as its file managers: they are
+    /// left running until the user decides otherwise.
     [[nodiscard]] virtual std::vector<std::string> defaultExclusions() const = 0;
 };
 

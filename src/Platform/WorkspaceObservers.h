@@ -9,14 +9,14 @@
 
 namespace velmorquit {
 
-/// Those who observe a workspace. A callback may lead to further changes, which are told at once.
+/// The observers of a workspace. A callback may cause further changes, which are told at once.
 class WorkspaceObservers {
 public:
     [[nodiscard]] Handle add(std::function<void(const WorkspaceChanges&)> told) {
         return subscribers_.add([changes = changes_, told = std::move(told)] { told(**changes); });
     }
 
-    /// Nothing is told where nothing has changed.
+    /// Does nothing without changes.
     void tell(const WorkspaceChanges& changes) {
         if (changes.empty())
             return;
@@ -27,7 +27,7 @@ public:
 
 private:
     Subscribers subscribers_;
-    /// The changes that are being told.
+    /// The changes being told at present.
     std::shared_ptr<const WorkspaceChanges*> changes_ =
         std::make_shared<const WorkspaceChanges*>(nullptr);
 };
