@@ -9,14 +9,14 @@ namespace velmorquit {
 /// Keeps something going (a timer, a subscription, work elsewhere) for as long as it is held.
 ///
 /// Destroying or resetting it ends that at once: the callback is never called afterwards. It may be
-/// reset from within its own callback, and it may outlive whatever gave it.
+/// reset from within its own callback, and it may outlive its source.
 class Handle {
 public:
-    /// Whatever gives handles.
+    /// Base class of everything that gives out handles.
     class Source {
     public:
         virtual ~Source() = default;
-        /// Ends what `id` stands for. An id that has ended already is no error.
+        /// Ends what `id` stands for; does nothing if that is already over.
         virtual void cancel(std::uint64_t id) noexcept = 0;
     };
 
@@ -40,7 +40,7 @@ public:
             source->cancel(id);
     }
 
-    /// True from being given until it is reset or moved from, also after what it stood for is over.
+    /// True until it is reset or moved from, even after what it stood for is over.
     [[nodiscard]] bool isSet() const { return id_ != 0; }
 
 private:

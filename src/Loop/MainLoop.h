@@ -7,10 +7,10 @@
 
 namespace velmorquit {
 
-/// What happens to the clocks.
+/// Events of the clocks.
 enum class ClockEvent {
-    woke,     ///< the computer was asleep: the clock on the wall went on, running time did not
-    corrected ///< somebody has set the clock on the wall
+    woke,     ///< the computer was asleep: the wall clock went on, running time did not
+    corrected ///< somebody has set the wall clock
 };
 
 /// The one thread on which all state lives, and its clocks.
@@ -20,13 +20,13 @@ class MainLoop {
 public:
     virtual ~MainLoop() = default;
 
-    /// What the clock on the wall says now.
+    /// The time by the wall clock.
     [[nodiscard]] virtual WallTime now() const = 0;
 
-    /// Running time now: what waits, grace periods and deadlines of polls are measured in.
+    /// Running time now, in which waits, grace periods and deadlines of polls are measured.
     [[nodiscard]] virtual Uptime uptime() const = 0;
 
-    /// Calls `work` in a later turn of the loop; what was posted first is called first.
+    /// Calls `work` in a later turn of the loop, in the order of posting.
     virtual void post(std::function<void()> work) = 0;
 
     /// Calls `work` once, when `delay` of running time has passed, never before the next turn.
@@ -34,15 +34,15 @@ public:
     [[nodiscard]] virtual Handle after(Duration delay, std::function<void()> work) = 0;
 
     /// Calls `work` at every multiple of `interval` (more than zero) from now on. A loop that was
-    /// held up calls it once for all the multiples that it missed.
+    /// held up calls it only once for all the multiples it has missed.
     [[nodiscard]] virtual Handle every(Duration interval, std::function<void()> work) = 0;
 
-    /// Calls `told` after each event of that kind, before any timer that is due by then. That
-    /// somebody has set the clock may be missed where the system doesn't tell.
+    /// Calls `told` after each event of that kind, before any timer that is due by then. Where the
+    /// system doesn't tell, a change of the clock may be missed.
     [[nodiscard]] virtual Handle observe(ClockEvent event, std::function<void()> told) = 0;
 
-    /// Calls `work` on another thread, then posts `done`. `work` owns all that it touches: it is
-    /// not interrupted when the handle is reset, only `done` is then not called any more.
+    /// Calls `work` on another thread, then posts `done`. `work` must own all that it touches:
+    /// resetting the handle doesn't interrupt it, but only prevents the call of `done`.
     [[nodiscard]] virtual Handle background(std::function<void()> work,
                                             std::function<void()> done) = 0;
 };

@@ -8,11 +8,11 @@
 
 namespace velmorquit {
 
-/// A field whose changes are told to subscribers. Members of `Owner` may write it, and all others
-/// read it; without an owner anybody may write it.
+/// A field that tells subscribers of its changes. Members of `Owner` may write it, everybody else
+/// may read it; without an owner anybody may write it.
 ///
-/// Telling happens in a later turn of the loop, once for all the changes of one turn, and
-/// subscribers read the value that is current then: nothing is ever called back from within an
+/// Subscribers are told in a later turn of the loop, once for all changes of one turn, and read the
+/// value that is current then: an assignment never calls back.
 /// assignment.
 template <class T, class Owner = void> class Published {
 public:
@@ -20,7 +20,7 @@ public:
     Published(const Published&) = delete;
     Published& operator=(const Published&) = delete;
 
-    /// A value that equals the present one is stored and told to nobody.
+    /// Assigning an equal value tells nobody.
     Published& operator=(T value)
         requires std::is_void_v<Owner>
     {
@@ -31,7 +31,7 @@ public:
     operator const T&() const { return value_; }
     const T* operator->() const { return &value_; }
 
-    /// Calls `told` in a later turn for the value there is, then after every change, until the
+    /// Calls `told` in a later turn for the present value, then after every change, until the
     /// handle is reset.
     [[nodiscard]] Handle subscribe(std::function<void()> told) const {
         return subscribers_.addAndTellFirst(loop_, std::move(told));

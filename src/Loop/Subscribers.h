@@ -9,15 +9,15 @@
 
 namespace velmorquit {
 
-/// Callbacks that hear of changes, at once or in a later turn of the loop. What `Told` says of
-/// them holds here as well.
+/// Callbacks that hear of changes, at once or in a later turn of the loop. The rules of `Told` hold
+/// here as well.
 class Subscribers {
 public:
     [[nodiscard]] Handle add(std::function<void()> told) {
         return list_->told.hear(std::move(told));
     }
 
-    /// Like `add`, and calls it for a first time in a later turn.
+    /// Like `add`, with a first call in a later turn.
     [[nodiscard]] Handle addAndTellFirst(MainLoop& loop, std::function<void()> told) {
         const auto shared = std::make_shared<const std::function<void()>>(std::move(told));
         loop.post([first = std::weak_ptr(shared)] {
@@ -30,7 +30,7 @@ public:
     /// Calls all of them now.
     void tell() { list_->told.tell(); }
 
-    /// Calls all of them in a later turn, once however often this is called until then.
+    /// Calls all of them in a later turn, only once for any number of calls of this until then.
     void tellLater(MainLoop& loop) {
         if (std::exchange(list_->isTelling, true))
             return;

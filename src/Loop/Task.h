@@ -13,13 +13,13 @@
 
 namespace velmorquit {
 
-/// What a coroutine that is a member function belongs to: it says which loop the coroutine runs on.
+/// The class of which a coroutine is a member function: it provides the coroutine's loop.
 template <class Owner>
 concept TaskOwner = requires(Owner& owner) {
     { owner.mainLoop() } -> std::convertible_to<MainLoop&>;
 };
 
-/// What all tasks of the loop have in common, whatever they return.
+/// The part of a task's promise that doesn't depend on its result.
 class TaskPromise {
 public:
     explicit TaskPromise(MainLoop& loop) : loop_(loop) {}
@@ -44,13 +44,13 @@ public:
 
     [[nodiscard]] MainLoop& loop() const { return loop_; }
 
-    /// Resumes the coroutine when `delay` has passed. The wait is kept here and not in the awaited
-    /// object, which has no destructor so: g++ 12 destroys such temporaries twice.
+    /// Resumes the coroutine when `delay` has passed. The wait is kept here instead of in the
+    /// awaited object, which thus needs no destructor: g++ 12 destroys such temporaries twice.
     void waitFor(Duration delay) {
         wait_ = loop_.after(delay, [this] { resume(); });
     }
 
-    /// Resumes the coroutine when `work` has been done elsewhere.
+    /// Resumes the coroutine when `work` has been done on another thread.
     void waitForWork(std::function<void()> work) {
         wait_ = loop_.background(std::move(work), [this] { resume(); });
     }
@@ -58,10 +58,10 @@ public:
     /// Resumes `other` when this coroutine has returned.
     void tellWhenDone(const TaskPromise& other) { waiting_ = other.token(); }
 
-    /// What tells, without holding the coroutine, whether it is still there.
+    /// Tells, without keeping the coroutine alive, whether it still exists.
     [[nodiscard]] std::weak_ptr<TaskPromise*> token() const { return token_; }
 
-    /// Goes on until the next suspension. The coroutine may be gone afterwards.
+    /// Runs until the next suspension. The coroutine may be gone afterwards.
     void resume() {
         const std::coroutine_handle<> coroutine = coroutine_;
         isRunning_ = true;
@@ -71,7 +71,7 @@ public:
             coroutine.destroy();
     }
 
-    /// Ends the coroutine: here, or at its next suspension while it runs.
+    /// Ends the coroutine: at once, or at its next suspension if it is running.
     void abandon() {
         if (isRunning_)
             isAbandoned_ = true;
@@ -93,7 +93,7 @@ private:
     bool isAbandoned_ = false;
 };
 
-/// What a task of that type leaves behind.
+/// Holds a task's result.
 template <class Result> class TaskResult {
 public:
     void return_value(Result value) { value_ = std::move(value); }
@@ -110,14 +110,14 @@ public:
 
 /// A coroutine on the main loop, owned by this handle.
 ///
-/// Its first step runs in a later turn, when the handle has been stored. Cancelling or destroying
-/// the handle ends the coroutine where it is suspended, its local objects destroyed; a coroutine
-/// that cancels itself goes on to its next suspension and ends there. So a task never outlives its
+/// Its first step runs in a later turn, once the handle has been stored. Cancelling or destroying
+/// the handle ends the coroutine where it is suspended and destroys its local objects; a coroutine
+/// that cancels itself runs on to its next suspension and ends there. So a task never outlives its
 /// owner. The coroutine is a member of a `TaskOwner`, or a function whose first parameter is a
 /// `MainLoop&`.
 ///
-/// Another task may wait for it and has what it returned: `Task<int> counting = count();` and then
-/// `co_await counting`, once. Under a name, not within the expression: see `waitFor`.
+/// Another task can wait for it and get its result: `Task<int> counting = count();` and then
+/// `co_await counting`, once. It needs a variable, not a temporary: see `waitFor`.
 template <class Result = void> class Task {
 public:
     class promise_type : public TaskPromise, public TaskResult<Result> {
@@ -166,7 +166,7 @@ private:
     Coroutine coroutine_ = nullptr;
 };
 
-/// `co_await sleep(250ms)` in a `Task`: goes on when that much running time has passed.
+/// `co_await sleep(250ms)` in a `Task`: continues when that much running time has passed.
 struct sleep {
     Duration duration;
 
@@ -178,8 +178,8 @@ struct sleep {
     void await_resume() const noexcept {}
 };
 
-/// `co_await unlessCancelled()` in a `Task`: goes on at once, unless the task has been cancelled by
-/// what it called meanwhile; then it ends here, and nothing of its owner is touched any more.
+/// `co_await unlessCancelled()` in a `Task`: continues at once, unless something that the task
+/// called has cancelled it; then it ends here, without touching its owner again.
 struct unlessCancelled {
     bool await_ready() const noexcept { return false; }
     template <class Promise> bool await_suspend(std::coroutine_handle<Promise> coroutine) const {
@@ -188,9 +188,9 @@ struct unlessCancelled {
     void await_resume() const noexcept {}
 };
 
-/// Work that a `Task` has done elsewhere, where it may block: `OffMain reading([...] {...});` and
-/// then `co_await reading`, which gives what the work returned. The work owns what it uses. Under a
-/// name, not within the expression: see `waitFor`.
+/// Work that a `Task` has done on another thread, where it may block: `OffMain reading([...]
+/// {...});` and then `co_await reading`, which gives its result. The work must own all that it
+/// uses. It needs a variable, not a temporary: see `waitFor`.
 template <class Result> class OffMain {
 public:
     explicit OffMain(std::function<Result()> work) : work_(std::move(work)) {}
@@ -204,13 +204,13 @@ public:
 
 private:
     std::function<Result()> work_;
-    /// Kept by the work as well, which may outlive the task.
+    /// Shared with the work, which may outlive the task.
     std::shared_ptr<std::optional<Result>> result_ = std::make_shared<std::optional<Result>>();
 };
 template <class Work> OffMain(Work) -> OffMain<std::invoke_result_t<Work>>;
 
-/// A value that somebody gives later, for one `Task` that waits for it: `co_await answer`. The
-/// first value counts; it may be given before it is waited for. Once taken, the next one can be
+/// A value given later to one `Task` that waits for it: `co_await answer`. Only the first value
+/// counts; it may be given before anybody waits for it. Once it has been taken, the next one can be
 /// given.
 template <class Given> class Answer {
 public:
@@ -222,9 +222,9 @@ public:
             (*waiting)->waitFor(Duration::zero());
     }
 
-    /// Whether a task waits and has no value yet.
+    /// Whether a task is waiting and has no value yet.
     [[nodiscard]] bool isAwaited() const { return !value_ && !waiting_.expired(); }
-    /// Forgets a value that nobody has taken.
+    /// Discards a value that was not taken.
     void clear() { value_.reset(); }
 
     [[nodiscard]] bool await_ready() const noexcept { return value_.has_value(); }

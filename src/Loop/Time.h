@@ -7,10 +7,10 @@ namespace velmorquit {
 
 using namespace std::chrono_literals;
 
-/// Every span of time, in integer nanoseconds: 10.0 s is exactly 10.0 s.
+/// Every time span, in integer nanoseconds: 10.0 s is exactly 10.0 s.
 using Duration = std::chrono::nanoseconds;
 
-/// The clock on the wall, UTC. Somebody may correct it at any moment: for dates, never for waits.
+/// The wall clock, in UTC. It may be corrected at any moment: for dates, never for waits.
 using WallTime = std::chrono::time_point<std::chrono::system_clock, Duration>;
 
 /// Running time since an arbitrary start. It never jumps and stands still while the computer

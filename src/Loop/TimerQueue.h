@@ -11,7 +11,7 @@
 
 namespace velmorquit {
 
-/// The timers of a main loop in the order in which they fall due, whatever drives that loop.
+/// The timers of a main loop in the order in which they fall due, independent of what drives it.
 class TimerQueue {
 public:
     [[nodiscard]] Handle add(Uptime due, std::function<void()> work) {
@@ -54,7 +54,7 @@ private:
     struct Timer {
         std::uint64_t id;
         Duration interval;
-        /// Shared with the call under way: a callback may cancel its own timer, and may run an
+        /// Shared with a call in progress: a callback may cancel its own timer, and may run an
         /// event loop in which the timer falls due again.
         std::shared_ptr<const std::function<void()>> work;
     };

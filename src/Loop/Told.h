@@ -10,11 +10,11 @@
 
 namespace velmorquit {
 
-/// Something that happens, told to those who hear of it the moment it does, in the order in which
-/// they began to. Its owner keeps it to itself, since only the owner may tell, and hands on `hear`.
+/// An event that listeners hear of at once, in the order in which they were added. The owner should
+/// keep it private, since only the owner may tell, and expose `hear`.
 ///
-/// A callback may do anything: end its own hearing or that of others, who are then not called any
-/// more; let others hear, who are told from the next time on; tell again; destroy this object.
+/// A callback may do anything: remove itself or others, who are then no longer called; add others,
+/// who are called from the next time on; tell again; destroy this object.
 template <class... What> class Told {
 public:
     /// Calls `heard` every time, until the handle is reset.
@@ -29,7 +29,7 @@ public:
         const std::uint64_t last = list->lastId;
         for (auto next = list->byId.begin(); next != list->byId.end() && next->first <= last;) {
             const std::uint64_t id = next->first;
-            // Held during the call, which may end the hearing that it belongs to.
+            // Keeps the callback alive during the call, which may remove it.
             const auto heard = next->second;
             (*heard)(what...);
             next = list->byId.upper_bound(id);

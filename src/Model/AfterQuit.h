@@ -4,7 +4,7 @@
 
 namespace velmorquit {
 
-/// What is to follow a run, as whoever asks for one from outside says it.
+/// What follows a run, in the words of requests from outside.
 enum class AfterQuit { nothing, shutDown, restart, logOut };
 
 inline constexpr std::array allAfterQuits{AfterQuit::nothing, AfterQuit::shutDown,

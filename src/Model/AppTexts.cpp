@@ -16,7 +16,7 @@ struct Keys {
 };
 
 const Keys& keysOf(StayReason reason) {
-    // As the enumeration has them.
+    // In the order of the enumeration.
     static constexpr std::array<Keys, 7> table{{
         {"%@", textKey("ancora aperta"), textKey("Forse chiede qualcosa dentro la sua finestra.")},
         {textKey("%@ (aspetta una tua risposta)"),

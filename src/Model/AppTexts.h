@@ -9,8 +9,8 @@
 /// language.
 namespace velmorquit {
 
-/// The application with why it stays, for a list in a sentence; the name alone when nothing is
-/// known.
+/// The application's name with the reason why it stays, for a list in a sentence; the name alone
+/// when none is known.
 [[nodiscard]] std::string nameWithReason(const std::string& name, StayReason reason);
 
 /// Why it stays, for the column of a table.
@@ -19,7 +19,7 @@ namespace velmorquit {
 /// Why it stays, as a sentence.
 [[nodiscard]] std::string stayHelp(StayReason reason);
 
-/// Why there may be more than what is seen, as a sentence; empty where all is seen.
+/// Why there may be more than can be seen, as a sentence; empty where everything is seen.
 [[nodiscard]] std::string unseenHelp(Sight sight);
 
 /// How many drives are gone.

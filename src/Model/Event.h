@@ -6,7 +6,7 @@
 
 namespace velmorquit {
 
-/// What is told once, when it happens.
+/// Events, each told once when it happens.
 namespace events {
 
 /// A run has ended in which at least one application quit.
@@ -31,7 +31,7 @@ struct DisksEjected {
     std::vector<std::string> failed;
 };
 
-/// The moment of a scheduled quit has come, and it waits for the user's word.
+/// A scheduled quit is due and waits for the user's confirmation.
 struct ConfirmationNeeded {};
 
 } // namespace events

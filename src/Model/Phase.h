@@ -23,7 +23,7 @@ struct Quitting {
 struct Waiting {
     friend bool operator==(Waiting, Waiting) = default;
 };
-/// The backup is running; `fraction` of it (0 to 1) is done, none while nobody knows.
+/// The backup is running; `fraction` of it (0 to 1) is done, none while that is unknown.
 struct BackingUp {
     std::optional<double> fraction;
     friend bool operator==(const BackingUp&, const BackingUp&) = default;
@@ -41,7 +41,7 @@ struct Ejecting {
 struct Done {
     int closed = 0;
     std::uint64_t freed = 0;
-    /// Tells runs apart, so that a second one with the same result is heard of as well.
+    /// Distinguishes runs, so that a second one with the same result is reported as well.
     int run = 0;
     friend bool operator==(Done, Done) = default;
 };

@@ -19,7 +19,7 @@ inline constexpr std::array allPowerActions{PowerAction::none, PowerAction::shut
 /// The text under which the choice is stored: "none", "shutDown", "restart" or "logOut".
 [[nodiscard]] std::string_view rawValue(PowerAction action);
 
-/// The choice stored as `raw`; none for any other text, different letter case included.
+/// The choice stored as `raw`; none for any other text, another letter case included.
 [[nodiscard]] std::optional<PowerAction> powerActionFromRaw(std::string_view raw);
 
 /// Caption of the button that closes everything.
@@ -28,14 +28,14 @@ inline constexpr std::array allPowerActions{PowerAction::none, PowerAction::shut
 /// Short name of the choice.
 [[nodiscard]] std::string label(PowerAction action);
 
-/// One sentence on what the choice does.
+/// One sentence on the effect of the choice.
 [[nodiscard]] std::string helpText(PowerAction action);
 
-/// What the choice asks of the session; none for `none`.
+/// The request to the session that the choice stands for; none for `none`.
 [[nodiscard]] std::optional<LoginRequest> loginRequest(PowerAction action);
 
-/// Asks for what the choice says; for `none` nothing is asked. True when the request was taken,
-/// else the log has a line.
+/// Makes the request of the choice; none for `none`. True when it was taken, else there is a line
+/// in the log.
 bool perform(PowerAction action, const EndTerms& terms, LoginWindow& loginWindow, SystemLog& log);
 
 /// Title of a quit that is scheduled with this choice.

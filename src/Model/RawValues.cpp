@@ -10,7 +10,7 @@ namespace {
 using Stage = EndState::Stage;
 using Kind = EndObstacle::Kind;
 
-// Each is indexed by its enumeration.
+// In the order of the enumerations.
 constexpr std::array<std::string_view, 7> stayReasons{
     "", "asking", "windowless", "cannotBeAsked", "busyTerminal", "notResponding", "inTray"};
 constexpr std::array<std::string_view, 4> sights{"all", "noWindowList", "incomplete",

@@ -7,8 +7,8 @@
 #include <optional>
 #include <string_view>
 
-/// The names under which other processes know what the desktop tells the engine. Whoever reads one
-/// that nobody has gets the neutral value.
+/// The names by which other processes know the desktop's values. Unknown names are read as the
+/// neutral value.
 namespace velmorquit {
 
 /// Empty for `unknown`.
@@ -16,7 +16,7 @@ namespace velmorquit {
 [[nodiscard]] StayReason stayReasonFromRaw(std::string_view raw);
 
 [[nodiscard]] std::string_view rawValue(Sight sight);
-/// `all` for any other text: an earlier program doesn't say how much it sees.
+/// `all` for any other text: earlier versions don't say how much they see.
 [[nodiscard]] Sight sightFromRaw(std::string_view raw);
 
 [[nodiscard]] std::string_view rawValue(LoginRequest request);

@@ -7,26 +7,26 @@
 
 namespace velmorquit {
 
-/// An application that was closed and can be brought back.
+/// An application that was closed and can be reopened.
 struct SavedApp {
-    std::string name; ///< which it had when it was closed, as it may be shown
+    std::string name; ///< its name when it was closed, fit for display
     std::string path; ///< of the file that starts it; no other application has the same
 
     friend bool operator==(const SavedApp&, const SavedApp&) = default;
 };
 
-/// Lists of such applications as they are stored: a JSON array of objects with the texts "name" and
+/// The stored form of lists of such applications: a JSON array of objects with the texts "name" and
 /// "path".
 namespace SavedApps {
 
-/// Bytes of a name that are no UTF-8 are replaced.
+/// Invalid UTF-8 in names is replaced.
 [[nodiscard]] std::string encode(const std::vector<SavedApp>& apps);
 
-/// None when it is no such array, or when one of its elements lacks one of the texts. The names are
-/// what they may be shown as, whoever has stored them.
+/// None when it is no such array, or one of its elements lacks one of the texts. Names are made fit
+/// for display, since any program may have stored them.
 [[nodiscard]] std::optional<std::vector<SavedApp>> decode(std::string_view json);
 
-/// Whether the path of that application comes back as it is when it was stored.
+/// Whether the application's path can be stored and read back unchanged.
 [[nodiscard]] bool canBeStored(const SavedApp& app);
 
 } // namespace SavedApps

@@ -5,12 +5,12 @@
 
 namespace velmorquit {
 
-/// A run that is to begin at a later moment.
+/// A run that begins at a later time.
 struct ScheduledQuit {
     WallTime date;                          ///< when it begins
     PowerAction action = PowerAction::none; ///< what follows it
     WallTime created;                       ///< when it was set, or postponed last
-    /// Whether the user is asked first, when the moment has come.
+    /// Whether the user is asked at that time before it begins.
     bool needsConfirmation = true;
 
     friend bool operator==(const ScheduledQuit&, const ScheduledQuit&) = default;

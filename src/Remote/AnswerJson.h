@@ -4,40 +4,40 @@
 
 namespace velmorquit::remote {
 
-/// What comes back of a command that isn't `status`. Each has some of these only.
+/// The answer to a command other than `status`. Each answer has only some of these fields.
 struct Answer {
-    /// Who was asked to quit; none in an answer that says nothing of it.
+    /// The applications that were asked to quit; none in an answer about something else.
     std::optional<std::vector<Application>> asked{};
-    std::vector<Application> notAsked{}; ///< with the reason
+    std::vector<Application> notAsked{}; ///< with the reasons
     std::vector<std::string> refused{};  ///< names of those that the system protects
-    std::string text{};                  ///< for a person; may have lines
+    std::string text{};                  ///< for the user; may have several lines
 };
 
-/// An action that can be asked for from outside.
+/// An action that can be requested from outside.
 struct PublishedAction {
     std::string name;
     std::string title;
     std::vector<std::string> parameters; ///< their names
 };
 
-/// What `quitAll` answers.
+/// The answer to `quitAll`.
 [[nodiscard]] Json encodeAsked(const std::vector<Application>& asked, PowerAction then);
-/// What `askAgain` answers.
+/// The answer to `askAgain`.
 [[nodiscard]] Json encodeAsked(const std::vector<Application>& asked, std::string_view text);
-/// What `quit` answers.
+/// The answer to `quit`.
 [[nodiscard]] Json encodeAsked(const std::vector<Application>& asked,
                                const std::vector<Application>& notAsked, std::string_view text);
 [[nodiscard]] Json encodeForced(const std::vector<Application>& forced,
                                 const std::vector<std::string>& refused);
 [[nodiscard]] Json encodeText(std::string_view text);
-/// Lists the actions, each as an object that has at least these fields.
+/// The list of actions; each is an object that has at least these fields.
 [[nodiscard]] Json encodeAction(std::string_view name, std::string_view title);
 [[nodiscard]] Json encodeActions(Json list);
 
-/// What is said when nothing follows a run any more.
+/// Says that nothing follows the run any more.
 [[nodiscard]] std::string givenUpText();
 
-/// Of any answer.
+/// Reads any answer.
 [[nodiscard]] Answer decodeAnswer(const Json& json);
 [[nodiscard]] std::vector<PublishedAction> decodeActions(const Json& json);
 

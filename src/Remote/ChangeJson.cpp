@@ -7,7 +7,7 @@ namespace velmorquit::remote {
 
 namespace {
 
-// As the variant has them.
+// In the order of the variant.
 constexpr std::array<const char*, std::variant_size_v<Event>> eventNames{
     "quitDone",       "stubbornApps", "backupStarted",     "backupProgress",
     "backupFinished", "disksEjected", "confirmationNeeded"};
@@ -28,7 +28,7 @@ std::optional<Event> decodeEvent(const Fields& fields) {
     return read.at(static_cast<std::size_t>(name - eventNames.begin()));
 }
 
-/// A change by the name under which it is told.
+/// A change and its name.
 struct Kind {
     const char* name;
     std::optional<Change> (*decode)(const Json& json);
@@ -47,7 +47,7 @@ std::optional<Change> happened(const Json& json) {
     return event ? std::optional<Change>(changes::Happened{*std::move(event)}) : std::nullopt;
 }
 
-/// As the variant has them.
+/// In the order of the variant.
 constexpr std::array<Kind, std::variant_size_v<Change>> kinds{{
     {"phase",
      [](const Json& json) -> std::optional<Change> { return changes::Run{decodeRun(json)}; }},
@@ -79,7 +79,7 @@ constexpr std::array<Kind, std::variant_size_v<Change>> kinds{{
      }},
 }};
 
-/// Adds what a change has besides its name.
+/// Adds a change's fields besides its name.
 struct FieldsOf {
     Json& json;
 

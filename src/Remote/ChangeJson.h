@@ -7,14 +7,14 @@
 
 namespace velmorquit::remote {
 
-/// What the program announces.
+/// The changes that the program announces.
 namespace changes {
 
-/// A run has come to another phase.
+/// A run has entered another phase.
 struct Run {
     RunState state;
 };
-/// Others stay, or for other reasons.
+/// Other applications stay, or for other reasons.
 struct Stubborn {
     std::vector<Application> applications;
 };
@@ -24,7 +24,7 @@ struct Opened {
 struct Closed {
     Application application;
 };
-/// It has lost its windows and lives on.
+/// It has lost its windows and goes on running.
 struct Windowless {
     Application application;
 };
@@ -37,19 +37,19 @@ struct Included {
 struct Happened {
     Event event;
 };
-/// The schedule is another one, or has gone.
+/// The schedule has changed, or is gone.
 struct Scheduled {
     std::optional<Schedule> schedule;
 };
-/// The user is called, since a scheduled run begins soon.
+/// The user is called because a scheduled run begins soon.
 struct Attention {
     std::int64_t seconds = 0; ///< left
 };
-/// What the user should know of a schedule that came to nothing.
+/// Tells the user why a schedule came to nothing.
 struct ScheduleNote {
     std::string note;
 };
-/// The session's end has come further, or nobody wants it any more.
+/// The end of the session has progressed, or is no longer wanted.
 struct EndingState {
     std::optional<Ending> ending;
 };
@@ -63,7 +63,7 @@ using Change = std::variant<changes::Run, changes::Stubborn, changes::Opened, ch
 
 [[nodiscard]] Json encode(const Change& change);
 
-/// None for a change that nobody knows. What of it makes no sense is neutral.
+/// None for an unknown change. Fields that make no sense are neutral.
 [[nodiscard]] std::optional<Change> decodeChange(const Json& json);
 
 } // namespace velmorquit::remote

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// What the program and whoever commands it have to call alike.
+/// Names that the program and those who command it must agree on.
 namespace velmorquit::remote {
 
 /// On the session bus.
@@ -15,13 +15,13 @@ inline constexpr const char* interface = "org.velmorquit.VelmorQuit1";
 /// The interface's method, which takes a verb and its arguments, and its signal.
 inline constexpr const char* performMethod = "Perform";
 inline constexpr const char* changedSignal = "Changed";
-/// What launchers use, beside it.
+/// The interface that launchers use as well.
 inline constexpr const char* launcherInterface = "org.freedesktop.Application";
 
-/// All errors of the program's own begin like that.
+/// The prefix of all the program's own errors.
 inline constexpr std::string_view errorPrefix = "org.velmorquit.VelmorQuit.Error.";
 
-/// The name of the error that tells of it; null when there is none.
+/// The name of the error for this status; null when it is none.
 [[nodiscard]] constexpr const char* errorOf(RemoteAnswer::Status status) {
     switch (status) {
     case RemoteAnswer::Status::refused:

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-/// How names are compared that a person types. Only letters of ASCII have a case here.
+/// Comparing names that a user types. Only ASCII letters are compared without regard to case.
 namespace velmorquit::remote {
 
 [[nodiscard]] constexpr char lowered(char letter) {
@@ -14,7 +14,7 @@ namespace velmorquit::remote {
     return std::ranges::equal(one, other, {}, lowered, lowered);
 }
 
-/// Whether the name begins like that.
+/// Whether the name begins with `shortened`.
 [[nodiscard]] inline bool isShortFor(std::string_view shortened, std::string_view name) {
     return !shortened.empty() && isSameName(shortened, name.substr(0, shortened.size()));
 }

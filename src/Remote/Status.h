@@ -12,17 +12,17 @@
 #include <string>
 #include <vector>
 
-/// What the program tells of itself, as values: it makes them of the engine, and whoever asks reads
-/// them out of the answer.
+/// The program's state as values: the program makes them from the engine, and its callers read them
+/// from the answer.
 namespace velmorquit::remote {
 
 struct Application {
     std::string name;
-    std::optional<std::string> id; ///< across starts; none when nothing identifies it
+    std::optional<std::string> id; ///< stable across starts; none when nothing identifies it
     ProcessId process = 0;
     std::uint64_t memory = 0; ///< in bytes
     bool isExcluded = false;
-    StayReason reason = StayReason::unknown; ///< told of stubborn ones only
+    StayReason reason = StayReason::unknown; ///< set for stubborn ones only
 
     friend bool operator==(const Application&, const Application&) = default;
 };
@@ -30,22 +30,22 @@ struct Application {
 /// Where a run stands.
 struct RunState {
     Phase phase;
-    /// When a backup that has failed is passed over; none while only the user says so.
+    /// When a failed backup is passed over; none while only the user can decide that.
     std::optional<WallTime> continuesAt{};
-    std::optional<std::string> note{};    ///< what is to be known of the result
+    std::optional<std::string> note{};    ///< a remark on the result
     PowerAction then = PowerAction::none; ///< what follows, once the run is over
 };
 
 struct Schedule {
     WallTime date; ///< to the second
     PowerAction then = PowerAction::none;
-    bool asks = false;       ///< the user, when the moment has come
-    bool isAwaiting = false; ///< their answer
+    bool asks = false;       ///< asks the user when the time has come
+    bool isAwaiting = false; ///< waits for the user's answer
 
     friend bool operator==(const Schedule&, const Schedule&) = default;
 };
 
-/// How far the session's end has come.
+/// How far the end of the session has come.
 struct Ending {
     struct Obstacle {
         EndObstacle::Kind kind = EndObstacle::Kind::unknown;
@@ -54,10 +54,10 @@ struct Ending {
 
     EndState::Stage stage = EndState::Stage::none;
     LoginRequest then = LoginRequest::shutDown;
-    std::string text; ///< for a person
+    std::string text; ///< for the user
     std::vector<Obstacle> obstacles;
-    /// What names the obstacles, where the end can come over them, and the question that is to be
-    /// asked before.
+    /// Identifies the list of obstacles if the end can come over them, and the question to ask the
+    /// user first.
     std::optional<std::string> list;
     std::string question;
 };
@@ -82,7 +82,7 @@ struct Status {
     std::vector<Application> applications;
     Sight sight = Sight::all;
     std::vector<Application> stubborn;
-    std::vector<std::string> excluded; ///< keys of the exclusions
+    std::vector<std::string> excluded; ///< exclusion keys
     Memory memory;
     PowerAction afterQuit = PowerAction::none; ///< as chosen in the panel, like the next two
     bool backupFirst = false;
@@ -91,7 +91,7 @@ struct Status {
     std::vector<Drive> drives;
     std::optional<Schedule> schedule;
     std::optional<Ending> ending;
-    std::optional<std::string> limits; ///< what is to be known before asking for an end
+    std::optional<std::string> limits; ///< a warning before asking for an end
     std::optional<std::string> scheduleNote;
     std::vector<SavedApp> reopenable;
 };

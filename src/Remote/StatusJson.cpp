@@ -9,11 +9,11 @@ namespace velmorquit::remote {
 
 namespace {
 
-/// As the variant has them.
+/// In the order of the variant.
 constexpr std::array<const char*, std::variant_size_v<Phase>> phaseNames{
     "idle", "quitting", "waiting", "backingUp", "backupFailed", "ejecting", "done"};
 
-/// Drives and applications to reopen.
+/// For drives and for applications to reopen.
 template <class Element> Json namesAndPaths(const std::vector<Element>& elements) {
     Json list = Json::array();
     for (const Element& element : elements)

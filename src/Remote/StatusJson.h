@@ -16,18 +16,18 @@ namespace velmorquit::remote {
 [[nodiscard]] Json encode(const std::vector<SavedApp>& apps);
 [[nodiscard]] Json encode(const Status& status);
 
-/// What another process says that it is: every field that makes no sense is neutral, an unknown
-/// phase is idle, and texts are as they may be shown.
+/// Reading the statements of another process: every field that makes no sense is neutral, an
+/// unknown phase is idle, and texts are made fit for display.
 [[nodiscard]] Application decodeApplication(const Json& json);
 [[nodiscard]] RunState decodeRun(const Json& json);
 [[nodiscard]] std::optional<Schedule> decodeSchedule(const Json& json);
 [[nodiscard]] std::optional<Ending> decodeEnding(const Json& json);
 [[nodiscard]] Status decodeStatus(const Json& json);
 
-/// The applications in that field.
+/// The applications in the field `key`.
 [[nodiscard]] std::vector<Application> decodeApplications(const Json& json, const char* key);
 
-/// Whether it has what every status has.
+/// Whether it has the fields that every status has.
 [[nodiscard]] bool isStatus(const Json& json);
 
 } // namespace velmorquit::remote
