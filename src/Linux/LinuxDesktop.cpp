@@ -50,7 +50,7 @@ std::set<ProcessId> windowOwners(ToplevelSource& source) {
 
 } // namespace
 
-/// The loop, and what needs nothing but it.
+/// The loop, and the parts that need only it.
 struct LinuxDesktop::Base {
     explicit Base(SystemLog& log) : preferences(loop, log, defaultPreferencesFile()) {}
 
@@ -105,7 +105,7 @@ LinuxWorkspace::Surroundings LinuxDesktop::Applications::surroundings() {
             .hasAnotherDisplay = [this] { return displays.hasAnotherDisplay(); }};
 }
 
-/// The services of the session and of the system, over buses on which they can be ended.
+/// The services of the session and of the system, over the buses on which they can be ended.
 struct LinuxDesktop::Services {
     Services(MainLoop& loop, SystemLog& log) : volumes(loop, log, systemBus.connection()) {
         keepReading(sessionBus.connection());
@@ -121,7 +121,7 @@ struct LinuxDesktop::Services {
     UDisksVolumes volumes;
 };
 
-/// The notices, and the answers to what the program's windows ask of the desktop.
+/// The notices, and the desktop's services for the program's own windows.
 struct LinuxDesktop::Face {
     Face(MainLoop& loop, const QDBusConnection& noticeBus, const WindowSources& sources)
         : schedule(noticeBus), answers(noticeBus), end(noticeBus), run(noticeBus), screens(loop),

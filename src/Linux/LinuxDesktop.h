@@ -15,11 +15,11 @@ namespace velmorquit {
 
 class Notice;
 
-/// The desktop that this program runs on: owns all adapters to it, and hands them out as what the
-/// program asks of a desktop. There is one at a time.
+/// The desktop that this program runs on: owns all adapters, and hands them out as ports. There is
+/// one at a time.
 class LinuxDesktop {
 public:
-    /// One notice each for what the program tells, so that none takes another one's place.
+    /// One notice for each subject, so that none replaces another.
     struct Notices {
         Notice& schedule;
         Notice& answers;
@@ -27,20 +27,20 @@ public:
         Notice& run;
     };
 
-    /// The toolkit's application object is there, and with the log and the commands outlives this.
-    /// From here on signals that ask the program to end are remembered.
+    /// The toolkit's application object already exists; it, the log and the commands must outlive
+    /// this. From now on, signals that ask the program to end are remembered.
     LinuxDesktop(SystemLog& log, RemoteCommands& commands, std::unique_ptr<Windowing> windowing);
     LinuxDesktop(const LinuxDesktop&) = delete;
     LinuxDesktop& operator=(const LinuxDesktop&) = delete;
     ~LinuxDesktop();
 
-    /// For what ends the session, which in turn is a part of the desktop.
+    /// For the object that ends the session, which is itself passed to `ports`.
     [[nodiscard]] SessionPorts sessionPorts();
     [[nodiscard]] Desktop ports(const Formats& formats, LoginWindow& loginWindow);
     [[nodiscard]] DesktopFace face();
     [[nodiscard]] Notices notices();
 
-    /// Called each time that a signal asks the program to end.
+    /// `asked` is called each time a signal asks the program to end.
     void onEndAsked(std::function<void()> asked) { endSignals_.onAsked = std::move(asked); }
 
 private:
@@ -57,7 +57,7 @@ private:
     WindowSources sources_;
     std::unique_ptr<Applications> applications_;
     std::unique_ptr<Services> services_;
-    /// Work on other threads uses nothing that comes after it.
+    /// Work on other threads uses nothing that is declared after this.
     FinishedWork finishedWork_;
     std::unique_ptr<Face> face_;
 };

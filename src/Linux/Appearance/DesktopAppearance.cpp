@@ -6,7 +6,7 @@ namespace velmorquit {
 
 namespace {
 
-/// With every change of the look all is painted anew.
+/// Every change of the look repaints everything.
 constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(200)};
 
 } // namespace

@@ -9,11 +9,11 @@
 
 namespace velmorquit {
 
-/// How the user has asked the desktop to look, from what its settings manager says, which is known
-/// at once, and its portal, which is asked without waiting.
+/// The look that the user has asked of the desktop: from its settings manager, which answers at
+/// once, and from its portal, which is asked without waiting.
 class DesktopAppearance final : public Appearance {
 public:
-    /// `bus` is the session bus, connected or not. The manager, which may be null, outlives it.
+    /// `bus` is the session bus, connected or not. The manager, which may be null, must outlive it.
     DesktopAppearance(const QDBusConnection& bus, SettingsManager* manager);
 
     [[nodiscard]] bool isHighContrast() const override { return look_.isHighContrast; }

@@ -9,16 +9,16 @@ namespace velmorquit {
 
 namespace {
 
-// Said in the same way by all desktops; 0 leaves the choice open.
+// The portal's names for all desktops alike; 0 leaves the choice open.
 constexpr const char* scheme = "org.freedesktop.appearance color-scheme";
 constexpr const char* contrast = "org.freedesktop.appearance contrast";
 constexpr const char* motion = "org.freedesktop.appearance reduced-motion";
-// Said in the words of one desktop, which others have taken over.
+// One desktop's own names, which others have adopted.
 constexpr const char* ownScheme = "org.gnome.desktop.interface color-scheme";
 constexpr const char* ownTheme = "org.gnome.desktop.interface gtk-theme";
 constexpr const char* ownAnimations = "org.gnome.desktop.interface enable-animations";
 constexpr const char* ownContrast = "org.gnome.desktop.a11y.interface high-contrast";
-// Said by a settings manager.
+// The settings manager's names.
 constexpr const char* theme = "Net/ThemeName";
 constexpr const char* animations = "Gtk/EnableAnimations";
 
@@ -36,7 +36,7 @@ std::string text(const DesktopSettings& settings, const char* name) {
     return value ? *value : std::string();
 }
 
-/// A theme is known by its name alone.
+/// Only its name tells what a theme looks like.
 struct Theme {
     explicit Theme(std::string name) {
         std::ranges::transform(name, name.begin(),
@@ -45,7 +45,7 @@ struct Theme {
         isDark = hasPart(name, "dark") || (isHighContrast && name.ends_with("inverse"));
     }
 
-    /// Not a mere part of a word: "darker" is light windows with dark frames.
+    /// Only whole words count: "darker" is a theme of light windows with dark frames.
     static bool hasPart(std::string_view name, std::string_view part) {
         constexpr std::string_view separators = "-_: ";
         for (auto at = name.find(part); at != std::string_view::npos;

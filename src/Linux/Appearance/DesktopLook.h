@@ -7,18 +7,18 @@
 
 namespace velmorquit {
 
-/// What a desktop's settings say of its look.
+/// The look according to a desktop's settings.
 struct DesktopLook {
     bool isHighContrast = false;
     bool isMotionReduced = false;
     bool isDark = false;
 
-    /// The settings of the portal that `of` looks at, each led by its group and a blank.
+    /// The portal settings that `of` reads, each prefixed by its group and a blank.
     static std::set<std::string> portalSettings();
 
-    /// What the portal says of all desktops alike counts, whatever the others say. Where it leaves
-    /// the choice open, one that asks for something is enough: a desktop's own settings, which the
-    /// portal hands on, or those of its settings manager.
+    /// The portal's settings for all desktops alike take precedence. Where they leave the choice
+    /// open, a request from either side is enough: the desktop's own settings, which the portal
+    /// passes on, or those of its settings manager.
     static DesktopLook of(const DesktopSettings& portal, const DesktopSettings& manager);
 
     friend bool operator==(const DesktopLook&, const DesktopLook&) = default;

@@ -15,14 +15,14 @@ const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString settings = QStringLiteral("org.freedesktop.portal.Settings");
 
-/// A portal that comes and goes is asked no oftener than this.
+/// The least time between questions to a portal that comes and goes.
 constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(200)};
 
 std::string fullName(const QString& group, const QString& key) {
     return (group + ' ' + key).toStdString();
 }
 
-/// None for what is neither a number nor a text.
+/// None for anything but numbers and texts.
 std::optional<DesktopSettings::mapped_type> settingOf(const QVariant& value) {
     switch (value.typeId()) {
     case QMetaType::Bool:
@@ -71,7 +71,7 @@ std::set<QString> PortalSettings::groups() const {
     return groups;
 }
 
-// The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
+// These name no sender: given a name, QtDBus would wait for the bus to tell its owner.
 void PortalSettings::listen() {
     for (const QString& group : groups())
         bus_.connect({}, path, settings, "SettingChanged", {group}, {}, this,
@@ -106,7 +106,7 @@ void PortalSettings::hearOwner(const QString& owner) {
         questions_.ask();
 }
 
-// What comes before the answer is in the answer.
+// Changes before the answer are already in the answer.
 void PortalSettings::hearChanged(const QDBusMessage& signal) {
     if (signal.service() != owner_ || signal.signature() != "ssv")
         return;

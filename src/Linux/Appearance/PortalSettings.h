@@ -17,23 +17,23 @@
 
 namespace velmorquit {
 
-/// Those of the portal's values that are `wanted` and numbers or texts, by group and key. The names
-/// are led by their group and a blank.
+/// The portal's values that are both `wanted` and numbers or texts. Their names are prefixed by
+/// their group and a blank.
 [[nodiscard]] DesktopSettings portalSettings(const QMap<QString, QVariantMap>& groups,
                                              const std::set<std::string>& wanted);
 
-/// The settings that the desktop publishes on the session bus for the programs of all desktops.
+/// The settings that the desktop publishes on the session bus for programs of all desktops.
 class PortalSettings final : public QObject {
     Q_OBJECT
 
 public:
-    /// `wanted` are the names, each led by its group and a blank. Asks for them at once, without
-    /// waiting, and has the portal started by that where it isn't running but can be. Calls
-    /// `changed`, in a turn of its own, when it says something else.
+    /// `wanted` are names, each prefixed by its group and a blank. Asks for them at once, without
+    /// waiting; that starts the portal if it isn't running but can be started. Calls `changed`, in
+    /// a turn of its own, when the values change.
     PortalSettings(QDBusConnection bus, std::set<std::string> wanted,
                    std::function<void()> changed);
 
-    /// Empty until it has answered. When it goes away what it said last stays.
+    /// Empty until it has answered. When it goes away, its last values stay.
     [[nodiscard]] const DesktopSettings& values() const { return values_; }
 
 private Q_SLOTS:
@@ -50,7 +50,7 @@ private:
     std::set<std::string> wanted_;
     std::function<void()> changed_;
     DesktopSettings values_;
-    QString owner_; ///< whose values these are, by its unique name
+    QString owner_; ///< unique name of the portal that these values are from
     Paced questions_;
     std::optional<BusName> name_;
     BusCall question_;

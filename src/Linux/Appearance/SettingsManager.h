@@ -7,7 +7,7 @@
 
 namespace velmorquit {
 
-/// The program that tells the clients of a window system how the desktop is to look.
+/// The program that tells the clients of a window system how the desktop should look.
 class SettingsManager {
 public:
     virtual ~SettingsManager() = default;
@@ -15,7 +15,7 @@ public:
     /// From memory; empty while there is none.
     [[nodiscard]] virtual const DesktopSettings& values() const = 0;
 
-    /// Calls `changed` when it says something else.
+    /// Calls `changed` when the values change.
     [[nodiscard]] virtual Handle observe(std::function<void()> changed) = 0;
 };
 

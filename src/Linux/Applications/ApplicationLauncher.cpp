@@ -15,8 +15,8 @@ namespace velmorquit {
 
 namespace {
 
-/// Variables that are about one process alone: how it was started, and what the service manager has
-/// agreed with it.
+/// Variables that concern one process alone: how it was started, and its arrangements with the
+/// service manager.
 constexpr std::array<std::string_view, 13> privateVariables{
     "DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN", "GIO_LAUNCHED_DESKTOP_FILE",
     "INVOCATION_ID",      "JOURNAL_STREAM",       "GIO_LAUNCHED_DESKTOP_FILE_PID",
@@ -36,7 +36,7 @@ std::vector<char*> sharedEnvironment() {
     return variables;
 }
 
-/// The process id; -1 when it can't be started.
+/// The process id; -1 on failure.
 pid_t spawn(std::vector<std::string> command) {
     std::vector<char*> words;
     for (std::string& word : command)

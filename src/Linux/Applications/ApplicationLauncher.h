@@ -9,20 +9,20 @@
 
 namespace velmorquit {
 
-/// Starts applications by their desktop entries, independent of this program: they have a session
-/// of their own, no terminal, and none of its streams, signals or private variables.
+/// Starts applications by their desktop entries, independent of this program: they get their own
+/// session, no terminal, and none of its streams, signals or private variables.
 ///
-/// What reads the entry and starts the application is a process of its own, so that nothing that it
-/// meets (a damaged entry, a file system or a bus that hangs) is met on the main thread.
+/// The entry is read and the application started in a separate process, so that problems (a damaged
+/// entry, a file system or a bus that hangs) don't affect the main thread.
 class ApplicationLauncher {
 public:
     /// `starter` is a command that starts the desktop entry whose path is appended to it, and ends;
-    /// the first word is a path. `log` outlives this.
+    /// its first word is a path. `log` must outlive this object.
     ApplicationLauncher(std::vector<std::string> starter, SystemLog& log)
         : starter_(std::move(starter)), log_(log) {}
 
-    /// Starts the application of that desktop entry. Returns at once; a failure is a line in the
-    /// log.
+    /// Starts the application of that desktop entry. Returns at once; a failure is logged as one
+    /// line.
     void launch(const std::string& path);
 
 private:

@@ -20,7 +20,7 @@ std::uint64_t BackgroundStarts::windowToRestore(std::uint64_t focusedWindow, Pro
     std::erase_if(appeared_, isOver);
     if (appeared_.contains(owner))
         return formerWindow_;
-    // Between one window and the next there may be none.
+    // Between two windows, none may have the keyboard.
     if (focusedWindow != 0)
         formerWindow_ = focusedWindow;
     return 0;

@@ -19,7 +19,7 @@ const QString playerPath = QStringLiteral("/org/mpris/MediaPlayer2");
 const QString playerInterface = QStringLiteral("org.mpris.MediaPlayer2");
 const QString actions = QStringLiteral("org.gtk.Actions");
 
-/// Whoever is called is there: nobody is started in order to be asked to quit.
+/// Only running programs are called: none is started in order to be asked to quit.
 QDBusMessage call(const QString& name, const QString& path, const QString& interface,
                   const QString& method) {
     QDBusMessage message = QDBusMessage::createMethodCall(name, path, interface, method);
@@ -29,7 +29,7 @@ QDBusMessage call(const QString& name, const QString& path, const QString& inter
 
 } // namespace
 
-// An error is an answer that nobody hears.
+// Errors are ignored.
 void BusQuit::ask(const QDBusMessage& message, BusCalls::Answered done) {
     questions_.send(bus_, message, [done = std::move(done)](const QDBusMessage& answer) {
         if (answer.type() == QDBusMessage::ReplyMessage)
@@ -46,7 +46,7 @@ void BusQuit::quit(ProcessId process) {
     });
 }
 
-// From here on it is the connection that is meant, whoever has the name later.
+// From here on the connection is addressed, even if the name gets another owner.
 void BusQuit::askOwner(const QString& name, ProcessId process) {
     ask(busQuestion("GetNameOwner", {name}), [this, name, process](const QDBusMessage& reply) {
         askConnection({name, reply.arguments().value(0).toString()}, process);
@@ -66,8 +66,8 @@ void BusQuit::askConnection(const Peer& peer, ProcessId process) {
     });
 }
 
-// In a sandbox it is a broker outside that talks to the bus. Others may be in the unit that were
-// started from there: the broker is known by its executable, and its names by the application's.
+// A sandboxed program reaches the bus through a broker outside. Its unit may contain other programs
+// that it has started: the broker is known by its executable, and its names by the application's.
 bool BusQuit::speaksFor(const QString& name, ProcessId owner, ProcessId process) const {
     if (owner <= 0 || owner == process)
         return owner == process;
@@ -91,7 +91,7 @@ void BusQuit::askPlayer(const Peer& peer) {
     });
 }
 
-// The object of an application lies at its name, with slashes for dots.
+// An application's object has its name as path, with slashes for dots.
 void BusQuit::askApplication(const Peer& peer) {
     QString path = '/' + peer.name;
     path.replace('.', '/').replace('-', '_');

@@ -7,19 +7,19 @@
 
 namespace velmorquit {
 
-/// Asks programs to quit by what they offer on the session bus: the `quit` action of an application
-/// (`org.gtk.Actions`), or a media player's own Quit (MPRIS). For those that have no windows.
+/// Asks programs without windows to quit over the session bus: by an application's `quit` action
+/// (`org.gtk.Actions`), or a media player's own Quit (MPRIS).
 class BusQuit final {
 public:
     explicit BusQuit(QDBusConnection bus, std::string proc = "/proc")
         : bus_(std::move(bus)), proc_(std::move(proc)) {}
 
-    /// Asks whatever of this process is on the bus, or of its sandbox. Returns at once; nothing
-    /// tells whether there was anybody to ask.
+    /// Asks everything that this process, or its sandbox, has on the bus. Returns at once; nothing
+    /// tells whether there was anything to ask.
     void quit(ProcessId process);
 
 private:
-    /// A name on the bus and the connection that had it when it was looked at.
+    /// A name on the bus, and the connection that owned it when it was looked up.
     struct Peer {
         QString name;
         QString connection;

@@ -38,7 +38,7 @@ std::optional<Identity> identityOf(GDesktopAppInfo* info) {
     const char* name = g_app_info_get_display_name(G_APP_INFO(info));
     if (!file)
         return std::nullopt;
-    // An entry opened by its path has no id: its file name is the best there is.
+    // An entry opened by its path has no id: its file name is the best substitute.
     std::string base = id ? id : std::string(file).substr(std::string(file).rfind('/') + 1);
     if (base.ends_with(suffix))
         base.resize(base.size() - suffix.size());
@@ -46,7 +46,7 @@ std::optional<Identity> identityOf(GDesktopAppInfo* info) {
     identity.id = utf8(base);
     identity.name = utf8(name ? name : base);
     identity.path = file;
-    // What opens files is a program like any other: it is only no entry of a menu.
+    // A program that opens files is for the user; it is merely not in the menu.
     const bool opensFiles = g_app_info_supports_files(G_APP_INFO(info)) != 0 ||
                             g_app_info_supports_uris(G_APP_INFO(info)) != 0;
     identity.isHidden = g_desktop_app_info_get_nodisplay(info) != 0 && !opensFiles;
@@ -82,8 +82,8 @@ DesktopEntries::~DesktopEntries() {
     g_object_unref(monitor_);
 }
 
-// One that is meant for the user is preferred to one that isn't, such as that of a helper which
-// goes by the name of its program.
+// Entries meant for the user are preferred to others, such as that of a helper with the name of its
+// program.
 Identity DesktopEntries::identify(const ToplevelIdentity& window, ProcessId process,
                                   const Evidence& evidence) {
     std::optional<Identity> hidden;
@@ -114,10 +114,10 @@ Identity DesktopEntries::identify(const ToplevelIdentity& window, ProcessId proc
 }
 
 // A word that the program has given its window is the best name: it is the same at every start,
-// and written as its makers write it, where a title changes with what is open and a file may be
-// called anything. Where it is none, what a person reads on the window comes first, as long as it
-// seems to be no document. That may be another part of a title at the next start: what excludes the
-// program is then what it runs.
+// and spelled as its makers spell it, while a title changes with its content and a file may be
+// called anything. Without such a word, the first choice is the part of the title that seems to
+// be no document. It may be another part at the next start, so the key for exclusions is then
+// the program that runs.
 Identity DesktopEntries::withoutEntry(const ToplevelIdentity& window, ProcessId process,
                                       const Evidence& evidence) {
     Identity nameless;
@@ -172,7 +172,7 @@ std::optional<Identity> DesktopEntries::entryByProgram(const RunProgram& program
     return id ? entry(*id) : std::nullopt;
 }
 
-/// A child inherits the variables of its parent: they are its own only with its own process id.
+/// Children inherit their parent's variables: these count only if they hold the process's own id.
 std::optional<Identity> DesktopEntries::entryThatLaunched(ProcessId process) {
     const auto launched = processEnvironment(process, "GIO_LAUNCHED_DESKTOP_FILE_PID");
     const auto file = processEnvironment(process, "GIO_LAUNCHED_DESKTOP_FILE");

@@ -13,37 +13,37 @@ using GAppInfoMonitor = struct _GAppInfoMonitor;
 
 namespace velmorquit {
 
-/// What identifies a program.
+/// Identifies a program.
 struct Identity {
-    /// What it rests on, the worst first.
+    /// The source of the identity, the worst first.
     enum class Basis {
-        makeshift, ///< whatever is there that may pass for a name
+        makeshift, ///< anything that may pass for a name
         ownWord,   ///< a word with which its window names the program
         entry,     ///< a desktop entry
     };
 
-    /// The desktop entry's id, without ".desktop"; else what the program is known by across starts
-    /// where that isn't its name.
+    /// The desktop entry's id, without ".desktop"; else the key that stays the same across starts,
+    /// if it isn't the name.
     std::optional<std::string> id;
     std::string name;      ///< in the user's language; empty when nothing gives one
     std::string path;      ///< the desktop entry's file; empty without one
     std::string iconName;  ///< in the icon theme; empty when the entry gives none
     std::string iconFile;  ///< absolute path; empty when the entry gives none
-    bool isHidden = false; ///< the entry is not for the user's eyes
+    bool isHidden = false; ///< the entry is not meant for the user
     Basis basis = Basis::entry;
-    /// What its window alone would be known by, where that is something else; else empty.
+    /// The key that its window alone would give, if that is a different one; else empty.
     std::string windowKey = {};
 
-    /// What the exclusions know it by.
+    /// The key for exclusions.
     [[nodiscard]] const std::string& key() const { return id ? *id : name; }
 };
 
-/// What is known of a process besides the names that its window gives.
+/// What is known of a process besides its window's names.
 struct Evidence {
     /// The ids of the entries from which it may have been started.
     std::vector<std::string> started = {};
     RunProgram program = {};
-    /// Of its window. Asked only where it counts; may be empty.
+    /// Its window's title, read only when it is needed; may be empty.
     std::function<std::string()> title = {};
 };
 
@@ -55,14 +55,14 @@ public:
     DesktopEntries& operator=(const DesktopEntries&) = delete;
     ~DesktopEntries();
 
-    /// The entry that a window of that process means, else a name alone.
+    /// The entry of the program that a window of that process belongs to, or else a name alone.
     [[nodiscard]] Identity identify(const ToplevelIdentity& window, ProcessId process,
                                     const Evidence& evidence = {});
 
-    /// What the entry in that file says; none when it is no entry. Quick.
+    /// The entry in that file; none when it isn't one. Quick.
     [[nodiscard]] static std::optional<Identity> identityIn(const std::string& file);
 
-    /// The icon that the entry in that file gives; an empty one when it gives none.
+    /// The icon of the entry in that file; an empty one when it has none.
     [[nodiscard]] static Icon iconOf(const std::string& path);
 
 private:
@@ -79,11 +79,11 @@ private:
                                                const Evidence& evidence);
     void indexStartupClasses();
 
-    /// From the StartupWMClass that an entry states, in lower case, to that entry.
+    /// Entries by the StartupWMClass that they state, in lower case.
     std::map<std::string, ClassOwner> ownersOfStartupClass_;
     ProgramEntries programs_;
     bool areProgramsOutdated_ = true;
-    /// GLib says when entries are installed or removed.
+    /// GLib tells when entries are installed or removed.
     GAppInfoMonitor* monitor_;
     bool isOutdated_ = true;
 };

@@ -20,7 +20,7 @@ template <class T> using Owned = std::unique_ptr<T, Unref>;
 
 constexpr std::string_view suffix = ".desktop";
 
-/// For an entry that has no command. The answer comes when the program has dealt with it.
+/// For an entry without a command. The answer comes when the program has handled the call.
 bool activateOverBus(const std::string& path) {
     constexpr int milliseconds = 25000;
     std::string name = path.substr(path.rfind('/') + 1);
@@ -44,13 +44,13 @@ bool activateOverBus(const std::string& path) {
 } // namespace
 
 bool startDesktopEntry(const std::string& path) {
-    // What was remembered is an entry by its whole path; another file is not read as one.
+    // Entries are remembered by their whole paths; no other file is read as one.
     if (!path.starts_with('/') || !path.ends_with(suffix))
         return false;
-    // What hangs, such as a file of a server that has gone, is given up. The alarm is not
-    // inherited.
+    // Ends an attempt that hangs, for instance on a file of a server that has gone. Alarms are
+    // not inherited.
     ::alarm(60);
-    // Otherwise it would keep the folder busy in which this program was started.
+    // Otherwise it would keep the present folder busy.
     [[maybe_unused]] const int unchanged = ::chdir(g_get_home_dir());
     const Owned<GDesktopAppInfo> entry(g_desktop_app_info_new_from_filename(path.c_str()));
     if (!entry)
@@ -61,9 +61,9 @@ bool startDesktopEntry(const std::string& path) {
     const Owned<GAppLaunchContext> context(g_app_launch_context_new());
     for (const char* token : {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN"})
         g_app_launch_context_unsetenv(context.get(), token);
-    // The context has the program's environment by now. A program that the bus activates brings
-    // itself to the front, while its command does without the bus; and a bus that hangs is in
-    // nobody's way.
+    // The context has its copy of the environment by now. A program activated over the bus would
+    // come to the front, so its command is started without the bus, which then can't hold up the
+    // start either.
     g_setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/dev/null", 1);
     return g_app_info_launch(program, nullptr, context.get(), nullptr) != 0;
 }

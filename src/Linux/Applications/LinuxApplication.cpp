@@ -42,7 +42,7 @@ bool LinuxApplication::improve(const Identity& identity) {
     noteKey(identity.windowKey);
     if (identity.basis != Identity::Basis::entry)
         return true;
-    // The first entry it has: had it been there from the start, it would have counted like this.
+    // Its first desktop entry counts as if it had been known from the start.
     isHidden_ = identity.isHidden;
     icon_ = std::make_shared<Icon>(Icon{identity.iconName, identity.iconFile, icon_->image});
     isSettled_ = true;
@@ -71,7 +71,7 @@ void LinuxApplication::noteKeyboard(bool hasKeyboard) {
     hasKeyboard_ = hasKeyboard;
 }
 
-// The window manager gives the keyboard to whatever is left, and nobody may be there.
+// It may have the keyboard only because the window manager passed it on, with nobody there.
 std::optional<Uptime> LinuxApplication::workedWith() const {
     const auto windows = surroundings_.windows.lock();
     if (!hasKeyboard_ || !windows)
@@ -132,7 +132,7 @@ StayReason LinuxApplication::stayReason() {
         return StayReason::asking;
     if (policy_ == ActivationPolicy::accessory)
         return windows->isInTray(processId()) ? StayReason::inTray : StayReason::windowless;
-    // A command may have begun in a terminal since it was asked.
+    // A command may have started in a terminal since it was asked.
     const auto hindrance = obstacle();
     if (hindrance == StayReason::busyTerminal)
         request_ = {};
@@ -148,7 +148,7 @@ bool LinuxApplication::forceTerminate() {
                                 std::to_string(processId()) + ")");
         return false;
     }
-    // Asked again, the first deadline stays.
+    // A repeated request doesn't postpone the first deadline.
     if (!killing_.isSet())
         killing_ = surroundings_.loop.after(killDelay, [this] {
             if (!hasLeft_)

@@ -12,25 +12,25 @@
 
 namespace velmorquit {
 
-/// What an application can ask of the workspace that it belongs to. All of it returns at once.
+/// What an application needs from its workspace. All of it returns at once.
 class ApplicationWindows {
 public:
     virtual ~ApplicationWindows() = default;
-    /// Why its windows can't be asked to close now; none when they can.
+    /// Why its windows can't be asked to close now; none if they can.
     virtual std::optional<StayReason> obstacle(ProcessId process) = 0;
-    /// Asks its windows to close; those of a terminal in a moment.
+    /// Asks its windows to close; those of a terminal after a moment.
     virtual void askToClose(ProcessId process) = 0;
-    /// Asks those no more that have not been asked so far; false when there are none.
+    /// Cancels requests to close that are still pending; false without any.
     virtual bool takeBack(ProcessId process) = 0;
-    /// How long nobody has touched keyboard or pointer; none when that isn't known.
+    /// How long keyboard and pointer have been idle; none when unknown.
     virtual std::optional<Duration> sinceInput() = 0;
-    /// Asks one that has no windows to quit, should it understand any other way. False when it has
-    /// windows, runs something that would be lost, or there is no other way at all.
+    /// Asks one that has no windows to quit, if it understands another way of asking. False when it
+    /// has windows, runs something that would be lost, or there is no such way.
     virtual bool askWithoutWindows(ProcessId process) = 0;
     virtual bool bringToFront(ProcessId process) = 0;
     virtual std::vector<Toplevel> windowsOf(ProcessId process) = 0;
     virtual bool isInTray(ProcessId process) = 0;
-    /// Has its icon in the tray do what a click on it does. False when it has none.
+    /// Does the same as a click on its icon in the tray. False when it has none.
     virtual bool clickInTray(ProcessId process) = 0;
     /// Whether one of its windows has left a ping unanswered; pings them for the next time.
     virtual bool isDeaf(ProcessId process) = 0;
@@ -39,38 +39,38 @@ public:
 /// A process that owns windows, or did.
 class LinuxApplication final : public RunningApplication {
 public:
-    /// Time between the signal that a process may answer and the one that it can't.
+    /// Time between the polite signal and the one that can't be caught.
     static constexpr Duration killDelay = 2s;
 
     struct Surroundings {
         MainLoop& loop;
         SystemLog& log;
-        /// Empty once the workspace has gone.
+        /// Empty once the workspace is gone.
         std::weak_ptr<ApplicationWindows> windows;
     };
 
-    /// `picture` is what its window shows where no desktop entry gives an icon.
+    /// `picture` is its window's icon, used when no desktop entry gives one.
     LinuxApplication(std::unique_ptr<ProcessHandle> process, Identity identity,
                      const ProcessOrigin& origin, Image picture, Surroundings surroundings);
 
-    /// Takes note of a further identity that the process shows.
+    /// Adds a further identity that the process has shown.
     void addIdentity(const Identity& identity);
-    /// Goes by this identity from now on if it is a better one, or another one as makeshift as the
-    /// present: true then. The former one still counts among the others.
+    /// Switches to this identity if it is better, or another makeshift in place of a makeshift;
+    /// true then. The former identity still counts among the others.
     bool improve(const Identity& identity);
-    /// From now on it keeps the identity that it has.
+    /// From now on its identity is final.
     void settle() { isSettled_ = true; }
     [[nodiscard]] Identity::Basis basis() const { return identity_.basis; }
     void setPolicy(ActivationPolicy policy) { policy_ = policy; }
-    /// Takes note of one of its windows that is open now.
+    /// Notes that one of its windows is open now.
     void noteWindow(std::uint64_t window) { request_.note(window, surroundings_.loop.uptime()); }
     void noteKeyboard(bool hasKeyboard);
-    /// Whether all that it has shown is meant to be hidden from the user.
+    /// Whether everything it has shown is meant to be hidden from the user.
     [[nodiscard]] bool isHidden() const { return isHidden_; }
-    /// What it does without windows is none of the user's business.
+    /// Without windows it doesn't concern the user.
     [[nodiscard]] bool isBackground() const { return isHidden_ || isBackground_; }
     [[nodiscard]] bool isService() const { return isService_; }
-    /// It was a service and its last window has closed.
+    /// It was a service, and its last window has closed.
     void leave() { hasLeft_ = true; }
     [[nodiscard]] bool hasLeft() const { return hasLeft_; }
 
@@ -95,13 +95,13 @@ public:
     [[nodiscard]] std::optional<StayReason> obstacle() override;
     [[nodiscard]] std::optional<Uptime> lastUsed() const override;
     [[nodiscard]] StayReason stayReason() override;
-    /// A polite signal first, the final one two seconds later.
+    /// Sends a polite signal first, the final one two seconds later.
     bool forceTerminate() override;
     bool activate() override;
 
 private:
     void noteKey(const std::string& key);
-    /// When somebody last typed or clicked while it had the keyboard; none when nobody has.
+    /// When the user last typed or clicked while it had the keyboard; none if never.
     [[nodiscard]] std::optional<Uptime> workedWith() const;
 
     std::unique_ptr<ProcessHandle> process_;
@@ -119,7 +119,7 @@ private:
     QuitRequest request_;
     bool hasKeyboard_ = false;
     Uptime keyboardSince_;
-    /// What `workedWith` was when it lost the keyboard last.
+    /// The value of `workedWith` when it last lost the keyboard.
     std::optional<Uptime> workedWith_;
     std::optional<Uptime> hadKeyboardAt_;
     Handle killing_;

@@ -8,8 +8,8 @@
 
 namespace velmorquit {
 
-// A question is a window that nothing else can be done before, or that no list shows. Other windows
-// that belong to one are not asked to close either: they go with it.
+// A question is a window that blocks everything else, or one that no list shows. Ordinary windows
+// that belong to another one aren't asked to close either: they go with it.
 std::vector<OpenWindow> LinuxWindows::open() {
     std::vector<OpenWindow> windows;
     const std::vector<Toplevel> toplevels = source_.toplevels();
@@ -38,15 +38,15 @@ WindowOwner LinuxWindows::ownerOf(const Toplevel& toplevel) {
         owner.name = shownName(source_.title(toplevel.window));
     if (owner.name.empty())
         owner.name = "App";
-    // Both are seen, however long.
+    // Room for both, however long they are.
     constexpr std::size_t half = longestShownName / 2 - 2;
     if (!toplevel.machine.empty())
         owner.name = shownText(owner.name, half) + " (" + shownText(toplevel.machine, half) + ')';
     return owner;
 }
 
-// Programs that can't be asked whether they react are of a kind of which some close when they are
-// asked a second time, whatever is lost: they count as asked for as long as the window is open.
+// Some programs too old to be pinged close at a second request, whatever is lost: their windows are
+// asked only once, and count as asked for as long as they are open.
 bool LinuxWindows::askToClose(std::uint64_t window) {
     const std::vector<Toplevel> toplevels = source_.toplevels();
     std::erase_if(askedOnce_, [&](std::uint64_t one) {

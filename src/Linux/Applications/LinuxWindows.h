@@ -19,7 +19,7 @@ public:
         std::function<std::set<ProcessId>()> trayOwners;
     };
 
-    /// Both references outlive it.
+    /// Both references must outlive it.
     LinuxWindows(ToplevelSource& source, LinuxWorkspace& workspace, Surroundings surroundings)
         : source_(source), workspace_(workspace), surroundings_(std::move(surroundings)) {}
 
@@ -37,7 +37,7 @@ private:
     ToplevelSource& source_;
     LinuxWorkspace& workspace_;
     Surroundings surroundings_;
-    /// Windows that are not to be asked again.
+    /// Windows that must not be asked a second time.
     std::set<std::uint64_t> askedOnce_;
 };
 

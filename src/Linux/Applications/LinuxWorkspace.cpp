@@ -11,8 +11,8 @@ namespace velmorquit {
 
 namespace {
 
-/// A program has a handful of identities; one whose windows change theirs all the time must not be
-/// remembered under all of them.
+/// A program has a handful of identities. One whose windows change theirs all the time must not
+/// fill the memory with them.
 constexpr std::size_t mostIdentities = 64;
 
 bool isThere(ProcessId id) { return ::kill(id, 0) == 0 || errno == EPERM; }
@@ -91,7 +91,7 @@ void LinuxWorkspace::tellUntold() {
     observers_.tell(std::exchange(untold_, {}));
 }
 
-/// Brings the applications in line with the windows, and says what has changed.
+/// Updates the applications from the windows, and returns the changes.
 WorkspaceChanges LinuxWorkspace::readToplevels() {
     WorkspaceChanges changes;
     const std::vector<Toplevel> toplevels = source_.toplevels();
@@ -124,7 +124,7 @@ WorkspaceChanges LinuxWorkspace::readToplevels() {
     return changes;
 }
 
-/// Who was in front stays so while a window is active that is no application's.
+/// While a window that belongs to no application is active, the frontmost application stays.
 void LinuxWorkspace::noteFront(WorkspaceChanges& changes) {
     const auto frontmost = frontmostApplication();
     const ProcessId front = frontmost ? frontmost->processId() : 0;
@@ -132,7 +132,7 @@ void LinuxWorkspace::noteFront(WorkspaceChanges& changes) {
         changes.insert({WorkspaceEvent::activated, front});
 }
 
-/// In a later turn: whoever asks what is running changes nothing by that.
+/// Done in a later turn, since listing the running applications must have no side effects.
 void LinuxWorkspace::keepInBackground(ProcessId focusedProcess) {
     const auto window =
         starts_.windowToRestore(source_.focusedWindow(), focusedProcess, loop_.uptime());
@@ -159,12 +159,12 @@ WorkspaceChanges LinuxWorkspace::updatePolicies(const std::set<ProcessId>& owner
             changes.insert({WorkspaceEvent::terminated, id});
         }
     }
-    // Only these: the end of a process is told by what the member holds.
+    // Only services: the end of other members is reported by their processes.
     std::erase_if(members_, [](const Member& member) { return member.application->hasLeft(); });
     return changes;
 }
 
-/// Whether the last window went a while ago. Some hide one window before they show the next.
+/// Whether the last window closed a while ago: some hide one window before showing the next.
 bool LinuxWorkspace::hasClosed(Member& member, bool hasWindows) {
     if (hasWindows || member.application->isTerminated()) {
         member.windowlessSince.reset();
@@ -185,7 +185,7 @@ std::set<ProcessId> LinuxWorkspace::windowOwners() {
     return owners;
 }
 
-/// Takes note of a window.
+/// Takes note of an open window, and of its process if that is new.
 void LinuxWorkspace::admit(const Toplevel& toplevel, WorkspaceChanges& changes) {
     const ProcessId id = toplevel.process;
     if (Member* member = known(id)) {
@@ -193,8 +193,8 @@ void LinuxWorkspace::admit(const Toplevel& toplevel, WorkspaceChanges& changes) 
             changes.insert({WorkspaceEvent::policyChanged, id});
         if (member->shown.contains(toplevel.identity))
             return;
-        // Beyond that many only installed ones count, of which there are not many: an exclusion may
-        // be of the last one that a browser shows.
+        // Beyond the limit only installed programs count, which are few: an exclusion may name the
+        // last one that a browser shows.
         const Identity another = entries_.identify(toplevel.identity, id);
         if (member->shown.size() < mostIdentities)
             member->shown.insert(toplevel.identity);
@@ -207,7 +207,7 @@ void LinuxWorkspace::admit(const Toplevel& toplevel, WorkspaceChanges& changes) 
         if (!alive.expired())
             removeEndedLater();
     });
-    // The window's own process may have ended since it was listed, and its id may be another's now.
+    // The window's process may have ended since it was listed, and its id may be reused by now.
     if (!process)
         lacksDescriptors_ |= isThere(id);
     if (!process || !source_.belongsTo(toplevel.window, id))
@@ -223,7 +223,7 @@ void LinuxWorkspace::admit(const Toplevel& toplevel, WorkspaceChanges& changes) 
                                            needsPicture ? source_.icon(toplevel.window) : Image(),
                                            LinuxApplication::Surroundings{loop_, log_, windows_});
     starts_.noteAppearance(identity.path, id, loop_.uptime());
-    // What the window says of itself counts beside what its process was started from.
+    // The window's own statement counts besides the entry that its process was started from.
     const Identity stated = entries_.identify(toplevel.identity, id);
     if (stated.basis == Identity::Basis::entry)
         application->addIdentity(stated);
@@ -237,7 +237,7 @@ void LinuxWorkspace::admit(const Toplevel& toplevel, WorkspaceChanges& changes) 
     changes.insert({WorkspaceEvent::launched, id});
 }
 
-/// Whether it is better known by what the window and the unit say now.
+/// Whether the window and the unit now give a better identity.
 bool LinuxWorkspace::improve(Member& member, const Toplevel& toplevel) {
     auto entries = entriesOf(toplevel.process, proc_, windowOwners());
     if (member.lookedUp.size() >= mostIdentities ||
@@ -247,7 +247,7 @@ bool LinuxWorkspace::improve(Member& member, const Toplevel& toplevel) {
     const Identity identity =
         entries_.identify(toplevel.identity, toplevel.process,
                           {.started = std::move(entries), .program = member.program, .title = {}});
-    // The title is read once more at the end: until then one makeshift is as good as another.
+    // The title is read once more at the end: until then, makeshift identities are equally good.
     if (identity.basis <= application.basis() || !application.improve(identity))
         return false;
     starts_.noteAppearance(identity.path, toplevel.process, loop_.uptime());
@@ -256,7 +256,7 @@ bool LinuxWorkspace::improve(Member& member, const Toplevel& toplevel) {
     return true;
 }
 
-/// The last look at an application that has no entry so far.
+/// The last look at an application that has no entry yet.
 void LinuxWorkspace::settle(ProcessId id) {
     WorkspaceChanges changes = readToplevels();
     Member* member = known(id);
@@ -269,7 +269,7 @@ void LinuxWorkspace::settle(ProcessId id) {
     observers_.tell(changes);
 }
 
-/// Titles come late, and change: this name is kept.
+/// Titles appear late and change; this name is final.
 bool LinuxWorkspace::nameByTitle(Member& member) {
     LinuxApplication& application = *member.application;
     if (application.basis() != Identity::Basis::makeshift)
@@ -284,11 +284,11 @@ bool LinuxWorkspace::nameByTitle(Member& member) {
     const Identity identity =
         entries_.identify(found->identity, found->process,
                           {.started = {}, .program = member.program, .title = title});
-    // None when the title doesn't say more than is known anyway.
+    // It has no id when the title adds nothing to what is known.
     return identity.id && application.improve(identity);
 }
 
-/// In a later turn: what has ended is told by an object that goes with it.
+/// In a later turn: the end is reported by an object that is removed with the application.
 void LinuxWorkspace::removeEndedLater() {
     removing_ = loop_.after(Duration::zero(), [this] { removeEnded(); });
 }
@@ -305,7 +305,7 @@ void LinuxWorkspace::removeEnded() {
     observers_.tell(changes);
 }
 
-/// An id whose process has ended may belong to another one by now.
+/// The id of a process that has ended may belong to another one by now.
 LinuxWorkspace::Member* LinuxWorkspace::known(ProcessId id) {
     const auto found = std::ranges::find_if(members_, [id](const Member& member) {
         return member.application->processId() == id && !member.application->isTerminated();

@@ -21,26 +21,26 @@ namespace velmorquit {
 /// The applications of a Linux session: the processes that own ordinary windows.
 class LinuxWorkspace final : public Workspace {
 public:
-    /// How long a background service has no windows before it counts as ended.
+    /// How long a background service must be without windows to count as ended.
     static constexpr Duration serviceDelay = 1s;
-    /// For how long after its first window an application without a desktop entry may still become
-    /// known by one: some show a window before they say who they are, and a launcher may give them
-    /// their unit late.
+    /// For how long after its first window an application without a desktop entry may still turn
+    /// out to have one: some show a window before they identify themselves, and a launcher may
+    /// put them into their unit late.
     static constexpr Duration identityDelay = 2s;
 
     struct Surroundings {
-        /// What is done with processes that have no windows.
+        /// Handles processes without windows.
         WorkspaceWindows::Surroundings withoutWindows = {};
         /// Starts the application of a desktop entry, given its path, and returns at once; may be
         /// empty.
         std::function<void(const std::string&)> launch = {};
-        /// Whether the session has another display than that of the windows; may be empty.
+        /// Whether the session has a display besides that of the windows; may be empty.
         std::function<bool()> hasAnotherDisplay = {};
-        /// Where the processes are looked at.
+        /// The file system of processes.
         std::string proc = "/proc";
     };
 
-    /// The references outlive it.
+    /// The references must outlive it.
     LinuxWorkspace(MainLoop& loop, SystemLog& log, ToplevelSource& source,
                    const Surroundings& surroundings);
     ~LinuxWorkspace() override;
@@ -53,12 +53,12 @@ public:
     }
     void open(const std::string& path) override;
     [[nodiscard]] std::shared_ptr<const Icon> icon(const std::string& path) const override;
-    /// The usual file managers: the session's own windows on the disk.
+    /// The usual file managers, which also show the session's own windows.
     [[nodiscard]] std::vector<std::string> defaultExclusions() const override;
 
-    /// The one that is this process, running or not any more; null for none.
+    /// The application of this process, whether it still runs or not; null without one.
     [[nodiscard]] std::shared_ptr<const LinuxApplication> application(ProcessId id) const;
-    /// Whether something runs in the windows of this process that would be lost with them.
+    /// Whether something that runs in this process's windows would be lost with them.
     [[nodiscard]] bool hasJob(ProcessId id) { return windows_->hasJob(id); }
 
 private:
@@ -69,9 +69,9 @@ private:
         /// When a service was first seen without windows.
         std::optional<Uptime> windowlessSince = {};
         RunProgram program = {};
-        /// Set while its identity may still get better.
+        /// Set while its identity may still improve.
         Handle settling = {};
-        /// What it was looked up by meanwhile: what a window shows, and the entries of its unit.
+        /// What it was looked up by meanwhile: the window's identity and its unit's entries.
         std::set<std::pair<ToplevelIdentity, std::vector<std::string>>> lookedUp = {};
     };
 
@@ -104,15 +104,15 @@ private:
     ProcDirectory proc_;
     /// In the order in which they appeared.
     std::vector<Member> members_;
-    /// A process that is there can't be held on to: applications are missing among the members.
+    /// An existing process couldn't be watched: applications are missing among the members.
     bool lacksDescriptors_ = false;
     std::weak_ptr<LinuxApplication> frontmost_;
-    ProcessId front_ = 0; ///< the one that was noticed last; 0 for none
+    ProcessId front_ = 0; ///< as last reported; 0 for none
     WorkspaceObservers observers_;
     Handle watching_;
     Handle removing_;
     Handle lookingAgain_;
-    /// What was noticed while somebody was asking, to be told when they are done.
+    /// Changes noticed while somebody was asking, to be told afterwards.
     WorkspaceChanges untold_;
     Handle telling_;
 };

@@ -18,7 +18,7 @@ bool isUpper(unsigned char letter) { return isAscii(letter) && std::isupper(lett
 bool isLetter(unsigned char letter) { return !isAscii(letter) || std::isalpha(letter) != 0; }
 bool isDigit(unsigned char letter) { return isAscii(letter) && std::isdigit(letter) != 0; }
 
-/// "org-example-Main" or "app-Main": the full name of a class of Java, its dots replaced.
+/// "org-example-Main" or "app-Main": the full name of a Java class with its dots replaced.
 bool isQualified(std::string_view name) {
     const std::size_t dash = name.rfind('-');
     if (dash == std::string_view::npos)
@@ -27,7 +27,7 @@ bool isQualified(std::string_view name) {
            std::ranges::any_of(name.substr(dash), isUpper);
 }
 
-/// Only what two spellings of a name have in common.
+/// The part of a name that all its spellings share.
 std::string essence(std::string_view text) {
     std::string letters;
     for (const char letter : text) {
@@ -71,7 +71,7 @@ bool isShort(std::string_view part) {
            static_cast<std::size_t>(std::ranges::count_if(part, isBegin)) <= longestName;
 }
 
-/// A file, an address, or what is called "Untitled-1".
+/// A file, an address, or a name like "Untitled-1".
 bool seemsDocument(std::string_view part) {
     if (!isLetter(static_cast<unsigned char>(part.front())) ||
         part.find_first_of("/\\@:[](){}*<>") != std::string_view::npos)
@@ -98,7 +98,7 @@ bool isOwnWord(const std::string& className) {
            !isCommonName(className);
 }
 
-// Some put the program first and some last; most put it last.
+// Some programs put their name first, most last.
 std::string programInTitle(const std::string& title, const RunProgram& program,
                            const std::string& className) {
     const std::vector<std::string_view> parts = partsOf(title);

@@ -7,12 +7,12 @@
 
 namespace velmorquit {
 
-/// Whether the window's class is a word that somebody has chosen to name the program, and not what
-/// a toolkit makes of the name of a class or a file.
+/// Whether the window's class is a word that somebody has chosen to name the program, rather than
+/// one that a toolkit derives from the name of a class or a file.
 [[nodiscard]] bool isOwnWord(const std::string& className);
 
-/// The part of a window's title that names the program rather than what is open in it; empty when
-/// no part seems to.
+/// The part of a window's title that names the program rather than its content; empty when no part
+/// seems to.
 [[nodiscard]] std::string programInTitle(const std::string& title, const RunProgram& program,
                                          const std::string& className);
 

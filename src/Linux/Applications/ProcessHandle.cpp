@@ -17,8 +17,8 @@ namespace velmorquit {
 
 namespace {
 
-/// So many descriptors are left for everything else: to read what processes are at, to paint (a
-/// picture is shared with the X server by one), to write preferences.
+/// Descriptors left for everything else: for reading from /proc, for painting (each picture shared
+/// with the X server takes one), for writing preferences.
 constexpr rlim_t reserve = 16;
 
 bool isOfReserve(int descriptor) {
@@ -29,9 +29,9 @@ bool isOfReserve(int descriptor) {
 
 } // namespace
 
-// The descriptor is for whoever has the id at that instant. That this is who was meant shows in the
-// start time, which is the same before and after; there is none where the system hides the
-// processes of other users.
+// The descriptor refers to whichever process has the id at that instant. It is the right one if the
+// start time is the same before and after; that is unknown where the system hides the processes of
+// other users.
 std::unique_ptr<ProcessHandle> ProcessHandle::open(ProcessId id, std::function<void()> ended) {
     const auto before = readProcessStat(id);
     const int descriptor = ::pidfd_open(id, 0);
@@ -55,7 +55,7 @@ ProcessHandle::ProcessHandle(ProcessId id, int descriptor, std::function<void()>
     QObject::connect(&notifier_, &QSocketNotifier::activated, &notifier_,
                      [this, ended = std::move(ended)] {
                          notifier_.setEnabled(false);
-                         // The owner may let go of this object from within.
+                         // The callback may destroy this object.
                          const auto told = ended;
                          told();
                      });

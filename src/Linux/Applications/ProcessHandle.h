@@ -10,14 +10,14 @@
 
 namespace velmorquit {
 
-/// A hold on one process, child or not, that can never be mistaken for a later one with the same
+/// A hold on one process, child or not, that is never mistaken for a later one with the same
 /// id.
 class ProcessHandle {
 public:
     enum class Signalled { yes, refused };
 
-    /// Takes hold of the process that has that id now; null when there is none or the system has no
-    /// means left to watch it. `ended` is called once, on the main loop, when the process ends.
+    /// Takes hold of the process that now has that id; null when there is none, or when the system
+    /// can't watch any more. `ended` is called once, on the main loop, when the process ends.
     static std::unique_ptr<ProcessHandle> open(ProcessId id, std::function<void()> ended);
 
     ProcessHandle(const ProcessHandle&) = delete;
@@ -26,11 +26,11 @@ public:
 
     [[nodiscard]] ProcessId id() const { return id_; }
 
-    /// Whether the process has ended; asked of the kernel, without waiting. Also true of one whose
-    /// parent has not taken note yet.
+    /// Whether the process has ended; asks the kernel, without waiting. Also true while its parent
+    /// has not collected its status yet.
     [[nodiscard]] bool hasEnded() const;
 
-    /// Sends a signal. To have ended already is no refusal.
+    /// Sends a signal. A process that has already ended is no refusal.
     Signalled send(int signal) const;
 
 private:

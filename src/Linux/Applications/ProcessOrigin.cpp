@@ -18,8 +18,8 @@ std::optional<ProcessStat> statOf(ProcessId process, const ProcDirectory& proc) 
     return parseProcessStat(proc.read(process, "stat"));
 }
 
-/// Whether the unit was made for another program, from which this one was started. The one is the
-/// other's parent only at times: launchers let go of what they start.
+/// Whether the unit was made for another program, which then started this one. That program needn't
+/// be the parent: launchers detach themselves from what they start.
 bool isGuest(const ProcessStat& process, std::string_view unit, const ProcDirectory& proc,
              const std::set<ProcessId>& windowOwners) {
     return std::ranges::any_of(windowOwners, [&](ProcessId other) {
@@ -30,8 +30,8 @@ bool isGuest(const ProcessStat& process, std::string_view unit, const ProcDirect
     });
 }
 
-/// Whether it is what its unit was made for, or was started by the bus. Services start programs
-/// too, which are in their unit then.
+/// Whether the unit was made for this process, or the bus started it. Services may start further
+/// programs, which are then in their unit.
 bool isMainProcess(const ProcessStat& process, const std::string& cgroup,
                    const ProcDirectory& proc) {
     auto ancestor = statOf(process.parent, proc);
@@ -48,7 +48,7 @@ bool isMainProcess(const ProcessStat& process, const std::string& cgroup,
     });
 }
 
-/// The system's start is known in seconds, a process's in ticks since then.
+/// The system's start is known in seconds, a process's start in ticks after that.
 std::optional<WallTime> startOf(const ProcessStat& process, const ProcDirectory& proc) {
     const std::string system = proc.read("stat");
     constexpr std::string_view field = "\nbtime ";
@@ -64,12 +64,12 @@ std::optional<WallTime> startOf(const ProcessStat& process, const ProcDirectory&
     return WallTime(std::chrono::seconds(systemStart)) + seconds;
 }
 
-/// A program that offers its services on the bus may be started for these alone.
+/// A program that offers services on the bus may have been started only for these.
 bool isStartedAsService(const std::vector<std::string>& arguments) {
     return std::ranges::find(arguments, "--gapplication-service") != arguments.end();
 }
 
-/// By the file names of the usual ones, and of what belongs to them.
+/// By the file names of the usual ones and their helpers.
 bool isInputMethod(const std::string& executable) {
     static constexpr std::array<std::string_view, 7> families{"ibus", "fcitx", "scim", "uim",
                                                               "hime", "gcin",  "nabi"};
@@ -78,7 +78,7 @@ bool isInputMethod(const std::string& executable) {
                                [&](std::string_view family) { return name.starts_with(family); });
 }
 
-/// A file that was replaced while it runs is still the same program.
+/// A running program whose file was replaced is still the same program.
 std::string executableOf(ProcessId process, const ProcDirectory& proc) {
     constexpr std::string_view replaced = " (deleted)";
     std::string path = proc.link(process, "exe");
@@ -111,7 +111,7 @@ ProcessOrigin originOf(ProcessId process, const ProcDirectory& proc,
                        (isUserService(cgroup) && isMainProcess(*stat, cgroup, proc));
     origin.isBackground = isAutostarted(cgroup) || isInputMethod(executable);
     origin.launchDate = startOf(*stat, proc);
-    // Another user's executable can't be seen, but how it was called.
+    // Another user's executable can't be read, but its command line can.
     const bool isKnown = !executable.empty() || arguments.empty();
     origin.program =
         programOf(isKnown ? executable : arguments.front(), arguments, proc.link(process, "cwd"));

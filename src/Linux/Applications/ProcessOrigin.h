@@ -18,20 +18,20 @@ struct ProcessOrigin {
     std::vector<std::string> entries;
     /// The session or its bus keeps it as a background service.
     bool isService = false;
-    /// It came with the session, or takes in what is typed for other programs: the user has not
-    /// started it to work with it.
+    /// It was started with the session, or is an input method: the user has not started it to work
+    /// with it.
     bool isBackground = false;
     std::optional<WallTime> launchDate;
     RunProgram program;
 };
 
-/// Looks at a process. Whatever a program starts is in its unit as well: the unit names the oldest
-/// one in there that is among `windowOwners`.
+/// Looks at a process. A unit also contains everything that its programs start: its name belongs to
+/// the oldest of `windowOwners` in it.
 [[nodiscard]] ProcessOrigin originOf(ProcessId process, const ProcDirectory& proc,
                                      const std::set<ProcessId>& windowOwners);
 
-/// The entries alone. Launchers start a program before they give it a unit of its own: what there
-/// was at first may not be all.
+/// Only the entries. Launchers start a program before they give it a unit of its own: a first look
+/// may not find all of them.
 [[nodiscard]] std::vector<std::string> entriesOf(ProcessId process, const ProcDirectory& proc,
                                                  const std::set<ProcessId>& windowOwners);
 

@@ -31,7 +31,7 @@ std::string textOf(GDesktopAppInfo* info, const char* key) {
     return copy;
 }
 
-/// Whether the process was started with all that the entry gives.
+/// Whether the process was started with all of the entry's arguments.
 bool hasAll(const std::vector<std::string>& arguments, const std::vector<std::string>& wanted) {
     return std::ranges::all_of(wanted, [&](const std::string& one) {
         return std::ranges::find(arguments, one) != arguments.end();
@@ -68,7 +68,7 @@ void ProgramEntries::index() {
         const bool isInNoMenu = g_desktop_app_info_get_nodisplay(info) != 0;
         const bool opensFiles =
             g_app_info_supports_files(app) != 0 || g_app_info_supports_uris(app) != 0;
-        // What runs in a terminal has no windows: its namesake with windows is meant.
+        // A program that runs in a terminal has no windows: its namesake with windows is meant.
         if (!id || (isInNoMenu && !opensFiles) ||
             g_desktop_app_info_get_boolean(info, G_KEY_FILE_DESKTOP_KEY_TERMINAL))
             continue;
@@ -124,7 +124,7 @@ const ProgramEntries::Owner* ProgramEntries::ownerIn(const Owners& owners, const
     return isAmbiguous ? nullptr : best;
 }
 
-// The name counts as well: programs are started through scripts that lie elsewhere.
+// The name counts as well, since programs are started through scripts in other places.
 std::optional<std::string> ProgramEntries::entryOf(const RunProgram& program) const {
     if (program.isUnknown())
         return std::nullopt;
@@ -133,7 +133,7 @@ std::optional<std::string> ProgramEntries::entryOf(const RunProgram& program) co
         owner = ownerIn(byPath_, program.path);
     else if (!isCommonName(program.name))
         owner = ownerIn(byName_, lowered(program.name));
-    // Opened again it would be another program, had it been given less.
+    // With fewer arguments, the entry would reopen a different program.
     if (!owner || !hasAll(program.arguments, owner->arguments))
         return std::nullopt;
     return owner->id;

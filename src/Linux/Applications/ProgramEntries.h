@@ -9,8 +9,8 @@
 
 namespace velmorquit {
 
-/// The words of an entry's command line, without the "env" in front and what that sets, and without
-/// what stands for files; empty when it is none.
+/// The words of an entry's command line, without a leading "env" and the variables it sets, and
+/// without placeholders for files; empty when it is none.
 [[nodiscard]] std::vector<std::string> commandOfEntry(const char* line);
 
 /// The desktop entries that are installed, by the program that they start.
@@ -19,15 +19,15 @@ public:
     /// Reads all entries anew and looks for their programs: some milliseconds.
     void index();
 
-    /// The id, without ".desktop", of the entry that starts what runs there; none when there is no
-    /// such one, or several that start it in different ways. Entries that aren't for the user are
-    /// left out: a guess must not take a program from the user's sight.
+    /// The id, without ".desktop", of the entry that starts the running program; none when there is
+    /// none, or several that start it in different ways. Entries not meant for the user are left
+    /// out: a guess must not hide a program from the user.
     [[nodiscard]] std::optional<std::string> entryOf(const RunProgram& program) const;
 
 private:
     struct Owner {
         std::string id;
-        /// Those that stand for no file.
+        /// Those that aren't placeholders for files.
         std::vector<std::string> arguments;
         /// It is in no menu, though the user may open files with it.
         bool isInNoMenu = false;

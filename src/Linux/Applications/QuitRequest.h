@@ -9,35 +9,35 @@
 
 namespace velmorquit {
 
-/// What has become of asking an application to quit, as far as its windows tell.
+/// The progress of a request to quit, as far as the application's windows show it.
 class QuitRequest {
 public:
-    /// What it opens so soon after it was asked is its question, whether anybody looks or not.
+    /// A window opened this soon after the request is its question, even if nobody has looked.
     static constexpr Duration questionTime = 10s;
-    /// A window like any other that came after it was asked may be what the user works with by
-    /// then: it is a question for that long after anybody has looked last.
+    /// An ordinary window that came after the request may meanwhile be one that the user works
+    /// with: it counts as a question for this long after the last look.
     static constexpr Duration plainQuestionTime = 10min;
-    /// That another window has the keyboard now is noticed a moment later.
+    /// A change of the window with the keyboard is noticed this much later.
     static constexpr Duration noticeTime = 1s;
 
-    /// It is being asked, with these windows open.
+    /// The application is being asked, with these windows open.
     void begin(const std::vector<Toplevel>& windows, Uptime now);
     [[nodiscard]] bool hasBegun() const { return askedAt_.has_value(); }
 
-    /// Takes note of one of its windows that is open now.
+    /// Notes that one of its windows is open now.
     void note(std::uint64_t window, Uptime now);
-    /// Somebody wants to know why it stays: what is new among its windows is a question.
-    /// One like any other that has come after somebody has worked with it is the user's own.
+    /// Called by those who ask why it stays: its new windows are questions, except ordinary ones
+    /// that came after the user had gone on working with the application.
     void look(const std::vector<Toplevel>& windows, std::optional<Uptime> used, Uptime now);
 
-    /// Whether one of these windows waits for an answer. One that keeps others from being used may
-    /// have been there before, and keeps them from closing just as well.
+    /// Whether one of these windows waits for an answer. A modal dialog also counts if it was open
+    /// before the request, since it keeps the others from closing just as well.
     [[nodiscard]] bool showsQuestion(const std::vector<Toplevel>& windows, Uptime now) const;
 
-    /// Whether asking once more might be an answer: a question is open; or a window that was asked
-    /// is, and nobody has used the application since (some put their question inside, where nobody
-    /// else sees it). Of programs so old that they can't be asked whether they react, some close
-    /// when they are asked a second time, whatever is lost: that holds until the user speaks.
+    /// Whether a second request might be taken as an answer: a question is open, or a window that
+    /// was asked is still open and the application has not been used since (some ask inside it,
+    /// where nobody else sees that). Some programs too old to be pinged close at a second request,
+    /// whatever is lost: they wait until the user decides.
     [[nodiscard]] bool isOpen(const std::vector<Toplevel>& windows, std::optional<Uptime> used,
                               Uptime now) const;
 
@@ -48,9 +48,9 @@ private:
 
     std::optional<Uptime> askedAt_;
     Uptime lookedAt_;
-    /// Those that were open when it was asked.
+    /// The windows that were open when it was asked.
     std::set<std::uint64_t> asked_;
-    /// Those that it has opened in answer to that.
+    /// The windows that it has opened since as questions.
     std::set<std::uint64_t> questions_;
 };
 

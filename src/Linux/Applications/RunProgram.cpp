@@ -18,20 +18,20 @@ namespace fs = std::filesystem;
 
 constexpr auto isDigit = [](char letter) { return letter >= '0' && letter <= '9'; };
 
-/// How the arguments of an interpreter are to be read.
+/// How to read the arguments of an interpreter.
 struct Interpreter {
     std::string_view name;
-    /// Options whose value is an argument of its own, each with a blank around it.
+    /// Options that take the next argument as their value, each with a blank around it.
     std::string_view withValue = "";
-    /// Options after which there is code, and no file to read.
+    /// Options that are followed by code instead of a file to read.
     std::string_view code = "";
-    /// Options that are followed by the name of a module, or of a class.
+    /// Options that are followed by the name of a module or a class.
     std::string_view module = "";
-    /// What it reads without any option is such a name too, and not a file.
+    /// Without any option it takes such a name instead of a file.
     bool readsNames = false;
 };
 
-// Java: the archive that "-jar" names is the first argument which is no option.
+// Java: the archive after "-jar" is the first argument that isn't an option.
 constexpr std::array<Interpreter, 26> interpreters{{
     {"python", " -W -X -Q --check-hash-based-pycs ", " -c ", " -m "},
     {"pypy", " -W -X ", " -c ", " -m "},
@@ -113,7 +113,7 @@ bool holds(std::string_view options, std::string_view option) {
     return options.find(' ' + std::string(option) + ' ') != std::string_view::npos;
 }
 
-/// The name of a file may tell nothing where its folder does. A user's own folder never does.
+/// A file's name may say nothing where its folder does. A user's own folder never does.
 std::string nameOfFile(const fs::path& path) {
     std::string_view part = path.native();
     while (!part.empty() && part != "/") {
@@ -140,7 +140,7 @@ std::vector<std::string> since(const std::vector<std::string>& arguments, std::s
 
 RunProgram fileIn(const std::string& file, const std::string& folder,
                   std::vector<std::string> arguments) {
-    // Whatever is longer is none: a process may have been given megabytes.
+    // Longer paths don't exist, but a process may have been given megabytes.
     if (file.empty() || file.size() >= PATH_MAX || file.find('\0') != std::string::npos)
         return {};
     const fs::path path = fs::path(folder) / file;
@@ -148,11 +148,11 @@ RunProgram fileIn(const std::string& file, const std::string& folder,
     fs::path real = fs::canonical(path, error);
     if (error)
         real = path.lexically_normal();
-    // By the name that it is called by: what a link leads to may serve several.
+    // By the name used to call it: the target of a link may serve several programs.
     return {real.is_absolute() ? real.string() : "", nameOfFile(path), std::move(arguments)};
 }
 
-/// The last part of "a.b.c": of "a.__main__" that is "a".
+/// The last part of "a.b.c"; for "a.__main__" that is "a".
 std::string moduleNamed(std::string name) {
     name = name.substr(0, name.find('\0'));
     name = name.substr(name.rfind('/') + 1);

@@ -6,35 +6,35 @@
 
 namespace velmorquit {
 
-/// What a command line runs: a program of its own, or what an interpreter was given to read.
+/// The program that a command line runs: the executable itself, or the input of an interpreter.
 struct RunProgram {
     /// The file, absolute and without symbolic links; empty when there is none, as for a module of
     /// an interpreter.
     std::string path;
-    /// What a person would call it: the file's name without folders and extension. UTF-8.
+    /// The name for the user: the file's name without folders and extension. UTF-8.
     std::string name;
-    /// What it was given itself: no options of the interpreter.
+    /// Its own arguments, without options of the interpreter.
     std::vector<std::string> arguments;
 
-    /// An interpreter without anything to read, or one that starts whatever it is told: nobody's
-    /// program, so nothing is known.
+    /// An interpreter without input, or one that runs anything it is told: its program isn't
+    /// known.
     [[nodiscard]] bool isUnknown() const { return name.empty(); }
 };
 
-/// `executable` is the file that runs, `arguments` all of them, the command itself first; what has
-/// no folder in front is in `folder`. Looks for the files' real places.
+/// `executable` is the running file; `arguments` are all of them, the command itself first. Names
+/// without a folder are looked for in `folder`. Resolves the files' real paths.
 [[nodiscard]] RunProgram programOf(const std::string& executable,
                                    const std::vector<std::string>& arguments,
                                    const std::string& folder);
 
-/// Whether it is a name that programs of every kind go by: that of an interpreter, of a launcher,
-/// of what a toolkit calls windows that have no name, or simply "main".
+/// Whether it is a name shared by all kinds of programs: that of an interpreter or a launcher, a
+/// toolkit's name for windows without one, or simply "main".
 [[nodiscard]] bool isCommonName(std::string_view name);
 
-/// The name without one of the extensions that programs have.
+/// The name without one of the usual extensions of programs.
 [[nodiscard]] std::string withoutExtension(std::string_view fileName);
 
-/// Without the letter's case where it is one of ASCII's.
+/// In lower case as far as ASCII letters are concerned.
 [[nodiscard]] std::string lowered(std::string text);
 
 } // namespace velmorquit

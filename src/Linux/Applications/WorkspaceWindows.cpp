@@ -9,12 +9,12 @@ namespace velmorquit {
 
 namespace {
 
-/// A run asks all applications at one go: they share one look at the processes. What ended before
-/// the run began must not count any more.
+/// A run asks all applications at once, so they share one look at the processes. Programs that
+/// ended before the run began must not count any more.
 constexpr Duration sharedLook = 20ms;
 
-/// So long a terminal's shell has to have rested before it is asked, and so often that is looked at
-/// before it is asked all the same.
+/// How long a terminal's shell must have been at rest before it is asked, and how often to look
+/// for that before it is asked anyway.
 constexpr Duration rest = 150ms;
 constexpr int mostLooks = 10;
 
@@ -37,12 +37,12 @@ void WorkspaceWindows::askToClose(ProcessId process) {
         askNow(windowsToClose(process));
 }
 
-// A shell that is just about to show its prompt may miss that its terminal hangs up, which waits
-// for it for ever then. And velmorctl needs a moment to hear of a run and to leave.
+// A shell that is just about to show its prompt may miss the hang-up of its terminal, which then
+// waits for it forever. Also velmorctl needs a moment to hear of a run and to leave.
 void WorkspaceWindows::askAtRest(ProcessId process, int looks, bool hasRested) {
     asking_[process] =
         loop_.after(rest, [this, process, looks, hasRested, windows = windowsToClose(process)] {
-            // Prompts have helpers, too.
+            // Helpers that build a prompt would count as jobs as well.
             const bool isBusy = hasJob(process);
             const bool rests = !isBusy && terminalsRest(process, table_, facts());
             if (looks > 0 && !(rests && hasRested)) {
@@ -128,7 +128,7 @@ void WorkspaceWindows::look() {
     if (lookedAt_ && now - *lookedAt_ <= sharedLook)
         return;
     table_ = readProcessTable();
-    // It takes descriptors. Without them nobody knows what runs in a terminal.
+    // Reading it takes descriptors. Without them nobody knows what runs in a terminal.
     knowsProcesses_ = std::ranges::find(table_, ::getpid(), &ProcessStat::id) != table_.end();
     owners_.clear();
     for (const Toplevel& toplevel : source_.toplevels())

@@ -17,18 +17,18 @@ namespace velmorquit {
 /// The windows of a desktop, lent to its applications.
 class WorkspaceWindows final : public ApplicationWindows {
 public:
-    /// What is done with processes that have no windows; each may be empty.
+    /// Handles processes without windows; each may be empty.
     struct Surroundings {
-        /// Asks it to quit.
+        /// Asks the process to quit.
         std::function<void(ProcessId)> ask = {};
         std::function<std::set<ProcessId>()> trayOwners = {};
         /// Clicks its icon in the tray; false when it has none.
         std::function<bool(ProcessId)> clickInTray = {};
-        /// How long nobody has touched keyboard or pointer.
+        /// How long keyboard and pointer have been idle.
         std::function<std::optional<Duration>()> sinceInput = {};
     };
 
-    /// Both references outlive it.
+    /// Both references must outlive it.
     WorkspaceWindows(MainLoop& loop, ToplevelSource& source, Surroundings surroundings)
         : loop_(loop), source_(source), surroundings_(std::move(surroundings)) {}
 

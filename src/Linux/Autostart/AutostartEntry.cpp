@@ -31,9 +31,9 @@ KeyFile load(const fs::path& file) {
     return keys;
 }
 
-/// Whether every session starts the path that is meant. systemd refuses a program with quotes or a
-/// backslash in its name, and takes the escapes that the rest needs otherwise than all the others
-/// do.
+/// Whether every session starts exactly this path. systemd refuses a program with quotes or a
+/// backslash in its name, and reads the escapes that other characters need differently from
+/// everybody else.
 bool isUnderstood(const std::string& path) {
     constexpr std::string_view special = "\\%$`\"'";
     return g_utf8_validate(path.c_str(), -1, nullptr) &&
@@ -46,7 +46,7 @@ bool isInstalled(const std::string& program) {
     return Text(g_find_program_in_path(program.c_str())) != nullptr;
 }
 
-/// Whether what the entry starts can be started.
+/// Whether the entry's program exists.
 bool hasProgram(GKeyFile* keys) {
     const Text tried(g_key_file_get_string(keys, "Desktop Entry", "TryExec", nullptr));
     if (tried && !isInstalled(tried.get()))
@@ -128,10 +128,10 @@ std::optional<fs::path> AutostartEntry::systemFile() const {
     return std::nullopt;
 }
 
-// A session that starts meanwhile reads the old one or the new one.
+// A session that starts meanwhile reads either the old or the new entry.
 std::optional<std::string> AutostartEntry::write(const std::string& lines) const {
     auto error = PrivateFiles::makeFolder(folders_.own);
-    // A link there leads to the entry that menus have, or to a folder of the system.
+    // A link may lead to the entry that menus use, or into a system folder.
     std::error_code ignored;
     if (!error && fs::is_symlink(ownFile(), ignored))
         fs::remove(ownFile(), error);

@@ -10,24 +10,24 @@ namespace velmorquit {
 /// The program's entry in the session's autostart folders.
 class AutostartEntry final : public LoginItem {
 public:
-    /// The user's own folder, and the system's, which count where the user has no entry.
+    /// The user's own folder, and the system's, which apply where the user has no entry.
     struct Folders {
         std::filesystem::path own;
         std::vector<std::filesystem::path> system;
 
-        /// As `$XDG_CONFIG_HOME` and `$XDG_CONFIG_DIRS` say.
+        /// From `$XDG_CONFIG_HOME` and `$XDG_CONFIG_DIRS`.
         static Folders fromEnvironment();
     };
 
-    /// `program` is the absolute path of what is to be started.
+    /// `program` is the absolute path of the program to start.
     AutostartEntry(Folders folders, std::filesystem::path program);
 
     /// Fails for a path that not every session would start: one with quotes, backslashes, `$`, `%`,
-    /// backticks, control characters or bytes that are no text.
+    /// backticks, control characters or invalid UTF-8.
     std::optional<std::string> add() override;
-    /// Hides an entry of the system's folders by one of the user's own.
+    /// Hides an entry of the system's folders by one in the user's folder.
     std::optional<std::string> remove() override;
-    /// Never `requiresApproval`: a session asks nobody.
+    /// Never `requiresApproval`: sessions need no approval.
     [[nodiscard]] LoginItemStatus status() const override;
 
 private:

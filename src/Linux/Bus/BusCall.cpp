@@ -25,7 +25,7 @@ QDBusMessage busQuestion(const QString& method, const QVariantList& arguments) {
     return question;
 }
 
-// Before the answer is told its watcher leaves those that a drop would delete: it is at work.
+// The callback may drop all calls: this watcher, still at work, must not be deleted with them.
 void BusCalls::send(const QDBusConnection& bus, const QDBusMessage& message, Answered answered,
                     BusTerms terms) {
     auto* watcher = new QDBusPendingCallWatcher(

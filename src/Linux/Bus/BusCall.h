@@ -11,10 +11,10 @@
 
 namespace velmorquit {
 
-/// The terms on which an answer over a bus counts.
+/// The conditions under which an answer on a bus counts.
 struct BusTerms {
     using Patience = std::chrono::milliseconds;
-    /// As long as QtDBus waits by itself.
+    /// QtDBus's own time limit.
     static constexpr Patience usual{-1};
     static constexpr Patience endless{std::numeric_limits<int>::max()};
 
@@ -22,43 +22,43 @@ struct BusTerms {
     const char* signature = nullptr; ///< of the answer; null for any
 };
 
-/// A call of the bus itself.
+/// A call to the bus itself.
 [[nodiscard]] QDBusMessage busQuestion(const QString& method, const QVariantList& arguments = {});
 
-/// Calls whose answers are dropped together, with this object or before. None of them waits.
+/// Calls whose answers are dropped together, at the latest with this object. None of them waits.
 ///
-/// For the thread that makes them, whose event loop brings the answers.
+/// For the calling thread, whose event loop delivers the answers.
 class BusCalls {
 public:
     using Answered = std::function<void(const QDBusMessage&)>;
 
-    /// Tells the answer once, in a turn of its own, and an error in its place when there is none in
-    /// time, its signature is another one, or it comes from another connection than the one that
-    /// was called by its unique name. The callback may drop the calls and end this object.
+    /// Delivers the answer once, in a turn of its own; or an error when there is none in time, it
+    /// has another signature, or it comes from another connection than the unique name that was
+    /// called. The callback may drop the calls and destroy this object.
     void send(const QDBusConnection& bus, const QDBusMessage& message, Answered answered,
               BusTerms terms = {});
 
-    /// Nothing that is still awaited is told any more.
+    /// Drops all pending answers.
     void drop() { open_ = std::make_unique<QObject>(); }
 
 private:
-    /// Owns all that waits for an answer.
+    /// Owns everything that waits for an answer.
     std::unique_ptr<QObject> open_ = std::make_unique<QObject>();
 };
 
-/// One call at a time: a new one drops the answer to the one before.
+/// One call at a time: a new one drops the pending answer.
 class BusCall {
 public:
     BusCall() = default;
     BusCall(const BusCall&) = delete;
     BusCall& operator=(const BusCall&) = delete;
 
-    /// As `BusCalls::send` does.
+    /// See `BusCalls::send`.
     void send(const QDBusConnection& bus, const QDBusMessage& message, BusCalls::Answered answered,
               BusTerms terms = {});
     void drop();
 
-    /// Whether an answer is awaited. It isn't any more while it is told.
+    /// Whether an answer is pending; no longer true while it is delivered.
     [[nodiscard]] bool isOpen() const { return isOpen_; }
 
 private:

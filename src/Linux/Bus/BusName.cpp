@@ -4,7 +4,7 @@
 
 namespace velmorquit {
 
-// The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
+// These name no sender: given a name, QtDBus would wait for the bus to tell its owner.
 BusName::BusName(QDBusConnection bus, const QString& name, Changed changed)
     : bus_(std::move(bus)), changed_(std::move(changed)) {
     bus_.connect({}, "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameOwnerChanged", {name},

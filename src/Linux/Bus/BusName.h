@@ -14,10 +14,10 @@ class BusName final : public QObject {
     Q_OBJECT
 
 public:
-    /// By its unique name; empty when nobody has the name any more, or the bus has gone.
+    /// `owner` is the unique name; empty when nobody owns the name any more, or the bus has gone.
     using Changed = std::function<void(const QString& owner)>;
 
-    /// Waits for nobody: who has the name at the start isn't told. Calls `changed` in a turn of
+    /// Doesn't wait; the owner at the start isn't told. Calls `changed` in a turn of
     /// its own.
     BusName(QDBusConnection bus, const QString& name, Changed changed);
 

@@ -12,7 +12,7 @@ constexpr long boundless = std::numeric_limits<long>::max();
 
 } // namespace
 
-// Qt has loaded the library already, but has no words for this.
+// Qt has loaded the library already, but doesn't offer this function.
 void keepReading(const QDBusConnection& bus) {
     static QLibrary library(QStringLiteral("dbus-1"), 3);
     static const auto limit = reinterpret_cast<void (*)(void*, long)>(

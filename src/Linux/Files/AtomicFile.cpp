@@ -68,7 +68,7 @@ std::error_code AtomicFile::sync(const Descriptor& file) {
     return ::fsync(file.get()) == 0 ? std::error_code() : lastError();
 }
 
-// A renamed file is there after a power cut only when its folder has been written as well.
+// After a power cut a renamed file exists only if its folder has been written as well.
 void AtomicFile::syncFolderOf(const fs::path& file) {
     const Descriptor opened(::open(file.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (opened)

@@ -8,27 +8,27 @@
 
 namespace velmorquit {
 
-/// A new content for a file, which only the owner can read whatever the umask: it is written beside
-/// the file and then put in its place in one step. Without that nothing of it stays.
+/// New content for a file, readable by the owner alone whatever the umask: it is written beside the
+/// file and then moved into place in one step. Until then it can be discarded without a trace.
 class AtomicFile {
 public:
-    /// Its name until then.
+    /// Its temporary name.
     enum class Name {
         ofItsOwn,  ///< any number of processes may write the same file
-        ofTheFile, ///< `<file>.new`: what a killed process has left is written over
+        ofTheFile, ///< `<file>.new`: overwrites what a killed process has left
     };
 
-    /// A link at `target` is replaced as well, and not followed.
+    /// A link at `target` is replaced as well, not followed.
     AtomicFile(std::filesystem::path target, Name name);
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
     ~AtomicFile();
 
-    /// Appends; an error as well when the file could not be made.
+    /// Appends. Also fails if the file could not be created.
     [[nodiscard]] std::error_code write(std::string_view content);
 
-    /// Puts it in its place. What is there then is whole for who reads it, and may be gone after a
-    /// power cut unless it and its folder are synced.
+    /// Moves it into place. Readers find it complete from then on, but unless it and its folder are
+    /// synced it may be gone after a power cut.
     [[nodiscard]] std::error_code put();
 
     [[nodiscard]] const std::filesystem::path& target() const { return target_; }

@@ -5,7 +5,7 @@
 
 namespace velmorquit {
 
-/// A file descriptor, closed with this object; a negative number stands for none.
+/// A file descriptor, closed with this object; a negative number means none.
 class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}

@@ -19,8 +19,8 @@ constexpr mode_t folderOfTheOwner = 0700;
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
 
-/// Whether this user, the system, or whoever has the folder around it put it there: the rule by
-/// which the kernel follows links in shared folders (proc(5), protected_symlinks).
+/// Whether it was created by this user, the system, or the owner of its folder: the kernel's rule
+/// for following links in shared folders (proc(5), protected_symlinks).
 bool isFamiliar(const fs::path& entry) {
     struct stat own{};
     struct stat around{};

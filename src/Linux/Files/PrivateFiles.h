@@ -7,28 +7,28 @@
 #include <system_error>
 
 /// Files and folders that only their owner can read, whatever the umask, and that are never written
-/// through what another user put in their place.
+/// through a link planted by another user.
 namespace velmorquit::PrivateFiles {
 
-/// Makes the folder and those above it that are missing. An error as well when it is there and was
-/// put there by a stranger, as somebody may in a folder where everybody may write.
+/// Creates the folder and any missing ones above it. Also fails if it exists but was created by a
+/// stranger, as may happen in a folder where everybody may write.
 [[nodiscard]] std::error_code makeFolder(const std::filesystem::path& folder);
 
-/// Where the links lead that `file` may be, also when there is nothing; `file` itself where one of
-/// them was put there by a stranger: opening that one has to be refused (O_NOFOLLOW), renaming over
-/// it replaces it.
+/// The target of the links that `file` may be, even if nothing is there; `file` itself if one of
+/// them was planted by a stranger: opening it then has to be refused (O_NOFOLLOW), while renaming
+/// replaces it.
 [[nodiscard]] std::filesystem::path targetOf(const std::filesystem::path& file);
 
-/// The file that processes lock, made when it isn't there.
+/// Opens the file that processes lock, creating it if need be.
 [[nodiscard]] Descriptor openLock(const std::filesystem::path& file);
 
-/// How a file gets to be there.
+/// How safely a file is replaced.
 enum class Durability {
-    untilShutdown, ///< whole or not at all for who reads it
-    onDisk,        ///< and also after a power cut
+    untilShutdown, ///< readers find it complete or not at all
+    onDisk,        ///< also after a power cut
 };
 
-/// Replaces the file, or where a link there leads, in one step. After an error it is as it was.
+/// Replaces the file, or the target of a link there, in one step. On an error it stays as it was.
 [[nodiscard]] std::error_code replace(const std::filesystem::path& file, std::string_view content,
                                       Durability durability);
 

@@ -26,13 +26,13 @@ QDBusMessage questionToPlasma() {
                       "GetSessionIdleTime");
 }
 
-/// Both answer with milliseconds; only Mutter, with its wider number, says zero and means it.
+/// Both answer in milliseconds; only Mutter, whose number is wider, means a zero as zero.
 std::optional<Duration> durationIn(const QDBusMessage& answer) {
     const QString signature = answer.signature();
     if (answer.type() != QDBusMessage::ReplyMessage || (signature != "t" && signature != "u"))
         return std::nullopt;
     const qulonglong number = answer.arguments().value(0).toULongLong();
-    // Above that it is no time but a mistake, which would overflow.
+    // A larger number is an error, and would overflow.
     constexpr std::chrono::milliseconds most = std::chrono::hours(24 * 365);
     if (number > static_cast<qulonglong>(most.count()) || (number == 0 && signature == "u"))
         return std::nullopt;

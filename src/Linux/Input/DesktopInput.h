@@ -12,35 +12,35 @@
 
 namespace velmorquit {
 
-/// When the user touched the keyboard or the pointer last, by what the display server and the
+/// The last time the user touched keyboard or pointer, as far as the display server and the
 /// compositor know.
 ///
-/// A whole X server knows of all input, so its word is enough. One that is a guest on a Wayland
-/// session hears only of what was meant for X windows: somebody may have been there since, which a
-/// compositor knows. Of those that answer the most recent input counts.
+/// An X server that runs the session sees all input, so its answer is enough. One that is a guest
+/// in a Wayland session sees only the input for X windows; the compositor may know of more recent
+/// input. Of all answers the most recent input counts.
 ///
-/// Compositors are asked over the session bus: GNOME's idle monitor, and the screen locker of
-/// Plasma. The latter is asked by a name that only Plasma's has, since what others answer to the
-/// same call are whole seconds, or seconds since the session counted as idle. Its zero is no
-/// answer: it is what it says on Wayland, where it doesn't know.
+/// Compositors are asked over the session bus: GNOME's idle monitor, and Plasma's screen locker.
+/// The latter is called by a name that only Plasma's has, since other services answer the same call
+/// in whole seconds, or in seconds since the session became idle. A zero from it is no answer: it
+/// says so on Wayland, where it doesn't know.
 class DesktopInput final : public InputActivity {
 public:
     static constexpr Duration patience = 1s;
 
     enum class Server {
-        whole, ///< all windows of the session are that server's
-        guest, ///< a part of them
+        whole, ///< all windows of the session are on that server
+        guest, ///< only some of them are
     };
 
-    /// `bus` is the session bus, connected or not. The loop outlives it, and so does what asks the
-    /// display server, which may be null.
+    /// `bus` is the session bus, connected or not. The loop must outlive it, and so must `idle`,
+    /// the source of the display server, which may be null.
     DesktopInput(MainLoop& loop, QDBusConnection bus, IdleSource* idle, Server server);
 
-    /// Asks the display server a short question, and the others without waiting. Nobody is started
-    /// in order to be asked.
+    /// Asks the display server a short question, and the others without waiting. No service is
+    /// started for this.
     [[nodiscard]] Handle sinceLastInput(std::function<void(std::optional<Duration>)> told) override;
 
-    /// What the display server alone knows, by a short question.
+    /// The display server's knowledge alone, by a short question.
     [[nodiscard]] std::optional<Duration> askServer();
 
 private:

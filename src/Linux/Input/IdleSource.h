@@ -11,7 +11,7 @@ class IdleSource {
 public:
     virtual ~IdleSource() = default;
 
-    /// The time since the last one that it has heard of, by a short question; none when it doesn't
+    /// The time since the last input that it knows of, by a short question; none when it doesn't
     /// tell.
     [[nodiscard]] virtual std::optional<Duration> sinceInput() = 0;
 };

@@ -23,8 +23,8 @@ Journal& journal() {
     return common;
 }
 
-// One write a line, so that lines of several programs don't mix. The reader may be a terminal that
-// has gone: nothing is to be done about that.
+// One write per line, so that lines of several programs don't mix. It fails when the terminal that
+// reads it has gone: nothing can be done about that.
 void writeLine(const std::string& line) {
     constexpr std::size_t longest = 2000;
     const std::string whole = shownText(line, longest) + '\n';

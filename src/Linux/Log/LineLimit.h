@@ -4,22 +4,22 @@
 
 namespace velmorquit {
 
-/// How many lines go into the log: what others do may give reason for one again and again, for as
-/// long as the session lasts.
+/// Limits the lines in the log: other programs may cause new ones again and again, for as long as
+/// the session lasts.
 class LineLimit {
 public:
-    /// So many may be written at one go, and one more in each interval after that.
+    /// This many may be written at once, and then one more per interval.
     static constexpr int most = 60;
     static constexpr Duration interval = 1min;
 
-    /// Whether there is room for one more line, which counts as written then.
+    /// Whether there is room for one more line, which then counts as written.
     [[nodiscard]] bool takes(Uptime now);
 
-    /// How many had no room since the last time that this was asked.
+    /// How many lines found no room since the last call.
     [[nodiscard]] unsigned long takeLost();
 
 private:
-    /// When all that was written will have been made up for.
+    /// When the lines written so far will have been made up for.
     Uptime owedUntil_;
     unsigned long lost_ = 0;
 };

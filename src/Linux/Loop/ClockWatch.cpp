@@ -9,7 +9,7 @@ namespace velmorquit {
 
 namespace {
 
-/// Two clocks can't be read at the same instant, and nobody closes a lid for less.
+/// Two clocks can't be read at the same instant, and nobody closes a lid for less time.
 constexpr Duration shortestSleep = 500ms;
 
 Duration read(clockid_t clock) {
@@ -32,7 +32,7 @@ ClockWatch::ClockWatch(std::function<Duration()> slept)
     arm();
 }
 
-// A timer that is never to fire: it is cancelled when the clock is set.
+// This timer never fires, but it is cancelled when the clock is set.
 void ClockWatch::arm() {
     constexpr auto never = std::chrono::hours(24 * 365 * 100);
     itimerspec when{};

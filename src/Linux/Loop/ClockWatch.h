@@ -11,22 +11,22 @@
 
 namespace velmorquit {
 
-/// Notices what happens to the clocks. The kernel tells when the clock on the wall is set, and it
-/// also sets it when the computer wakes; which of the two it was shows the clock that goes on in
-/// sleep.
+/// Notices sleep and changes of the clock. The kernel tells when the wall clock is set, which it
+/// also does when the computer wakes; the clock that goes on during sleep tells these two cases
+/// apart.
 class ClockWatch {
 public:
-    /// Says how long the computer has slept since it was started.
+    /// `slept` tells how long the computer has slept since it was started.
     explicit ClockWatch(std::function<Duration()> slept = sleepSinceStart);
 
     [[nodiscard]] Handle observe(ClockEvent event, std::function<void()> told) {
         return subscribers_[event].add(std::move(told));
     }
 
-    /// Tells of a sleep of which nothing was told yet.
+    /// Reports any sleep not reported yet.
     void look();
 
-    /// Time since the start of the system in which it was asleep.
+    /// How long the system has slept since its start.
     [[nodiscard]] static Duration sleepSinceStart();
 
 private:

@@ -9,27 +9,27 @@
 
 namespace velmorquit {
 
-/// Work that others give rise to, as often as they like: done once for a burst of reasons, and
-/// never for more than a fifth of the time, however many there are.
+/// Work that other programs can trigger as often as they like: done once for a burst of triggers,
+/// and never for more than a fifth of the time.
 class Paced {
 public:
     using Duration = std::chrono::milliseconds;
 
     struct Pace {
-        /// From the first reason of a burst until the work is done.
+        /// From the first trigger of a burst until the work is done.
         Duration gathering{0};
-        /// The least from the end of the work until it is done again.
+        /// The shortest time from the end of the work until it is done again.
         Duration rest{0};
     };
 
-    /// Works in turns of its own on the main thread, until it goes.
+    /// Works in turns of its own on the main thread, for as long as it exists.
     Paced(Pace pace, std::function<void()> work) : pace_(pace), work_(std::move(work)) {
         timer_.setSingleShot(true);
         timer_.setTimerType(Qt::PreciseTimer);
         QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { run(); });
     }
 
-    /// There is a reason.
+    /// Triggers the work.
     void ask() {
         if (timer_.isActive())
             return;
@@ -39,7 +39,7 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
-    /// What took so long is followed by so many times as much rest, but by no more than `longest`.
+    /// Rest is this many times as long as the work took, but no longer than `longest`.
     static constexpr int restsPerWork = 4;
     static constexpr Duration longest{2000};
 

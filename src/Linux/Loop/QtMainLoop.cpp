@@ -13,7 +13,7 @@ QtMainLoop::QtMainLoop() {
     QObject::connect(&timer_, &QTimer::timeout, this, [this] { runDueTimers(); });
 }
 
-// Work elsewhere posts to this object when it is done, so it has to be done first.
+// Work on other threads posts to this object when done, so it has to be done first.
 QtMainLoop::~QtMainLoop() { QThreadPool::globalInstance()->waitForDone(); }
 
 WallTime QtMainLoop::now() const {
@@ -62,13 +62,13 @@ void QtMainLoop::armTimer() {
         timer_.stop();
         return;
     }
-    // A QTimer counts milliseconds in 32 bits; a wait that is cut short is armed again.
+    // A QTimer counts milliseconds in 32 bits; a wait that was shortened is armed again.
     const Duration wait = std::clamp<Duration>(*due - uptime(), Duration::zero(), 24h);
     timer_.start(std::chrono::ceil<std::chrono::milliseconds>(wait));
 }
 
-// Those that fall due while others run wait for the next turn, so that the loop keeps its breath.
-// The timer is armed meanwhile, since a callback may run an event loop of its own (a dialog does).
+// Timers that fall due meanwhile wait for the next turn, so that the loop gets to other work. The
+// timer is armed already, since a callback may run an event loop of its own (a dialog does).
 void QtMainLoop::runDueTimers() {
     clock_.look();
     const Uptime reached = uptime();

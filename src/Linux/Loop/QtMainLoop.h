@@ -12,14 +12,14 @@
 
 namespace velmorquit {
 
-/// Qt's event loop as the main loop; made and used on the thread of the application object.
+/// Qt's event loop as the main loop; created and used on the application object's thread.
 class QtMainLoop final : public QObject, public MainLoop {
 public:
     QtMainLoop();
     ~QtMainLoop() override;
 
     [[nodiscard]] WallTime now() const override;
-    /// Time that the computer spent asleep is not counted.
+    /// Doesn't count time that the computer spends asleep.
     [[nodiscard]] Uptime uptime() const override;
     void post(std::function<void()> work) override;
     [[nodiscard]] Handle after(Duration delay, std::function<void()> work) override;
@@ -31,7 +31,7 @@ public:
     }
 
 private:
-    /// What is called when work elsewhere is done.
+    /// Called when work on another thread is done.
     struct Pending final : Handle::Source {
         void cancel(std::uint64_t id) noexcept override { done.erase(id); }
         std::map<std::uint64_t, std::function<void()>> done;

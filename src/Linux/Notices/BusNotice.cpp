@@ -43,8 +43,8 @@ void BusNotice::withdraw() {
     update();
 }
 
-// While a notice is on its way, its number isn't known, without which it can be neither replaced
-// nor withdrawn.
+// While a notice is being sent its number isn't known, so it can be neither replaced nor
+// withdrawn.
 void BusNotice::update() {
     if (isTold_ || sending_.isOpen())
         return;
@@ -59,8 +59,8 @@ void BusNotice::update() {
         close();
 }
 
-// Only a service that takes the text for markup is told it in that form: any other would show the
-// marks. It matters seldom, so that none is asked before it does.
+// Only a service that reads the text as markup gets it in that form: any other would show the
+// marks. It seldom matters, so the service is asked only when it does.
 void BusNotice::prepare(const Content& content) {
     const QString text = QString::fromStdString(content.text);
     const QString markup = text.toHtmlEscaped();
@@ -88,7 +88,7 @@ void BusNotice::send(const Content& content, const QString& text) {
     QStringList actions;
     for (const Button& button : content.buttons)
         actions << QString::fromStdString(button.id) << QString::fromStdString(button.caption);
-    // For ever, or for as long as the service thinks right.
+    // Never, or as the service thinks right.
     const int expiry = content.stays ? 0 : -1;
     const QVariantMap hints{{QStringLiteral("desktop-entry"), applicationId}};
     QDBusMessage call = message(QStringLiteral("Notify"));
@@ -110,7 +110,7 @@ void BusNotice::hearReply(const QDBusMessage& reply) {
     update();
 }
 
-// Nobody is asked on behalf of those who don't want to know.
+// Not asked when nobody wants to know.
 void BusNotice::findOutWhetherAnswerable() {
     if (!onUnanswerable || !wanted_ || wanted_->buttons.empty())
         return;
@@ -126,7 +126,7 @@ void BusNotice::findOutWhetherAnswerable() {
     }
 }
 
-// One that doesn't answer is asked again with the next notice.
+// A service that doesn't answer is asked again with the next notice.
 void BusNotice::hearCapabilities(const QDBusMessage& reply) {
     const bool isAnswer = reply.type() == QDBusMessage::ReplyMessage;
     const bool hasButtons =
@@ -140,7 +140,7 @@ void BusNotice::hearCapabilities(const QDBusMessage& reply) {
 }
 
 void BusNotice::noteUnanswerable() {
-    // A copy: the callback may replace itself.
+    // A copy, since the callback may replace itself.
     const auto told = onUnanswerable;
     if (wanted_ && !wanted_->buttons.empty() && told)
         told();
@@ -153,7 +153,7 @@ void BusNotice::close() {
     bus_.send(call);
 }
 
-// Not by the service's name, since Qt would wait for the bus to say who has it.
+// Not by the service's name: Qt would wait for the bus to tell its owner.
 void BusNotice::listen() {
     if (name_)
         return;
@@ -171,21 +171,21 @@ void BusNotice::hearAction(const QDBusMessage& signal) {
     const std::string id = signal.arguments().value(1).toString().toStdString();
     const bool isThere =
         wanted_ && std::ranges::find(wanted_->buttons, id, &Button::id) != wanted_->buttons.end();
-    // A copy: the callback may replace itself.
+    // A copy, since the callback may replace itself.
     const auto pressed = onButton;
     if (isOurs(signal) && isThere && pressed)
         pressed(id);
 }
 
-// The next service knows our number for something else, if at all: nothing of it may be replaced or
-// closed. A question that was still there is put again, unless it is the bus that has gone.
+// A new service knows our number, if at all, for something else, so it must not replace or close
+// that. A question that was still shown is asked again, unless the bus itself has gone.
 void BusNotice::hearOwner(const QString& owner) {
     if (!bus_.isConnected() || (shown_ != 0 && owner == shownBy_))
         return;
     isLost_ = isLost_ || (shown_ != 0 && wanted_ && wanted_->stays);
     shown_ = 0;
     if (isLost_ && owner.isEmpty()) {
-        // Perhaps nobody starts it again.
+        // The service may never be started again.
         noteUnanswerable();
     } else if (isLost_) {
         isTold_ = false;
@@ -193,7 +193,7 @@ void BusNotice::hearOwner(const QString& owner) {
     }
 }
 
-// What the user put away doesn't come back by itself, but a number that has gone can't be replaced.
+// A notice that the user dismissed doesn't return by itself, and its number can't be replaced.
 void BusNotice::hearClosed(const QDBusMessage& signal) {
     if (isOurs(signal))
         shown_ = 0;

@@ -12,16 +12,16 @@
 
 namespace velmorquit {
 
-/// A notice of the desktop's notification service. What the user put away doesn't come back by
-/// itself.
+/// A notice shown by the desktop's notification service. One that the user has dismissed doesn't
+/// return by itself.
 class BusNotice final : public QObject, public Notice {
     Q_OBJECT
 
 public:
-    /// Nothing is shown over a bus that isn't connected. A service that takes longer than
-    /// `patience` (milliseconds) to show a notice counts as one where it can't be answered.
+    /// On an unconnected bus nothing is shown. A service that takes longer than `patience`
+    /// (milliseconds) to show a notice counts as one where it can't be answered.
     explicit BusNotice(const QDBusConnection& bus, int patience = 5000);
-    /// Withdraws what would stay; the rest is left where the user can still read it.
+    /// Withdraws a notice that would stay; others are left for the user to read.
     ~BusNotice() override;
 
     void show(const Content& content) override;
@@ -32,10 +32,10 @@ private Q_SLOTS:
     void hearClosed(const QDBusMessage& signal);
 
 private:
-    /// Brings what the service shows in line with `wanted_`.
+    /// Makes the service show what is `wanted_`.
     void update();
     void prepare(const Content& content);
-    /// `text` is the content's in the form that the service understands.
+    /// `text` is the content's text in the form that the service understands.
     void send(const Content& content, const QString& text);
     void close();
     void hearReply(const QDBusMessage& reply);
@@ -48,18 +48,18 @@ private:
 
     QDBusConnection bus_;
     std::optional<Content> wanted_;
-    /// Whether the service was told of `wanted_`.
+    /// Whether `wanted_` has been sent to the service.
     bool isTold_ = true;
-    /// Open until the service has said what number a notice has.
+    /// Open until the service has told a notice's number.
     BusCall sending_;
     QTimer losingPatience_;
     BusCalls capabilities_;
-    /// The number of the notice that is shown, 0 without one, and the service that shows it.
+    /// The number of the notice on show, 0 without one, and the service that shows it.
     uint shown_ = 0;
     QString shownBy_;
-    /// Whether what stays has gone with the service that showed it.
+    /// Whether a notice that stays was lost with the service that showed it.
     bool isLost_ = false;
-    /// The service that has last told what it can do, and whether its notices have buttons.
+    /// The last service that told its capabilities, and whether its notices have buttons.
     QString knownService_;
     bool hasButtons_ = false;
     std::optional<BusName> name_; ///< from the first notice on
