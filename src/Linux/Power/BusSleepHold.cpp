@@ -11,7 +11,7 @@ namespace velmorquit {
 
 namespace {
 
-/// A grant that nobody hears any more would hold until the process ends.
+/// A grant that comes when nobody waits for it any more would hold until the process ends.
 constexpr int endlessly = std::numeric_limits<int>::max();
 const QString who = QStringLiteral("Velmor Quit");
 
@@ -26,7 +26,7 @@ struct BusSleepHold::Manager {
     bool takesFlags;
 };
 
-// The first of them is GNOME's, which others speak as well.
+// The first is GNOME's interface, which others implement as well.
 const BusSleepHold::Manager BusSleepHold::managers[2] = {
     {"org.gnome.SessionManager", "/org/gnome/SessionManager", "org.gnome.SessionManager",
      "Uninhibit", true},
@@ -46,7 +46,7 @@ void BusSleepHold::begin(const std::string& reason, Against against) {
 
 void BusSleepHold::end() {
     ++round_;
-    // The lock is a descriptor: login1 notices that it is closed.
+    // login1 releases the lock when its descriptor is closed.
     lock_ = {};
     if (grant_)
         giveBack(session_.connection(), *std::exchange(grant_, std::nullopt));
@@ -55,7 +55,7 @@ void BusSleepHold::end() {
 void BusSleepHold::call(const PowerBus& bus, const QDBusMessage& message, const Answer& answer) {
     if (!bus.problem().empty())
         return;
-    // It outlives this object: what is granted then has to be given back.
+    // The watcher outlives this object, so that a late grant can be given back.
     auto* watcher = new QDBusPendingCallWatcher(bus.connection().asyncCall(message, endlessly));
     connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
             [answer](QDBusPendingCallWatcher* finished) {
@@ -129,7 +129,7 @@ void BusSleepHold::askSession(const Manager* manager) {
 }
 
 void BusSleepHold::giveBack(const QDBusConnection& bus, const Grant& grant) {
-    // To whoever granted it: one that has come in its place knows nothing of it.
+    // To the original owner: its successor doesn't know this cookie.
     QDBusMessage message = QDBusMessage::createMethodCall(
         grant.owner, grant.manager->path, grant.manager->interface, grant.manager->giveBack);
     message << grant.cookie;

@@ -15,31 +15,31 @@
 
 namespace velmorquit {
 
-/// Holds off the computer's sleep: at login1, and at the session's own manager of power, which may
-/// send the computer to sleep without asking login1 for what is idle.
+/// Holds off the computer's sleep: at login1, and at the session's own power manager, which may put
+/// an idle computer to sleep without asking login1.
 ///
-/// Nobody has to be there, and whoever is there may refuse: then there is no such hold. All of it
-/// ends with the object, and with the process.
+/// Either may be missing or refuse; there is then no hold with it. All holds end with this object,
+/// and with the process.
 class BusSleepHold final : public QObject {
 public:
     enum class Against {
-        idleSleep, ///< only sleep that comes because nobody uses the computer
-        anySleep,  ///< also one that somebody asks for
+        idleSleep, ///< only the sleep of an idle computer
+        anySleep,  ///< also sleep that somebody requests
     };
 
-    /// Both buses outlive it. `patience` is in milliseconds.
+    /// Both buses must outlive it. `patience` is in milliseconds.
     BusSleepHold(const PowerBus& session, const PowerBus& system, int patience = 3000)
         : session_(session), system_(system), patience_(patience) {}
     ~BusSleepHold() override;
 
-    /// Asks for the hold and returns at once. For who doesn't answer in time the next one is asked;
-    /// what is granted all the same is taken when nobody else has, and given back otherwise.
-    /// `reason` is told to a user who wants the computer to sleep. A hold from before ends.
+    /// Requests the hold and returns at once. If a manager doesn't answer in time, the next one is
+    /// asked; a late grant is kept if nobody else has granted one, and given back otherwise.
+    /// `reason` is shown to users who want the computer to sleep. Replaces an earlier hold.
     void begin(const std::string& reason, Against against);
-    /// What is answered after this is given back.
+    /// Ends the hold; later grants are given back.
     void end();
 
-    /// Names of those who are asked.
+    /// Names of the services that are asked.
     [[nodiscard]] static QStringList sessionServices();
     [[nodiscard]] static QString systemService();
 
@@ -48,17 +48,17 @@ public:
 
 private:
     struct Manager;
-    /// What a manager of the session has granted.
+    /// A hold granted by one of the session's managers.
     struct Grant {
         const Manager* manager;
-        QString owner; ///< the connection that has granted it
+        QString owner; ///< the connection that granted it
         uint cookie;
     };
     using Answer = std::function<void(const QDBusMessage&)>;
 
     static void call(const PowerBus& bus, const QDBusMessage& message, const Answer& answer);
     void askSystem();
-    /// Asks the managers from this one on, until one grants it.
+    /// Asks the managers, beginning with this one, until one grants the hold.
     void askSession(const Manager* manager);
     static void giveBack(const QDBusConnection& bus, const Grant& grant);
 
@@ -69,11 +69,11 @@ private:
     int patience_;
     std::string reason_;
     Against against_ = Against::idleSleep;
-    /// Counts begins and ends: an answer to a call from before another one is too late.
+    /// Counts begins and ends, to recognise answers to earlier calls.
     std::uint64_t round_ = 0;
     QDBusUnixFileDescriptor lock_;
     std::optional<Grant> grant_;
-    /// Tells an answer whether there is still anybody to hear it.
+    /// Lets answers notice that this object is gone.
     std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 

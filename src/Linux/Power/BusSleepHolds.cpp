@@ -25,7 +25,7 @@ void BusSleepHolds::watch(QDBusServiceWatcher& watcher, const PowerBus& bus,
     watcher.setConnection(bus.connection());
     watcher.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
     watcher.setWatchedServices(services);
-    // All anew: a moment without a hold lets no computer fall asleep.
+    // All are renewed: a moment without a hold puts no computer to sleep.
     QObject::connect(&watcher, &QDBusServiceWatcher::serviceRegistered, &watcher,
                      [holds = holds_.get()] {
                          for (auto& [id, held] : holds->byId)

@@ -12,12 +12,12 @@
 
 namespace velmorquit {
 
-/// Holds off the sleep that comes because nobody uses the computer. A service that was not there,
-/// or that comes back after it has crashed, is asked when it comes. A hold that ends while there is
-/// another one lasts a moment longer: that one may have to be granted yet.
+/// Holds off the sleep of an idle computer. A service that appears later, or returns after a crash,
+/// is asked when it comes. A hold that ends while there is another one lasts a moment longer, since
+/// the other one may not have been granted yet.
 class BusSleepHolds final : public SleepHold {
 public:
-    /// Both buses outlive it.
+    /// Both buses must outlive it.
     BusSleepHolds(const PowerBus& session, const PowerBus& system);
 
     [[nodiscard]] Handle begin(const std::string& reason) override;

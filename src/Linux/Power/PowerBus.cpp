@@ -22,8 +22,8 @@ std::string variable(const char* name) {
     return value ? value : "";
 }
 
-/// The socket of an address that names just one by its path; none for any other address, and
-/// where nothing is there.
+/// The socket of an address that consists of a single path; none for any other address, or if
+/// nothing is there.
 std::optional<fs::path> socketOf(const std::string& address) {
     const std::string beginning = "unix:path=";
     if (!address.starts_with(beginning) || address.find_first_of(";%") != std::string::npos)
@@ -37,7 +37,7 @@ std::optional<fs::path> socketOf(const std::string& address) {
     return missing ? std::nullopt : std::optional(std::move(path));
 }
 
-// By identity: the same socket can be reached by other paths.
+// Compares files, since the same socket can be reached by other paths.
 bool isSystemSocket(const fs::path& socket) {
     struct stat its{};
     if (::stat(socket.c_str(), &its) != 0)
@@ -60,8 +60,8 @@ bool liesIn(const fs::path& path, const fs::path& folder) {
     return !way.empty() && *way.begin() != ".." && way != ".";
 }
 
-/// Where scripts/virtual-desktop keeps all that belongs to this desktop; none when the environment
-/// isn't one that it made.
+/// The folder in which scripts/virtual-desktop keeps everything of this desktop; none when it
+/// hasn't made this environment.
 std::optional<fs::path> folderOf(const PowerBus::Environment& environment) {
     fs::path folder = fs::path(environment.runtimeFolder).parent_path();
     if (!folder.filename().string().starts_with("velmor-desktop."))
@@ -109,7 +109,7 @@ PowerBus PowerBus::standIn(const std::string& address, const fs::path& folder) {
         return refused("non è un bus di prova: " + address);
     static int count = 0;
     const QString name = QStringLiteral("velmor-power-%1").arg(++count);
-    // The path that was looked at, not the one that led there.
+    // The checked path, not the address that led to it.
     PowerBus bus{QDBusConnection::connectToBus(
                      QString::fromStdString("unix:path=" + socket->string()), name),
                  {}};

@@ -9,24 +9,24 @@ namespace velmorquit {
 
 /// A message bus on which a session, or the computer, can be ended.
 ///
-/// Only what this class lets through can be asked to do so: on a virtual desktop a bus of that
-/// desktop, whose socket lies in its folder, and in a build for tests nothing else at all. The
-/// computer of whoever tries the program out stays on, whatever else is wrong.
+/// Only buses that this class permits can be asked to do so: on a virtual desktop, buses of that
+/// desktop, whose sockets are in its folder; in a build for tests, no others at all. So the
+/// computer of anybody who tries the program out stays on, whatever else goes wrong.
 class PowerBus {
 public:
-    /// What the environment says of the buses; empty texts for what is not set.
+    /// The environment's statements about buses; empty texts for variables that aren't set.
     struct Environment {
-        std::string virtualDesktop{}; ///< VELMOR_VIRTUAL_DESKTOP: anything, on a virtual desktop
+        std::string virtualDesktop{}; ///< VELMOR_VIRTUAL_DESKTOP: any text, on a virtual desktop
         std::string runtimeFolder{};  ///< XDG_RUNTIME_DIR
         std::string sessionBus{};     ///< DBUS_SESSION_BUS_ADDRESS
-        /// VELMOR_STAND_IN_SYSTEM_BUS: the address of the bus that is a virtual desktop's system
-        /// bus.
+        /// VELMOR_STAND_IN_SYSTEM_BUS: address of the bus that stands in for a virtual desktop's
+        /// system bus.
         std::string standInSystemBus{};
 
         static Environment ofThisProcess();
     };
 
-    /// What the program was built for.
+    /// The purpose of the build.
     enum class Build { use, tests };
 #ifdef VELMOR_TEST_BUILD
     static constexpr Build thisBuild = Build::tests;
@@ -45,9 +45,9 @@ public:
     PowerBus& operator=(PowerBus&&) = delete;
     ~PowerBus();
 
-    /// Not connected when the bus isn't there, or may not be used.
+    /// Unconnected if the bus doesn't exist, or may not be used.
     [[nodiscard]] const QDBusConnection& connection() const { return connection_; }
-    /// Why it is not connected, for the log; empty when it is.
+    /// Why it is unconnected, for the log; empty if it is connected.
     [[nodiscard]] std::string problem() const;
 
 private:
@@ -58,7 +58,7 @@ private:
 
     QDBusConnection connection_;
     std::string problem_;
-    /// Whether nobody else uses the connection.
+    /// Whether the connection is private to this object.
     bool isOwn_ = false;
 };
 

@@ -11,14 +11,14 @@
 
 namespace velmorquit {
 
-/// Tells of what others do to files of certain names. For the main thread, with a QCoreApplication;
-/// silent where the system has no means left to watch.
+/// Reports what other programs do to files of certain names. For the main thread, with a
+/// QCoreApplication; silent where the system can't watch any more.
 class FileWatch {
 public:
     explicit FileWatch(std::function<void()> told);
 
-    /// Watching the directory again is no error; a directory that isn't there is not watched. Not
-    /// told of: a file that was made and is still being written.
+    /// Adding a file again is no error; a directory that doesn't exist isn't watched. A new file is
+    /// reported only when it has been written.
     void add(const std::filesystem::path& file);
 
 private:

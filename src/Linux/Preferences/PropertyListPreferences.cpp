@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// However often others write the file, it is read no oftener than this.
+/// The least time between readings, however often other programs write the file.
 constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(200)};
 
 std::error_code lastError() { return {errno, std::generic_category()}; }
@@ -32,7 +32,7 @@ fs::path withSuffix(fs::path file, std::string_view suffix) {
     return file;
 }
 
-/// All of it; of what has grown too large for a list meanwhile the first part.
+/// The whole file; if it has meanwhile grown too large for a list, its beginning.
 std::optional<std::string> readAll(int descriptor) {
     std::string text;
     std::array<char, 16384> part;
@@ -63,7 +63,7 @@ std::string utcStamp(WallTime now) {
 
 } // namespace
 
-/// What a file holds.
+/// The contents of a file.
 struct PropertyListPreferences::Contents {
     enum class State { good, missing, damaged, unreadable };
     State state = State::unreadable;
@@ -72,8 +72,8 @@ struct PropertyListPreferences::Contents {
     std::error_code error;
 
     explicit Contents(const fs::path& file) {
-        // Non-blocking, lest a pipe in the file's place hold up the program. What is still a link
-        // was put there by somebody else.
+        // Non-blocking, lest a pipe in the file's place hold up the program. A link at this point
+        // was planted by a stranger.
         const Descriptor opened(open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
         struct stat status{};
         if (!opened || fstat(opened.get(), &status) != 0) {
@@ -99,8 +99,8 @@ struct PropertyListPreferences::Contents {
     }
 };
 
-/// A written file on its way to the disk. Shared by the thread that waits for the disk and the main
-/// thread, which looks at it when that is over and may have gone before.
+/// A written file on its way to the disk. Shared between the thread that waits for the disk and the
+/// main thread, which reads it afterwards and may be gone by then.
 struct PropertyListPreferences::Sync {
     Descriptor descriptor;
     fs::path file;
@@ -165,15 +165,15 @@ void PropertyListPreferences::start() {
         write();
 }
 
-// Writing is tried only for a file that somebody changed: a failing attempt may raise events
-// itself.
+// Writing is only tried when another program has changed the file: a failing attempt may itself
+// cause events.
 void PropertyListPreferences::noticeEdit() {
     const auto before = known_;
     if (catchUp() && isWriteOwed_ && known_ != before)
         write();
 }
 
-/// Takes over what is in the file now; false when the file may not be written over.
+/// Takes over the file's present content; false if the file must not be overwritten.
 bool PropertyListPreferences::catchUp() {
     const fs::path file = PrivateFiles::targetOf(file_);
     struct stat status{};
@@ -208,7 +208,7 @@ void PropertyListPreferences::adopt(Contents contents) {
     isReadFailureTold_ = false;
 }
 
-// Who damages them again and again must not fill the disk: what is there then is left alone.
+// Repeated damage must not fill the disk: beyond the limit the file is left alone.
 std::error_code PropertyListPreferences::setAside(const fs::path& file) {
     constexpr int most = 20;
     if (setAside_ == most)
@@ -245,7 +245,7 @@ void PropertyListPreferences::write() {
     isWriteOwed_ = false;
     isReadFailureTold_ = false;
     isWriteFailureTold_ = false;
-    // Only now is there surely a directory to watch, or a link that leads here.
+    // Only now there is certainly a directory to watch, or a link that leads here.
     watch_->add(file_);
     watch_->add(file);
     if (!isSyncing_)
@@ -253,7 +253,7 @@ void PropertyListPreferences::write() {
 }
 
 std::error_code PropertyListPreferences::replace(const fs::path& file, std::string_view list) {
-    // It couldn't be read again.
+    // It could not be read back.
     if (list.size() > PropertyList::largestList)
         return std::make_error_code(std::errc::file_too_large);
     if (const auto error = PrivateFiles::makeFolder(file.parent_path()))
@@ -272,8 +272,8 @@ std::error_code PropertyListPreferences::replace(const fs::path& file, std::stri
     return {};
 }
 
-// By a second name for the same file, so that the first one is never missing. Without one that is
-// known to be on the disk the file that is there already is the safer one.
+// By a second link to the same file, so that the first name is never missing. Unless this state is
+// known to be on the disk, an existing earlier copy is safer.
 void PropertyListPreferences::keepPrevious(const fs::path& file) const {
     const fs::path previous = previousPreferencesFile(file);
     struct stat status{};
@@ -283,7 +283,7 @@ void PropertyListPreferences::keepPrevious(const fs::path& file) const {
     unlink(fresh.c_str());
     if (link(file.c_str(), fresh.c_str()) == 0)
         rename(fresh.c_str(), previous.c_str());
-    // Renaming does nothing when both are names of the same file.
+    // rename() does nothing when both are names of the same file.
     unlink(fresh.c_str());
 }
 

@@ -23,26 +23,26 @@ class FileWatch;
 
 /// The preferences as a property list, held in memory and written whole with every change.
 ///
-/// Beside the file (where a symbolic link leads, if it is one):
-/// - `<file>~`: an earlier state of it, if possible one that is known to have reached the disk: it
-///   survives what the file itself may not, a power cut
-/// - `<file>.damaged-<UTC time>`: what was found in its place and is no property list
-/// - `<file>.new`, `<file>~.new`: left by a process that was killed; never read, written over
+/// Beside the file (or, if it is a symbolic link, beside its target):
+/// - `<file>~`: an earlier state, if possible one known to have reached the disk, which survives a
+///   power cut that the file itself may not
+/// - `<file>.damaged-<UTC time>`: content found in its place that is no property list
+/// - `<file>.new`, `<file>~.new`: left by a process that was killed; never read, but overwritten
 ///
 /// A change is in the file when `set` returns, and there is a complete file at any moment. Syncing
-/// with the disk is done in the background. A change that can't be written is kept in memory, told
-/// in the log once until writing succeeds again, and written with the next change.
+/// with the disk is done in the background. A change that can't be written is kept in memory,
+/// logged once until writing succeeds again, and written with the next change.
 ///
-/// Start: a damaged file is set aside and `<file>~` taken and written in its place. While the file
-/// can't be read it is left alone, `<file>~` is read for the time being and changes live in memory;
-/// they join the file when it can be read. A missing file means that the user wants a new start,
-/// also when there is a `<file>~`: that one is left for those who didn't, and the log says so.
+/// At the start: a damaged file is set aside, and `<file>~` is loaded and written in its place. A
+/// file that can't be read is left alone; `<file>~` is read meanwhile and changes are kept in
+/// memory until they can join the file. A missing file means that the user wants a fresh start,
+/// even if there is a `<file>~`: that is kept for users who didn't, and the log says so.
 ///
-/// Other programs' edits are taken over when they are made (for a directory that exists), at the
-/// latest before the next write; changes of ours that are not written yet prevail. A damaged edit
-/// is set aside and the file written again; a removed file is written again with the next change.
-/// At most 20 are set aside; the next one is left as it is and counts as one that can't be read, as
-/// does one of more than 4 MiB.
+/// Edits by other programs are taken over when they are made (if the directory exists), at the
+/// latest before the next write; our own unwritten changes prevail. A damaged edit is set aside and
+/// the file written again; a removed file is written again with the next change. At most 20 files
+/// are set aside; the next damaged one is left alone and counts as unreadable, as does a file of
+/// more than 4 MiB.
 ///
 /// For the main thread, with a QCoreApplication.
 class PropertyListPreferences final : public Preferences {
@@ -58,7 +58,7 @@ public:
         return observers_.add(std::move(changed));
     }
 
-    /// One state of a file. Any write by anybody gives another one.
+    /// One state of a file. Every write changes it.
     struct Identity {
         explicit Identity(const struct stat& status)
             : device(status.st_dev), inode(status.st_ino), size(status.st_size),
@@ -97,14 +97,14 @@ private:
     Subscribers observers_;
     Paced edits_;
     std::unique_ptr<FileWatch> watch_;
-    int setAside_ = 0; ///< how many damaged files since the start
+    int setAside_ = 0; ///< number of damaged files set aside since the start
 
-    /// What was changed here and is not in the file yet; none for a removed key.
+    /// Changes made here that are not in the file yet; none for a removed key.
     std::map<std::string, std::optional<Value>, std::less<>> unwritten_;
     bool isWriteOwed_ = false;
-    /// What `values_` was last read from or written to.
+    /// The state that `values_` was last read from or written to.
     std::optional<Identity> known_;
-    /// What is known to have reached the disk.
+    /// The state known to have reached the disk.
     std::optional<Identity> onDisk_;
     bool isReadFailureTold_ = false;
     bool isWriteFailureTold_ = false;

@@ -19,7 +19,7 @@ std::string_view nextWord(std::string_view& line) {
     return word;
 }
 
-/// Without whatever could make a person read something else than is there.
+/// Without characters that could make the user read something else.
 std::string harmless(std::string_view name) {
     constexpr std::size_t most = 60;
     std::string text;
@@ -46,8 +46,8 @@ bool sharesNamespace(ProcessId process, const char* kind, const ProcDirectory& p
     return proc.link(process, kind) == proc.link(::getpid(), kind);
 }
 
-// Another mount namespace alone says little: services have one that hides a folder or two. Whoever
-// makes one to shut something in sees to it that it can't get more rights either.
+// A mount namespace of its own says little: services have one to hide a folder or two. A real
+// sandbox also makes sure that its programs can't gain privileges.
 bool sharesRoot(ProcessId process, const ProcDirectory& proc) {
     const std::string root = proc.link(process, "root");
     if (root.empty() || root != proc.link(::getpid(), "root"))
@@ -66,8 +66,8 @@ std::string_view trimmedLabel(std::string_view label) {
     return label;
 }
 
-// The module's word for whom it lets do anything is no confinement, nor that it only takes notes,
-// as of programs in a classic snap, nor one that holds this program as well, as in a container.
+// Some labels confine nothing: unconfined programs, labels that are merely logged (as for programs
+// in a classic snap), and a label that this program has as well (as in a container).
 bool isHeld(std::string_view label, std::string_view own) {
     label = trimmedLabel(label);
     if (label.empty() || label == trimmedLabel(own) || label.ends_with(" (complain)") ||
@@ -88,7 +88,7 @@ std::string rootMount(std::string_view mountinfo) {
         nextWord(line);
         const std::string_view device = nextWord(line);
         const std::string_view folder = nextWord(line);
-        // The last one lies on top.
+        // The last mount is on top.
         if (nextWord(line) == "/")
             found = std::string(device) + ' ' + std::string(folder);
     }
@@ -99,7 +99,7 @@ Confinement confinementOf(ProcessId process, std::string_view label, const ProcD
     if (process <= 0)
         return {};
     std::string executable = proc.link(process, "exe");
-    // It has been updated since it was started.
+    // The file was replaced by an update since the start.
     constexpr std::string_view replaced = " (deleted)";
     if (executable.ends_with(replaced))
         executable.resize(executable.size() - replaced.size());
@@ -107,7 +107,7 @@ Confinement confinementOf(ProcessId process, std::string_view label, const ProcD
     const std::string cgroup = proc.read(process, "cgroup");
     const std::string_view unit = applicationUnit(cgroup);
     const std::string_view unitName = unit.substr(unit.rfind('/') + 1);
-    // A classic snap has no mounts of its own, nor anything else that shuts it in.
+    // A classic snap has no mounts of its own, nor any other confinement.
     const bool isStrictSnap =
         unitName.starts_with("snap.") && !sharesNamespace(process, "ns/mnt", proc);
     const bool isFree = !executable.empty() && !proc.link(process, "ns/mnt").empty() &&

@@ -7,7 +7,7 @@ namespace velmorquit {
 
 namespace {
 
-/// The path in the unified hierarchy, which is the line without a controller.
+/// The path in the unified hierarchy: the line without a controller.
 std::string_view pathOf(std::string_view cgroup) {
     const std::size_t line = cgroup.starts_with("0::") ? 0 : cgroup.find("\n0::");
     if (line == std::string_view::npos)
@@ -22,8 +22,8 @@ bool isApplication(std::string_view name) {
            (name.starts_with("snap.") && isScope);
 }
 
-/// Calls `visit(name, end)` for each part of the path until it says true; `end` is where in the
-/// path the part ends.
+/// Calls `visit(name, end)` for each part of the path until it returns true; `end` is the part's
+/// end within the path.
 template <class Visit> void eachPart(std::string_view path, Visit visit) {
     for (std::size_t begin = 1; begin < path.size();) {
         const std::size_t end = std::min(path.find('/', begin), path.size());
@@ -50,7 +50,7 @@ std::string unescaped(std::string_view name) {
     return text;
 }
 
-/// "snap.NAME.APP-UUID": the entry is called NAME_APP.
+/// "snap.NAME.APP-UUID": the entry is named NAME_APP.
 std::vector<std::string> snapEntry(std::string_view name) {
     constexpr std::size_t uuid = 36;
     name.remove_prefix(std::string_view("snap.").size());
@@ -86,8 +86,8 @@ std::string sandboxedApplication(std::string_view applicationUnit) {
     return entries.size() < 2 ? std::string() : entries[1];
 }
 
-// "app[-MAKER]-ENTRY-RANDOM.scope" and "app[-MAKER]-ENTRY[@RANDOM].service", with the hyphens of an
-// entry's own name escaped, which not everybody does.
+// "app[-MAKER]-ENTRY-RANDOM.scope" and "app[-MAKER]-ENTRY[@RANDOM].service". The hyphens of the
+// entry's own name should be escaped, but not everybody does so.
 std::vector<std::string> desktopEntriesOfUnit(std::string_view applicationUnit) {
     std::string_view name = applicationUnit.substr(applicationUnit.rfind('/') + 1);
     const bool isScope = name.ends_with(".scope");

@@ -6,25 +6,25 @@
 
 namespace velmorquit {
 
-// What the service manager's units tell of a process. All of it from what `/proc/PID/cgroup` holds.
+// Information on a process from the service manager's units, read from `/proc/PID/cgroup`.
 
-/// The unit of one application that a process is in: the path of the control group of an
-/// `app-….scope`, an `app-….service` or a `snap.….scope`; empty when it is in none.
+/// The application unit that a process is in: the path of the control group of an `app-….scope`, an
+/// `app-….service` or a `snap.….scope`; empty when it is in none.
 [[nodiscard]] std::string_view applicationUnit(std::string_view cgroup);
 
-/// The id of the application if that unit has a sandbox around it in which a broker stands in for
-/// it on the session bus, else empty.
+/// The application's id if that unit is a sandbox in which a broker represents it on the session
+/// bus, else empty.
 [[nodiscard]] std::string sandboxedApplication(std::string_view applicationUnit);
 
-/// The desktop entries, without ".desktop", that the name of such a unit may mean, most likely
-/// first: whoever makes units may put their own name in front of the entry's.
+/// The desktop entries, without ".desktop", that the unit's name may stand for, most likely first:
+/// the maker of a unit may put their own name in front of the entry's.
 [[nodiscard]] std::vector<std::string> desktopEntriesOfUnit(std::string_view applicationUnit);
 
-/// Whether the process was started with the session, as one of the programs that are to be.
+/// Whether the process is one of the programs that were started along with the session.
 [[nodiscard]] bool isAutostarted(std::string_view cgroup);
 
 /// Whether the process is a background service of the user's session: one that the session or its
-/// bus has started, and will start again, without being an application of its own.
+/// bus has started and would start again, and that isn't an application.
 [[nodiscard]] bool isUserService(std::string_view cgroup);
 
 } // namespace velmorquit

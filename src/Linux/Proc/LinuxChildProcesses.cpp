@@ -29,7 +29,7 @@ Pipe makePipe() {
     return {Descriptor(ends[0]), Descriptor(ends[1])};
 }
 
-/// Starts it with these for its standard output and error; -1 for either is nowhere. The process
+/// Starts it with these for its standard output and error; -1 discards either. Returns the process
 /// id, or a negative error number.
 pid_t spawn(const std::string& program, const std::vector<std::string>& arguments, int output,
             int error) {
@@ -49,7 +49,7 @@ pid_t spawn(const std::string& program, const std::vector<std::string>& argument
         else
             ::posix_spawn_file_actions_addopen(&files, standard, "/dev/null", O_WRONLY, 0);
     }
-    // A group of its own: Ctrl+C in the terminal that started this program is not meant for it.
+    // Its own process group: Ctrl+C in the terminal of this program is not meant for it.
     posix_spawnattr_t attributes;
     ::posix_spawnattr_init(&attributes);
     ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
@@ -65,10 +65,10 @@ int exitStatus(int status) {
     return WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
 }
 
-/// More than any tool has to say; what is longer is not read at all.
+/// More than any tool writes; longer output isn't read at all.
 constexpr std::size_t mostOutput = 16 << 20;
 
-/// What comes from a pipe, of which the last part is kept.
+/// Reads from a pipe and keeps the last part.
 class Drain {
 public:
     explicit Drain(Descriptor reading) : reading_(std::move(reading)) {
@@ -88,8 +88,8 @@ public:
 private:
     void read() {
         constexpr std::size_t most = 65536;
-        // The most that a pipe can hold, unless somebody raised that: one that writes on and on is
-        // read again in a later turn.
+        // The usual capacity of a pipe. A process that writes without end is read again in a later
+        // turn.
         constexpr int turns = (1 << 20) / most;
         std::array<char, most> buffer;
         ssize_t count = 0;
@@ -154,7 +154,7 @@ ChildProcesses::Result LinuxChildProcesses::run(const std::string& program,
             break;
         }
     }
-    // Who writes on has nobody who reads.
+    // Further output has no reader.
     {
         const Descriptor closed(std::move(output.reading));
     }

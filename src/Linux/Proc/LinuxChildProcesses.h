@@ -4,7 +4,7 @@
 
 namespace velmorquit {
 
-/// Children of this process. They read nothing and have a group of signals of their own.
+/// Children of this process. They have no input, and a process group of their own.
 class LinuxChildProcesses final : public ChildProcesses {
 public:
     [[nodiscard]] Result run(const std::string& program,

@@ -13,7 +13,7 @@ namespace velmorquit {
 
 namespace {
 
-/// Room for "2147483647/" and the name of any file of a process.
+/// Room for "2147483647/" and the name of any of a process's files.
 using Path = std::array<char, 64>;
 
 Path pathOf(ProcessId id, const char* name) {
@@ -87,7 +87,7 @@ void ProcDirectory::readInto(const char* name, std::string& content) const {
         content.resize(std::max(content.capacity(), length + usual));
         const ssize_t count = ::read(file, content.data() + length, content.size() - length);
         length += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
-        // The kernel gives the short files that it makes up whole.
+        // The kernel returns its short generated files in one piece.
         if (count <= 0 || length < content.size())
             break;
     }

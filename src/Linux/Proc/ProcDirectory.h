@@ -7,7 +7,7 @@
 
 namespace velmorquit {
 
-/// A file system that looks like /proc. Whatever can't be read reads as empty: processes come and
+/// A file system laid out like /proc. Anything unreadable counts as empty, since processes come and
 /// go.
 class ProcDirectory {
 public:
@@ -16,7 +16,7 @@ public:
     ProcDirectory& operator=(const ProcDirectory&) = delete;
     ~ProcDirectory();
 
-    /// The ids of all processes, in the order in which the kernel lists them.
+    /// The ids of all processes, in the kernel's order.
     [[nodiscard]] std::vector<ProcessId> processes() const;
 
     /// The content of a file of the directory, such as "meminfo".
@@ -25,10 +25,10 @@ public:
     /// The content of a file of a process, such as "stat".
     [[nodiscard]] std::string read(ProcessId id, const char* name) const;
 
-    /// Reads into `content`, whose memory serves for the next file too.
+    /// Reads into `content`, whose memory is reused for the next file.
     void read(ProcessId id, const char* name, std::string& content) const;
 
-    /// Where a symbolic link of a process leads, such as "exe".
+    /// The target of a process's symbolic link, such as "exe".
     [[nodiscard]] std::string link(ProcessId id, const char* name) const;
 
 private:

@@ -20,7 +20,7 @@ namespace {
 using ProcText::numberAt;
 using ProcText::textAt;
 
-/// Sum of the fields that are there, in bytes; none when there is none of them.
+/// Sum of the fields that exist, in bytes; none without any of them.
 template <std::size_t count>
 std::optional<std::uint64_t> sumOfKibibytes(std::string_view text,
                                             const std::array<std::string_view, count>& fields) {
@@ -32,7 +32,7 @@ std::optional<std::uint64_t> sumOfKibibytes(std::string_view text,
     return bytes;
 }
 
-/// What makers leave in place of a name.
+/// Texts that makers leave in place of a name.
 bool isPlaceholder(std::string_view name) {
     static constexpr std::array<std::string_view, 7> placeholders{"",
                                                                   "To Be Filled By O.E.M.",
@@ -62,8 +62,8 @@ std::optional<MemoryPages> ProcKernel::memoryPages() const {
         return std::nullopt;
     constexpr std::array<std::string_view, 6> kernelOnly{
         "SUnreclaim:", "KernelStack:", "PageTables:", "SecPageTables:", "Percpu:", "Hugetlb:"};
-    // Compressed pages are held by zswap or by a compressed disk in memory, whose pages count so
-    // too.
+    // Compressed pages are held by zswap or by a compressed disk in memory; the second figure
+    // counts the disk's pages as well.
     const std::uint64_t zswap = numberAt(info, "Zswap:").value_or(0) * 1024;
     const std::uint64_t zspages = numberAt(proc_.read("vmstat"), "nr_zspages ").value_or(0) *
                                   static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
@@ -188,8 +188,8 @@ std::set<ProcessId> ProcKernel::responsibleProcesses(const std::vector<ProcessId
             return id;
         if (own->second.responsible != 0)
             return own->second.responsible;
-        // As many steps as there are processes: a table read while processes change may hold a
-        // circle.
+        // Limited to the number of processes: a table read while processes change may contain a
+        // cycle.
         auto next = own;
         for (std::size_t steps = 0; steps < byId.size() && next != byId.end(); ++steps) {
             if (windowOwners.contains(next->first))

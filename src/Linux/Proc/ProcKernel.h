@@ -14,12 +14,12 @@
 
 namespace velmorquit {
 
-/// Remembers what doesn't change of processes, which costs more to read than all the rest: which
-/// program is whose child, and its unit.
+/// Caches the facts about processes that don't change and cost more to read than all others:
+/// their parents and their units.
 ///
-/// A process that was there at the last look is the same one. It gets another parent only when that
-/// one ends, and its unit when it is started: one that is still young is looked at every time. All
-/// are looked at anew every half a minute.
+/// A process seen at the last look is the same one now. Its parent changes only when that ends, and
+/// its unit only at its start: young processes are read at every look. All of them are read anew
+/// every half minute.
 class KnownProcesses {
 public:
     struct Known {
@@ -27,16 +27,16 @@ public:
         std::uint64_t startTime = 0;
         std::string unit; ///< as `applicationUnit`
         bool isSettled = false;
-        unsigned look = 0; ///< the last one at which it was there
+        unsigned look = 0; ///< number of the last look that found it
         std::string pages; ///< its `statm` when `footprint` was read
         std::optional<std::uint64_t> footprint;
     };
 
-    /// Calls `visit` with the id of every process and what is known of it.
+    /// Calls `visit` with the id of every process and the facts known about it.
     void look(const ProcDirectory& proc, const std::function<void(ProcessId, const Known&)>& visit);
 
-    /// As `footprintFromStatus`. The full account is read only when the counts of pages, which cost
-    /// a fifth of it, are not what they were: a sleeping program's stay the same.
+    /// See `footprintFromStatus`. The full account is read only when the page counts, which cost a
+    /// fifth of it, have changed: those of a sleeping program don't.
     [[nodiscard]] std::optional<std::uint64_t> footprint(const ProcDirectory& proc, ProcessId id);
 
 private:
@@ -44,7 +44,7 @@ private:
                                 std::chrono::seconds now);
 
     std::unordered_map<ProcessId, Known> known_;
-    std::string text_; ///< what was read last; kept for its room
+    std::string text_; ///< the last text read; kept for its memory
     unsigned look_ = 0;
     std::chrono::seconds emptiedAt_{};
 };
@@ -54,20 +54,20 @@ class ProcKernel final : public Kernel {
 public:
     explicit ProcKernel(const std::string& proc = "/proc", std::string sys = "/sys");
 
-    /// Says which processes own windows: of the processes of one unit, such a one is the
-    /// application. Asked once per question about processes, on the thread of whoever puts it.
+    /// `owners` tells which processes own windows: one of these is the application among the
+    /// processes of its unit. Called once per query of processes, on the querying thread.
     void setWindowOwners(std::function<std::set<ProcessId>()> owners) {
         windowOwners_ = std::move(owners);
     }
 
     [[nodiscard]] ProcessId ownProcessId() const override;
     [[nodiscard]] std::uint64_t totalMemory() const override;
-    /// In pages of one byte: what the kernel states are figures in kibibytes.
+    /// In pages of one byte, since the kernel's figures are in kibibytes.
     [[nodiscard]] std::optional<MemoryPages> memoryPages() const override;
     [[nodiscard]] std::vector<ProcessEntry> processTable() const override;
     [[nodiscard]] std::optional<std::uint64_t> footprint(ProcessId id) const override;
-    /// The application of the same unit, else the nearest process that owns windows among those
-    /// that it descends from.
+    /// The application of the same unit, or else the nearest of its ancestors that owns
+    /// windows.
     [[nodiscard]] std::set<ProcessId>
     responsibleProcesses(const std::vector<ProcessId>& ids) const override;
     [[nodiscard]] std::optional<std::string> machineModel() const override;
@@ -82,8 +82,8 @@ private:
     std::function<std::set<ProcessId>()> windowOwners_ = [] { return std::set<ProcessId>(); };
 };
 
-/// Anonymous, shared and swapped-out memory in bytes, from what `/proc/PID/status` holds: what
-/// nobody else maps from a file. None without these lines, as for a kernel thread.
+/// Anonymous, shared and swapped-out memory in bytes, from the content of `/proc/PID/status`: all
+/// that isn't mapped from files. None without these lines, as for a kernel thread.
 [[nodiscard]] std::optional<std::uint64_t> footprintFromStatus(std::string_view status);
 
 } // namespace velmorquit

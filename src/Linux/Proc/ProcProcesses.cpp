@@ -21,14 +21,14 @@ Duration durationOf(std::uint64_t ticks) {
            std::chrono::nanoseconds(ticks % perSecond * 1'000'000'000 / perSecond);
 }
 
-/// What waits for somebody to log in has its terminal all the same.
+/// A program that waits for a login has a terminal as well.
 bool waitsForLogin(const ProcessStat& process) {
     static constexpr std::array<std::string_view, 4> programs{"login", "agetty", "getty",
                                                               "mingetty"};
     return std::ranges::find(programs, process.command) != programs.end();
 }
 
-/// Display managers keep a terminal for what they start: a display server, and a session manager
+/// Display managers reserve a terminal for what they start: a display server, and a session manager
 /// whose programs run elsewhere.
 bool runsSession(std::string_view command) {
     static constexpr std::array<std::string_view, 16> beginnings{
@@ -62,8 +62,8 @@ struct ProcProcesses::Look {
 
     [[nodiscard]] bool isFromAWindow(const ProcessStat& process) const {
         const ProcessStat* ancestor = find(process.parent);
-        // As many steps as there are processes: a table read while processes change may hold a
-        // circle.
+        // Limited to the number of processes: a table read while processes change may contain a
+        // cycle.
         for (std::size_t steps = 0; ancestor && steps < table.size(); ++steps) {
             if (windowOwners.contains(ancestor->id))
                 return true;
@@ -86,7 +86,7 @@ std::map<ProcessId, ProcessWork> ProcProcesses::work(const std::set<ProcessId>& 
     std::multimap<ProcessId, const ProcessStat*> children;
     for (const ProcessStat& process : table)
         children.emplace(process.parent, &process);
-    // Whoever answers for itself adds nothing to the work of another.
+    // Processes that count by themselves must not be added to the work of others.
     std::set<ProcessId> counted = display_.windowOwners();
     counted.insert(ids.begin(), ids.end());
     std::map<ProcessId, ProcessWork> works;
@@ -155,7 +155,7 @@ void ProcProcesses::addOutliving(const Look& look, std::vector<WindowlessJob>& j
         if (look.isShown(process) || look.trayOwners.contains(process.id))
             shownGroups.insert(process.group);
     }
-    // The kernel's own threads, and what came into a container from outside, have no session.
+    // Kernel threads, and processes that entered a container from outside, have no session.
     const auto hasOutlived = [&](const ProcessStat& process) {
         return process.session > 0 && process.terminal == 0 && process.group != process.session &&
                !process.hasEnded && !leaders.contains(process.session) &&
@@ -174,7 +174,7 @@ void ProcProcesses::addOutliving(const Look& look, std::vector<WindowlessJob>& j
     }
 }
 
-// Not by whom the folder belongs to: that of a program which hides its memory belongs to root.
+// The folder's owner doesn't tell: that of a program which hides its memory belongs to root.
 bool ProcProcesses::isOwn(ProcessId process) const {
     return numberAt(proc_.read(process, "status"), "Uid:") == std::uint64_t{user_};
 }

@@ -14,10 +14,10 @@
 
 namespace velmorquit {
 
-/// What the processes that /proc lists are at.
+/// The activity of the processes listed by /proc.
 class ProcProcesses final : public Processes {
 public:
-    /// What the display knows of processes. Each is called once per question at most.
+    /// The display's knowledge of processes. Each is called at most once per query.
     struct Display {
         std::function<std::set<ProcessId>()> windowOwners;
         /// Those with an icon in the tray.
@@ -26,22 +26,22 @@ public:
         std::function<std::set<ProcessId>()> desktopProcesses;
     };
 
-    /// `user` is whose jobs count.
+    /// Only jobs of `user` count.
     explicit ProcProcesses(Display display, const std::string& proc = "/proc",
                            uid_t user = ::getuid());
 
     [[nodiscard]] std::optional<std::uint64_t> startOf(ProcessId process) const override;
 
-    /// Of a process that was started from one of `ids` and whose end nobody has taken note of,
-    /// nothing remains: only then can a sum get smaller.
+    /// A sum gets smaller in one case only: a process started from one of `ids` has ended, and its
+    /// parent has not collected its status.
     [[nodiscard]] std::map<ProcessId, ProcessWork>
     work(const std::set<ProcessId>& ids) const override;
 
     /// The process is the first of the job. Terminals that some window shows are left out, and
-    /// those in which windows or the desktop have been started: a text console has the whole
-    /// desktop for its job. A daemon has cut itself off from the terminal that it was started in,
-    /// and is told from a job that has outlived its terminal by the group of processes that it is
-    /// in.
+    /// those from which windows or the desktop were started: a text console may have the whole
+    /// desktop as its job. Daemons, which have detached themselves from the terminal that started
+    /// them, are told from jobs that have outlived their terminal by the process group that they
+    /// are in.
     [[nodiscard]] std::vector<WindowlessJob> windowlessJobs() const override;
 
 private:

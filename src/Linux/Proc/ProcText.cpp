@@ -46,7 +46,7 @@ bool ignoresHangup(std::string_view status) {
     const auto at = status.find(field);
     if (at == std::string_view::npos)
         return false;
-    // The first signal is the last bit of a number with sixteen digits, SIGHUP.
+    // A number of sixteen digits, whose last bit is the first signal, SIGHUP.
     const char* const digits = status.data() + at + field.size();
     std::uint64_t ignored = 0;
     std::from_chars(digits, status.data() + status.size(), ignored, 16);

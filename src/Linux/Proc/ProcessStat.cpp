@@ -23,7 +23,7 @@ std::string_view nextWord(std::string_view& text) {
 
 } // namespace
 
-// The name stands in parentheses and may hold any of them, blanks and newlines itself: only the
+// The name is in parentheses and may itself contain parentheses, blanks and newlines: only the
 // last closing one ends it.
 std::optional<ProcessStat> parseProcessStat(std::string_view line) {
     const std::size_t open = line.find(" (");
@@ -39,7 +39,7 @@ std::optional<ProcessStat> parseProcessStat(std::string_view line) {
         parseNumber(line.substr(0, open), stat.id) && parseNumber(nextWord(rest), stat.parent) &&
         parseNumber(nextWord(rest), stat.group) && parseNumber(nextWord(rest), stat.session) &&
         parseNumber(nextWord(rest), stat.terminal) && parseNumber(nextWord(rest), stat.foreground);
-    // Flags and faults are fields 9 to 13, priorities 18 and 19, and 21 nothing (proc(5)).
+    // Fields 9 to 13 are flags and faults, 18 and 19 priorities, and 21 is unused (proc(5)).
     const auto skip = [&rest](int fields) {
         for (; fields > 0; --fields)
             nextWord(rest);
@@ -55,7 +55,7 @@ std::optional<ProcessStat> parseProcessStat(std::string_view line) {
     good = good && parseNumber(nextWord(rest), threads);
     skip(1);
     good = good && parseNumber(nextWord(rest), stat.startTime);
-    // While other threads go on it hasn't, although the first of them has.
+    // A process whose first thread has ended still runs while it has other threads.
     stat.hasEnded = (stat.state == 'Z' || stat.state == 'X') && threads <= 1;
     return good ? std::optional(std::move(stat)) : std::nullopt;
 }
@@ -75,7 +75,7 @@ std::vector<ProcessStat> readProcessTable(const ProcDirectory& proc) {
     return table;
 }
 
-// A program that was updated while it runs is still the same one.
+// A running program whose file was updated is still the same program.
 std::string executableName(ProcessId id, const ProcDirectory& proc) {
     constexpr std::string_view replaced = " (deleted)";
     std::string path = proc.link(id, "exe");

@@ -10,24 +10,24 @@
 
 namespace velmorquit {
 
-/// What /proc tells of a process.
+/// The facts that /proc gives about a process.
 struct ProcessStat {
     ProcessId id = 0;
     std::string command;   ///< name of the executable, at most 15 bytes, any bytes
-    char state = '?';      ///< 'T' when it was stopped
-    bool hasEnded = false; ///< and waits for its parent to take note of it
+    char state = '?';      ///< 'T' when it is stopped
+    bool hasEnded = false; ///< its parent has not collected its status yet
     ProcessId parent = 0;
     ProcessId group = 0;
     ProcessId session = 0;
     int terminal = 0;         ///< device number of the controlling terminal, 0 for none
     ProcessId foreground = 0; ///< process group in the foreground of that terminal, -1 for none
-    /// Clock ticks that processors have spent on it, and on those of its children that have ended
-    /// and whose end it has taken note of.
+    /// Clock ticks of processor time, also of its children that have ended and whose status it has
+    /// collected.
     std::uint64_t processorTime = 0;
     std::uint64_t startTime = 0; ///< clock ticks between the system's start and the process's
 };
 
-/// Reads what `/proc/PID/stat` holds; none when it isn't such a line.
+/// Parses the content of `/proc/PID/stat`; none when it isn't such a line.
 [[nodiscard]] std::optional<ProcessStat> parseProcessStat(std::string_view line);
 
 /// Looks at the process; none when it has gone.
@@ -37,15 +37,15 @@ struct ProcessStat {
 [[nodiscard]] std::vector<ProcessStat>
 readProcessTable(const ProcDirectory& proc = ProcDirectory());
 
-/// File name, without folders, of what the process executes, also when that file was replaced
-/// since; empty when it can't be known.
+/// File name, without folders, of the executable of the process, even if the file was replaced
+/// since; empty when unknown.
 [[nodiscard]] std::string executableName(ProcessId id, const ProcDirectory& proc = ProcDirectory());
 
 /// The arguments with which the process was started, the command itself first.
 [[nodiscard]] std::vector<std::string>
 processArguments(ProcessId id, const ProcDirectory& proc = ProcDirectory());
 
-/// Whether the process takes no notice of its terminal's closing; false when that can't be known.
+/// Whether the process ignores the hang-up of its terminal; false when unknown.
 [[nodiscard]] bool ignoresHangup(ProcessId id, const ProcDirectory& proc = ProcDirectory());
 
 /// A variable of the environment with which the process was started; none without it.

@@ -23,13 +23,13 @@ bool takesAnotherArgument(std::string_view option) {
     return std::ranges::find(options, option) != options.end();
 }
 
-/// What a shell was started for.
+/// The purpose of a shell.
 struct ShellTask {
     bool isPrompt = true;
-    std::string script; ///< its path; empty for a command given in words
+    std::string script; ///< its path; empty for a command on the command line
 };
 
-/// A shell that was given a command or a script is a job like any other.
+/// A shell that was given a command or a script counts as a job.
 ShellTask shellTask(const std::vector<std::string>& arguments) {
     for (std::size_t next = 1; next < arguments.size(); ++next) {
         const std::string_view argument = arguments[next];
@@ -47,8 +47,8 @@ bool isShellAtItsPrompt(const ProcessStat& process, const ProcessFacts& facts) {
     return isShell(facts.executable(process.id)) && shellTask(facts.arguments(process.id)).isPrompt;
 }
 
-/// A client only shows what a server keeps, which has no terminal. What a program is that runs with
-/// the rights of a group can't be seen, so that only its name is known.
+/// A client only shows what a server keeps, which has no terminal. The executable of a program that
+/// runs with a group's privileges can't be read; only its name is known.
 bool isMultiplexer(const ProcessStat& process, const std::string& executable) {
     static constexpr std::array<std::string_view, 8> names{
         "tmux", "tmux: client", "tmux: server", "screen", "SCREEN", "zellij", "dtach", "abduco"};
@@ -56,8 +56,8 @@ bool isMultiplexer(const ProcessStat& process, const std::string& executable) {
            names.end();
 }
 
-/// What a shell would take along. What it starts for its prompt comes right after it, and what a
-/// script has left behind is no job of the shell, which doesn't know it.
+/// A job that a shell would take along. Helpers of a prompt start right after the shell; processes
+/// left behind by a script are no jobs of the shell, which doesn't know them.
 bool isBackgroundJob(const ProcessStat& process, const std::vector<ProcessStat>& table,
                      const ProcessFacts& facts) {
     static const auto settling = 2 * static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
@@ -67,7 +67,7 @@ bool isBackgroundJob(const ProcessStat& process, const std::vector<ProcessStat>&
            isShellAtItsPrompt(*shell, facts);
 }
 
-/// The leaders of the sessions in the terminals that an application has.
+/// The leaders of the sessions in an application's terminals.
 std::vector<const ProcessStat*> terminalsOf(ProcessId application,
                                             const std::vector<ProcessStat>& table,
                                             const ProcessFacts& facts) {
@@ -82,7 +82,7 @@ std::vector<const ProcessStat*> terminalsOf(ProcessId application,
             if (process.session == process.id && process.terminal != 0 &&
                 process.terminal != ownTerminal)
                 leaders.push_back(&process);
-            // A terminal that was opened by this application stands on its own feet.
+            // A terminal that this application has opened counts by itself.
             else if (!facts.ownsWindows(process.id))
                 family.push_back(process.id);
         }
@@ -111,7 +111,7 @@ std::optional<ProcessId> terminalJob(const ProcessStat& leader,
     enum Rank { foremost, inFront, inPlaceOfShell, behind, none };
     Rank best = none;
     ProcessId job = leader.id;
-    // The job in the foreground may be one that the system hides, since it runs as another user.
+    // The job in the foreground may be hidden by the system because another user runs it.
     bool isForegroundHidden = leader.foreground > 0;
     for (const ProcessStat& process : table) {
         if (process.session != leader.session)
@@ -153,7 +153,7 @@ std::string jobName(ProcessId job, const std::vector<ProcessStat>& table,
     const std::string script = shellTask(facts.arguments(job)).script;
     if (!script.empty())
         return script.substr(script.rfind('/') + 1);
-    // Commands in brackets: what runs in there says more than another "bash".
+    // A command in parentheses: the program inside says more than another "bash".
     for (const ProcessStat& process : table) {
         if (process.group != own->group || process.session != own->session || process.hasEnded)
             continue;

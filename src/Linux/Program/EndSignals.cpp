@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::array signals{SIGTERM, SIGINT};
 
-/// All that a signal handler can reach.
+/// The only thing that a signal handler can reach.
 std::atomic<int> receiver = -1;
 static_assert(std::atomic<int>::is_always_lock_free);
 
@@ -27,7 +27,7 @@ void note(int /*signal*/) {
 } // namespace
 
 EndSignals::EndSignals() : event_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    // Without a descriptor the signals keep their usual effect, which ends the program as well.
+    // Without a descriptor the signals keep their default effect, which ends the program as well.
     if (!event_)
         return;
     receiver = event_.get();

@@ -14,17 +14,17 @@ namespace velmorquit {
 /// Turns the signals that ask the program to end (SIGTERM, SIGINT) into a call on the main loop.
 /// There is one at a time. A signal that was ignored when the program started stays ignored.
 ///
-/// Handlers, unlike a blocked or ignored signal, are not passed on to the programs that are started
+/// Handlers, unlike blocked or ignored signals, are not inherited by the programs that are started
 /// from here.
 class EndSignals {
 public:
-    /// From here on such a signal is remembered until the loop runs.
+    /// From now on such signals are remembered until the loop runs.
     EndSignals();
     EndSignals(const EndSignals&) = delete;
     EndSignals& operator=(const EndSignals&) = delete;
     ~EndSignals();
 
-    /// Called for each time that the loop comes round to such signals.
+    /// Called each time the loop finds such signals, however many.
     std::function<void()> onAsked;
 
 private:

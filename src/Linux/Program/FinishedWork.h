@@ -6,9 +6,9 @@
 
 namespace velmorquit {
 
-/// Work on other threads uses what is made before this: it is done when this goes. A disk that does
-/// not let go may take minutes, and nobody waits for it any more: the program ends on the spot
-/// then, as all that must outlive it is on disk already.
+/// Waits, when destroyed, for work on other threads, which may use anything declared before this. A
+/// disk that doesn't respond may take minutes; nobody waits for that, so the program then exits on
+/// the spot: everything that must survive is on disk already.
 struct FinishedWork {
     FinishedWork() = default;
     FinishedWork(const FinishedWork&) = delete;

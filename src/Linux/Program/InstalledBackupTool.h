@@ -4,8 +4,8 @@
 
 namespace velmorquit {
 
-/// The one that was installed or built together with this program, else the one in PATH; empty
-/// without one. A virtual desktop may have one that stands in for it.
+/// The tool that was installed or built together with this program, else the one in PATH; empty
+/// without one. A virtual desktop may use a stand-in.
 [[nodiscard]] BackupTool installedBackupTool();
 
 } // namespace velmorquit

@@ -13,7 +13,7 @@ std::filesystem::path ownExecutable() {
     return std::filesystem::read_symlink("/proc/self/exe", unreadable);
 }
 
-// A handler, unlike ignoring, is not inherited.
+// A handler, since ignored signals are inherited.
 void surviveTheTerminal() {
     struct sigaction nothing{};
     nothing.sa_handler = [](int) {};
@@ -22,8 +22,8 @@ void surviveTheTerminal() {
         ::sigaction(signal, &nothing, nullptr);
 }
 
-// By itself the allocator keeps blocks of the size of those that were freed before, up to 32 MB:
-// one large message would be paid for ever.
+// By default the allocator keeps blocks as large as any that was freed before, up to 32 MB: the
+// memory of one large message would be kept for good.
 void giveMemoryBack() {
     constexpr int large = 4 << 20;
     ::mallopt(M_MMAP_THRESHOLD, large);

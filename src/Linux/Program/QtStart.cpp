@@ -16,9 +16,9 @@ namespace {
 
 QtMessageHandler usualHandler = nullptr;
 
-/// Qt ends the program on the spot when the display has gone, with a line of its own that says so.
-/// Nothing is lost by that: preferences are in their file as soon as they are changed. What else Qt
-/// says may name files and services that others have called what they like.
+/// When the display has gone, Qt exits on the spot with a line of its own. Nothing is lost by that:
+/// preferences are in their file as soon as they change. Qt's other messages may contain names of
+/// files and services that others have chosen.
 void hear(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     const bool isDisplayGone = message.startsWith(QLatin1String("The X11 connection broke"));
     if (isDisplayGone)
@@ -27,7 +27,7 @@ void hear(QtMsgType type, const QMessageLogContext& context, const QString& mess
         usualHandler(type, context, QString::fromStdString(shownText(message.toStdString())));
 }
 
-/// The autostart entry starts the program; a session that starts it as well would do it twice.
+/// The autostart entry starts the program; if the session restarted it too, it would start twice.
 void neverRestart(const QGuiApplication& application) {
     const auto answer = [](QSessionManager& session) {
         session.setRestartHint(QSessionManager::RestartNever);
@@ -39,8 +39,8 @@ void neverRestart(const QGuiApplication& application) {
 
 } // namespace
 
-// With few descriptors the answer in which the X server hands one over may be lost, and Qt would
-// wait for it for ever.
+// With few descriptors the X server's answer that passes one over may be lost, and Qt would wait
+// for it forever.
 QtStart::QtStart(const Windowing& windowing)
     : isPlatformChosen_(std::getenv("QT_QPA_PLATFORM") != nullptr),
       sharesNoPictures_(isShortOfDescriptors()) {

@@ -6,17 +6,17 @@ namespace velmorquit {
 
 class Windowing;
 
-/// Prepares the making of the toolkit's application object, and clears up after it.
+/// Prepares the creation of the toolkit's application object, and cleans up afterwards.
 class QtStart {
 public:
-    /// To be made before that object: chooses the toolkit's platform, unless the user has, and puts
-    /// what Qt says into the log.
+    /// To be created before that object: chooses the toolkit's platform, unless the user has, and
+    /// sends Qt's messages to the log.
     explicit QtStart(const Windowing& windowing);
     QtStart(const QtStart&) = delete;
     QtStart& operator=(const QtStart&) = delete;
 
-    /// To be called with it: gives it its names, and leaves the environment as it was for what is
-    /// started from here, which chooses for itself.
+    /// To be called with that object: sets its names, and restores the environment for programs
+    /// started from here, which choose their own platform.
     void finish(QGuiApplication& application) const;
 
 private:

@@ -10,7 +10,7 @@ namespace velmorquit {
 
 namespace {
 
-/// Somebody else has the name: the icon does the main job all the same.
+/// Another program has the name. The icon does the main job all the same.
 Start goOnWithoutName(BusCommands& commands, SystemLog& log, const BusCommands::Holder& holder) {
     const std::string name = holder.name.empty() ? "?" : holder.name;
     log.write("Velmor Quit: il mio nome sul bus (org.velmorquit.VelmorQuit) è di " + name +
@@ -25,7 +25,7 @@ Start goOnWithoutName(BusCommands& commands, SystemLog& log, const BusCommands::
 } // namespace
 
 Start takeOverOrHandOver(BusCommands& commands, SystemLog& log, const QVariantMap& platformData) {
-    // The process that has the name may be about to end: then the second attempt gets it.
+    // The process with the name may be about to end: the second attempt then gets it.
     for (const std::chrono::milliseconds patience : {3000ms, 500ms}) {
         switch (commands.claimName()) {
         case BusCommands::Claim::ours:
@@ -37,7 +37,7 @@ Start takeOverOrHandOver(BusCommands& commands, SystemLog& log, const QVariantMa
             break;
         }
         const BusCommands::Holder holder = commands.holder();
-        // Without a process it has just gone.
+        // An owner without a process has just gone.
         if (!holder.isThisProgram && holder.process > 0)
             return goOnWithoutName(commands, log, holder);
         if (commands.showOther(platformData, patience)) {

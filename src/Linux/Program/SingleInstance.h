@@ -11,14 +11,14 @@ namespace velmorquit {
 
 class BusCommands;
 
-/// How a start goes on.
+/// How the start proceeds.
 struct Start {
-    std::optional<int> status{};       ///< with which the program is to end
-    std::optional<std::string> note{}; ///< what the user has to know otherwise
+    std::optional<int> status{};       ///< the program is to exit with it
+    std::optional<std::string> note{}; ///< what the user must know if it goes on
 };
 
-/// Takes the program's name, or asks the process that has it to show itself. Waits for that one, a
-/// few seconds at most. `platformData` is what whoever starts the program has handed it.
+/// Takes the program's name, or asks the process that has it to show itself and waits for that, a
+/// few seconds at most. `platformData` comes from whatever starts the program.
 [[nodiscard]] Start takeOverOrHandOver(BusCommands& commands, SystemLog& log,
                                        const QVariantMap& platformData);
 

@@ -9,7 +9,7 @@ namespace velmorquit {
 
 namespace {
 
-/// Replies when the answer has come: with nothing, unless it failed.
+/// Replies when the answer has come; the reply is empty unless the command failed.
 ApplicationInterface::Answered replyTo(const QDBusMessage& call) {
     call.setDelayedReply(true);
     return [call](const RemoteAnswer& answer) {

@@ -18,21 +18,21 @@ class ApplicationInterface final : public QDBusAbstractAdaptor {
 
 public:
     using Answered = std::function<void(const RemoteAnswer&)>;
-    /// Takes a command and the connection that gave it, and tells the answer, maybe later.
+    /// Takes a command and the connection that sent it, and delivers the answer, maybe later.
     using Perform =
         std::function<void(const RemoteCommand&, const QString& connection, const Answered&)>;
 
-    /// `owner` is what is registered on the bus. Whatever comes in goes to `perform`.
+    /// `owner` is the object registered on the bus. All calls go to `perform`.
     ApplicationInterface(QObject* owner, Perform perform);
 
 public Q_SLOTS:
-    /// Is the command `show`, with the activation token of the caller where it has one.
+    /// The command `show`, with the caller's activation token if it has one.
     void Activate(const QVariantMap& platformData, const QDBusMessage& call);
-    /// As `Activate`: the program opens no files.
+    /// Same as `Activate`: the program opens no files.
     void Open(const QStringList& files, const QVariantMap& platformData, const QDBusMessage& call);
-    /// Is the command `action` with that name; of the parameters a number is the minutes, and a
-    /// text or a list of texts is passed on as it is ("minutes=30", "then=shutDown"). A fault in
-    /// them is an error at once; what comes of the action is shown to the user.
+    /// The command `action` with that name; a number among the parameters means minutes, and a text
+    /// or a list of texts is passed on unchanged ("minutes=30", "then=shutDown"). Wrong parameters
+    /// are an error at once; the action's result is shown to the user.
     void ActivateAction(const QString& action, const QVariantList& parameters,
                         const QVariantMap& platformData, const QDBusMessage& call);
 
@@ -40,8 +40,8 @@ private:
     Perform perform_;
 };
 
-/// What a launcher has given this process so that a window may come to the front, in the form in
-/// which `Activate` takes it. The environment has it no more afterwards: it is for this process
+/// The data by which a launcher lets this process bring a window to the front, in the form that
+/// `Activate` takes. It is removed from the environment, since it is meant for this process
 /// alone.
 [[nodiscard]] QVariantMap takePlatformData();
 

@@ -11,7 +11,7 @@ namespace velmorquit {
 
 namespace {
 
-/// Whether the process has ended, so that its id may be another's by now.
+/// Whether the process has ended, so that its id may have been reused.
 bool hasEnded(const QDBusUnixFileDescriptor& process) {
     pollfd asked{.fd = process.fileDescriptor(), .events = POLLIN, .revents = 0};
     return ::poll(&asked, 1, 0) != 0;
@@ -35,7 +35,7 @@ RemoteCaller BusCallers::callerOf(const QVariantMap& credentials) const {
     const QByteArray label = credentials.value("LinuxSecurityLabel").toByteArray();
     const Confinement found = confinementOf(
         process, {label.constData(), static_cast<std::size_t>(label.size())}, ProcDirectory(proc_));
-    // Newer buses hold on to the process. It is looked at last: what was read is of that one then.
+    // Newer buses hold the process. This is checked last: then all that was read belongs to it.
     const auto held = credentials.value("ProcessFD").value<QDBusUnixFileDescriptor>();
     if (held.isValid() && hasEnded(held))
         return {.isConfined = true};

@@ -13,18 +13,18 @@ namespace velmorquit {
 /// Finds out who is at the other end of a connection to the bus.
 class BusCallers final {
 public:
-    /// The time that the bus has to tell.
+    /// How long the bus may take to answer.
     static constexpr BusTerms::Patience patience{3000};
 
-    /// `proc` looks like /proc.
+    /// `proc` is laid out like /proc.
     explicit BusCallers(QDBusConnection bus, std::string proc = "/proc")
         : bus_(std::move(bus)), proc_(std::move(proc)) {}
 
-    /// Asks the bus, without waiting, and tells who it is, once, unless this object goes before. In
-    /// the order in which it was asked. Whoever has gone or can't be looked at counts as confined.
+    /// Asks the bus, without waiting. Calls `told` once, in the order of the questions, unless this
+    /// object goes before. A caller that has gone or can't be looked at counts as confined.
     void find(const QString& connection, std::function<void(const RemoteCaller&)> told);
 
-    /// By what the bus says of a connection.
+    /// The caller with the bus's description of its connection.
     [[nodiscard]] RemoteCaller callerOf(const QVariantMap& credentials) const;
 
 private:

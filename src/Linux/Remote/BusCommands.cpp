@@ -24,7 +24,7 @@ QString verb(remote::Verb verb) {
     return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
 }
 
-/// In bytes, with all arguments: names of applications and tokens are the longest of them.
+/// In bytes, with all arguments; the longest are names of applications and tokens.
 constexpr std::size_t longestCommand = 64 << 10;
 
 std::size_t sizeOf(const RemoteCommand& command) {
@@ -47,7 +47,7 @@ Duration clock(clockid_t id) {
 
 Uptime uptime() { return {clock(CLOCK_MONOTONIC)}; }
 
-/// Of this thread.
+/// Processor time of this thread.
 Duration processorTime() { return clock(CLOCK_THREAD_CPUTIME_ID); }
 
 } // namespace
@@ -57,7 +57,7 @@ BusCommands::BusCommands(SystemLog& log) : log_(log) {
                  this, SLOT(loseBus()));
 }
 
-// The object is there before the name is, so that nobody who sees the name finds nothing behind it.
+// The object is registered before the name, so that it is there for everybody who sees the name.
 BusCommands::Claim BusCommands::claimName() {
     if (!bus_.isConnected())
         return Claim::noBus;
@@ -81,8 +81,8 @@ BusCommands::Holder BusCommands::holder() {
     holder.isThisProgram = holder.name.find("velmorquit") != std::string::npos;
     if (holder.isThisProgram)
         return holder;
-    // One that was started with a sandbox around it speaks through a broker. Any other program can
-    // say what this one would.
+    // A sandboxed instance speaks through a broker. Any other program can imitate the answer of
+    // this one.
     if (!holder.name.empty() && holder.name != "xdg-dbus-proxy")
         return holder;
     QDBusMessage status =
@@ -107,7 +107,7 @@ void BusCommands::claimLater() {
         log_.write("Velmor Quit: il mio nome sul bus è libero, velmorctl può raggiungermi");
     };
     connect(&waiting_, &QDBusServiceWatcher::serviceUnregistered, this, claim);
-    // It may have gone while it was looked at, which nobody tells any more.
+    // The owner may have gone during the check, without a further notification.
     claim();
 }
 
@@ -157,7 +157,7 @@ void BusCommands::perform(const RemoteCommand& command, const QString& connectio
                           const Answered& answered) {
     const Duration before = processorTime();
     answered(handler_.answer(command));
-    // Nobody pays for these, or they could be used up as well.
+    // These are free, or else they could be used up as well.
     if (!isAlwaysTaken(command))
         budget_.charge(connection.toStdString(), uptime(), processorTime() - before);
 }
@@ -178,8 +178,8 @@ QString BusCommands::Perform(const QString& verb, const QStringList& arguments) 
     return {};
 }
 
-// What the bus brought is a convenience: the icon does the main job without it, and a run that is
-// under way must not be lost with it. When the whole session ends, the display's end tells.
+// The bus is a convenience: the icon does the main job without it, and a running run must not be
+// lost with it. When the whole session ends, the loss of the display tells.
 void BusCommands::loseBus() {
     log_.write("Velmor Quit: il bus di sessione è terminato, velmorctl non può più raggiungermi");
 }

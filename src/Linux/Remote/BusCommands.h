@@ -18,8 +18,8 @@
 namespace velmorquit {
 
 /// Commands over the session bus: name `org.velmorquit.VelmorQuit`, path
-/// `/org/velmorquit/VelmorQuit`, interface `org.velmorquit.VelmorQuit1`, and beside it the one that
-/// launchers use.
+/// `/org/velmorquit/VelmorQuit`, interface `org.velmorquit.VelmorQuit1`, and also the interface
+/// that launchers use.
 class BusCommands final : public QObject, protected QDBusContext, public RemoteCommands {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.velmorquit.VelmorQuit1")
@@ -34,24 +34,24 @@ public:
     /// The process that has the program's name.
     struct Holder {
         ProcessId process = 0; ///< 0 when the bus doesn't tell
-        std::string name{};    ///< file name of its program; empty when that can't be told
+        std::string name{};    ///< file name of its program; empty when unknown
         bool isThisProgram = false;
     };
 
     explicit BusCommands(SystemLog& log);
 
-    /// Takes the program's name on the session bus. May be called again when it was taken.
+    /// Takes the program's name on the session bus. May be called again if it was taken.
     Claim claimName();
 
-    /// Looks at who has the name: this program, by its file or by what it answers. Waits at most
-    /// 2.5 seconds, for the start of a program.
+    /// Finds out who has the name, and whether it is this program, by its file or its answer. Waits
+    /// at most 2.5 seconds; only for the start of a program.
     [[nodiscard]] Holder holder();
 
-    /// Takes the name as soon as whoever has it lets it go.
+    /// Takes the name as soon as its present owner releases it.
     void claimLater();
 
-    /// Asks the process that has the name to show itself, and waits for its answer, at most
-    /// `limit`: for the start of a program that is going to end. False when there was no good
+    /// Asks the process that has the name to show itself, and waits at most `limit` for its
+    /// answer. Only for the start of a program that is going to exit. False without a good
     /// answer.
     bool showOther(const QVariantMap& platformData, std::chrono::milliseconds limit);
 
@@ -59,13 +59,13 @@ public:
     void announce(std::string_view change) override;
 
 public Q_SLOTS:
-    /// Does what `verb` says and returns a JSON text. Errors: `….Error.Refused`, also for whoever
-    /// calls too often or with too much, `….Error.Unknown` and, when the user is asked first
-    /// because the caller is in a sandbox, `….Error.Asking`.
+    /// Executes `verb` and returns a JSON text. Errors: `….Error.Refused`, also for callers that
+    /// call too often or send too much; `….Error.Unknown`; and `….Error.Asking` if the user is
+    /// asked first because the caller is in a sandbox.
     Q_SCRIPTABLE QString Perform(const QString& verb, const QStringList& arguments);
 
 Q_SIGNALS:
-    /// Something has changed: a JSON text.
+    /// A change, as a JSON text.
     Q_SCRIPTABLE void Changed(const QString& change);
 
 private Q_SLOTS:
@@ -74,7 +74,7 @@ private Q_SLOTS:
 private:
     using Answered = ApplicationInterface::Answered;
 
-    /// Has the command carried out that `connection` gave: at once, unless it matters whose it is.
+    /// Executes the command that `connection` sent: at once, unless it matters who the caller is.
     void take(RemoteCommand command, const QString& connection, const Answered& answered);
     void perform(const RemoteCommand& command, const QString& connection, const Answered& answered);
 
@@ -87,7 +87,7 @@ private:
         this, [this](const RemoteCommand& command, const QString& connection,
                      const Answered& answered) { take(command, connection, answered); }};
     CallBudget budget_;
-    /// What came before one, and waits until its caller is known, isn't done after it.
+    /// Counts cancellations, which also stop earlier commands that wait for their callers.
     unsigned cancellations_ = 0;
 };
 

@@ -7,29 +7,29 @@
 
 namespace velmorquit {
 
-/// How much of the main thread's time goes into what other processes ask for: each of them gets a
-/// tenth at the most and all together a quarter, over some seconds, so that whoever calls without
-/// end leaves room for the others and for the program itself.
+/// Limits the main thread's time spent on requests of other processes: each gets at most a tenth,
+/// all together a quarter, averaged over some seconds. So callers that never stop leave room for
+/// others and for the program itself.
 class CallBudget {
 public:
-    /// Whether the call of that process (its name on the bus) may be answered now.
+    /// Whether a call by that process (its name on the bus) may be answered now.
     [[nodiscard]] bool allows(const std::string& caller, Uptime now);
 
-    /// Its answer took so much processor time.
+    /// Its answer took this much processor time.
     void charge(const std::string& caller, Uptime now, Duration spent);
 
 private:
-    /// So much may be spent at one go; a share of the time that passes is added.
+    /// `most` may be spent at once; a fraction of the time that passes is added.
     struct Share {
         Duration most;
-        int fraction; ///< one of so many parts
+        int fraction; ///< 1 / fraction of the time
     };
     static constexpr Share ofOne{.most = 1s, .fraction = 10};
     static constexpr Share ofAll{.most = 3s, .fraction = 4};
-    /// Those with nothing to pay off are forgotten; of more, the others share one account.
+    /// Callers without debts are forgotten; beyond this number, further ones share one account.
     static constexpr std::size_t mostCallers = 64;
 
-    /// When all that was spent will have been paid off.
+    /// The time when everything spent will be paid off.
     using Debt = Uptime;
     static bool isSolvent(Debt debt, Uptime now, Share share);
     static void add(Debt& debt, Uptime now, Duration spent, Share share);
