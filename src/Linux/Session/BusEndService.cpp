@@ -32,7 +32,7 @@ QDBusMessage managerMessage(const SessionManager& manager, const ManagerCalls& c
     return message;
 }
 
-/// Empty where it isn't installed.
+/// Empty if it isn't installed.
 QString askingProgram(const SessionManager& manager) {
     return manager.askingProgram.isEmpty() ? QString()
                                            : QStandardPaths::findExecutable(manager.askingProgram);
@@ -48,7 +48,7 @@ std::string describe(const QDBusMessage& error) {
     return (error.errorName() + " (" + error.errorMessage() + ')').toStdString();
 }
 
-// GNOME's text for it comes in the user's language, in an error that is named by a number.
+// GNOME's message for it is in the user's language, and its error name contains a number.
 bool isCancelled(const QDBusMessage& error) {
     return error.errorMessage().contains("cancel", Qt::CaseInsensitive) ||
            error.errorName() == "org.gtk.GDBus.UnmappedGError.Quark._g_2dio_2derror_2dquark.Code19";
@@ -71,7 +71,7 @@ BusEndService::BusEndService(const PowerBus& session, const PowerBus& system, Se
     watch(systemWatcher_, system_, systemNames_, {login});
 }
 
-// What changes is told on the same connection as the list, and in order: none is missed between.
+// Changes arrive on the same connection as the list, and in order, so that none is missed.
 void BusEndService::watch(QDBusServiceWatcher& watcher, const PowerBus& bus, Names& names,
                           const QStringList& watched) {
     if (!bus.problem().empty())
@@ -92,7 +92,7 @@ void BusEndService::watch(QDBusServiceWatcher& watcher, const PowerBus& bus, Nam
     listNames(bus, "ListNames", names.owned);
 }
 
-// A bus that is late is asked once more, so that it isn't taken for an empty one for ever.
+// A late bus is asked once more, so that it isn't taken for an empty one for good.
 void BusEndService::listNames(const PowerBus& bus, const QString& method,
                               std::optional<QSet<QString>>& names) {
     calls_.send(
@@ -166,7 +166,7 @@ BusEndService::Call BusEndService::loginCall(LoginRequest request) const {
         message = loginMessage("TerminateSession");
         message << QString::fromStdString(settings_.sessionId);
     } else {
-        // Without a dialog that asks for a password, which nobody may be there to answer.
+        // Not interactive: nobody may be there to type a password.
         message = loginMessage(request == LoginRequest::restart ? "Reboot" : "PowerOff");
         message << false;
     }
@@ -200,7 +200,7 @@ void BusEndService::haveAsked(LoginRequest request) {
 }
 
 void BusEndService::terminateOwnSession() {
-    // What was looked at before this gets older while it is waited for.
+    // Waiting longer would outdate everything that was checked before.
     const Duration patience = std::min<Duration>(settings_.limit, 2s);
     QDBusMessage question = loginMessage("GetSessionByPID");
     question << static_cast<uint>(QCoreApplication::applicationPid());
@@ -226,7 +226,7 @@ void BusEndService::send(const Call& call) {
         call.bus, call.message,
         [this, call, timer](const QDBusMessage& reply) {
             const bool isSilent = isError(reply) && QDBusError(reply).type() == QDBusError::NoReply;
-            // The bus says so at once; Qt's timer for an answer may be a little early.
+            // The bus reports this at once; Qt's timer for an answer may be a little early.
             const bool hasLeft =
                 isSilent && std::chrono::milliseconds(timer.elapsed()) < settings_.limit * 9 / 10;
             const bool isFine =

@@ -16,22 +16,22 @@
 
 namespace velmorquit {
 
-/// The session manager that is on the session bus, or login1 on the system bus: what the session
-/// manager does only after a question of its own, and what there is none for, login1 does.
+/// The session manager on the session bus, or login1 on the system bus: login1 does whatever the
+/// session manager would only do after asking the user, and everything if there is none.
 ///
-/// Where the user is to be asked, it is the session manager that does; login1 has no part in it.
+/// If the user is to be asked, the session manager does that; login1 has no part in it.
 class BusEndService final : public QObject, public EndService {
 public:
     struct Settings {
-        /// The session as login1 knows it; empty: the one that this process is in.
+        /// The session's id at login1; empty for the session of this process.
         std::string sessionId;
-        /// Time that an answer may take.
+        /// How long an answer may take.
         Duration limit = 10s;
-        /// Time that a bus has to say who is there.
+        /// How long a bus may take to list its names.
         Duration namesLimit = 3s;
     };
 
-    /// The buses outlive it.
+    /// The buses must outlive it.
     BusEndService(const PowerBus& session, const PowerBus& system, Settings settings);
 
     [[nodiscard]] bool isReady() const override;
@@ -40,19 +40,19 @@ public:
     void carryOut(LoginRequest request, EndForm form) override;
 
 private:
-    /// What it means that whoever is called doesn't answer.
+    /// What it means when no answer comes.
     enum class Silence {
         failure,
-        end,      ///< who has gone before the time was up has done so with the session
+        end,      ///< a callee that disappears before the time is up has gone with the session
         question, ///< the user has not answered yet
     };
-    /// A call, and the bus that it goes to.
+    /// A call, and the bus to send it on.
     struct Call {
         QDBusConnection bus;
         QDBusMessage message;
         Silence silence = Silence::failure;
     };
-    /// Which names are there to be called; none while that is not known yet.
+    /// The names that can be called; none until they are known.
     struct Names {
         std::optional<QSet<QString>> owned;
         std::optional<QSet<QString>> startable;
@@ -67,7 +67,7 @@ private:
     void listNames(const PowerBus& bus, const QString& method, std::optional<QSet<QString>>& names);
     [[nodiscard]] std::optional<Call> managerCall(LoginRequest request) const;
     [[nodiscard]] Call loginCall(LoginRequest request) const;
-    /// The session manager that can ask the user; null when there is none.
+    /// The session manager that can ask the user; null without one.
     [[nodiscard]] const SessionManager* asker() const;
     void haveAsked(LoginRequest request);
     void terminateOwnSession();

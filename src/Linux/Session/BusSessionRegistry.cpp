@@ -19,8 +19,8 @@ namespace velmorquit {
 
 namespace {
 
-/// An object of a service, and what it is no failure to find missing: the service, or just the
-/// object, of one that has told of it a moment ago, or whatever is expected of it.
+/// An object of a service, and what may be missing without a failure: the service; only the
+/// object, when the service mentioned it a moment ago; or anything.
 struct Place {
     enum class Missing { service, object, anything };
 
@@ -48,7 +48,7 @@ bool isMissing(const QString& error, Place::Missing what) {
 
 } // namespace
 
-/// One account that is being asked for. Its calls end with it.
+/// One reading of the account. Its calls end with it.
 class BusSessionRegistry::Reading final : public QObject {
 public:
     using Told = std::function<void(const std::optional<SessionAccount>&)>;
@@ -74,7 +74,7 @@ private:
     std::chrono::milliseconds limit_;
     Told told_;
     BusCalls calls_;
-    /// Answers that are awaited, and one more until all questions have been asked.
+    /// Pending answers, and one more until all questions have been asked.
     int open_ = 1;
     std::vector<Inhibitor> loginInhibitors_;
     std::vector<LoginSession> sessions_;
@@ -86,7 +86,7 @@ BusSessionRegistry::Reading::Reading(const PowerBus& session, const PowerBus& sy
                                      Duration limit, Told told)
     : session_(session), system_(system),
       limit_(std::chrono::duration_cast<std::chrono::milliseconds>(limit)), told_(std::move(told)) {
-    // Each answer may take that long, but not one after another.
+    // All answers together may take that long, not each of them.
     QTimer::singleShot(limit_, this, [this] { finish(std::nullopt); });
     if (system_.problem().empty())
         askLogin();
@@ -206,7 +206,7 @@ Handle BusSessionRegistry::read(std::function<void(const std::optional<SessionAc
     const std::uint64_t id = ++readings_->lastId;
     auto finished = [readings = readings_.get(), id,
                      told = std::move(told)](const std::optional<SessionAccount>& account) {
-        // It is in the middle of one of its own calls.
+        // Deleted later, since this is called from within one of its own calls.
         if (auto reading = readings->byId.extract(id))
             reading.mapped().release()->deleteLater();
         told(account);

@@ -10,16 +10,16 @@
 
 namespace velmorquit {
 
-/// The accounts of login1, of the session manager where it is one of GNOME's kind, and of Plasma's
-/// manager of power. None of them is started for it.
+/// The accounts of login1, of the session manager if it is of GNOME's kind, and of Plasma's power
+/// manager. None of them is started for this.
 class BusSessionRegistry final : public SessionRegistry {
 public:
     struct Settings {
-        /// Time that all answers together may take.
+        /// How long all answers together may take.
         Duration limit = 3s;
     };
 
-    /// Both buses outlive it.
+    /// Both buses must outlive it.
     BusSessionRegistry(const PowerBus& session, const PowerBus& system, Settings settings);
     ~BusSessionRegistry() override;
 

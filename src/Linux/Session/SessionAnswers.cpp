@@ -15,10 +15,10 @@ namespace {
 
 using Against = Inhibitor::Against;
 
-/// What this program calls itself where it holds off sleep.
+/// The name that this program uses to hold off sleep.
 const QString ownName = QStringLiteral("Velmor Quit");
 
-/// Calls `read` with each structure of the reply's only argument, which is an array of them.
+/// Calls `read` with each structure of the reply's only argument, an array.
 template <class Read> void forEach(const QDBusMessage& reply, Read read) {
     const auto list = reply.arguments().value(0).value<QDBusArgument>();
     list.beginArray();
@@ -56,7 +56,7 @@ std::vector<Inhibitor> loginInhibitors(const QDBusMessage& reply) {
         const bool isBlock = mode == "block" || mode == "block-weak";
         if (!isBlock || !(isShutdown || isSleep) || process == static_cast<uint>(::getpid()))
             return;
-        // One of the user's own ends with the session, whatever becomes of the computer.
+        // An inhibitor of this user ends with the session, whatever happens to the computer.
         const Against end = user == ::getuid() ? Against::sessionEnd : Against::shutdown;
         inhibitors.push_back({.against = isShutdown ? end : Against::sleep,
                               .who = who.toStdString(),

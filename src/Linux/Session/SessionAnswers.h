@@ -11,38 +11,38 @@
 
 namespace velmorquit {
 
-// What those who keep account of sessions answer, and what of it counts. The messages are replies
-// with the signatures that are named; none of it waits for anything.
+// Reading the answers of services that keep account of sessions. The messages are replies with the
+// signatures given here; nothing waits.
 
-/// A session of login1's.
+/// A session at login1.
 struct LoginSession {
     uint user = 0;
     QString userName;
     QString path;
-    /// Empty while it has not answered, and for one that has gone meanwhile.
+    /// Empty until it has answered, and if it has gone meanwhile.
     QVariantMap properties;
 };
 
-/// An inhibitor of the session manager's: complete when all three have come.
+/// An inhibitor at the session manager, complete when it has all three.
 struct HeldInhibitor {
     std::optional<QString> application;
     std::optional<QString> reason;
     std::optional<uint> flags;
 };
 
-/// login1's inhibitors, a(ssssuu), that keep something from happening; not those of this process.
+/// login1's inhibitors, a(ssssuu), that block something, without those of this process.
 [[nodiscard]] std::vector<Inhibitor> loginInhibitors(const QDBusMessage& reply);
 
 /// login1's sessions, a(susso).
 [[nodiscard]] std::vector<LoginSession> loginSessions(const QDBusMessage& reply);
 
-/// Those of Plasma's manager of power, a(ss).
+/// The inhibitors at Plasma's power manager, a(ss).
 [[nodiscard]] std::vector<Inhibitor> plasmaInhibitors(const QDBusMessage& reply);
 
-/// None for one that has gone meanwhile, that is this program's own or that is of no account.
+/// None if it has gone meanwhile, is this program's own, or is irrelevant.
 [[nodiscard]] std::optional<Inhibitor> inhibitorOf(const HeldInhibitor& held);
 
-/// Enters into the account what these sessions are to the one who runs this program.
+/// Adds these sessions to the account, from the point of view of this program's user.
 void countSessions(const std::vector<LoginSession>& sessions, SessionAccount& account);
 
 } // namespace velmorquit

@@ -19,8 +19,8 @@ const SessionManager gnome{
                .restart = {"Reboot"}},
 };
 
-// Its log-out takes whether there is a dialog, and whether it may save the session. The dialog has
-// a button for each of the three.
+// The arguments of its log-out: whether to show a dialog, and whether it may save the session. The
+// dialog has a button for each of the three.
 const ManagerMethod xfceDialog{"Logout", {true, true}};
 const SessionManager xfce{
     .ownedName = "org.xfce.SessionManager",

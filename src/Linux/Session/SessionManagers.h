@@ -9,15 +9,15 @@
 
 namespace velmorquit {
 
-/// A call that a session manager takes.
+/// A call to a session manager.
 struct ManagerMethod {
     const char* name = nullptr;
     QVariantList arguments{};
 };
 
-/// Where the calls of a session manager are.
+/// The calls of a session manager, and where they go.
 struct ManagerCalls {
-    /// Whoever takes them; it may have to be started for them.
+    /// The service that takes them; it may have to be started for them.
     QString service{};
     QString path{};
     QString interface{};
@@ -25,22 +25,22 @@ struct ManagerCalls {
     ManagerMethod shutDown{};
     ManagerMethod restart{};
 
-    /// One without a name where there is no such call.
+    /// Without a name where there is no such call.
     [[nodiscard]] const ManagerMethod& method(LoginRequest request) const;
 };
 
 /// A session manager, known by the name that it owns on the session bus.
 struct SessionManager {
     QString ownedName{};
-    /// What it does without a question.
+    /// What it does without asking.
     ManagerCalls direct{};
-    /// What it does after a question of its own.
+    /// What it does after asking the user itself.
     ManagerCalls asking{};
-    /// The program that asks, of a manager that has no calls for it.
+    /// The program that asks, for a manager without calls for that.
     QString askingProgram{};
 };
 
-/// Those that are known.
+/// The known session managers.
 [[nodiscard]] const std::array<SessionManager, 4>& sessionManagers();
 
 } // namespace velmorquit

@@ -14,7 +14,7 @@ namespace velmorquit {
 
 namespace {
 
-/// A sound server that doesn't answer by then is taken for none.
+/// After this time the sound server counts as missing.
 constexpr auto patience = std::chrono::seconds(2);
 
 template <auto release> struct Release {
@@ -38,7 +38,7 @@ StreamOwner ownerOf(const pa_proplist* properties) {
     return owner;
 }
 
-/// One visit to the sound server.
+/// One connection to the sound server.
 class Visit {
 public:
     std::vector<StreamOwner> audibleStreams() {
@@ -60,7 +60,7 @@ public:
 private:
     bool connect() {
         context_.reset(pa_context_new(pa_mainloop_get_api(loop_.get()), "Velmor Quit"));
-        // Nobody's sound server is started because of a question.
+        // A question must not start a sound server.
         if (!context_ ||
             pa_context_connect(context_.get(), nullptr, PA_CONTEXT_NOAUTOSPAWN, nullptr) < 0)
             return false;
@@ -86,7 +86,7 @@ private:
 
     static void hearRecording(pa_context*, const pa_source_output_info* stream, int end,
                               void* visit) {
-        // A volume control that shows a level listens to its peaks, which is no recording.
+        // A volume control's level meter reads only the peaks, which is no recording.
         const bool showsLevel = end == 0 && stream->resample_method &&
                                 std::string_view(stream->resample_method) == "peaks";
         if (end == 0 && !stream->corked && !showsLevel)

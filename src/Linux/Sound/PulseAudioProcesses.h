@@ -10,8 +10,8 @@
 
 namespace velmorquit {
 
-/// Who plays or records, as PulseAudio or PipeWire's stand-in for it tells. A connection exists
-/// only while somebody asks, on another thread.
+/// The processes that play or record, according to PulseAudio or PipeWire's replacement for it.
+/// There is a connection only during a question, on another thread.
 class PulseAudioProcesses final : public AudioProcesses {
 public:
     explicit PulseAudioProcesses(MainLoop& loop) : loop_(loop) {}
@@ -24,14 +24,14 @@ private:
     int lastAsking_ = 0;
 };
 
-/// What a stream of sound says of the program that it belongs to.
+/// A sound stream's information about its program.
 struct StreamOwner {
-    std::optional<ProcessId> process; ///< as the program sees itself
+    std::optional<ProcessId> process; ///< as the program itself sees it
     std::string binary;               ///< file name of its executable; may be empty
 };
 
-/// The processes of this system that a stream may belong to: a program in a sandbox states the id
-/// that it has in there. More than one when several fit; none when none does.
+/// The processes of this system that a stream may belong to: a sandboxed program gives the id that
+/// it has inside its sandbox. Several if more than one matches; none if none does.
 [[nodiscard]] std::set<ProcessId> processesOfStream(const StreamOwner& owner,
                                                     const std::string& proc = "/proc");
 

@@ -5,7 +5,7 @@
 
 namespace velmorquit {
 
-/// `bytes` as valid UTF-8: as they are where they already are that, else read as Latin-1.
+/// `bytes` as valid UTF-8: unchanged if they are valid, else read as Latin-1.
 [[nodiscard]] std::string utf8(std::string_view bytes);
 
 } // namespace velmorquit

@@ -4,7 +4,7 @@ namespace velmorquit {
 
 namespace {
 
-/// With every change of hosts the icon is made anew.
+/// The icon is created anew with every change of hosts.
 constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(300)};
 
 } // namespace
@@ -28,7 +28,7 @@ void DesktopTrayHosts::takeIn(std::uint64_t window) const {
         embedding_->takeIn(window);
 }
 
-// Beside a notifier it makes no difference.
+// While there is a notifier, the embedding tray makes no difference.
 void DesktopTrayHosts::noteEmbedding() {
     if (notifier_.presentOne().isEmpty())
         changes_.ask();

@@ -12,13 +12,13 @@ namespace velmorquit {
 /// The hosts of tray icons: those of the notifiers' watcher, or the window system's own tray.
 class DesktopTrayHosts final : public TrayHosts {
 public:
-    /// `bus` is the session bus, connected or not. The loop outlives it, and so does the tray,
-    /// which is null where the window system has no place for one.
+    /// `bus` is the session bus, connected or not. The loop must outlive it, and so must the tray,
+    /// which is null if the window system has no place for one.
     DesktopTrayHosts(MainLoop& loop, const QDBusConnection& bus, EmbeddingTray* embedding);
 
-    /// Right from the start on: that somebody takes windows in is known at once, and whether there
-    /// is a notifier the bus says at once. One that turns out to show nothing, or doesn't say
-    /// within `NotifierWatcher::patience` whether it does, stops counting then.
+    /// Correct from the start: whether there is an embedding tray is known at once, and the bus
+    /// tells at once whether there is a notifier. One that turns out to show nothing, or doesn't
+    /// answer within `NotifierWatcher::patience`, then stops counting.
     [[nodiscard]] TrayHost present() const override;
 
     void takeIn(std::uint64_t window) const override;

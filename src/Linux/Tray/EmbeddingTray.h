@@ -9,7 +9,7 @@
 
 namespace velmorquit {
 
-/// The place of a window system for icons that are windows, which a tray takes in.
+/// A window system's tray, which embeds icons that are windows.
 class EmbeddingTray {
 public:
     virtual ~EmbeddingTray() = default;
@@ -17,17 +17,17 @@ public:
     /// Whether there is a tray. From memory.
     [[nodiscard]] virtual bool isPresent() const = 0;
 
-    /// Asks it for that window of this program, which the toolkit has made. Returns at once;
-    /// nothing happens where there is none.
+    /// Asks it to embed that window, which the toolkit has made for this program. Returns at once;
+    /// does nothing without a tray.
     virtual void takeIn(std::uint64_t window) const = 0;
 
-    /// The processes whose windows it has taken in, by some short questions.
+    /// The processes whose windows are embedded, by some short questions.
     [[nodiscard]] virtual std::set<ProcessId> owners() = 0;
 
-    /// Clicks the icon of that process; false when it has none. Returns after some short questions.
+    /// Clicks the icon of that process; false when it has none. Asks some short questions first.
     virtual bool click(ProcessId process) = 0;
 
-    /// Calls `changed` whenever a tray comes, goes or takes another one's place.
+    /// Calls `changed` whenever a tray appears, disappears or is replaced.
     [[nodiscard]] virtual Handle observe(std::function<void()> changed) = 0;
 };
 

@@ -13,7 +13,7 @@ namespace {
 const QString service = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString path = QStringLiteral("/StatusNotifierWatcher");
 
-/// A list of icons that changes all the time is asked for no oftener than this.
+/// The least time between questions about a list of icons that changes all the time.
 constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(100)};
 
 } // namespace
@@ -62,7 +62,7 @@ bool NotifierItems::click(ProcessId process) {
     return true;
 }
 
-// The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
+// These name no sender: given a name, QtDBus would wait for the bus to tell its owner.
 void NotifierItems::listen() {
     for (const char* signal : {"StatusNotifierItemRegistered", "StatusNotifierItemUnregistered"})
         bus_.connect({}, path, service, signal, this, SLOT(hearItems(QDBusMessage)));
@@ -77,8 +77,8 @@ void NotifierItems::ask() {
     list_.send(bus_, question, [this](const QDBusMessage& answer) { hearList(answer); });
 }
 
-// A well-known name may have come to another process since: all are asked for anew. What was known
-// holds until the answer.
+// All owners are asked for anew, since a well-known name may have moved to another process. What
+// was known holds until the answer.
 void NotifierItems::hearList(const QDBusMessage& answer) {
     if (answer.type() == QDBusMessage::ReplyMessage)
         owner_ = answer.service();
@@ -120,8 +120,8 @@ void NotifierItems::hearOwner(const QString& owner) {
         questions_.ask();
 }
 
-// What the signals say of an icon differs between the watchers, the list hardly. Many icons come at
-// once when somebody logs in.
+// Watchers disagree on the signals' arguments, but hardly on the list. Many icons appear at once
+// when the user logs in.
 void NotifierItems::hearItems(const QDBusMessage& signal) {
     if (owner_.isEmpty() || signal.service() == owner_)
         questions_.ask();

@@ -17,33 +17,33 @@
 
 namespace velmorquit {
 
-/// An entry of the watcher's list is a name on the bus, which most watchers let the path of the
-/// icon's object follow, some of them after an "@".
+/// An entry of the watcher's list: a name on the bus, which most watchers combine with the path of
+/// the icon's object, some of them after an "@".
 struct NotifierEntry {
-    QString name; ///< empty for an entry that makes no sense
+    QString name; ///< empty for an invalid entry
     QString path;
 
     [[nodiscard]] static NotifierEntry from(const QString& text);
 };
 
-/// Knows whose tray icons are on the list that the watcher on the session bus keeps.
+/// Knows the owners of the tray icons on the list of the session bus's watcher.
 class NotifierItems final : public QObject {
     Q_OBJECT
 
 public:
-    /// Of a longer list the rest is left out: no desktop has room for so many.
+    /// The rest of a longer list is left out: no desktop has room for more.
     static constexpr std::size_t mostItems = 256;
 
-    /// Asks the watcher at once, without waiting, and whenever the list changes. Nobody is started
-    /// in order to be asked.
+    /// Asks the watcher at once, without waiting, and whenever the list changes. No service is
+    /// started for this.
     explicit NotifierItems(QDBusConnection bus);
 
-    /// The processes at the other end of the icons' connections: of a program in a sandbox it is
-    /// the broker that speaks for it. From memory; empty while there is no watcher.
+    /// The processes that own the connections of the icons: for a sandboxed program, the broker
+    /// that represents it. From memory; empty without a watcher.
     [[nodiscard]] std::set<ProcessId> processes() const;
 
-    /// Does what a click on the icon of that process does: most show their window. False when it
-    /// has no icon on the list. Returns at once; whether the icon has understood is not told.
+    /// Does the same as a click on the icon of that process: most show their window. False when it
+    /// has no icon on the list. Returns at once, without knowing whether the icon understands.
     bool click(ProcessId process);
 
 private Q_SLOTS:
@@ -57,18 +57,18 @@ private:
     void askProcess(const QString& name);
 
     struct Item {
-        ProcessId process = 0; ///< 0 until the bus has said whose it is
+        ProcessId process = 0; ///< 0 until the bus has told
         QString path;          ///< of the icon's object
     };
 
     QDBusConnection bus_;
-    /// By the names on the bus that have icons.
+    /// By the names on the bus that own icons.
     std::map<QString, Item> items_;
-    QString owner_; ///< the watcher, by its unique name; empty until it is known
+    QString owner_; ///< unique name of the watcher; empty until it is known
     std::optional<BusName> name_;
     BusCall list_;
-    BusCalls processes_;      ///< asked for whose icons are on the last list
-    bool isOutdated_ = false; ///< the list has changed since it was asked for
+    BusCalls processes_;      ///< asks for the owners of the icons on the last list
+    bool isOutdated_ = false; ///< the list has changed since the last question
     Paced questions_;
 };
 

@@ -11,7 +11,7 @@ namespace {
 const QString service = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString path = QStringLiteral("/StatusNotifierWatcher");
 
-/// The watcher is asked for every change that somebody says there was, but no oftener than this.
+/// The least time between questions to the watcher, however many changes are reported.
 constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(100)};
 
 } // namespace
@@ -30,20 +30,20 @@ NotifierWatcher::NotifierWatcher(MainLoop& loop, QDBusConnection bus, std::funct
     if (owner_.isEmpty())
         return;
     present_ = owner_;
-    // The answer counts however late it comes, which a time-out of the call would rule out.
+    // A late answer must still count, so this isn't a time-out of the call.
     losingPatience_ = loop.after(patience, [this] { become({}); });
     askForHosts();
 }
 
-// The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
+// These name no sender: given a name, QtDBus would wait for the bus to tell its owner.
 void NotifierWatcher::listen() {
     for (const char* signal : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"})
         bus_.connect({}, path, service, signal, this, SLOT(hearHosts(QDBusMessage)));
 }
 
-/// Empty when nobody has the name.
+/// Empty if the name has no owner.
 QString NotifierWatcher::askOwner() const {
-    constexpr int milliseconds = 1000; // It is the bus itself that answers.
+    constexpr int milliseconds = 1000; // The bus itself answers.
     const QDBusMessage answer =
         bus_.call(busQuestion("GetNameOwner", {service}), QDBus::Block, milliseconds);
     return answer.type() == QDBusMessage::ReplyMessage ? answer.arguments().value(0).toString()
@@ -51,7 +51,7 @@ QString NotifierWatcher::askOwner() const {
 }
 
 void NotifierWatcher::askForHosts() {
-    // The answer counts however late it comes, but what is never answered piles up.
+    // A late answer still counts, but unanswered calls must not pile up.
     constexpr BusTerms terms{.patience = std::chrono::minutes(10)};
     isOutdated_ = false;
     QDBusMessage question =
@@ -77,7 +77,7 @@ void NotifierWatcher::hearOwner(const QString& owner) {
     questions_.ask();
 }
 
-// It may be the last one that has gone, or one of several: the watcher is asked.
+// The last host may have gone, or one of several: only the watcher knows.
 void NotifierWatcher::hearHosts(const QDBusMessage& signal) {
     if (!owner_.isEmpty() && signal.service() == owner_)
         questions_.ask();

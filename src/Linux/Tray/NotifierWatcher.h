@@ -15,23 +15,23 @@
 
 namespace velmorquit {
 
-/// Knows who on the session bus keeps the list of tray icons for those that draw them, and whether
-/// anybody does draw them.
+/// Knows which process on the session bus keeps the list of tray icons, and whether any host draws
+/// them.
 class NotifierWatcher final : public QObject {
     Q_OBJECT
 
 public:
-    /// How long the watcher that was there at the start may take to say whether anybody draws.
+    /// How long a watcher present at the start may take to tell whether there is a host.
     static constexpr Duration patience = 3s;
 
-    /// Waits for the bus to say who the watcher is, and for nobody else. Calls `changed`, in a turn
-    /// of its own, when `presentOne` does.
+    /// Waits only for the bus to tell who the watcher is. Calls `changed`, in a turn of its own,
+    /// when `presentOne` changes.
     NotifierWatcher(MainLoop& loop, QDBusConnection bus, std::function<void()> changed);
 
-    /// The watcher, by its unique name; empty while there is none or nobody draws what it lists.
-    /// The one that was there at the start counts as having somebody until it has answered, since
-    /// nearly all have, but not for longer than `patience`. One that came later counts from its
-    /// answer on.
+    /// The unique name of the watcher; empty while there is none, or no host that draws its list.
+    /// A watcher present at the start counts as having a host until it has answered, since nearly
+    /// all have one, but not for longer than `patience`. A later one counts only after its
+    /// answer.
     [[nodiscard]] const QString& presentOne() const { return present_; }
 
 private Q_SLOTS:
@@ -51,7 +51,7 @@ private:
     QString present_;
     std::optional<BusName> name_;
     BusCall question_;
-    bool isOutdated_ = false; ///< somebody has come or gone since it was asked
+    bool isOutdated_ = false; ///< hosts have changed since the last question
     Handle losingPatience_;
     Paced questions_;
 };

@@ -7,19 +7,19 @@
 
 namespace velmorquit {
 
-/// Whose icons are in the tray, whichever way they got there.
+/// The owners of tray icons of both kinds.
 class TrayOwners {
 public:
     /// `bus` is the session bus, connected or not; `own` is this program's process. The tray, which
-    /// may be null, outlives it.
+    /// may be null, must outlive it.
     TrayOwners(const QDBusConnection& bus, EmbeddingTray* embedding, ProcessId own);
 
-    /// The processes that have an icon, this one left out. Windows that a tray has taken in are
-    /// asked of the display server, in some short questions; what is on the notifiers' list is read
+    /// The processes that have an icon, without this one. The display server is asked some short
+    /// questions about embedded windows; the notifiers' list is read
     /// from memory.
     [[nodiscard]] std::set<ProcessId> processes();
 
-    /// Clicks the icon of that process; false when it has none. Returns after some short questions.
+    /// Clicks the icon of that process; false when it has none. Asks some short questions first.
     bool click(ProcessId process);
 
 private:

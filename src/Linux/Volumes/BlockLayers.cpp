@@ -43,7 +43,7 @@ bool isPlaceOfSystem(std::string_view mountPoint) {
     const std::vector<std::string> parts = split(mountPoint, '/');
     if (parts.empty())
         return true;
-    // Somebody's whole home is, a drive that he put into it is not.
+    // A user's whole home is part of the system, a drive mounted inside it is not.
     if (parts[0] == "home")
         return parts.size() <= 2;
     if (parts[0] == "run")
@@ -117,7 +117,7 @@ dev_t BlockLayers::numberIn(const std::string& directory) const {
     return deviceNumber(firstLine(fs::path(directory) / "dev"));
 }
 
-// What lies below /dev is never a file system that could hang.
+// Nothing below /dev is a file system that could hang.
 dev_t BlockLayers::deviceOfNode(const std::string& node) const {
     if (!node.starts_with("/dev/"))
         return 0;
@@ -163,7 +163,7 @@ Devices BlockLayers::devicesOf(const MountLine& line, std::set<const MountLine*>
     Devices found;
     if (!seen.insert(&line).second)
         return found;
-    // A file system that has no device number of its own says which devices it was made of.
+    // A file system without a device number of its own names the devices that it was made of.
     if (major(line.device) != 0)
         collectFileSystem(line.device, Images::withTheirFiles, found);
     for (const std::string& node : split(line.source, ':'))
@@ -185,7 +185,7 @@ const MountLine* BlockLayers::lineCovering(std::string_view path) const {
     for (const MountLine& line : lines_) {
         const bool covers = line.path == "/" || path == line.path ||
                             (path.starts_with(line.path) && path[line.path.size()] == '/');
-        // Of several at the same place the last one is on top.
+        // Of several mounts at the same place the last one is on top.
         if (path.starts_with('/') && covers &&
             (!covering || line.path.size() >= covering->path.size()))
             covering = &line;
@@ -205,7 +205,7 @@ void BlockLayers::findSystem() {
         isSystemInPool_ |= line.type == "zfs";
         if (line.path == "/")
             isSystemHidden_ = false;
-        // Others are in memory or on a network, or have a device.
+        // File systems of other types are in memory or on a network, or have a device.
         if (devices.empty() && isOf(line.type, {"aufs", "bcachefs", "btrfs"}))
             isWhole = false;
         if (devices.empty() && line.type == "overlay" && line.path == "/")

@@ -15,39 +15,39 @@ namespace velmorquit {
 /// Device numbers of block devices.
 using Devices = std::set<dev_t>;
 
-/// What lies on which block device, as the kernel says at the moment that this is made: file
-/// systems on volumes, those on partitions, those on disks. It goes by device numbers; names are
-/// looked at only where the kernel gives nothing else. Never looks into a file system that is
-/// mounted, which might hang. For any thread.
+/// The layers of block devices, as the kernel reports them when this object is created: file
+/// systems on volumes on partitions on disks. It goes by device numbers, and by names only if the
+/// kernel gives nothing else. Never looks into a mounted file system, which might hang. For any
+/// thread.
 class BlockLayers {
 public:
-    /// `root` is put before /proc, /sys and /dev.
+    /// `root` is prefixed to /proc, /sys and /dev.
     explicit BlockLayers(std::string root = {});
 
-    /// A mount, and all devices that its file system needs, down to the disks; those of the file
-    /// as well where it is an image in a file.
+    /// A mount, and all devices that its file system needs, down to the disks. For an image these
+    /// include the devices of its file.
     struct Mount {
         std::string path;
         Devices devices;
-        bool isWhole = true; ///< not only a folder of the file system
+        bool isWhole = true; ///< false for a folder of the file system
     };
     [[nodiscard]] const std::vector<Mount>& mounts() const { return mounts_; }
     [[nodiscard]] bool isMounted(std::string_view path) const;
 
-    /// The device itself, the disk that it is a part of, and all that these are made of. What was
-    /// made of a file stands for itself.
+    /// The device itself, the disk that it is part of, and all devices that these are made of.
+    /// Devices made of a file have nothing beneath them.
     [[nodiscard]] Devices beneath(dev_t device) const;
     /// The same for the file system on the device, which may have other devices besides.
     [[nodiscard]] Devices beneathFileSystem(dev_t device) const;
-    /// The same, and where something was made of a file, what that lies on.
+    /// The same, and the devices of the files that any of them are made of.
     [[nodiscard]] Devices beneathAll(dev_t device) const;
 
-    /// All devices that the running system needs: for its own directories, the homes of its users
-    /// and its swap space.
+    /// All devices that the running system needs: for its own directories, its users' homes and its
+    /// swap space.
     [[nodiscard]] const Devices& ofSystem() const { return ofSystem_; }
-    /// Where the system lies is not known: it may be on any drive.
+    /// It isn't known where the system is: it may be on any drive.
     [[nodiscard]] bool isSystemHidden() const { return isSystemHidden_; }
-    /// The system lies in a pool whose members only the members themselves tell.
+    /// The system is in a pool whose members are known only from the members themselves.
     [[nodiscard]] bool isSystemInPool() const { return isSystemInPool_; }
 
 private:
@@ -76,8 +76,8 @@ private:
     bool isSystemInPool_ = false;
 };
 
-/// Whether the running system or somebody's session lives in what is mounted there, unlike a place
-/// for drives that come and go.
+/// Whether the running system or a user's session depends on what is mounted there, unlike at a
+/// place for drives that come and go.
 [[nodiscard]] bool isPlaceOfSystem(std::string_view mountPoint);
 
 } // namespace velmorquit

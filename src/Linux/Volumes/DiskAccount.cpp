@@ -13,7 +13,7 @@ namespace {
 using Interfaces = QMap<QString, QVariantMap>;
 using Objects = QMap<QDBusObjectPath, Interfaces>;
 
-/// A value of another type than that is none.
+/// None for a value of another type.
 template <class T> std::optional<T> valueOf(const QVariant& value) {
     if (value.metaType() != QMetaType::fromType<T>())
         return std::nullopt;
@@ -29,11 +29,11 @@ template <class T> void take(const QVariantMap& values, const char* name, std::o
 void takeSize(const QVariantMap& values, std::optional<std::uint64_t>& field) {
     std::optional<qulonglong> size = field;
     take(values, "Size", size);
-    // An empty slot of a card reader has no bytes; nobody could know more of it.
+    // An empty slot of a card reader reports no bytes, which means that the size is unknown.
     field = size && *size > 0 ? std::optional<std::uint64_t>(*size) : std::nullopt;
 }
 
-/// "/" stands for no object.
+/// "/" means no object.
 void takePath(const QVariantMap& values, const char* name, QString& field) {
     const auto found = values.find(QLatin1String(name));
     if (found == values.end())
@@ -140,7 +140,7 @@ bool DiskAccount::noteRemoved(const QDBusMessage& signal) {
 }
 
 bool DiskAccount::noteChanged(const QDBusMessage& signal) {
-    // Properties that are only said to have changed have to be asked for.
+    // Properties that were changed without a value have to be read anew.
     if (signal.signature() != "sa{sv}as" || !signal.arguments().at(2).toStringList().isEmpty())
         return false;
     const bool isKnown = blocks.contains(signal.path()) || drives.contains(signal.path());

@@ -16,32 +16,32 @@ class QDBusMessage;
 
 namespace velmorquit {
 
-/// A block device as UDisks2 tells of it. What it doesn't say, or says in a way that makes no
-/// sense, is none.
+/// A block device according to UDisks2. Missing and invalid properties are
+/// none.
 struct DiskBlock {
     dev_t device = 0;
-    QString drive;       ///< path of an object; empty when it is part of none
-    QString encryptedBy; ///< path of the block device that this is the content of, or empty
+    QString drive;       ///< object path; empty when it is on no drive
+    QString encryptedBy; ///< path of the encrypted block device with this content, or empty
     std::optional<QString> label;
     std::optional<std::uint64_t> size; ///< in bytes
     std::optional<bool> isIgnored;
     std::optional<bool> isSystem; ///< built in, by UDisks2's guess
-    std::optional<QString> type;  ///< of what is on it
+    std::optional<QString> type;  ///< of its content
     std::vector<std::string> mountPoints;
     bool isImage = false; ///< made of a file
 };
 
-/// A drive as UDisks2 tells of it.
+/// A drive according to UDisks2.
 struct DiskDrive {
     std::optional<QString> bus;
     std::optional<bool> isRemovable;
     std::optional<bool> isMediaRemovable;
     std::optional<bool> isEjectable;
     std::optional<bool> canPowerOff;
-    std::optional<QString> sibling; ///< the same for all drives that are in one case
+    std::optional<QString> sibling; ///< shared by all drives in one case
 };
 
-/// Where UDisks2 is found on the bus.
+/// UDisks2's names on the bus.
 namespace UDisks {
 inline const QString service = QStringLiteral("org.freedesktop.UDisks2");
 inline const QString path = QStringLiteral("/org/freedesktop/UDisks2");
@@ -54,23 +54,23 @@ inline const QString objectManager = QStringLiteral("org.freedesktop.DBus.Object
 inline const QString properties = QStringLiteral("org.freedesktop.DBus.Properties");
 } // namespace UDisks
 
-/// What UDisks2 tells of block devices and drives, by the paths of their objects.
+/// UDisks2's account of block devices and drives, by their object paths.
 struct DiskAccount {
     std::map<QString, DiskBlock> blocks;
     std::map<QString, DiskDrive> drives;
 
-    /// From the answer to GetManagedObjects; none when it is an error or makes no sense.
+    /// From the answer to GetManagedObjects; none when that is an error or invalid.
     [[nodiscard]] static std::optional<DiskAccount> from(const QDBusMessage& answer);
 
     void setProperties(const QString& object, const QString& interface, const QVariantMap& values);
     void removeInterfaces(const QString& object, const QStringList& interfaces);
 
-    /// The signals of UDisks2. False when the whole account has to be asked for anew.
+    /// Apply signals of UDisks2. False when the whole account has to be read anew.
     [[nodiscard]] bool noteAdded(const QDBusMessage& signal);
     [[nodiscard]] bool noteRemoved(const QDBusMessage& signal);
     [[nodiscard]] bool noteChanged(const QDBusMessage& signal);
 
-    /// Where anything is mounted, in the order of the objects.
+    /// All mount points, in the order of the objects.
     [[nodiscard]] std::vector<std::string> mountPoints() const;
 };
 

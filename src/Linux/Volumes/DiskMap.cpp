@@ -41,7 +41,7 @@ DiskMap::DiskMap(const DiskAccount& account, const BlockLayers& layers)
     }
 }
 
-// The kernel knows all layers. What UDisks2 knows of them counts as well, lest one be overlooked.
+// The kernel knows all layers; UDisks2's knowledge counts as well, lest one be overlooked.
 std::set<QString> DiskMap::beneath(const QString& block, Reach reach) const {
     std::set<QString> found;
     std::vector<QString> waiting{block};

@@ -11,13 +11,13 @@
 
 namespace velmorquit {
 
-/// Which drives are being let go, and which could not be. For any thread.
+/// Which drives are being released, and which could not be. For any thread.
 class DriveClaims {
 public:
-    /// Drives that no other thread touches for as long as this is held.
+    /// Exclusive access to drives for as long as this is held.
     class Claim {
     public:
-        /// Waits until nobody else has any of them.
+        /// Waits until no other thread holds any of them.
         Claim(DriveClaims& claims, std::set<QString> drives);
         Claim(const Claim&) = delete;
         Claim& operator=(const Claim&) = delete;
@@ -28,12 +28,12 @@ public:
         std::set<QString> drives_;
     };
 
-    /// The drives that the path belonged to when they could not be let go; empty when there was no
-    /// such attempt.
+    /// The drives that the path belonged to when releasing them failed; empty if there was no such
+    /// attempt.
     [[nodiscard]] std::set<QString> unfinished(const std::string& path) const;
 
-    /// Keeps in mind that the drives of these paths could not be let go, or that they were when
-    /// `drives` is empty.
+    /// Remembers that releasing the drives of these paths failed, or, if `drives` is empty, that it
+    /// succeeded.
     void note(const std::vector<std::string>& paths, const std::set<QString>& drives);
 
 private:

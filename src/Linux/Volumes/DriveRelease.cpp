@@ -23,7 +23,7 @@ auto depthOf(const std::vector<std::string>& mountPoints) {
 
 bool DriveRelease::run(const std::string& path) {
     std::set<QString> drives;
-    // Without UDisks2 there is still the kernel to say that nothing is mounted there.
+    // Without UDisks2 the kernel can still tell that nothing is mounted there.
     if (!refresh())
         return claims_.unfinished(path).empty() && !BlockLayers(root_).isMounted(path);
     if (!find(path, drives))
@@ -31,7 +31,7 @@ bool DriveRelease::run(const std::string& path) {
     if (drives.empty())
         return true;
     const DriveClaims::Claim claim(claims_, drives);
-    // Another thread may have done it while this one waited.
+    // Another thread may have released it while this one waited.
     std::set<QString> still;
     if (!refresh() || !find(path, still))
         return false;
@@ -88,7 +88,7 @@ bool DriveRelease::letGo(const std::string& path, const std::set<QString>& drive
     return isDone;
 }
 
-// What is mounted within another goes before it, and an image before what its file lies on.
+// Inner mounts go before outer ones, and an image before the file system that its file is on.
 bool DriveRelease::unmountAll(const std::set<QString>& blocks, const std::set<QString>& drives,
                               const DiskMap& map) {
     std::vector<std::pair<std::ptrdiff_t, QString>> order;
@@ -108,13 +108,13 @@ bool DriveRelease::unmountAll(const std::set<QString>& blocks, const std::set<QS
     const auto unmountOne = [this](const auto& entry) { return unmount(entry.second); };
     if (!std::all_of(order.begin(), rest, unmountOne))
         return false;
-    // An image that stays in use keeps its file open, which the next step tells.
+    // An image that is still in use keeps its file open, and the next step fails.
     for (const QString& image : images)
         (void)ask(image, UDisks::loop, "Delete", patience_.lock);
     return std::all_of(rest, order.end(), unmountOne);
 }
 
-// Each call unmounts one of its mount points.
+// Each call unmounts only one of its mount points.
 bool DriveRelease::unmount(const QString& block) {
     constexpr int limit = 100;
     for (int round = 0; round < limit; ++round) {
@@ -161,7 +161,7 @@ bool DriveRelease::lockAll(const std::set<QString>& blocks, const BlockLayers& l
     return true;
 }
 
-// UDisks2 leaves out mounts of a part of a file system, the kernel doesn't.
+// UDisks2 leaves out mounts of a part of a file system; the kernel doesn't.
 bool DriveRelease::isNothingLeft(const std::set<QString>& drives, const Devices& devices) {
     if (!refresh())
         return false;
@@ -185,7 +185,7 @@ bool DriveRelease::isNothingLeft(const std::set<QString>& drives, const Devices&
     return true;
 }
 
-// A drive that can do neither is as safe as it gets when nothing of it is mounted.
+// A drive that can do neither is safe once everything on it is unmounted.
 bool DriveRelease::letDriveGo(const QString& drive) {
     const auto found = account_.drives.find(drive);
     if (found == account_.drives.end())
@@ -203,11 +203,11 @@ bool DriveRelease::letDriveGo(const QString& drive) {
         if (!isError(answer))
             return true;
     }
-    // Somebody may have unplugged it by now.
+    // It may have been unplugged by now.
     return refresh() && (!account_.drives.contains(drive) || fail(drive, answer));
 }
 
-// Power is cut for the whole case.
+// Powering off affects the whole case.
 bool DriveRelease::sharesItsCase(const QString& drive) const {
     const auto sibling = account_.drives.at(drive).sibling;
     if (!sibling || sibling->isEmpty())
@@ -230,7 +230,7 @@ bool DriveRelease::refresh() {
     return true;
 }
 
-// All of them take nothing but options. Who may only do it with a password is asked for one.
+// All methods take only options. Users who need a password for them are asked for it.
 QDBusMessage DriveRelease::ask(const QString& object, const QString& interface,
                                const QString& method, int patience) const {
     QDBusMessage question =

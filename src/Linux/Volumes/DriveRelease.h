@@ -7,16 +7,16 @@
 
 namespace velmorquit {
 
-/// One attempt to let the drive of a volume go, with UDisks2: first all file systems on it, then
-/// the encrypted devices, then the drive itself. It stops at the first that fails; file systems
-/// that were unmounted until then stay so. Owns all that it needs, and waits: for any thread but
-/// the main one.
+/// One attempt to release the drive of a volume with UDisks2: first all file systems on it, then
+/// the encrypted devices, then the drive itself. It stops at the first failure; file systems
+/// unmounted before remain so. Owns everything it needs, and waits: for any thread except the main
+/// one.
 class DriveRelease {
 public:
-    /// How long an answer is waited for, at most, in milliseconds.
+    /// The longest waits for an answer, in milliseconds.
     struct Patience {
         int account = 30'000;
-        int unmount = 15 * 60'000; ///< a stick may have gigabytes yet to write
+        int unmount = 15 * 60'000; ///< gigabytes may still have to be written to a stick
         int lock = 60'000;
         int drive = 3 * 60'000;
     };
@@ -24,15 +24,15 @@ public:
     DriveRelease(QDBusConnection bus, std::string root, Patience patience, DriveClaims& claims)
         : bus_(std::move(bus)), root_(std::move(root)), patience_(patience), claims_(claims) {}
 
-    /// True when the drive of what is mounted there was let go, or nothing is mounted there.
+    /// True if the drive of the volume mounted there was released, or nothing is mounted there.
     bool run(const std::string& path);
 
-    /// After a failure: why, for the log.
+    /// After a failure: the reason, for the log.
     [[nodiscard]] const QString& reason() const { return reason_; }
 
 private:
-    /// The drives of what is mounted there, or of what was when an attempt failed; none when
-    /// nothing is. False when that can't be told.
+    /// The drives of the volume mounted there, or of the one that an attempt failed for; none if
+    /// nothing is mounted. False when that can't be told.
     bool find(const std::string& path, std::set<QString>& drives);
     bool letGo(const std::string& path, const std::set<QString>& drives);
     bool unmountAll(const std::set<QString>& blocks, const std::set<QString>& drives,
@@ -46,7 +46,7 @@ private:
     bool refresh();
     [[nodiscard]] QDBusMessage ask(const QString& object, const QString& interface,
                                    const QString& method, int patience) const;
-    /// Keeps the reason, and is false.
+    /// Keeps the reason, and returns false.
     bool fail(const QString& what, const QDBusMessage& answer);
 
     QDBusConnection bus_;

@@ -11,7 +11,7 @@ std::optional<MountLine> MountLine::from(std::string_view text) {
     using namespace MountText;
     const std::vector<std::string> fields = split(text, ' ');
     const auto dash = std::ranges::find(fields, "-");
-    // Before the dash there are six fields and then optional ones, after it three.
+    // Six fields and then optional ones before the dash, three after it.
     if (std::distance(fields.begin(), dash) < 6 || std::distance(dash, fields.end()) < 3)
         return std::nullopt;
     return MountLine{.path = unescaped(fields[4]),

@@ -18,7 +18,7 @@ UDisksVolumes::UDisksVolumes(MainLoop& loop, SystemLog& log, QDBusConnection bus
 
 UDisksVolumes::~UDisksVolumes() { shared_->log = nullptr; }
 
-// The senders are left out of these: for a name QtDBus would wait for the bus to tell whose it is.
+// These name no sender: given a name, QtDBus would wait for the bus to tell its owner.
 void UDisksVolumes::listen() {
     bus_.connect({}, UDisks::path, UDisks::objectManager, "InterfacesAdded", this,
                  SLOT(hearAdded(QDBusMessage)));
@@ -29,9 +29,9 @@ void UDisksVolumes::listen() {
                      SLOT(hearChanged(QDBusMessage)));
 }
 
-// There may be a long wait before it is started, and then it may look at many drives.
+// It may take long until the service has started and has looked at many drives.
 void UDisksVolumes::ask() {
-    // Without the bus there is nobody to keep an account, and a call is never answered.
+    // Without the bus a call would never be answered.
     if (!bus_.isConnected())
         return;
     const QDBusMessage question = QDBusMessage::createMethodCall(
@@ -71,7 +71,7 @@ void UDisksVolumes::hearChanged(const QDBusMessage& signal) {
     note(signal, &DiskAccount::noteChanged);
 }
 
-// What comes before the account is in the account.
+// Changes before the account are already in the account.
 void UDisksVolumes::note(const QDBusMessage& signal,
                          bool (DiskAccount::*change)(const QDBusMessage&)) {
     if (owner_.isEmpty() || signal.service() != owner_ || !account_)

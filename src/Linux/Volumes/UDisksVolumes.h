@@ -19,25 +19,25 @@
 namespace velmorquit {
 
 /// The volumes that UDisks2 keeps account of: those of block devices. One entry for each file
-/// system, at the first of its mount points that shows all of it; in the order of UDisks2's
+/// system, at its first mount point that shows all of it; in the order of UDisks2's
 /// objects.
 ///
-/// Nothing is known until UDisks2 has answered, and while it isn't there. It is started by being
-/// asked where it isn't running, as every file manager does: what was mounted without it would stay
-/// unknown otherwise.
+/// Nothing is known until UDisks2 has answered, and while it isn't running. Asking starts it where
+/// it isn't running, as every file manager does: otherwise volumes that were mounted without it
+/// would stay unknown.
 class UDisksVolumes final : public QObject, public Volumes {
     Q_OBJECT
 
 public:
-    /// `bus` is the system bus; `root` is put before /proc, /sys and /dev.
+    /// `bus` is the system bus; `root` is prefixed to /proc, /sys and /dev.
     UDisksVolumes(MainLoop& loop, SystemLog& log, QDBusConnection bus, std::string root = {},
                   DriveRelease::Patience patience = {});
     ~UDisksVolumes() override;
 
     [[nodiscard]] std::vector<Volume> mounted() const override;
 
-    /// Asks for a password where the user may do it only with one. A drive that can neither be
-    /// ejected nor powered off is let go when all of it is unmounted. May outlast this object.
+    /// Asks for a password if the user needs one for this. A drive that can neither be ejected nor
+    /// powered off counts as released once it is all unmounted. May outlast this object.
     bool unmountAndEject(const std::string& path) override;
 
     [[nodiscard]] Handle observe(std::function<void()> told) override;
@@ -48,10 +48,10 @@ private Q_SLOTS:
     void hearChanged(const QDBusMessage& signal);
 
 private:
-    /// What attempts on other threads share with this object and may need after its end.
+    /// Shared with attempts on other threads, which may need it after this object's end.
     struct Shared {
         DriveClaims claims;
-        SystemLog* log; ///< for the main thread; none when this object is gone
+        SystemLog* log; ///< only for the main thread; null once this object is gone
     };
 
     void listen();
@@ -67,7 +67,7 @@ private:
     DriveRelease::Patience patience_;
     std::shared_ptr<Shared> shared_;
     std::optional<DiskAccount> account_;
-    QString owner_; ///< who the account is from, by its unique name
+    QString owner_; ///< unique name of the service that the account is from
     BusCall question_;
     BusName name_;
     bool isFailureLogged_ = false;

@@ -24,7 +24,7 @@ std::string variable(const char* name) {
     return value ? value : "";
 }
 
-/// Beside each socket lies a file that locks it, whose name goes on.
+/// Beside each socket there is a lock file with a longer name.
 bool isSocketName(std::string_view name) {
     constexpr std::string_view prefix = "wayland-";
     return name.starts_with(prefix) && name.size() > prefix.size() &&
@@ -38,7 +38,7 @@ bool isListenedTo(const fs::path& path) {
         return false;
     std::ranges::copy(path.native(), std::begin(address.sun_path));
     const Descriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
-    // One that has too many to let in at once is there as well.
+    // EAGAIN means that it exists, with too many clients waiting.
     return socket && (::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address),
                                 sizeof address) == 0 ||
                       errno == EAGAIN);

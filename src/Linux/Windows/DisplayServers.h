@@ -4,10 +4,10 @@
 
 namespace velmorquit {
 
-/// Which display servers the session has besides the X server that this program is a client of.
+/// The session's display servers besides the X server that this program is a client of.
 class DisplayServers {
 public:
-    /// What the environment says of the session; empty texts for what is not set.
+    /// The environment's statements about the session; empty texts for variables that aren't set.
     struct Environment {
         std::string sessionType{};   ///< XDG_SESSION_TYPE
         std::string display{};       ///< WAYLAND_DISPLAY: a socket's name or its whole path
@@ -18,9 +18,9 @@ public:
 
     explicit DisplayServers(Environment environment);
 
-    /// Whether there may be windows that no X server knows: the session says that it is one of
-    /// Wayland's, or somebody answers at the socket of a compositor. One that a crash has left
-    /// behind counts for nothing. Asks the system now, and waits for nobody.
+    /// Whether there may be windows that no X server knows: the session is of type Wayland, or a
+    /// compositor answers at its socket. A socket left behind by a crash doesn't count. Asks the
+    /// system now, without waiting.
     [[nodiscard]] bool hasAnotherDisplay() const;
 
 private:

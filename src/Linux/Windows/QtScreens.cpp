@@ -30,7 +30,7 @@ void QtScreens::watch(const QScreen& screen) {
     connect(&screen, &QScreen::availableGeometryChanged, this, [this] { tell(); });
 }
 
-// The toolkit's list begins with the main one.
+// The toolkit's list begins with the main screen.
 std::vector<Screen> QtScreens::all() const {
     std::vector<Screen> screens;
     for (const QScreen* screen : QGuiApplication::screens())

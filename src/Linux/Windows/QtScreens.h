@@ -10,7 +10,7 @@ class QScreen;
 
 namespace velmorquit {
 
-/// The screens as the toolkit knows them; made when there is an application object.
+/// The toolkit's screens; to be created when there is an application object.
 class QtScreens final : public QObject, public Screens {
 public:
     explicit QtScreens(MainLoop& loop);

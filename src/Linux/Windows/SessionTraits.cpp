@@ -26,7 +26,7 @@ SessionEnvironment SessionEnvironment::ofThisProcess() {
             .hasWaylandDisplay = std::getenv("WAYLAND_DISPLAY") != nullptr};
 }
 
-// On a Wayland desktop an X server sees and shows nothing but its own clients' windows.
+// On a Wayland desktop an X server sees and shows only its own clients' windows.
 DesktopTraits traitsOf(const SessionEnvironment& session) {
     return {.tintsNamedIcons = hasDesktop(session.desktops, "KDE"),
             .isPointerKnown = !session.hasWaylandDisplay,

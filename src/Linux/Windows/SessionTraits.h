@@ -6,10 +6,10 @@
 
 namespace velmorquit {
 
-/// The variables of a session that tell what its desktop is like.
+/// Variables of a session that tell which desktop it has.
 struct SessionEnvironment {
-    std::string desktops{};         ///< XDG_CURRENT_DESKTOP: names with colons between them
-    bool hasWaylandDisplay = false; ///< whether WAYLAND_DISPLAY is set, to whatever
+    std::string desktops{};         ///< XDG_CURRENT_DESKTOP: names separated by colons
+    bool hasWaylandDisplay = false; ///< whether WAYLAND_DISPLAY is set, to any value
 
     static SessionEnvironment ofThisProcess();
 };

@@ -11,11 +11,11 @@
 
 namespace velmorquit {
 
-/// By which names a window says what program it belongs to. UTF-8; empty where it doesn't say.
+/// The names by which a window identifies its program. UTF-8; empty where it has none.
 struct ToplevelIdentity {
-    std::string instance;      ///< first part of WM_CLASS, or what corresponds to it
-    std::string className;     ///< second part of WM_CLASS, or what corresponds to it
-    std::string applicationId; ///< the id with which the program registered
+    std::string instance;      ///< first part of WM_CLASS, or its equivalent
+    std::string className;     ///< second part of WM_CLASS, or its equivalent
+    std::string applicationId; ///< the id under which the program has registered
 
     friend auto operator<=>(const ToplevelIdentity&, const ToplevelIdentity&) = default;
 };
@@ -23,48 +23,48 @@ struct ToplevelIdentity {
 /// A window of a program.
 struct Toplevel {
     std::uint64_t window = 0;
-    /// 0 when the program runs on another computer, or nobody knows which one it is.
+    /// 0 when the program runs on another computer, or its process isn't known.
     ProcessId process = 0;
     /// The other computer; empty for this one. UTF-8.
     std::string machine;
     ToplevelIdentity identity;
-    /// One that the user works with. The others are dialogs that no list of windows shows.
+    /// The user works with it. All others are dialogs that window lists leave out.
     bool isOrdinary = true;
-    /// Belongs to another window or keeps it from being used: a dialog that asks something.
+    /// Belongs to another window or blocks it: a dialog that asks something.
     bool isDialogOfAnother = false;
-    /// Keeps other windows from being used for as long as it is open.
+    /// Blocks other windows for as long as it is open.
     bool isModal = false;
-    /// Understands being asked to close.
+    /// Understands a request to close.
     bool canBeAskedToClose = false;
-    /// Understands being asked whether it still reacts.
+    /// Understands the question whether it still reacts.
     bool canBePinged = false;
 };
 
-/// A way by which the desktop tells of the windows that are open.
+/// The desktop's knowledge of the open windows.
 class ToplevelSource {
 public:
     virtual ~ToplevelSource() = default;
 
-    /// The ordinary windows and the dialogs in the order in which they appeared, as they were a
-    /// tenth of a second ago at the most. One short question to the display server, in which all
-    /// windows are asked about.
+    /// The ordinary windows and the dialogs in the order of their appearance, at most a tenth of a
+    /// second old. Asks the display server one short question about all windows
+    /// together.
     [[nodiscard]] virtual const std::vector<Toplevel>& toplevels() = 0;
 
-    /// Whether `toplevels` are all that there are. Asked of the desktop.
+    /// Whether `toplevels` is complete. Asks the desktop.
     [[nodiscard]] virtual Sight sight() = 0;
 
-    /// What stands in the window's title bar, in UTF-8; empty when nothing does. Asked of the
+    /// The text of the window's title bar, in UTF-8; empty without one. Asks the
     /// desktop.
     [[nodiscard]] virtual std::string title(std::uint64_t window) = 0;
 
-    /// The processes that make up the desktop itself: panels, the icons behind the windows, the
-    /// window manager, the compositor, the tray. As old as the last answer of `toplevels`.
+    /// The processes of the desktop itself: panels, the icons behind the windows, the window
+    /// manager, the compositor, the tray. As of the last answer of `toplevels`.
     [[nodiscard]] virtual const std::set<ProcessId>& shellProcesses() const = 0;
 
-    /// The window that the user worked with last; 0 when there was none.
+    /// The window that the user worked with last; 0 if there was none.
     [[nodiscard]] virtual std::uint64_t activeWindow() const = 0;
 
-    /// The window that has the keyboard now; 0 when none has, as on an empty virtual desktop.
+    /// The window that has the keyboard now; 0 if none has, as on an empty virtual desktop.
     [[nodiscard]] virtual std::uint64_t focusedWindow() const = 0;
 
     /// Asks a window of `toplevels` to close as its own close button would. Returns at once.
@@ -73,22 +73,22 @@ public:
     /// Brings a window to the front, from another virtual desktop too. Returns at once.
     virtual void bringToFront(std::uint64_t window) = 0;
 
-    /// Asks a window whether it still reacts, unless that was done a moment ago. Returns at once;
-    /// the answer shows in `isDeaf`.
+    /// Asks a window whether it still reacts, unless it was asked a moment ago. Returns at once;
+    /// the result shows in `isDeaf`.
     virtual void ping(std::uint64_t window) = 0;
 
     /// Whether the window has left a ping unanswered for some seconds.
     [[nodiscard]] virtual bool isDeaf(std::uint64_t window) const = 0;
 
-    /// The picture with which the window stands for its program, in a size for lists; empty when it
-    /// has none. A short question to the display server.
+    /// The window's icon for its program, in a size for lists; empty when it has none. A short
+    /// question to the display server.
     [[nodiscard]] virtual Image icon(std::uint64_t window) = 0;
 
-    /// Whether the window still belongs to that process: asked of the desktop, not read from
+    /// Whether the window still belongs to that process; asks the desktop instead of reading from
     /// memory.
     [[nodiscard]] virtual bool belongsTo(std::uint64_t window, ProcessId process) = 0;
 
-    /// Calls `told` when windows came, went or changed, and when another one became active.
+    /// Calls `told` when windows appeared, disappeared or changed, or another one became active.
     [[nodiscard]] virtual Handle observe(std::function<void()> told) = 0;
 };
 

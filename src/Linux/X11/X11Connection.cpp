@@ -7,7 +7,7 @@ namespace velmorquit {
 
 namespace {
 
-/// The length without the beginning of a UTF-8 character whose end is missing.
+/// The length without an incomplete UTF-8 character at the end.
 std::size_t lengthOfWholeCharacters(std::string_view text) {
     constexpr std::size_t longest = 4;
     for (std::size_t back = 1; back <= std::min(longest, text.size()); ++back) {
@@ -25,7 +25,7 @@ std::size_t lengthOfWholeCharacters(std::string_view text) {
 std::optional<X11Connection> X11Connection::open() {
     int number = 0;
     xcb_connection_t* connection = xcb_connect(nullptr, &number);
-    // A failed connection is an object too, which has to be closed.
+    // Even a failed connection has to be closed.
     if (xcb_connection_has_error(connection)) {
         xcb_disconnect(connection);
         return std::nullopt;

@@ -4,8 +4,8 @@ namespace velmorquit {
 
 namespace {
 
-/// So many events are heard in a turn: whoever sends them faster than they are heard must not keep
-/// the program from everything else.
+/// The most events handled in one turn: programs that send them faster must not block everything
+/// else.
 constexpr int mostEvents = 1000;
 
 } // namespace
@@ -33,7 +33,7 @@ void X11Events::read() {
         for (Listener* listener : listeners_)
             listener->hear(*event);
     }
-    // A server that has gone would make the notifier fire for ever.
+    // After the server has gone, the notifier would fire forever.
     if (xcb_connection_has_error(connection_.get()))
         notifier_->setEnabled(false);
 }

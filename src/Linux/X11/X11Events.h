@@ -10,23 +10,23 @@
 
 namespace velmorquit {
 
-/// A connection to the X server that several adapters share, and what the server tells over it.
+/// A connection to the X server shared by several adapters, and the events on it.
 ///
-/// For the main thread. When the server goes away nothing is told any more, and every question is
-/// answered as if there was nothing.
+/// For the main thread. After the server has gone there are no more events, and every question is
+/// answered with nothing.
 class X11Events {
 public:
-    /// Hears all events of the connection, its own and those of the others.
+    /// Hears all events of the connection, including those meant for others.
     class Listener {
     public:
-        /// The events outlive it.
+        /// The events must outlive it.
         explicit Listener(X11Events& events);
         Listener(const Listener&) = delete;
         Listener& operator=(const Listener&) = delete;
 
     protected:
         ~Listener();
-        /// May ask the server, and neither makes nor ends a listener.
+        /// May ask the server, but neither create nor destroy a listener.
         virtual void hear(const xcb_generic_event_t& event) = 0;
 
         X11Events& events_;
@@ -41,9 +41,9 @@ public:
 
     [[nodiscard]] X11Connection& connection() { return connection_; }
 
-    /// To be called after every answer that was waited for, except while events are heard: those
-    /// that came with it are in xcb's memory, and the socket stays silent about them. Of very many
-    /// the later ones are heard in a later turn.
+    /// To be called after every answer that was waited for, except from `hear`: events that came
+    /// with it are in xcb's memory, and the socket doesn't announce them. If there are very many,
+    /// the rest is heard in a later turn.
     void read();
 
 private:

@@ -5,10 +5,10 @@
 
 namespace velmorquit {
 
-/// An X server's knowledge of the user's input, by its extension for screen savers.
+/// The X server's knowledge of the user's input, by its screen saver extension.
 class X11Idle final : public IdleSource {
 public:
-    /// The events outlive it.
+    /// The events must outlive it.
     explicit X11Idle(X11Events& events) : events_(events) {}
 
     [[nodiscard]] std::optional<Duration> sinceInput() override;

@@ -22,8 +22,8 @@ bool X11Pings::isDeaf(xcb_window_t window) const {
     return found->second.wasDeaf || loop_.uptime() - found->second.sentAt >= patience;
 }
 
-// An answer is the same message, sent to the root window; one to a ping of the window manager says
-// as much.
+// The answer is the same message, sent to the root window. An answer to a ping by the window
+// manager means as much.
 void X11Pings::hear(const xcb_client_message_event_t& message) {
     if (message.type != connection_.atom("WM_PROTOCOLS") ||
         message.data.data32[0] != connection_.atom("_NET_WM_PING"))
@@ -40,9 +40,9 @@ void X11Pings::keep(const std::set<xcb_window_t>& windows) {
     std::erase_if(pings_, [&](const auto& ping) { return !windows.contains(ping.first); });
 }
 
-// What the root window gets is only told together with every window that comes, moves or goes:
-// nobody at rest is to be woken by that. Toolkits differ in which of the two masks they send an
-// answer with; Qt's is for those who listen to the structure of the root window itself.
+// Messages to the root window are only told together with every window that is created, moved or
+// destroyed, which must not wake an idle program. Toolkits differ in the mask with which they send
+// an answer; Qt's is for those who listen to the structure of the root window itself.
 void X11Pings::listen() {
     connection_.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE |
                                  XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY |

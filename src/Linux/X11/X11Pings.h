@@ -10,18 +10,18 @@ namespace velmorquit {
 /// Asks windows whether their program still reacts (`_NET_WM_PING`).
 class X11Pings {
 public:
-    /// How long a program has for its answer.
+    /// How long a program may take to answer.
     static constexpr Duration patience = 3s;
-    /// A window is not asked again before that time has passed.
+    /// The shortest time between two pings of a window.
     static constexpr Duration interval = 10s;
 
-    /// Both outlive it.
+    /// Both references must outlive it.
     X11Pings(MainLoop& loop, X11Connection& connection) : loop_(loop), connection_(connection) {}
 
     void ping(xcb_window_t window);
     [[nodiscard]] bool isDeaf(xcb_window_t window) const;
 
-    /// To be told of every message that the root window gets.
+    /// To be called with every message that the root window gets.
     void hear(const xcb_client_message_event_t& message);
     /// Forgets all windows but these.
     void keep(const std::set<xcb_window_t>& windows);
@@ -30,7 +30,7 @@ private:
     struct Ping {
         Uptime sentAt;
         bool isAnswered = false;
-        /// The ping before was not answered either.
+        /// The previous ping was not answered either.
         bool wasDeaf = false;
     };
 

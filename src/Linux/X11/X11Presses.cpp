@@ -8,7 +8,7 @@ namespace velmorquit {
 
 namespace {
 
-/// The number by which the server knows the extension that tells of input; 0 where it has none.
+/// The server's number for the input extension; 0 where it has none.
 int inputExtension(xcb_connection_t* connection) {
     constexpr std::string_view name = "XInputExtension";
     const auto cookie = xcb_query_extension(connection, name.size(), name.data());
@@ -33,8 +33,8 @@ void X11Presses::Observers::cancel(std::uint64_t id) noexcept {
         presses.select(Wanted::none);
 }
 
-// To a client that hasn't asked for the version, presses aren't told while another one has grabbed
-// the pointer, as every open menu has.
+// Only clients that have asked for the version hear of presses while another client has grabbed the
+// pointer, as every open menu has.
 bool X11Presses::begin() {
     if (extension_ != 0)
         return true;
@@ -50,7 +50,7 @@ bool X11Presses::begin() {
     return extension_ != 0;
 }
 
-// Raw events come from all of the screen and leave the press to whoever it is for.
+// Raw events come from the whole screen and don't intercept the press.
 void X11Presses::select(Wanted wanted) {
     if (!begin())
         return;

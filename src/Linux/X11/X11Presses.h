@@ -12,11 +12,11 @@
 
 namespace velmorquit {
 
-/// The presses of pointer buttons, and the touches, wherever they are. The server tells of them
-/// only while somebody observes.
+/// Presses of pointer buttons, and touches, anywhere on the screen. The server reports them only
+/// while somebody observes.
 class X11Presses final : private X11Events::Listener {
 public:
-    /// The loop outlives it, as the events do.
+    /// The loop and the events must outlive it.
     X11Presses(MainLoop& loop, X11Events& events);
 
     /// Calls `pressed` in a later turn; once for all presses of a turn. The wheel isn't a button.
@@ -40,10 +40,10 @@ private:
     MainLoop& loop_;
     Subscribers subscribers_;
     std::shared_ptr<Observers> observers_ = std::make_shared<Observers>(*this);
-    /// Loaded when it is needed: most of the time nobody observes.
+    /// Loaded on demand: most of the time nobody observes.
     QLibrary library_{QStringLiteral("xcb-xinput"), 0};
     QFunctionPointer selectEvents_ = nullptr;
-    /// The number of the extension that tells of input; 0 until it is known.
+    /// The number of the input extension; 0 until it is known.
     int extension_ = 0;
 };
 

@@ -9,7 +9,7 @@ namespace velmorquit::X11Properties {
 
 namespace {
 
-/// Whole pixels are left out until the shorter side is less than twice `side`.
+/// Drops whole pixels until the shorter side is less than twice `side`.
 Image shrunk(Image image, int side) {
     const int step = std::max(1, std::min(image.width, image.height) / side);
     if (step == 1)
@@ -41,10 +41,10 @@ std::string title(const std::string& name, const std::string& oldName) {
     return utf8(name.empty() ? oldName : name);
 }
 
-// The property holds pictures one after the other, each led by its width and its height. Only these
-// figures and one picture are fetched: programs put a megabyte there.
+// The property holds pictures one after the other, each preceded by its width and height. Only
+// these figures and one picture are fetched: programs store up to a megabyte.
 Image icon(const Numbers& numbers) {
-    // Larger ones are passed over; one of more than that isn't believed.
+    // Larger ones are skipped; above the second figure they can't be genuine.
     constexpr std::uint32_t largest = 1024;
     constexpr std::uint32_t largestBelieved = 8192;
     constexpr int enoughForLists = 48;

@@ -19,14 +19,14 @@ X11Selection::X11Selection(X11Events& events, const std::string& name,
     changed_ = std::move(changed);
 }
 
-// The server doesn't listen to a client that hasn't asked for the version before.
+// The server ignores clients that haven't asked for the version first.
 void X11Selection::watch() {
     xcb_connection_t* connection = events_.connection().get();
     const auto* extension = xcb_get_extension_data(connection, &xcb_xfixes_id);
     if (!extension || !extension->present)
         return;
     notification_ = extension->first_event + XCB_XFIXES_SELECTION_NOTIFY;
-    // Whoever asks for less may not shape windows later.
+    // Clients with a lower version may not shape windows later.
     xcb_discard_reply(connection, xcb_xfixes_query_version(connection, 2, 0).sequence);
     xcb_xfixes_select_selection_input(connection, events_.connection().root(), atom_,
                                       XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |

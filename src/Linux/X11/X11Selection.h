@@ -7,16 +7,16 @@
 
 namespace velmorquit {
 
-/// Who holds a selection of the screen. Parts of the desktop of which there is but one, like the
-/// compositor, are known by such a selection.
+/// The owner of a selection of the screen. Unique parts of the desktop, like the compositor, are
+/// known by such a selection.
 class X11Selection final : private X11Events::Listener {
 public:
-    /// `name` lacks the number of the screen. Calls `changed`, which is bound by what binds
-    /// listeners, whenever somebody takes the selection or lets it go, never before it is made. On
-    /// a server that can't tell, what was found at the start holds.
+    /// `name` is without the number of the screen. Calls `changed`, under the restrictions of
+    /// listeners, whenever the selection gets or loses its owner, but never from the constructor.
+    /// If the server can't tell, the owner found at the start is kept.
     X11Selection(X11Events& events, const std::string& name, std::function<void()> changed);
 
-    /// From memory; none when nobody holds it.
+    /// From memory; none without an owner.
     [[nodiscard]] xcb_window_t owner() const { return owner_; }
 
 private:
@@ -26,7 +26,7 @@ private:
     std::function<void()> changed_;
     xcb_atom_t atom_;
     xcb_window_t owner_ = XCB_WINDOW_NONE;
-    /// The type of the events that tell of selections; 0 where the server has none.
+    /// The type of the events about selections; 0 if the server has none.
     int notification_ = 0;
 };
 

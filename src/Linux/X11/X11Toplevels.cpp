@@ -10,15 +10,15 @@ namespace velmorquit {
 
 namespace {
 
-/// Changes come in bursts, with half-way states in between: a window manager that starts lists its
-/// windows one by one, and between two windows none is active.
+/// Changes come in bursts with intermediate states: a starting window manager lists its windows one
+/// by one, and between two windows none is active.
 constexpr Duration burst = 30ms;
 
-/// One run asks all windows at one go: they share one look at them.
+/// A run asks all windows at once: they share one look.
 constexpr Duration freshness = 100ms;
 
-/// So many events are heard in a turn: whoever sends them faster than they are heard must not keep
-/// the program from everything else.
+/// The most events handled in one turn: programs that send them faster must not block everything
+/// else.
 constexpr int mostEvents = 1000;
 
 bool holds(const std::vector<xcb_window_t>& sorted, xcb_window_t window) {
@@ -40,8 +40,8 @@ X11Toplevels::X11Toplevels(MainLoop& loop, SystemLog& log, X11Connection connect
     changed();
 }
 
-// Has to be called after every answer that was waited for as well: events that came with it are in
-// xcb's memory then, and the socket stays silent about them.
+// Also to be called after every answer that was waited for: events that came with it are in xcb's
+// memory, and the socket doesn't announce them.
 void X11Toplevels::readEvents() {
     const auto listAtom = connection_.atom("_NET_CLIENT_LIST");
     const auto checkAtom = connection_.atom("_NET_SUPPORTING_WM_CHECK");
@@ -64,7 +64,7 @@ void X11Toplevels::readEvents() {
             changed();
         isOutdated_ |= atom == listAtom || atom == checkAtom;
     }
-    // A server that has gone would make the notifier fire for ever.
+    // After the server has gone, the notifier would fire forever.
     if (xcb_connection_has_error(connection_.get()) && notifier_->isEnabled()) {
         notifier_->setEnabled(false);
         log_.write("Velmor Quit: il server X11 non risponde più");
@@ -73,7 +73,7 @@ void X11Toplevels::readEvents() {
 
 void X11Toplevels::changed() { changes_.ask(); }
 
-// All who are told see the same windows: what changes meanwhile is told next.
+// All observers see the same windows; changes in between are told next.
 void X11Toplevels::tell() {
     scan();
     readActiveWindow();
@@ -89,14 +89,14 @@ const std::vector<Toplevel>& X11Toplevels::toplevels() {
 }
 
 void X11Toplevels::look() {
-    // What the server has already announced counts, whether or not the loop came round to it. What
-    // it doesn't announce, a window's own changes, is not older than a moment.
+    // Changes that the server has announced count even if the loop hasn't come to them. Unannounced
+    // ones, of a window's own properties, are never older than a moment.
     const Duration age = loop_.uptime() - scannedAt_;
     if (isTelling_ && age <= freshness)
         return;
     readEvents();
     isOutdated_ |= age > freshness;
-    // Where windows come faster than they can be looked at, no look would ever be the last one.
+    // If windows come faster than they can be looked at, looking would never end.
     const bool isDue = scanTook_ < burst || age >= scanTook_;
     if (isDue)
         scan();
@@ -104,9 +104,9 @@ void X11Toplevels::look() {
     readEvents();
 }
 
-// Without a window manager nobody keeps the list. What was open is still open: the windows live on,
-// and whether a program has ended is told by its process alone. One that has just started lists
-// them one by one; those that it hasn't come to yet are known by the state that the former one gave
+// Without a window manager nobody maintains the list. The windows remain, and only a process tells
+// whether its program has ended. A window manager that has just started lists the windows one by
+// one; those it hasn't come to yet are known by the state that the former one gave
 // them.
 void X11Toplevels::scan() {
     if (!isOutdated_ || !hasWindowManager(connection_))
@@ -144,7 +144,7 @@ void X11Toplevels::scan() {
     scanTook_ = scannedAt_ - begun;
 }
 
-/// The window manager's list, as much as is looked at.
+/// The window manager's list, up to the limit.
 std::vector<xcb_window_t> X11Toplevels::listed() {
     std::vector<xcb_window_t> windows = connection_.numbers(
         connection_.request(connection_.root(), "_NET_CLIENT_LIST", mostWindows + 1));
@@ -159,8 +159,8 @@ void X11Toplevels::add(const X11Windows::Facts& facts, const std::vector<xcb_win
     if (facts.kind != X11Windows::Kind::toplevel)
         return;
     Toplevel toplevel = facts.toplevel;
-    // To belong to the root window is to belong to all windows of the program. What no list shows
-    // is a dialog whether or not its owner is on the screen.
+    // Belonging to the root window means belonging to all windows of the program. A window that no
+    // list shows is a dialog even if its owner isn't on the screen.
     const bool hasOwner = facts.owner == connection_.root() || holds(sorted, facts.owner) ||
                           (facts.owner != XCB_WINDOW_NONE && !toplevel.isOrdinary);
     toplevel.isDialogOfAnother = hasOwner || toplevel.isModal;
@@ -187,8 +187,8 @@ std::string X11Toplevels::title(std::uint64_t window) {
     return X11Properties::title(title, oldTitle);
 }
 
-/// Windows by which parts of the desktop can be known that have no other: the window manager's own,
-/// and those that hold the selections of the compositor and of the tray.
+/// Windows that identify parts of the desktop without other windows: the window manager's own, and
+/// the owners of the selections of the compositor and the tray.
 std::set<xcb_window_t> X11Toplevels::shellWindows() {
     std::set<xcb_window_t> windows;
     std::vector<xcb_get_selection_owner_cookie_t> cookies;
@@ -222,8 +222,8 @@ bool X11Toplevels::belongsTo(std::uint64_t window, ProcessId id) {
     return isSame;
 }
 
-// Sent to the window itself: the detour by the window manager would let some of them kill a program
-// that doesn't understand the message.
+// Sent to the window itself: some window managers would kill a program that doesn't understand the
+// message.
 void X11Toplevels::askToClose(std::uint64_t window) {
     const auto receiver = static_cast<xcb_window_t>(window);
     connection_.sendMessage(receiver, receiver, "WM_PROTOCOLS",

@@ -17,10 +17,10 @@
 
 namespace velmorquit {
 
-/// The windows of an X server, as its window manager lists them.
+/// The windows of an X server, as listed by its window manager.
 class X11Toplevels final : public ToplevelSource {
 public:
-    /// So many windows are looked at; where more are listed it sees that it doesn't see all.
+    /// The most windows looked at; if there are more, it reports incomplete sight.
     static constexpr std::size_t mostWindows = 4096;
 
     X11Toplevels(MainLoop& loop, SystemLog& log, X11Connection connection);
@@ -67,8 +67,8 @@ private:
     std::uint64_t active_ = 0;
     std::uint64_t focused_ = 0;
     bool isOutdated_ = true;
-    bool isBehind_ = false; ///< windows have changed faster than they are looked at
-    bool isCut_ = false;    ///< there are more windows than were looked at
+    bool isBehind_ = false; ///< windows change faster than they can be looked at
+    bool isCut_ = false;    ///< there are more windows than can be looked at
     Uptime scannedAt_;
     Duration scanTook_{};
     bool isTelling_ = false;

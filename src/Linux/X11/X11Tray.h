@@ -7,20 +7,20 @@
 
 namespace velmorquit {
 
-/// The tray of an X server, which is whoever holds its selection.
+/// The tray of an X server: the owner of its selection.
 class X11Tray final : public EmbeddingTray {
 public:
-    /// The events outlive it.
+    /// The events must outlive it.
     explicit X11Tray(X11Events& events);
 
     [[nodiscard]] bool isPresent() const override { return tray_.owner() != XCB_WINDOW_NONE; }
 
-    /// Over the toolkit's connection, so that the window is there when the tray hears of it.
+    /// Over the toolkit's connection, so that the window exists before the tray hears of it.
     void takeIn(std::uint64_t window) const override;
 
     [[nodiscard]] std::set<ProcessId> owners() override;
     bool click(ProcessId process) override;
-    /// The callback is bound by what binds listeners.
+    /// The callback is under the restrictions of listeners.
     [[nodiscard]] Handle observe(std::function<void()> changed) override {
         return observers_.add(std::move(changed));
     }
@@ -29,7 +29,7 @@ private:
     X11Events& events_;
     xcb_atom_t request_;
     Subscribers observers_;
-    /// The last: making it lets events be heard.
+    /// Last, since its constructor lets events be heard.
     X11Selection tray_;
 };
 

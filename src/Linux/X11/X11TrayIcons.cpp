@@ -8,7 +8,7 @@ namespace velmorquit {
 
 namespace {
 
-/// How many windows are asked for what lies in them: of the tray, and of all others.
+/// The most windows whose children are asked for: for the tray, and for all others.
 constexpr std::size_t mostWindows = 5000;
 
 void limit(std::vector<xcb_window_t>& windows, std::size_t& left) {
@@ -18,9 +18,9 @@ void limit(std::vector<xcb_window_t>& windows, std::size_t& left) {
 
 } // namespace
 
-// The tray may lie in somebody's frame, and that in another one; what else a frame holds is a
-// program's own. Frames have dozens of windows for their edges: those must not use up what the
-// tray's own are allowed.
+// The tray may be in a frame, and that in another one; the other children of a frame are a
+// program's own windows. Frames have dozens of windows for their edges, which must not use up the
+// tray's share.
 std::set<xcb_window_t> X11TrayIcons::windows() {
     const xcb_window_t owner = tray();
     if (owner == XCB_WINDOW_NONE)
@@ -87,7 +87,7 @@ xcb_window_t X11TrayIcons::tray() {
     return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
-/// What is common to all windows that were made over one connection.
+/// The part of the id that all windows of one connection share.
 xcb_window_t X11TrayIcons::programOf(xcb_window_t window) const {
     return window & ~xcb_get_setup(connection_.get())->resource_id_mask;
 }
@@ -110,7 +110,7 @@ X11TrayIcons::childrenOf(const std::vector<xcb_window_t>& parents) {
     return found;
 }
 
-// Where the window manager is the tray as well, its frames hold the windows of all programs.
+// If the window manager is also the tray, its frames contain the windows of all programs.
 std::set<xcb_window_t> X11TrayIcons::unmanaged(const std::vector<xcb_window_t>& windows) {
     constexpr std::uint32_t withdrawn = 0;
     std::vector<xcb_get_property_cookie_t> cookies;

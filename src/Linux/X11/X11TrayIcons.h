@@ -7,18 +7,18 @@
 
 namespace velmorquit {
 
-/// Finds the windows that a tray has taken in.
+/// Finds the windows embedded in a tray.
 class X11TrayIcons {
 public:
-    /// The connection outlives it.
+    /// The connection must outlive it.
     explicit X11TrayIcons(X11Connection& connection) : connection_(connection) {}
 
-    /// Windows of other programs inside those of the program that holds the tray's selection; none
-    /// without one. Some short questions to the display server, as many as windows lie in each
-    /// other. Of a screen with thousands of windows not all are looked at.
+    /// Windows of other programs inside those of the owner of the tray's selection; none without
+    /// one. Asks the display server some short questions, one for each level of nested windows. On
+    /// a screen with thousands of windows not all are looked at.
     [[nodiscard]] std::set<xcb_window_t> windows();
 
-    /// Sends the window a click into its middle. The pointer stays where it is.
+    /// Sends the window a click at its centre. The pointer stays where it is.
     void click(xcb_window_t icon);
 
 private:

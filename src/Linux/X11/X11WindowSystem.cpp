@@ -13,7 +13,7 @@ X11WindowSystem::X11WindowSystem(MainLoop& loop, X11Events& events)
       compositor_(events, "_NET_WM_CM_S", [this] { noteCompositor(); }), presses_(loop, events),
       wasCompositing_(isCompositing()) {}
 
-// One compositor may take over from another.
+// The selection also changes when one compositor replaces another.
 void X11WindowSystem::noteCompositor() {
     if (std::exchange(wasCompositing_, isCompositing()) != isCompositing())
         observers_.tellLater(loop_);

@@ -9,10 +9,10 @@
 
 namespace velmorquit {
 
-/// What an X server and its window manager do for the program's own windows.
+/// The services of an X server and its window manager for the program's own windows.
 class X11WindowSystem final : public WindowSystem {
 public:
-    /// Both outlive it.
+    /// Both references must outlive it.
     X11WindowSystem(MainLoop& loop, X11Events& events);
 
     [[nodiscard]] bool isCompositing() const override {
@@ -22,8 +22,8 @@ public:
         return observers_.add(std::move(changed));
     }
 
-    /// A window of another virtual desktop is moved to the one that the user looks at. Asks the
-    /// display server some short questions.
+    /// Moves a window on another virtual desktop to the current one. Asks the display server
+    /// some short questions.
     void activate(std::uint64_t window) override;
     void keepOffLists(std::uint64_t window) override;
     void limitInput(std::uint64_t window, const ScreenRect& area) override;

@@ -22,7 +22,7 @@ public:
 private:
     struct Parts;
 
-    /// Two, since selections of root events are per client.
+    /// Two connections, since each client selects its own root events.
     X11Windowing(X11Connection forToplevels, X11Connection forFace);
 
     std::optional<X11Connection> forToplevels_;

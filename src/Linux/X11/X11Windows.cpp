@@ -13,8 +13,8 @@ namespace velmorquit {
 
 namespace {
 
-/// In units of four bytes: programs give their windows a handful of types, states and protocols,
-/// and names of a few words. All of them are asked for of all windows at every look.
+/// In units of four bytes: a window has a handful of types, states and protocols, and names of a
+/// few words. All of them are requested for all windows at every look.
 constexpr std::uint32_t mostAtoms = 1024;
 constexpr std::uint32_t longestName = 256;
 
@@ -43,7 +43,7 @@ X11Windows::Inquiry X11Windows::inquire(xcb_window_t window) {
             .managed = connection_.request(window, "WM_STATE")};
 }
 
-// Every answer is fetched, whatever the others say: one that is left would stay in memory.
+// Every answer is fetched, whatever the others say: otherwise it would stay in memory.
 std::optional<X11Windows::Facts> X11Windows::read(const Inquiry& inquiry) {
     const auto types = connection_.numbers(inquiry.type);
     const auto states = connection_.numbers(inquiry.state);
@@ -66,9 +66,9 @@ std::optional<X11Windows::Facts> X11Windows::read(const Inquiry& inquiry) {
 
     Toplevel& toplevel = facts.toplevel;
     toplevel.window = inquiry.window;
-    // The server knows by its socket who is at the other end, which for a window of another
-    // computer is whoever forwards it. What a window states of itself may be a number inside a
-    // sandbox, or of another computer where it doesn't say which one it is on.
+    // The server knows the process at the other end of its socket, which for windows of another
+    // computer is the forwarding one. The window's own statement may be an id inside a sandbox, or
+    // on another computer if it doesn't say on which one it is.
     if (!machine.empty() && !isHere)
         toplevel.machine = utf8(machine);
     else if (serverProcess > 0)
@@ -86,8 +86,8 @@ std::optional<X11Windows::Facts> X11Windows::read(const Inquiry& inquiry) {
     return facts;
 }
 
-/// A window states its types in order of preference; one without any that is known is an ordinary
-/// one: programs older than the types have none.
+/// A window states its types in order of preference. Without any known type it is an ordinary one:
+/// programs older than the types state none.
 X11Windows::Kind X11Windows::kindOf(const std::vector<std::uint32_t>& types) {
     static constexpr std::array<std::pair<const char*, Kind>, 14> kinds{
         {{"NORMAL", Kind::toplevel},

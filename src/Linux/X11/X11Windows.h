@@ -10,15 +10,15 @@
 
 namespace velmorquit {
 
-/// What windows of an X server say of themselves. Requests are sent for many windows before the
-/// first answer is waited for.
+/// The properties of an X server's windows. The requests for many windows are sent before waiting
+/// for the first answer.
 class X11Windows {
 public:
-    /// The connection outlives it.
+    /// The connection must outlive it.
     explicit X11Windows(X11Connection& connection) : connection_(connection) {}
 
-    /// The requests about one window. Asked for last, the state that the window manager keeps tells
-    /// whether the window was there for all of them.
+    /// The requests about one window. The last one, for the window manager's state of it, shows
+    /// whether the window existed for all of them.
     struct Inquiry {
         xcb_window_t window;
         xcb_get_property_cookie_t type, state, protocols, transientFor, wmClass, machine,
@@ -34,26 +34,26 @@ public:
     };
     struct Facts {
         Kind kind = Kind::other;
-        /// Known to the window manager by a state of its own, not by its list alone.
+        /// Known to the window manager by its own state of the window, not only by its list.
         bool isManaged = false;
-        /// For `shell` with its process alone.
+        /// For `shell` only its process is set.
         Toplevel toplevel;
         xcb_window_t owner = XCB_WINDOW_NONE; ///< the window that a dialog belongs to
     };
 
     [[nodiscard]] Inquiry inquire(xcb_window_t window);
 
-    /// Waits for the answers; none when there was no such window any more.
+    /// Waits for the answers; none if the window no longer existed.
     [[nodiscard]] std::optional<Facts> read(const Inquiry& inquiry);
 
-    /// The process at the other end of the window's connection, else 0.
+    /// The process at the other end of the window's connection, or 0.
     [[nodiscard]] ProcessId process(xcb_window_t window);
 
-    /// The processes that own these windows, those that nobody knows left out.
+    /// The owners of these windows, as far as they are known.
     [[nodiscard]] std::set<ProcessId> processes(const std::set<xcb_window_t>& windows);
 
-    /// The smallest picture of `_NET_WM_ICON` that is large enough for a list, else the largest;
-    /// what is much larger is shrunk.
+    /// The smallest picture of `_NET_WM_ICON` that is large enough for a list, else the largest; a
+    /// much larger one is shrunk.
     [[nodiscard]] Image icon(xcb_window_t window);
 
 private:
@@ -64,7 +64,7 @@ private:
     [[nodiscard]] ProcessId process(const ClientCookie& cookie);
 
     X11Connection& connection_;
-    /// All names that this computer has had since the start: windows keep the one of their time.
+    /// All names of this computer since the start, since windows keep the one from their creation.
     std::set<std::string> ownMachines_;
 };
 

@@ -9,12 +9,12 @@ namespace {
 
 constexpr const char* propertyName = "_XSETTINGS_SETTINGS";
 
-/// However often the settings change or their manager does: every change of the look means that
-/// all is painted anew.
+/// However often the settings or their manager change: every change of the look repaints
+/// everything.
 constexpr Paced::Pace pace{.rest = std::chrono::milliseconds(200)};
 
-/// Reads from the front of bytes that another program has written. Once they have run out, or were
-/// found to be wrong, everything is 0 or empty.
+/// Reads from the front of bytes that another program has written. Beyond their end, or after an
+/// error, everything is 0 or empty.
 class Reader {
 public:
     explicit Reader(std::string_view bytes) : bytes_(bytes) {}
@@ -43,7 +43,7 @@ public:
         return value;
     }
 
-    /// Whatever has a length of its own is filled up to a multiple of four bytes.
+    /// Everything of variable length is padded to a multiple of four bytes.
     std::string text(std::size_t length) {
         const std::string_view taken = take(length);
         take((4 - length % 4) % 4);
@@ -62,7 +62,7 @@ void readSetting(Reader& reader, DesktopSettings& settings) {
     const std::uint32_t type = reader.number(1);
     reader.take(1);
     std::string name = reader.text(reader.number(2));
-    reader.number(4); // When it changed last.
+    reader.number(4); // Serial number of its last change.
     if (type == integer)
         settings[std::move(name)] = static_cast<std::int32_t>(reader.number(4));
     else if (type == string)
@@ -70,7 +70,7 @@ void readSetting(Reader& reader, DesktopSettings& settings) {
     else if (type == colour)
         reader.take(colourSize);
     else
-        reader.fail(); // Nobody knows how long it is.
+        reader.fail(); // The length of an unknown type isn't known.
 }
 
 } // namespace
@@ -82,7 +82,7 @@ std::optional<DesktopSettings> parseXSettings(std::string_view bytes) {
         return std::nullopt;
     reader.setBigEndian(order == 1);
     reader.take(3);
-    reader.number(4); // Counts the changes.
+    reader.number(4); // Serial number of all changes.
     DesktopSettings settings;
     for (std::uint32_t left = reader.number(4); left > 0 && reader.isGood(); --left)
         readSetting(reader, settings);
@@ -101,7 +101,7 @@ XSettings::XSettings(X11Events& events)
     events.read();
 }
 
-// One that has gone in the meantime has its selection taken away as well, which is told.
+// If the manager has gone meanwhile, its selection is released as well, which is told.
 void XSettings::follow() {
     if (manager_.owner() != XCB_WINDOW_NONE) {
         const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;

@@ -11,19 +11,19 @@
 
 namespace velmorquit {
 
-/// The numbers and texts that a settings manager has put into a property of its window; colours are
-/// left out. None when the bytes are not what they should be.
+/// The numbers and texts in the property of a settings manager's window, without colours. None if
+/// the bytes are invalid.
 [[nodiscard]] std::optional<DesktopSettings> parseXSettings(std::string_view bytes);
 
-/// What the settings manager of an X server says, where there is one.
+/// The settings manager of an X server, if there is one.
 class XSettings final : public SettingsManager, private X11Events::Listener {
 public:
-    /// The events outlive it.
+    /// The events must outlive it.
     explicit XSettings(X11Events& events);
 
-    /// What can't be read leaves what was there before.
+    /// If the property can't be read, the former values stay.
     [[nodiscard]] const DesktopSettings& values() const override { return values_; }
-    /// The callback is bound by what binds listeners.
+    /// The callback is under the restrictions of listeners.
     [[nodiscard]] Handle observe(std::function<void()> changed) override {
         return observers_.add(std::move(changed));
     }
@@ -37,7 +37,7 @@ private:
     DesktopSettings values_;
     Subscribers observers_;
     Paced changes_;
-    /// The last: making it lets events be heard.
+    /// Last, since its constructor lets events be heard.
     X11Selection manager_;
 };
 
