@@ -42,14 +42,14 @@ std::string wantsMoment() {
     return localized("schedule vuole --minutes oppure --at, una volta sola");
 }
 
-/// Takes what follows an option that says how long.
+/// Takes the value of an option for a length of time.
 Wrong takeTimeout(CommandLine& line, Rest& rest) {
-    // What a timer can wait for at the most.
+    // The longest time that a timer can wait.
     constexpr double longest = std::numeric_limits<int>::max() / 1000;
     bool isNumber = false;
     const double seconds =
         rest.empty() ? 0 : QByteArray::fromStdString(take(rest)).toDouble(&isNumber);
-    // A comparison with what is no number is never true.
+    // Comparisons with NaN are always false.
     if (!isNumber || !(seconds > 0 && seconds <= longest))
         return localized("--timeout vuole un numero di secondi, maggiore di zero");
     line.timeout = std::chrono::milliseconds(std::llround(std::ceil(1000 * seconds)));
@@ -69,7 +69,7 @@ Wrong takeThen(CommandLine& line, Rest& rest) {
     return std::nullopt;
 }
 
-/// Takes what follows an option that says when.
+/// Takes the value of an option for a moment.
 Wrong takeMoment(CommandLine& line, const std::string& option, Rest& rest) {
     if (!line.arguments.empty())
         return wantsMoment();
@@ -100,7 +100,7 @@ Wrong takeOption(CommandLine& line, Rest& rest) {
     return std::nullopt;
 }
 
-/// A name may begin with a hyphen: all that follows are names.
+/// Names may begin with a hyphen, so all remaining words are names.
 Wrong takeNames(CommandLine& line, Rest& rest) {
     const bool areMany = line.command->words == Words::names;
     for (const std::string& word : areMany ? rest : Rest{joined(rest, " ")}) {
@@ -117,7 +117,7 @@ Wrong takeNames(CommandLine& line, Rest& rest) {
     return std::nullopt;
 }
 
-/// Takes the words that belong to the command itself; a text says what is wrong with them.
+/// Takes the command's own words; a text says what is wrong with them.
 Wrong takeWords(CommandLine& line, Rest& rest) {
     switch (line.command->words) {
     case Words::name:
@@ -147,7 +147,7 @@ Wrong takeWords(CommandLine& line, Rest& rest) {
     return std::nullopt;
 }
 
-/// What the verb needs besides what was said.
+/// Adds whatever the verb needs besides the words.
 Wrong complete(CommandLine& line) {
     const std::string then(rawValue(powerAction(line.then)));
     if (line.command->verb == Verb::schedule) {

@@ -15,28 +15,28 @@ namespace velmorquit {
 enum class ExitStatus {
     success = 0,
     failure = 1,       ///< refused, or the run ended with something left open
-    usage = 2,         ///< the words were not understood
+    usage = 2,         ///< the command line was not understood
     notRunning = 3,    ///< there is no program to talk to
-    timedOut = 4,      ///< the wait took longer than it was to; what was waited for goes on
-    stranger = 5,      ///< another program has the name of the one to talk to
-    asking = 6,        ///< nothing is done until the user has agreed on the screen
-    interrupted = 130, ///< by Ctrl+C; what was waited for goes on
+    timedOut = 4,      ///< the wait exceeded its limit; the program goes on
+    stranger = 5,      ///< another program has the expected name
+    asking = 6,        ///< nothing happens until the user agrees on the screen
+    interrupted = 130, ///< by Ctrl+C; the program goes on
 };
 
-/// What the user asked for on the command line.
+/// The user's request on the command line.
 struct CommandLine {
     const remote::Command* command = nullptr; ///< never null
-    std::vector<std::string> arguments{};     ///< of its verb, where the line has them
-    AfterQuit then = AfterQuit::nothing;      ///< what is to follow a run
-    bool isConfirmed = false;                 ///< no question is to be asked first
-    bool endsWithRun = false;                 ///< what follows a run isn't waited for
-    /// How long a run is waited for; none for as long as it takes.
+    std::vector<std::string> arguments{};     ///< of the verb, as far as the line gives them
+    AfterQuit then = AfterQuit::nothing;      ///< the action that follows the run
+    bool isConfirmed = false;                 ///< no question is asked first
+    bool endsWithRun = false;                 ///< doesn't wait for the action after the run
+    /// How long to wait for a run; none means without limit.
     std::optional<std::chrono::milliseconds> timeout{};
     bool wantsJson = false;
 };
 
-/// Reads the arguments, the program's name left out; a text says what is wrong with them. Commands
-/// may be shortened to what they alone begin with.
+/// Reads the arguments without the program's name; a text says what is wrong with them. Commands
+/// may be shortened as long as they remain unique.
 [[nodiscard]] std::variant<CommandLine, std::string>
 parseCommandLine(const std::vector<std::string>& arguments);
 

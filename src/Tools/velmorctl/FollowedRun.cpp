@@ -26,20 +26,20 @@ std::optional<ExitStatus> FollowedRun::hear(const remote::Change& change) {
     const auto* ending = std::get_if<changes::EndingState>(&change);
     if (stage_ == Stage::ending && ending)
         return hearEnding(ending->ending);
-    // One that an earlier run had asked for may be given up while this one goes on.
+    // An end requested by an earlier run may be given up while this run goes on.
     if (stage_ != Stage::running || ending)
         return std::nullopt;
     const auto* happened = std::get_if<changes::Happened>(&change);
-    // What the user had begun to eject before the run ends before the drives of the run do.
+    // Drives that the user began to eject before the run are reported before those of the run.
     if (const auto* ejected =
             happened ? std::get_if<events::DisksEjected>(&happened->event) : nullptr)
         isDriveLeft_ = !ejected->failed.empty();
     const auto* run = std::get_if<changes::Run>(&change);
-    // One that turned out to be excluded is no target any more.
+    // Applications that turned out to be excluded are no longer targets.
     if (const auto* quitting = run ? std::get_if<phases::Quitting>(&run->state.phase) : nullptr)
         asked_ = quitting->total;
     const auto* done = run ? std::get_if<phases::Done>(&run->state.phase) : nullptr;
-    // Where nothing was asked to quit only a note says more.
+    // If nothing was asked to quit, only a note adds information.
     const bool isEmpty = asked_ == 0 && done && !run->state.note;
     if (const std::string text = changeText(change, formats_); !text.empty() && !isEmpty)
         say(text);
@@ -47,7 +47,7 @@ std::optional<ExitStatus> FollowedRun::hear(const remote::Change& change) {
 }
 
 std::optional<ExitStatus> FollowedRun::hearResult(const remote::RunState& run, int closed) {
-    // A run that was broken off isn't followed by what was asked for.
+    // A cancelled run isn't followed by the action.
     const bool isFollowed = line_.then == AfterQuit::nothing || run.then == powerAction(line_.then);
     isGood_ = isFollowed && !isDriveLeft_ && closed == asked_;
     if (line_.then == AfterQuit::nothing || line_.endsWithRun || !isFollowed)

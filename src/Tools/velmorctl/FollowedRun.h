@@ -12,8 +12,8 @@
 
 namespace velmorquit {
 
-/// The run that velmorctl has begun, from what the program tells of it: prints a line for what
-/// happens and says with which status the wait for it ends.
+/// The run that velmorctl has begun, as the program reports it: prints a line for each event and
+/// tells the exit status when the wait is over.
 class FollowedRun {
 public:
     FollowedRun(const CommandLine& line, const Formats& formats);
@@ -21,15 +21,15 @@ public:
     /// The run has begun, and has asked these to quit.
     void begin(const std::vector<remote::Application>& asked);
 
-    /// None while there is something to wait for. Changes before the run's beginning are none of
-    /// it.
+    /// None while there is something to wait for. Changes before the beginning of the run are
+    /// ignored.
     [[nodiscard]] std::optional<ExitStatus> hear(const remote::Change& change);
 
-    /// How far the session's end has come, if anybody still wants it. None while there is something
-    /// to wait for.
+    /// How far the end of the session has come, unless nobody wants it any more. None while there
+    /// is something to wait for.
     [[nodiscard]] std::optional<ExitStatus> hearEnding(const std::optional<remote::Ending>& ending);
 
-    /// Whether the run is over, and what follows it is waited for.
+    /// Whether the run is over and the action after it is awaited.
     [[nodiscard]] bool isEnding() const { return stage_ == Stage::ending; }
 
 private:
@@ -45,7 +45,7 @@ private:
     Stage stage_ = Stage::notBegun;
     int asked_ = 0;
     bool isDriveLeft_ = false;
-    /// Whether the run has done all that it was to do.
+    /// Whether the run has done everything it should.
     bool isGood_ = false;
     std::string lastEnding_;
 };

@@ -18,14 +18,14 @@ struct Place {
     char state = '?';
     pid_t parent = 0, group = 0, session = 0;
     int terminal = 0;
-    pid_t foreground = 0; ///< the group that its terminal has in front
+    pid_t foreground = 0; ///< the terminal's foreground process group
 };
 
 std::optional<Place> placeOf(pid_t process) {
     std::ifstream file("/proc/" + std::to_string(process) + "/stat");
     std::string line;
     std::getline(file, line, '\0');
-    // The name before it may hold anything, but it is in parentheses.
+    // The name before it may contain anything, but is enclosed in parentheses.
     std::istringstream fields(line.substr(line.rfind(')') + 1));
     Place place;
     if (fields >> place.state >> place.parent >> place.group >> place.session >> place.terminal >>
@@ -34,7 +34,7 @@ std::optional<Place> placeOf(pid_t process) {
     return std::nullopt;
 }
 
-/// A command in a pipe, in a script or in place of a shell can't go by itself.
+/// A command in a pipeline, in a script or in place of a shell can't leave alone.
 bool isWaitedFor(const Place& own) {
     const auto shell = placeOf(own.parent);
     return shell && shell->session == own.session && shell->group != own.group &&
@@ -42,7 +42,7 @@ bool isWaitedFor(const Place& own) {
            own.session != own.group;
 }
 
-/// The status is one of `waitpid`.
+/// `status` is one of `waitpid`.
 [[noreturn]] void endAs(int status) {
     if (!WIFSIGNALED(status))
         ::_exit(WEXITSTATUS(status));
@@ -54,15 +54,15 @@ bool isWaitedFor(const Place& own) {
     ::_exit(128 + WTERMSIG(status));
 }
 
-/// Ends as the worker does, or as soon as it says that it leaves: as by Ctrl+C then, since what was
-/// typed behind it on the same line ("; poweroff") was to wait for the run.
+/// Ends as the worker does, or as soon as it announces that it leaves. It then ends as if by
+/// Ctrl+C, since commands typed after it on the same line ("; poweroff") were to wait for the run.
 [[noreturn]] void standInFor(pid_t worker, const sigset_t& heard) {
     for (;;) {
         siginfo_t said{};
         const int signal = ::sigwaitinfo(&heard, &said);
         if (signal == SIGUSR1 && said.si_pid == worker)
             endAs(SIGINT);
-        // What is typed reaches the whole group, what a process sends only this one.
+        // Ctrl+C reaches the whole group, but a signal sent by a process only this one.
         if ((signal == SIGINT || signal == SIGTERM) && said.si_code <= 0)
             ::kill(worker, signal);
         int status = 0;
@@ -86,7 +86,7 @@ ForegroundJob ForegroundJob::begin() {
     ::sigemptyset(&heard);
     for (const int signal : {SIGCHLD, SIGUSR1, SIGINT, SIGTERM})
         ::sigaddset(&heard, signal);
-    // One that is ignored is never heard.
+    // Ignored signals would never be delivered.
     for (const int signal : {SIGCHLD, SIGUSR1})
         std::signal(signal, SIG_DFL);
     ::sigprocmask(SIG_BLOCK, &heard, &before);

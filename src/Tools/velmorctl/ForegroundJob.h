@@ -6,24 +6,24 @@
 
 namespace velmorquit {
 
-/// velmorctl as the command that a shell waits for, and with it the terminal, which asks about
-/// commands before it closes. It may leave the terminal and go on; for the shell it has ended then.
+/// velmorctl as the foreground command of its terminal, which asks about running commands before it
+/// closes. It may leave the terminal and go on; for the shell it has then ended.
 class ForegroundJob {
 public:
-    /// To be called while there is one thread. Where the process is by itself what a shell waits
-    /// for, this returns in a child that does the work, and the process ends as the child does.
+    /// To be called while there is only one thread. If the shell waits for this process alone, it
+    /// returns in a child that does the work, and the process ends when the child does.
     static ForegroundJob begin();
 
-    /// One that can't leave.
+    /// A job that can't leave.
     ForegroundJob() = default;
 
-    /// Whether the shell waits for it now.
+    /// Whether the shell is waiting for it now.
     [[nodiscard]] bool isInFront() const;
 
-    /// The shell and what it was started from, the nearest first.
+    /// The shell and its ancestors, nearest first.
     [[nodiscard]] const std::vector<pid_t>& ancestors() const { return ancestors_; }
 
-    /// Ends for the shell, as by Ctrl+C.
+    /// Ends for the shell, as if by Ctrl+C.
     void leave();
 
 private:

@@ -12,7 +12,7 @@ namespace velmorquit {
 
 namespace {
 
-// The bus has a thread of its own, which a mask of the main one wouldn't keep from the signal.
+// The bus has a thread of its own, where a signal mask of the main thread would have no effect.
 int descriptor = -1;
 
 void note(int) {

@@ -7,10 +7,10 @@
 
 namespace velmorquit {
 
-/// Hears of Ctrl+C, in the event loop, in place of ending by it. There is one at a time.
+/// Reports Ctrl+C in the event loop, instead of ending the process. There is one at a time.
 class Interruption final : public QObject {
 public:
-    /// Where whoever started the process has it ignore that, it goes on doing so.
+    /// If Ctrl+C was ignored when the process started, it stays ignored.
     explicit Interruption(std::function<void()> heard);
     ~Interruption() override;
 

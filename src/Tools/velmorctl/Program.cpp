@@ -13,16 +13,16 @@ namespace velmorquit {
 
 namespace {
 
-/// Milliseconds within which a program that isn't held up answers.
+/// How long a program that isn't held up may take to answer, in milliseconds.
 constexpr int patience = 5000;
 
-/// The bus says the one or the other, depending on whether it knows how to start the service.
+/// Which of these the bus reports depends on whether it knows how to start the service.
 bool isNobodyThere(const QDBusError& error) {
     return error.type() == QDBusError::ServiceUnknown ||
            error.name() == "org.freedesktop.DBus.Error.NameHasNoOwner";
 }
 
-/// The bus was to start it.
+/// The bus tried to start it.
 bool hasFailedToStart(const QDBusError& error) {
     return error.name().startsWith("org.freedesktop.DBus.Error.Spawn.");
 }
@@ -31,7 +31,7 @@ std::string saidBy(const QDBusError& error) {
     return (error.message().isEmpty() ? error.name() : error.message()).toStdString();
 }
 
-/// Whether it has what every answer to that has.
+/// Whether it has the fields that every answer to this verb has.
 bool isAnswerTo(remote::Verb verb, const remote::Json& json) {
     if (verb == remote::Verb::status)
         return remote::isStatus(json);
@@ -39,7 +39,7 @@ bool isAnswerTo(remote::Verb verb, const remote::Json& json) {
            (verb != remote::Verb::quitAll || remote::decodeAnswer(json).asked.has_value());
 }
 
-/// File name of what the process executes; empty when that can't be told.
+/// File name of the process's executable; empty when unknown.
 std::string programOf(uint process) {
     std::error_code unreadable;
     const auto link = "/proc/" + std::to_string(process) + "/exe";
@@ -56,13 +56,13 @@ Program::Program(bool mayStart, Fail fail) : mayStart_(mayStart), fail_(std::mov
     watcher_.setConnection(bus_);
     watcher_.addWatchedService(remote::service);
     watcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
-    // Whoever has the name after it knows nothing of what was asked.
+    // The next owner of the name knows nothing of our commands.
     connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString& before) {
                 if (!before.isEmpty())
                     fail_(localized("Velmor Quit è terminata."), ExitStatus::notRunning);
             });
-    // Nobody tells of a service any more when the bus itself has gone.
+    // After the bus itself has gone, no loss of a service is reported.
     bus_.connect({}, "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
                  this, SLOT(loseBus()));
 }

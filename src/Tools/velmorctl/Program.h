@@ -15,33 +15,33 @@
 
 namespace velmorquit {
 
-/// The running program, over the session bus. What it answers comes later, in the event loop.
+/// The running program, over the session bus. Its answers arrive later, in the event loop.
 class Program final : public QObject {
     Q_OBJECT
 
 public:
-    /// What came, as it was sent and as it was understood.
+    /// A message, as it was sent and as it was parsed.
     struct Said {
         std::string text;
         remote::Json json;
     };
     using Hear = std::function<void(const Said&)>;
-    /// Nothing more will be heard: why, for a person.
+    /// Nothing more will be heard; `why` tells the user the reason.
     using Fail = std::function<void(const std::string& why, ExitStatus status)>;
 
-    /// With `mayStart` the bus starts the program where it doesn't run.
+    /// With `mayStart` the bus starts the program if it isn't running.
     Program(bool mayStart, Fail fail);
 
     /// False where there is no session bus.
     [[nodiscard]] bool isReachable() const { return bus_.isConnected(); }
 
-    /// Gives a command; what is no answer to it is a failure.
+    /// Gives a command; an answer of another kind counts as a failure.
     void perform(remote::Verb verb, const std::vector<std::string>& arguments, Hear hear);
 
-    /// Has it show itself, as a launcher does.
+    /// Makes it show itself, as a launcher does.
     void activate(std::function<void()> done);
 
-    /// Hears what changes from now on.
+    /// Hears all changes from now on.
     void follow(Hear hear);
 
 private Q_SLOTS:
@@ -51,7 +51,7 @@ private Q_SLOTS:
 private:
     void send(QDBusMessage call, std::function<void(const std::string& answer)> done);
     void hearError(const QDBusError& error);
-    /// What answered is not as the program answers: finds out who it was.
+    /// Finds out which program gave an answer that this program wouldn't give.
     void blameAnswerer(const std::string& otherwise);
 
     bool mayStart_;

@@ -63,7 +63,7 @@ std::string runText(const remote::RunState& run, const Formats& formats) {
                       run.phase);
 }
 
-/// Null when none is the same process.
+/// Null if none is the same process.
 const remote::Application* find(const std::vector<remote::Application>& applications,
                                 const remote::Application& wanted) {
     const auto found =
@@ -94,7 +94,7 @@ std::string eventText(const Event& event) {
     return ejectedText(ejected->count);
 }
 
-/// What is set for later, without a full stop.
+/// The schedule, without a full stop.
 std::string scheduleText(const remote::Schedule& schedule, const Formats& formats) {
     const std::string time = formats.shortTime(schedule.date);
     const std::string title = scheduleTitle(schedule.then);
@@ -115,7 +115,7 @@ std::string stubbornText(const std::vector<remote::Application>& applications) {
                              : localized("Ancora aperte: %@", joined(names));
 }
 
-/// What can be brought back, as a line; empty while a run is in progress or when there is nothing.
+/// The applications that can be reopened, as a line; empty during a run or without any.
 std::string reopenableText(const remote::Status& status) {
     std::vector<std::string> names;
     for (const SavedApp& application : status.reopenable)
@@ -125,7 +125,7 @@ std::string reopenableText(const remote::Status& status) {
     return localized("Da riaprire: %@", joined(names)) + '\n';
 }
 
-/// In the place of the table.
+/// Shown in place of an empty table.
 std::string emptyText(Sight sight) {
     const std::string unseen = unseenHelp(sight);
     return unseen.empty() ? localized("Nessuna app aperta") : unseen;
@@ -135,7 +135,7 @@ std::string emptyText(Sight sight) {
 
 std::string statusText(const remote::Status& status, const Formats& formats) {
     std::vector<remote::Application> applications = status.applications;
-    // One that lives on without windows is no open application any more, and yet it is waited for.
+    // An application that goes on without windows is no longer open, and yet the run waits for it.
     for (const remote::Application& application : status.stubborn) {
         if (!find(applications, application))
             applications.push_back(application);

@@ -10,16 +10,16 @@
 
 namespace velmorquit {
 
-/// The answer to `status` for a person: a line on the run, a table, and what can be reopened.
+/// The answer to `status` for the user: a line on the run, a table, and what can be reopened.
 [[nodiscard]] std::string statusText(const remote::Status& status, const Formats& formats);
 
-/// The answer to `actions` for a person.
+/// The answer to `actions` for the user.
 [[nodiscard]] std::string actionsText(const std::vector<remote::PublishedAction>& actions);
 
-/// A change for a person; empty for one that says nothing that another doesn't.
+/// A change for the user; empty for one that adds nothing to another change.
 [[nodiscard]] std::string changeText(const remote::Change& change, const Formats& formats);
 
-/// The question asked before a run that something follows, with the letters to answer it with.
+/// The question before a run with an action after it, with the letters for the answer.
 [[nodiscard]] std::string confirmationQuestion(std::size_t count, AfterQuit then);
 
 } // namespace velmorquit

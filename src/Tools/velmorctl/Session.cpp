@@ -47,7 +47,7 @@ void Session::carryOutOwn() {
         askThenEndAnyway();
         break;
     case Verb::show:
-        // Who has nothing to show answers that as well.
+        // A program that has nothing to show answers the activation as well.
         program_.activate([this] {
             program_.perform(Verb::status, {},
                              [](const Program::Said&) { end(ExitStatus::success); });
@@ -89,7 +89,7 @@ void Session::relay(const Program::Said& said) {
     end(answer.notAsked.empty() ? ExitStatus::success : ExitStatus::failure);
 }
 
-// There is no way around the question: what is lost by it is lost for good.
+// The question can't be skipped: whatever is lost by it is lost for good.
 void Session::askThenEndAnyway() {
     program_.perform(Verb::status, {}, [this](const Program::Said& said) {
         const auto ending = remote::decodeStatus(said.json).ending;

@@ -11,23 +11,23 @@
 
 namespace velmorquit {
 
-/// One call of velmorctl: has the running program do what the line says and ends Qt's event loop
-/// with the exit status.
+/// One call of velmorctl: has the running program carry out the command line, and ends Qt's event
+/// loop with the exit status.
 class Session {
 public:
     Session(CommandLine line, const Formats& formats, ForegroundJob job);
 
-    /// Begins; to be called from within the event loop.
+    /// To be called from within the event loop.
     void start();
 
 private:
     void carryOutOwn();
-    /// Gives the line's command as it is, and makes of the answer what the table says.
+    /// Sends the line's command unchanged, and uses the answer as the table says.
     void carryOut();
     void report(const Program::Said& said);
     void relay(const Program::Said& said);
     void askThenEndAnyway();
-    /// Prints what changes: until Ctrl+C, or until drives are ejected.
+    /// Prints changes until Ctrl+C, or until drives are ejected.
     void watch();
     void hear(const Program::Said& change);
     void hearEjected(const remote::Change& change);

@@ -14,10 +14,10 @@ public:
 
     explicit Table(std::vector<Align> columns) : columns_(std::move(columns)) {}
 
-    /// Adds a row with a cell for each column, each of which may be shown on a line.
+    /// Adds a row with one cell for each column; each cell must be fit for display on a line.
     void add(Row row);
 
-    /// A line for each row, indented.
+    /// One indented line for each row.
     [[nodiscard]] std::string text() const;
 
 private:

@@ -2,22 +2,22 @@
 
 #include <string>
 
-/// What velmorctl says, and whom it asks. Whoever holds the program's name on the bus may have sent
-/// anything: what a terminal would obey is taken out.
+/// velmorctl's output and questions. Any program that owns the name on the bus may have sent the
+/// texts: control sequences are removed.
 namespace velmorquit::Terminal {
 
 void print(const std::string& text);
 
-/// On a line of its own, escaped where it has to be.
+/// On a line of its own, escaped where necessary.
 void printJson(const std::string& json);
 
 /// On standard error.
 void complain(const std::string& why);
 
-/// Whether somebody can be asked.
+/// Whether there is a user to ask.
 [[nodiscard]] bool hasUser();
 
-/// Puts a question to whoever sits at the terminal, and waits for the answer; without one it is a
+/// Asks the user at the terminal, and waits for the answer; the end of input means
 /// no.
 [[nodiscard]] bool isAgreed(const std::string& question);
 

@@ -7,7 +7,7 @@ namespace velmorquit {
 
 namespace {
 
-/// Columns of a terminal, and the one in which explanations begin.
+/// Columns of the terminal, and the column where explanations begin.
 constexpr std::size_t width = 79;
 constexpr std::size_t margin = 23;
 
@@ -16,7 +16,7 @@ std::size_t lengthOf(std::string_view text) {
         text, [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0) != 0x80; }));
 }
 
-/// The words in lines, which begin at the margin.
+/// The words as lines, all but the first beginning at the margin.
 std::string laidOut(std::string_view text) {
     std::string lines;
     std::size_t column = margin;

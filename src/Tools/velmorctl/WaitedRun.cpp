@@ -81,7 +81,7 @@ void WaitedRun::quitAll() {
     }
     program_.perform(Verb::status, {}, [this](const Program::Said& said) {
         const remote::Status status = remote::decodeStatus(said.json);
-        // Where a run goes on already this one is refused.
+        // During another run this one is refused.
         if (!isBusy(status.run.phase))
             leaveTerminal(job_, status);
         begin();
@@ -102,7 +102,7 @@ void WaitedRun::hear(const remote::Change& change) {
     }
     if (wasEnding || !run_.isEnding())
         return;
-    // What follows may have been given up, or told of, before the result was.
+    // The action after the run may have been given up or reported before the result.
     program_.perform(Verb::status, {}, [this](const Program::Said& said) {
         if (const auto status = run_.hearEnding(remote::decodeStatus(said.json).ending))
             end_(*status);

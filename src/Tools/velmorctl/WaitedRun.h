@@ -12,20 +12,20 @@
 
 namespace velmorquit {
 
-/// Leaves the terminal where a run asks that one too: it would ask about velmorctl.
+/// Leaves a terminal that the run asks as well, since it would ask about velmorctl.
 void leaveTerminal(ForegroundJob& job, const remote::Status& status);
 
-/// `quit-all`: asks whoever sits there where something follows, has the run begin and waits for its
+/// `quit-all`: asks the user if an action follows, begins the run and waits for its
 /// end.
 class WaitedRun {
 public:
     using End = std::function<void(ExitStatus status)>;
 
-    /// What it is handed outlives it.
+    /// The references must outlive it.
     WaitedRun(const CommandLine& line, const Formats& formats, ForegroundJob& job, Program& program,
               Program::Fail fail, End end);
 
-    /// `agreed` is called once it is to begin.
+    /// `agreed` is called when the run may begin.
     void start(std::function<void()> agreed);
 
     void hear(const remote::Change& change);

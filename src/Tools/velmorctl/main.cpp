@@ -22,7 +22,7 @@ using namespace velmorquit;
 
 namespace {
 
-/// Whether it is one of the commands that go on until something happens.
+/// Whether the command goes on until something happens.
 bool isWaiting(std::string_view word) {
     constexpr std::array waiting{remote::Verb::quitAll, remote::Verb::watch, remote::Verb::eject};
     const auto meant = remote::controlCommands(word);
@@ -32,7 +32,7 @@ bool isWaiting(std::string_view word) {
 } // namespace
 
 int main(int argc, char** argv) {
-    // A run may close the very terminal in which its end is waited for.
+    // A run may close the very terminal that waits for its end.
     for (const int signal : {SIGHUP, SIGPIPE})
         std::signal(signal, SIG_IGN);
     ForegroundJob job = argc > 1 && isWaiting(argv[1]) ? ForegroundJob::begin() : ForegroundJob();

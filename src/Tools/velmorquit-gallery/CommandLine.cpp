@@ -14,7 +14,7 @@ struct Options {
     QCommandLineOption sheet{QStringLiteral("sheet"), {}, QStringLiteral("FILE")};
 };
 
-/// What is wrong with the values of the options; empty when nothing is.
+/// Reads the options' values; says what is wrong with them, empty when nothing is.
 std::string readValues(const QCommandLineParser& parser, const Options& options,
                        CommandLine& line) {
     if (parser.isSet(options.language)) {
@@ -45,7 +45,7 @@ std::variant<CommandLine, std::string> parseCommandLine(const QStringList& argum
     QCommandLineParser parser;
     parser.addOptions(
         {options.help, options.list, options.language, options.scale, options.out, options.sheet});
-    // It takes the first one for the program's name.
+    // The parser takes the first argument for the program's name.
     if (!parser.parse(QStringList(QString()) + arguments))
         return parser.errorText().toStdString();
     CommandLine line;

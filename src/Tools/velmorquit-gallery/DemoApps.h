@@ -9,28 +9,28 @@
 #include <string_view>
 #include <vector>
 
-/// Applications that nobody has, for pictures.
+/// Fictitious applications for pictures.
 namespace velmorquit::DemoApps {
 
-/// Lets the desktop know the files that start them, whether they are open or not.
+/// Adds the files that start them to the desktop, whether they are open or not.
 void install(SimulatedDesktop& desktop);
 
-/// Opens those of which the English names are given, all with different figures.
+/// Opens those with these English names, each with different figures.
 void open(SimulatedDesktop& desktop, Language language, const std::vector<std::string>& names);
 
-/// Opens so many, of every kind several.
+/// Opens so many of them, several of each kind.
 void openMany(SimulatedDesktop& desktop, Language language, int count);
 
-/// Starts the one of that English name.
+/// Starts the application with that English name.
 SimulatedApplication& start(SimulatedDesktop& desktop, Language language, std::string_view name);
 
-/// Those of which the English names are given, as a run that has closed them keeps them.
+/// Those with these English names, as saved by a run that has closed them.
 [[nodiscard]] std::vector<SavedApp> saved(Language language, const std::vector<std::string>& names);
 
-/// What the one of that English name is called.
+/// The displayed name of the application with that English name.
 [[nodiscard]] std::string nameOf(Language language, std::string_view name);
 
-/// The key by which the exclusions know it.
+/// Its key for exclusions.
 [[nodiscard]] std::string key(std::string_view name);
 
 } // namespace velmorquit::DemoApps

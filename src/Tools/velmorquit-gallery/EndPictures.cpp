@@ -9,7 +9,7 @@ namespace {
 
 using Kind = EndObstacle::Kind;
 
-/// The panel while the end of the session is at that stage, because of these.
+/// Shows the panel with the end of the session in that state.
 void end(Stage& stage, EndState state) {
     stage.settings.afterQuit.store(PowerAction::shutDown);
     stage.startUsually();

@@ -9,19 +9,19 @@ namespace velmorquit {
 
 class Stage;
 
-/// A state of the program that is worth looking at.
+/// A state of the program worth looking at.
 struct Picture {
     std::string name;
     void (*stage)(Stage& stage);
     StageScreens::Kind screen = StageScreens::Kind::ordinary;
 };
 
-/// All there are.
+/// All pictures.
 [[nodiscard]] const std::vector<Picture>& pictures();
 
-/// While nothing goes on; with a run set for later; during one and after it; while the session is
-/// about to end; on desktops that are
-/// set up in other ways; the menus and what else is the toolkit's; what all of it is drawn with.
+/// The idle panel; a scheduled run; during and after a run; the end of the session; desktops with
+/// other settings; menus and other
+/// parts of the toolkit; the shapes everything is drawn with.
 [[nodiscard]] std::vector<Picture> restPictures();
 [[nodiscard]] std::vector<Picture> schedulePictures();
 [[nodiscard]] std::vector<Picture> runPictures();

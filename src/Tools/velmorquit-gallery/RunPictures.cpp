@@ -67,7 +67,7 @@ void doneWithOne(Stage& stage) {
     stage.advance(3s);
 }
 
-/// What is to be shut down is backed up first; the tool needs `duration`.
+/// A backup before a shutdown; the tool needs `duration` for it.
 QuitController& backUp(Stage& stage, Duration duration) {
     stage.settings.backupFirst.store(true);
     stage.settings.afterQuit.store(PowerAction::shutDown);

@@ -18,7 +18,7 @@ namespace {
 const QColor darkGround(46, 44, 54);
 const QColor lightGround(242, 242, 244);
 
-/// Every symbol at three sizes, over its name.
+/// Every symbol in three sizes above its name.
 class SymbolTable : public QWidget {
 public:
     SymbolTable() : names_(QDir(QStringLiteral(":/symbols")).entryList()) {
@@ -59,7 +59,7 @@ private:
     QStringList names_;
 };
 
-/// The program's icons: the one for panels on light and on dark ones, and the large one.
+/// The program's icons: those for light and dark panels, and the large one.
 class OwnIcons : public QWidget {
 public:
     OwnIcons() { setFixedSize(3 * cellWidth, cellHeight); }

@@ -8,9 +8,9 @@
 namespace velmorquit {
 namespace {
 
-/// Of a row, in points; a wider picture has one by itself.
+/// Width of a row, in points; a wider picture gets a row of its own.
 constexpr int mostWidth = 2400;
-/// Pictures have an empty edge, in which it stands as well.
+/// Of a name, which reaches into the empty margin of its picture.
 constexpr int nameHeight = 8;
 constexpr int nameRise = 26;
 

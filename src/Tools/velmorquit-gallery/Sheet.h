@@ -7,7 +7,7 @@
 
 namespace velmorquit {
 
-/// Many pictures of one scale on a single one, each with its name below it, in rows.
+/// Many pictures of one scale in a single picture, in rows, each with its name below it.
 class Sheet {
 public:
     explicit Sheet(int scale) : scale_(scale) {}
@@ -22,7 +22,7 @@ private:
         QPoint place; ///< in points
     };
 
-    /// Gives every entry its place and returns the size of the whole, in points.
+    /// Places every entry and returns the size of the whole, in points.
     QSize layOut(std::vector<Entry>& entries) const;
 
     int scale_;

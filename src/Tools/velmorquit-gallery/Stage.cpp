@@ -23,7 +23,7 @@ namespace {
 constexpr double gibibyte = 1024.0 * 1024 * 1024;
 constexpr int margin = 48;
 
-/// Those that are open, popups after what they belong to.
+/// The open windows, popups after their owners.
 std::vector<QWidget*> openWindows() {
     std::vector<QWidget*> windows;
     for (QWidget* window : QApplication::topLevelWidgets()) {
@@ -43,11 +43,11 @@ Stage::Stage(const Setting& setting) : setting_(setting), font_(QApplication::fo
     desktop.kernel.model = isItalian ? "Portatile da 14″" : "14″ laptop";
     desktop.kernel.brand = "AMD Ryzen 7 7840U w/ Radeon Graphics";
     useMemory(11.24);
-    // An evening, with some time left until the hour for which runs are set.
+    // In the evening, with some time left until the scheduled hour.
     desktop.loop.moveWallClock(12h + 36min);
     desktop.backupTool.earlierBackup = desktop.loop.now() - 2h;
     DemoApps::install(desktop);
-    // What moves would be somewhere else every time.
+    // Moving parts would be elsewhere every time.
     face.appearance.motionReduced = true;
     const ScreenRect screen = StageScreens::area(setting.screen, setting.scale);
     face.screens.set({{screen, screen}});
@@ -196,7 +196,7 @@ QImage Stage::photograph() const {
     const std::vector<QWidget*> windows = openWindows();
     QRect area;
     for (const QWidget* window : windows) {
-        // Where windows are blended they bring the room for their shadows along.
+        // Blended windows include the space for their shadows.
         const bool isPlain =
             !window->testAttribute(Qt::WA_TranslucentBackground) || !face.windows.isCompositing();
         const int more = isPlain ? margin : 0;

@@ -24,14 +24,14 @@ class QWidget;
 
 namespace velmorquit {
 
-/// One that has found what a picture is to show.
+/// An updater whose findings each picture sets.
 struct StageUpdater : AppUpdater {
     using AppUpdater::AppUpdater;
     using AppUpdater::publish;
 };
 
-/// The simulated desktop for one picture, and the program on it. It begins at the same moment of
-/// virtual time, and nothing on it moves by itself: what is drawn is the same every time.
+/// The simulated desktop for one picture, and the program on it. It always begins at the same
+/// moment of virtual time, and nothing moves by itself, so the pictures are the same every time.
 class Stage {
 public:
     struct Setting {
@@ -48,36 +48,36 @@ public:
 
     [[nodiscard]] Language language() const { return setting_.language; }
 
-    /// Opens the demonstration applications of these English names; without any the usual eight.
+    /// Opens the demonstration applications with these English names; the usual eight by default.
     void open(const std::vector<std::string>& names = {});
     void exclude(const std::vector<std::string>& names);
     void useMemory(double gibibytes);
-    /// The user's own type becomes half as large again.
+    /// Makes the user's font half as large again.
     void enlargeType();
 
-    /// Lets the program begin, once the desktop is as it is to be.
+    /// Starts the program, once the desktop is set up.
     QuitController& start();
-    /// With the usual applications, two of them excluded, and a place for backups.
+    /// The same with the usual applications, two of them excluded, and a place for backups.
     QuitController& startUsually();
     void openPanel();
-    /// The icon's menu, with its first entry chosen.
+    /// The icon's menu, with its first entry selected.
     void openQuickMenu();
-    /// Asks the program for that from outside, so that its question is on the screen.
+    /// Requests the action from outside, so that its question is on the screen.
     void askFor(const ActionRequest& request);
     /// A window that belongs to no program.
     void show(std::unique_ptr<QWidget> window);
-    /// Lets the time pass, and all settle that follows from it.
+    /// Lets the time pass, and everything settle.
     void advance(Duration time);
 
-    /// The one of the program's widgets that has this object name.
+    /// The program's widget with this object name.
     [[nodiscard]] QWidget& widget(const char* name) const;
     /// Moves the pointer into the middle of the widget.
     void pointAt(const QWidget& widget);
     void click(const char* name);
-    /// What the last run has closed, three hours ago, by the English names.
+    /// The applications closed by the last run, three hours ago, by their English names.
     void rememberClosed(const std::vector<std::string>& names);
 
-    /// All windows that are open, on a dark ground.
+    /// All open windows, on a dark background.
     [[nodiscard]] QImage photograph() const;
 
     SimulatedDesktop desktop;
@@ -87,7 +87,7 @@ public:
 
 private:
     void settle();
-    /// Where something stands that is neither at the top nor at the edge.
+    /// A place away from the top and from the edges.
     [[nodiscard]] QPoint middle() const;
 
     Setting setting_;

@@ -38,7 +38,7 @@ QJsonObject described(const Screen& screen) {
 } // namespace
 
 void prepare() {
-    // It is read when the application object is made, and stays until the end for that.
+    // Read when the application object is created; it stays until the end for that.
     static QTemporaryFile file;
     QJsonArray list;
     for (const Screen& screen : screens)

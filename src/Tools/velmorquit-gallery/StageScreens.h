@@ -2,18 +2,18 @@
 
 #include "Platform/ScreenRect.h"
 
-/// The screens of the platform on which pictures are made: nobody sees them.
+/// The screens of the platform on which pictures are drawn, invisible to everybody.
 namespace velmorquit::StageScreens {
 
 enum class Kind {
-    ordinary, ///< high enough for all that is drawn
-    low,      ///< of a small laptop
+    ordinary, ///< high enough for everything
+    low,      ///< like that of a small laptop
 };
 
-/// Has the toolkit start with them. Before there is an application object.
+/// Makes the toolkit start with them. To be called before there is an application object.
 void prepare();
 
-/// Where the one of that kind and scale is.
+/// The area of the screen of that kind and scale.
 [[nodiscard]] ScreenRect area(Kind kind, int scale);
 
 } // namespace velmorquit::StageScreens

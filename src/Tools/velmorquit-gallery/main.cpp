@@ -21,7 +21,7 @@ namespace {
 
 enum ExitStatus { success = 0, failure = 1, usageError = 2 };
 
-/// Pictures don't depend on whose they are or where they are made.
+/// Pictures must not depend on the user or the place.
 void forgetTheUser() {
     for (const char* name :
          {"LANGUAGE", "QT_SCALE_FACTOR", "QT_FONT_DPI", "QT_STYLE_OVERRIDE", "QT_QPA_PLATFORMTHEME",
@@ -33,7 +33,7 @@ void forgetTheUser() {
 
 QtMessageHandler usualHandler = nullptr;
 
-/// The platform that shows nothing complains whenever a window is to come to the front.
+/// The invisible platform complains whenever a window is raised.
 void hear(QtMsgType type, const QMessageLogContext& context, const QString& message) {
     if (!message.startsWith(QLatin1String("This plugin does not support")))
         usualHandler(type, context, message);
@@ -46,7 +46,7 @@ void dress() {
     palette.setColor(QPalette::Base, ground);
     for (const auto role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, QColor(128, 129, 135));
-    // That of the edge that the style gives to texts that are switched off.
+    // The colour of the edge that the style gives disabled texts.
     palette.setColor(QPalette::Disabled, QPalette::Light, ground);
     palette.setColor(QPalette::Highlight, QColor(107, 69, 194));
     QApplication::setPalette(palette);
@@ -73,7 +73,7 @@ bool write(const QImage& image, const QString& file) {
     return isWritten;
 }
 
-/// The pictures of those names; a text names one that there isn't.
+/// The pictures with those names; a text names one that doesn't exist.
 std::variant<std::vector<Picture>, std::string> chosen(const QStringList& names) {
     if (names.isEmpty())
         return pictures();

@@ -32,10 +32,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Keeps the computer awake, if anybody lets it.
+/// Keeps the computer awake, as far as that is possible.
 class Wakefulness {
 public:
-    /// Connecting to the buses takes a moment: restic is at work meanwhile.
+    /// Called while restic is already working, since connecting to the buses takes a moment.
     void begin() {
         if (hold_)
             return;
@@ -69,7 +69,7 @@ public:
             if (restic_.isInterrupted())
                 return fail({localized("Il backup è stato fermato.")});
         }
-        // Last, after all that others had to say.
+        // Last, after all other messages.
         ExitStatus status = ExitStatus::success;
         for (const Problem& problem : problems)
             status = fail(problem);
@@ -92,7 +92,7 @@ private:
     std::size_t done_ = 0;
 };
 
-/// The sources that are there; the others are named.
+/// The existing sources; the user is warned of the others.
 std::vector<std::string> presentSources(const Destination& destination) {
     std::vector<std::string> present;
     for (const std::string& source : destination.sources) {
@@ -124,7 +124,7 @@ std::vector<std::string> arguments(const Destination& destination,
 
 std::optional<Problem> BackupRun::backUpTo(const Destination& destination) {
     const Repository repository(restic_, destination.path, destination.passwordFile);
-    // Never made anew here: an empty mount point is a disk that isn't plugged in.
+    // Never created here: an empty mount point is a disk that isn't plugged in.
     if (!Repository::isAt(destination.path))
         return Problem{localized("La destinazione %@ non si trova: collega il disco e riprova.",
                                  destination.path)};
@@ -134,7 +134,7 @@ std::optional<Problem> BackupRun::backUpTo(const Destination& destination) {
     repository.removeStaleLocks();
     report_ = {};
     SnapshotRecord made{.id = {}, .date = wholeSecondFromNow()};
-    // Each has a name of its own.
+    // Each backup needs a name of its own.
     if (const auto latest = destination.latest(); latest && made.date <= *latest)
         made.date = *latest + 1s;
     const ResticEnd end =
@@ -147,7 +147,7 @@ std::optional<Problem> BackupRun::backUpTo(const Destination& destination) {
                         .errors = [&](std::string_view line) { hearErrors(repository, line); },
                         .started = [this] { wakefulness_.begin(); }});
     made.id = report_.snapshot();
-    // What could not be read doesn't spoil the rest.
+    // Unreadable files don't spoil the rest.
     constexpr int someUnreadable = 3;
     if (made.id.empty() || (end.status != 0 && end.status != someUnreadable))
         return repository.problem(end);
@@ -168,7 +168,7 @@ std::optional<Problem> BackupRun::record(const Destination& destination,
                             [&](Destination& recorded) { recorded.snapshots.push_back(made); });
 }
 
-// restic tries again for a quarter of an hour what can't come right by itself.
+// restic would retry for a quarter of an hour what can't resolve itself.
 void BackupRun::hearErrors(const Repository& repository, std::string_view line) {
     report_.hear(line);
     const bool isRetrying = line.find("retrying") != line.npos;
@@ -224,7 +224,7 @@ ExitStatus backUpInBackground() {
     if (RunningBackup::process())
         return fail(alreadyRunning());
     const fs::path log = Folders::state() / "backup.log";
-    // What opens it later keeps its mode.
+    // Files keep this mode when they are opened later.
     if (PrivateFiles::makeFolder(log.parent_path()) ||
         PrivateFiles::replace(log, {}, PrivateFiles::Durability::untilShutdown))
         return fail(
@@ -240,7 +240,7 @@ ExitStatus backUpInBackground() {
         return fail({localized("Non posso avviare il backup.")});
     constexpr int patience = 3000;
     for (int waited = 0; waited < patience && RunningBackup::process() != id; waited += 10) {
-        // One that has ended by now has said in its log why.
+        // A process that has already ended has logged the reason.
         if (::kill(static_cast<pid_t>(id), 0) != 0)
             break;
         QThread::msleep(10);

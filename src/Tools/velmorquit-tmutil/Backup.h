@@ -6,11 +6,11 @@
 
 namespace velmorquit::tmutil {
 
-/// Backs up to every destination in turn. One that fails doesn't hold back the others; then the
-/// status is a failure, and the last line on standard error says why.
+/// Backs up to every destination in turn. A failure doesn't stop the others, but then the status is
+/// a failure, and the last line on standard error gives the reason.
 [[nodiscard]] ExitStatus backUp(Restic& restic, const Formats& formats);
 
-/// Starts a backup that goes on by itself, and waits until it is under way.
+/// Starts a backup that goes on in the background, and waits until it is running.
 [[nodiscard]] ExitStatus backUpInBackground();
 
 } // namespace velmorquit::tmutil

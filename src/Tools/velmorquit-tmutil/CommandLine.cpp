@@ -16,7 +16,7 @@ using Command = CommandLine::Command;
 
 struct Words {
     Command command;
-    std::size_t fewest = 0; ///< names
+    std::size_t fewest = 0; ///< of names
     std::size_t most = 0;
 };
 
@@ -39,7 +39,7 @@ const std::map<std::string, Words>& commands() {
     return words;
 }
 
-/// Takes the value of an option; false when it is none that the option can have.
+/// Takes the value of an option; false when the option doesn't accept it.
 using Take = std::function<bool(CommandLine& line, const std::string& value)>;
 
 Take number(std::int64_t KeepRules::* rule) {

@@ -12,11 +12,11 @@ namespace velmorquit::tmutil {
 /// Exit statuses of velmorquit-tmutil.
 enum class ExitStatus {
     success = 0,
-    failure = 1, ///< not done, or not all of it
-    usage = 2,   ///< the words were not understood
+    failure = 1, ///< failed at least in part
+    usage = 2,   ///< the command line was not understood
 };
 
-/// What the user asked for on the command line. Paths are any bytes.
+/// The user's request on the command line. Paths may be any bytes.
 struct CommandLine {
     enum class Command {
         help,
@@ -33,7 +33,7 @@ struct CommandLine {
     };
 
     Command command = Command::help;
-    std::vector<std::string> names{}; ///< what is no option
+    std::vector<std::string> names{}; ///< all arguments that aren't options
     std::vector<std::string> sources{};
     std::vector<std::string> excludes{};
     std::optional<KeepRules> keep{};
@@ -44,7 +44,7 @@ struct CommandLine {
     bool readsData = false;
 };
 
-/// Reads the arguments, the program's name left out.
+/// Reads the arguments without the program's name.
 [[nodiscard]] Outcome<CommandLine> parseCommandLine(std::vector<std::string> arguments);
 
 } // namespace velmorquit::tmutil

@@ -2,14 +2,14 @@
 
 #include <filesystem>
 
-/// Where the tool keeps what it knows.
+/// The folders for the tool's files.
 namespace velmorquit::tmutil::Folders {
 
-/// What must outlast everything: destinations and passwords.
+/// Destinations and passwords, which are kept permanently.
 [[nodiscard]] std::filesystem::path configuration();
 
-/// What ends with the session: `velmorquit` in XDG_RUNTIME_DIR, in the system's folder for that
-/// where the variable is not set (a timer has none), else the same as `state`.
+/// Files that end with the session: `velmorquit` in XDG_RUNTIME_DIR; if that isn't set (a timer has
+/// none), in the system's folder for this purpose, else the same as `state`.
 [[nodiscard]] std::filesystem::path runtime();
 
 /// Logs: `$XDG_STATE_HOME/velmorquit`.

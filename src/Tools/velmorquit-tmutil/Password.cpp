@@ -23,10 +23,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// All that a signal handler can reach.
+/// The only thing that a signal handler can reach.
 termios shownBefore;
 
-/// Nothing that is typed is shown while this lives, nor is it hidden after Ctrl+C.
+/// Hides typed characters during its life, and no longer than that even after Ctrl+C.
 class HiddenInput {
 public:
     HiddenInput() {
@@ -94,7 +94,7 @@ std::optional<std::string> ask(const std::string& question) {
 
 Outcome<std::string> read(const std::string& file) {
     std::ifstream stream(file, std::ios::binary);
-    // Not to the end: it may be a pipe, or a device that has none.
+    // Not to the end: it may be a pipe, or a device without an end.
     constexpr std::size_t longest = 1 << 16;
     std::string content(longest, '\0');
     stream.read(content.data(), longest);

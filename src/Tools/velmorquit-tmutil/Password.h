@@ -6,21 +6,21 @@
 #include <optional>
 #include <string>
 
-/// Passwords of repositories. They are in files of the owner's alone, never in arguments, the
-/// environment or a log.
+/// Passwords of repositories. They are kept in files readable by their owner alone, never in
+/// arguments, the environment or a log.
 namespace velmorquit::tmutil::Password {
 
-/// A new one that nobody can guess, of letters and digits that can't be taken for each other.
+/// A new unguessable password, of letters and digits that can't be confused with each other.
 [[nodiscard]] std::string make();
 
-/// Asks for one on the terminal, without showing it; empty for an empty answer, none when the
-/// input ends.
+/// Asks for a password on the terminal without showing it; empty for an empty answer, none at the
+/// end of input.
 [[nodiscard]] std::optional<std::string> ask(const std::string& question);
 
-/// What restic takes the file for: its content without blanks at the ends.
+/// The password in the file as restic reads it, without blanks at either end.
 [[nodiscard]] Outcome<std::string> read(const std::string& file);
 
-/// Keeps it in a new file; gives its path.
+/// Stores it in a new file and returns the path.
 [[nodiscard]] Outcome<std::filesystem::path> keep(const std::string& password);
 
 } // namespace velmorquit::tmutil::Password

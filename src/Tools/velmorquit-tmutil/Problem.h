@@ -9,13 +9,13 @@ namespace velmorquit::tmutil {
 
 /// Why something could not be done.
 struct Problem {
-    std::string sentence; ///< for a person, on one line
+    std::string sentence; ///< for the user, on one line
 };
 
-/// What an operation gives, or why it gives nothing.
+/// The result of an operation, or why there is none.
 template <class Type> using Outcome = std::variant<Type, Problem>;
 
-/// The reason when there is one, else null.
+/// The reason if there is one, else null.
 template <class Type> [[nodiscard]] const Problem* problemOf(const Outcome<Type>& outcome) {
     return std::get_if<Problem>(&outcome);
 }

@@ -61,7 +61,7 @@ bool isOfThisComputer(const Snapshot& snapshot, const Destination& destination) 
     return snapshot.isOurs && snapshot.host == destination.host;
 }
 
-/// The record as the repository has it now.
+/// The present snapshots of the repository, as a record.
 std::vector<SnapshotRecord> recordOf(const std::vector<Snapshot>& snapshots,
                                      const Destination& destination) {
     std::vector<SnapshotRecord> record;
@@ -115,7 +115,7 @@ ExitStatus printLatestBackup() {
     if (!newest)
         return fail({localized("Non c’è ancora nessun backup.")});
     const std::string path = pathOf(*newest, *newest->latest());
-    // A script gets the folder's very name.
+    // A script gets the folder's exact name.
     if (::isatty(STDOUT_FILENO))
         say(path);
     else
@@ -197,7 +197,7 @@ Outcome<std::vector<Snapshot>> snapshotsIn(const Destination& destination, Resti
         if (known != destination.snapshots.end())
             snapshot.date = known->date;
     }
-    // What a backup that is under way adds meanwhile isn't in what was read.
+    // The list may lack a snapshot that a running backup adds meanwhile.
     if (RunningBackup::process())
         return read;
     if (const auto problem = Settings::change(destination.id, [&](Destination& recorded) {
@@ -215,7 +215,7 @@ ExitStatus listSnapshots(Restic& restic) {
     for (const Destination& destination : std::get<Destinations>(loaded)) {
         const auto read = snapshotsIn(destination, restic);
         if (const auto* problem = problemOf(read)) {
-            // A disk that isn't plugged in is nothing unusual.
+            // A disk that isn't plugged in is normal.
             warn(problem->sentence);
             if (Repository::isAt(destination.path))
                 status = ExitStatus::failure;
@@ -232,10 +232,10 @@ ExitStatus listSnapshots(Restic& restic) {
 
 namespace {
 
-/// Reads all of a small repository and a part of a large one, another one each time.
+/// Reads all of a small repository, and a part of a large one, each time a different one.
 ResticEnd check(const Repository& repository, bool readsData) {
     ResticEnd end = repository.run({"check", readsData ? "--read-data" : "--read-data-subset=1G"});
-    // There is nothing to read before the first backup.
+    // Before the first backup there is nothing to read.
     if (end.errors.find("repository having size 0") != end.errors.npos)
         end = repository.run({"check"});
     return end;

@@ -6,10 +6,10 @@
 
 namespace velmorquit::tmutil {
 
-/// The property list of `status -X`. Quick: restic isn't asked.
+/// Prints the property list of `status -X`. Quick: restic isn't asked.
 void printStatusList();
 
-/// The same for a person, with where it goes and when it was done last.
+/// The same for the user, with the destinations and the last backups.
 [[nodiscard]] ExitStatus printStatus(const Formats& formats);
 
 /// The path of the newest backup. Quick: restic isn't asked.
@@ -17,20 +17,20 @@ void printStatusList();
 
 [[nodiscard]] ExitStatus printDestinations();
 
-/// Ends the backup that is under way.
+/// Ends the running backup.
 [[nodiscard]] ExitStatus stopBackup();
 
-/// Forgets a destination; what is in it stays.
+/// Forgets a destination; its content stays.
 [[nodiscard]] ExitStatus removeDestination(const CommandLine& line);
 
-/// What is in the repositories that can be reached, and brings the record in line with that.
+/// Prints the content of the repositories that can be reached, and updates the record.
 [[nodiscard]] ExitStatus listSnapshots(Restic& restic);
 
 /// Has restic check every repository.
 [[nodiscard]] ExitStatus checkDestinations(const CommandLine& line, Restic& restic);
 
-/// What is in the destination's repository. A backup of this computer has the date that is on
-/// record for it. The record is brought in line.
+/// The content of the destination's repository. Backups of this computer have their recorded dates.
+/// Updates the record.
 [[nodiscard]] Outcome<std::vector<Snapshot>> snapshotsIn(const Destination& destination,
                                                          Restic& restic);
 

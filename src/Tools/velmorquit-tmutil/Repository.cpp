@@ -21,22 +21,22 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Seconds since 1970 at which the system was started.
+/// When the system was started, in seconds since 1970.
 qint64 bootTime() {
     const std::string stat = ProcDirectory().read("stat");
     const auto at = stat.find("\nbtime ");
     return at == stat.npos ? 0 : std::strtoll(stat.c_str() + at + 7, nullptr, 10);
 }
 
-/// Whether the process that had this id at `time` has ended. Asking by a signal, as restic does,
-/// would hit whoever has the id now.
+/// Whether the process that had this id at `time` has ended. Probing it with a signal, as restic
+/// does, would hit whatever process has the id now.
 bool hasEnded(int process, qint64 time) {
     const auto stat = readProcessStat(process);
     if (!stat || stat->state == 'Z' || stat->state == 'X')
         return true;
     const auto ticks = static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
     const qint64 started = bootTime() + static_cast<qint64>(stat->startTime / ticks);
-    // The start of the system is known to a second.
+    // The start of the system is known only to the second.
     return started > time + 2;
 }
 
@@ -152,7 +152,7 @@ void Repository::removeStaleLocks() const {
     bool isAnyUnknown = false;
     for (const fs::path& lock : filesIn(fs::path(path_) / "locks")) {
         std::error_code error;
-        // A power cut leaves files without anything in them.
+        // A power cut may leave empty files.
         const bool isEmpty = fs::file_size(lock, error) == 0 && !error;
         const auto holder = isEmpty ? LockHolder::hasEnded : holderOf(lock.filename().string());
         if (holder == LockHolder::hasEnded)
@@ -160,7 +160,7 @@ void Repository::removeStaleLocks() const {
         isAnyElsewhere = isAnyElsewhere || holder == LockHolder::elsewhere;
         isAnyUnknown = isAnyUnknown || holder == LockHolder::unknown;
     }
-    // By age, half an hour. Of this computer's processes restic would ask by a signal.
+    // By age (half an hour). For processes of this computer, restic would probe with a signal.
     if (isAnyElsewhere && !isAnyUnknown)
         static_cast<void>(run({"unlock"}));
 }

@@ -13,12 +13,12 @@ namespace velmorquit::tmutil {
 /// A restic repository in a folder.
 class Repository {
 public:
-    /// What this tool's own snapshots are marked with.
+    /// The mark of this tool's own snapshots.
     static constexpr const char* tag = ResticAnswers::tag;
 
     Repository(Restic& restic, std::string path, std::string passwordFile);
 
-    /// Whether a folder holds one, as far as can be seen without its password.
+    /// Whether a folder holds a repository, as far as can be seen without its password.
     [[nodiscard]] static bool isAt(const std::string& path);
 
     [[nodiscard]] const std::string& path() const { return path_; }
@@ -27,20 +27,20 @@ public:
     [[nodiscard]] ResticEnd run(std::vector<std::string> arguments,
                                 const Restic::Listeners& listeners = {}) const;
 
-    /// What hindered such a call, as a sentence that names the destination.
+    /// Why such a call failed, as a sentence that names the destination.
     [[nodiscard]] Problem problem(const ResticEnd& end) const;
 
     /// Makes it.
     [[nodiscard]] std::optional<Problem> create() const;
 
-    /// Its identity, which tells as well that the password opens it.
+    /// Its identity, which also proves that the password opens it.
     [[nodiscard]] Outcome<std::string> id() const;
 
-    /// All that is in it, oldest first. Changes nothing there.
+    /// All its snapshots, oldest first. Changes nothing there.
     [[nodiscard]] Outcome<std::vector<Snapshot>> snapshots() const;
 
-    /// Removes the locks of processes that have ended without doing so. Quick where there is no
-    /// lock at all.
+    /// Removes locks left by processes that have ended. Quick if there are no locks
+    /// at all.
     void removeStaleLocks() const;
 
     void interrupt() const { restic_.interrupt(); }
@@ -55,7 +55,7 @@ private:
     std::string passwordFile_;
 };
 
-/// A path as a pattern of restic's that means nothing else.
+/// A path as a restic pattern that matches nothing else.
 [[nodiscard]] std::string escapedPattern(const std::string& path);
 
 /// The name of this computer.

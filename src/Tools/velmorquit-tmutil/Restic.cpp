@@ -19,10 +19,10 @@ namespace velmorquit::tmutil {
 namespace {
 
 constexpr std::size_t mostErrors = 65536;
-/// How long it may take to put its things in order, milliseconds.
+/// How long it may take to clean up, in milliseconds.
 constexpr int patience = 30000;
 
-/// What this process has, without what would make restic work elsewhere or with another password.
+/// The environment without variables that would give restic another repository or password.
 std::vector<std::string> environment() {
     std::vector<std::string> variables{"RESTIC_PROGRESS_FPS=2"};
     for (char** variable = environ; *variable; ++variable) {
@@ -41,25 +41,25 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return list;
 }
 
-/// Turns a new process into restic. Done here, since Qt's own arguments can't hold every file's
-/// name. It shares its memory with its parent until then, where a sanitizer would leave its marks.
+/// Turns a new process into restic. Not left to Qt, whose arguments can't hold every file's name.
+/// Until then it shares its parent's memory, where a sanitizer would leave its marks.
 __attribute__((no_sanitize("address", "undefined"))) void
 become(char* const* words, char* const* variables, pid_t parent) {
     ::prctl(PR_SET_PDEATHSIG, SIGINT);
     if (::getppid() != parent)
         ::_exit(EXIT_FAILURE);
-    // A group of its own: Ctrl+C is passed on to it once, by its parent.
+    // Its own process group: Ctrl+C is passed on to it once, by its parent.
     ::setpgid(0, 0);
     ::signal(SIGINT, SIG_DFL);
     ::signal(SIGTERM, SIG_DFL);
-    // Readers of its own for what it writes: when its parent dies it says so, which would end it
-    // before it has removed its lock.
+    // Readers of its own for its output: when its parent dies it prints a message, and a broken
+    // pipe would end it before it has removed its lock.
     for (const char* output : {"/proc/self/fd/1", "/proc/self/fd/2"})
         static_cast<void>(::open(output, O_RDONLY | O_NONBLOCK));
     ::execve(words[0], words, variables);
 }
 
-/// Hands out whole lines of what arrives in pieces.
+/// Splits output that arrives in pieces into lines.
 class Lines {
 public:
     explicit Lines(const Restic::Line& listener) : listener_(listener) {}
@@ -72,7 +72,7 @@ public:
             begin = end + 1;
         }
         rest_.erase(0, begin);
-        // Longer than what it says in one line: a report has one name of a file at most.
+        // No message is longer: a report contains at most one file's name.
         if (rest_.size() > mostErrors)
             rest_.clear();
     }
@@ -160,7 +160,7 @@ ResticEnd Restic::run(const std::vector<std::string>& arguments, const Listeners
     interruption_.onAsked = [&] {
         end.isStopped = true;
         interrupt();
-        // One that hangs on a disk leaves a lock, which the next start removes.
+        // If it hangs on a disk it leaves a lock, which the next start removes.
         QTimer::singleShot(patience, &process, &QProcess::kill);
     };
     process.start();

@@ -9,15 +9,15 @@
 
 namespace velmorquit::tmutil {
 
-/// Remembers that somebody wants the tool to end: Ctrl+C, or a stop from elsewhere.
+/// Remembers that the tool should end: by Ctrl+C, or a stop from elsewhere.
 class Interruption {
 public:
     Interruption();
 
-    /// Also looks for what has come meanwhile.
+    /// Also looks for new requests.
     [[nodiscard]] bool isAsked() const;
 
-    /// Called when somebody asks, from the event loop.
+    /// Called for a request, from the event loop.
     std::function<void()> onAsked;
 
 private:
@@ -25,17 +25,17 @@ private:
     bool isAsked_ = false;
 };
 
-/// How a call of restic ended.
+/// The outcome of a call of restic.
 struct ResticEnd {
-    int status = -1;    ///< exit status, 128 and a signal's number; -1 when it could not be started
-    std::string output; ///< standard output, when nobody took it line by line
-    std::string errors; ///< the last 64 KiB of standard error
-    bool isStopped = false; ///< somebody wanted the tool to end
+    int status = -1;        ///< exit status; 128 + signal number; -1 when it could not be started
+    std::string output;     ///< standard output, unless it was taken line by line
+    std::string errors;     ///< the last 64 KiB of standard error
+    bool isStopped = false; ///< the tool was asked to end
 
     [[nodiscard]] bool isGood() const { return status == 0 && !isStopped; }
 };
 
-/// Runs restic, and has it end when this process does.
+/// Runs restic, and makes it end when this process does.
 class Restic {
 public:
     using Line = std::function<void(std::string_view)>;
@@ -45,21 +45,21 @@ public:
         std::function<void()> started{};
     };
 
-    /// `program` is its path, empty where it isn't installed; `interruption` outlives this.
+    /// `program` is its path, empty if it isn't installed; `interruption` must outlive this.
     Restic(std::string program, Interruption& interruption);
 
-    /// The path of the one that is installed, empty without one.
+    /// The path of the installed restic, empty without one.
     [[nodiscard]] static std::string installed();
 
     [[nodiscard]] bool isInstalled() const { return !program_.empty(); }
     [[nodiscard]] bool isInterrupted() const { return interruption_.isAsked(); }
 
-    /// Runs it to its end, while the event loop runs. Arguments are any bytes. An interruption is
-    /// passed on to it and its end waited for, so that no lock stays; so it is with `interrupt`.
+    /// Runs it to its end while the event loop runs. Arguments may be any bytes. Interruptions and
+    /// `interrupt` are passed on to it, and its end is waited for, so that no lock remains.
     [[nodiscard]] ResticEnd run(const std::vector<std::string>& arguments,
                                 const Listeners& listeners);
 
-    /// Ends the call that is under way, from one of its listeners.
+    /// Ends the running call, from one of its listeners.
     void interrupt() const;
 
 private:

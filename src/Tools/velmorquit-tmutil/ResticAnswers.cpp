@@ -13,7 +13,7 @@ namespace velmorquit::tmutil {
 
 namespace {
 
-/// A time such as "2026-11-23T03:52:56.946434519Z". Of its digits only milliseconds are understood.
+/// A time such as "2026-11-23T03:52:56.946434519Z", of which Qt understands only milliseconds.
 QDateTime dateTime(QString text) {
     const auto point = text.indexOf('.');
     if (point >= 0) {
@@ -52,7 +52,7 @@ std::vector<Snapshot> ResticAnswers::snapshots(const std::string& output) {
     return snapshots;
 }
 
-// In the first line: what restic prints below it is no JSON.
+// Only the first line, since restic prints other text below it.
 std::vector<std::string> ResticAnswers::removed(const std::string& output) {
     std::vector<std::string> ids;
     const auto line = QByteArray::fromStdString(output.substr(0, output.find('\n')));

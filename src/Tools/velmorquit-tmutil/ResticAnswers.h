@@ -9,7 +9,7 @@
 
 namespace velmorquit::tmutil {
 
-/// A backup as the repository has it.
+/// A backup in the repository.
 struct Snapshot {
     std::string id;
     WallTime date; ///< whole seconds, rounded up
@@ -18,22 +18,22 @@ struct Snapshot {
     bool isOurs = false; ///< made by this tool
 };
 
-/// What restic answers, from the bytes that it prints. What makes no sense is left out.
+/// Parses the output of restic. Invalid parts are left out.
 namespace ResticAnswers {
 
-/// What this tool's own snapshots are marked with.
+/// The mark of this tool's own snapshots.
 inline constexpr const char* tag = "velmorquit";
 
-/// All that is in a repository, oldest first; of `restic snapshots --json`.
+/// All snapshots in a repository, oldest first; from `restic snapshots --json`.
 [[nodiscard]] std::vector<Snapshot> snapshots(const std::string& output);
 
-/// The ids of what was removed; of `restic forget --json`.
+/// The ids of the removed snapshots; from `restic forget --json`.
 [[nodiscard]] std::vector<std::string> removed(const std::string& output);
 
-/// The last line that says something to a person; restic ends some of its messages with others.
+/// The last line that tells the user something; restic ends some of its messages with others.
 [[nodiscard]] std::string lastLine(const std::string& errors);
 
-/// Since 1970, of a time such as "2026-11-23T03:52:56.946434519Z"; 0 where it is none.
+/// Seconds since 1970 for a time such as "2026-11-23T03:52:56.946434519Z"; 0 if it is invalid.
 [[nodiscard]] std::int64_t seconds(const QString& time);
 
 } // namespace ResticAnswers

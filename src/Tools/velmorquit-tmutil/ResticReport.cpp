@@ -9,7 +9,7 @@ namespace velmorquit::tmutil {
 
 namespace {
 
-/// More than there are files, and little enough to be added up.
+/// More than any number of files, and small enough for sums.
 constexpr qint64 most = qint64{1} << 53;
 
 qint64 countAt(const QJsonObject& object, const char* key) {
@@ -23,7 +23,7 @@ void ResticReport::hear(std::string_view line) {
     const QJsonObject object = QJsonDocument::fromJson(bytes).object();
     const QString type = object["message_type"].toString();
     if (type == "status") {
-        // The total grows until everything was counted: a part of it says nothing before that.
+        // The total grows during counting, when a fraction of it means nothing.
         const auto total = object["total_bytes"].toInteger();
         const bool isCounted = object.contains("seconds_remaining") || total_ == total;
         total_ = total;

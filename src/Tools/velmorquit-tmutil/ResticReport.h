@@ -7,13 +7,13 @@
 
 namespace velmorquit::tmutil {
 
-/// What `restic backup --json` tells line by line.
+/// The line-by-line report of `restic backup --json`.
 class ResticReport {
 public:
     /// Takes a line of its standard output or standard error.
     void hear(std::string_view line);
 
-    /// How far it is, 0 to 1; none while restic is still counting what there is.
+    /// Progress from 0 to 1; none while restic is still counting.
     [[nodiscard]] std::optional<double> fraction() const { return fraction_; }
     /// Files and folders that could not be read.
     [[nodiscard]] std::int64_t unreadable() const { return unreadable_; }
@@ -23,7 +23,7 @@ public:
     [[nodiscard]] const std::string& snapshot() const { return snapshot_; }
     /// New and changed files.
     [[nodiscard]] std::int64_t files() const { return files_; }
-    /// What was added to the repository, in bytes.
+    /// Bytes added to the repository.
     [[nodiscard]] std::uint64_t added() const { return added_; }
 
 private:

@@ -15,14 +15,14 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// A snapshot and the destination that has it.
+/// A snapshot and its destination.
 struct Found {
     Destination destination;
     Snapshot snapshot;
 };
 
-/// "latest" is of this computer, so that nobody gets the files of another one by mistake; in a
-/// destination that has none of them it is the newest of all.
+/// "latest" means this computer's, so that nobody restores another one's files by mistake; in a
+/// destination without any of these it is the newest of all.
 bool isBetterLatest(const Found& candidate, const Found& best) {
     const auto isOwn = [](const Found& found) {
         return found.snapshot.isOurs && found.snapshot.host == found.destination.host;
@@ -32,7 +32,7 @@ bool isBetterLatest(const Found& candidate, const Found& best) {
     return candidate.snapshot.date >= best.snapshot.date;
 }
 
-/// What the user calls a snapshot: a stamp, a path that ends with one, or the beginning of its id.
+/// A snapshot may be named by a stamp, a path that ends with one, or the beginning of its id.
 bool isNamed(const Snapshot& snapshot, const std::string& name) {
     const std::string last = name.substr(name.rfind('/') + 1);
     constexpr std::size_t shortest = 4;
@@ -69,7 +69,7 @@ Outcome<Found> find(const std::string& name, Restic& restic) {
     return Problem{localized("Non c’è un backup %@: velmorquit-tmutil list li elenca.", name)};
 }
 
-/// The folder that everything goes to. One that was made for nothing goes again.
+/// The folder to restore to. It is removed again if nothing was restored.
 class Target {
 public:
     explicit Target(const std::string& name) : path_(withoutSlash(name)) {}
@@ -88,7 +88,7 @@ public:
         return path.has_filename() || path == "/" ? path : path.parent_path();
     }
 
-    /// Makes it; a problem when it is there and has something in it.
+    /// Creates it; a problem if it exists and isn't empty.
     std::optional<Problem> prepare() {
         std::error_code error;
         const bool isThere = fs::exists(fs::symlink_status(path_, error));
@@ -108,7 +108,7 @@ private:
     bool isMade_ = false;
 };
 
-/// restic says on a line of its own what it could not write or set.
+/// restic prints a line for everything that it could not write or set.
 std::size_t ignoredIn(const std::string& errors) {
     std::size_t count = 0;
     for (auto at = errors.find("ignoring error"); at != errors.npos;

@@ -5,7 +5,7 @@
 
 namespace velmorquit::tmutil {
 
-/// Gets a backup, or one path of it, back into a folder that is new or empty. Everything keeps its
+/// Restores a backup, or one path of it, into a folder that is new or empty. Everything keeps its
 /// path below that folder.
 [[nodiscard]] ExitStatus restore(const CommandLine& line, Restic& restic);
 

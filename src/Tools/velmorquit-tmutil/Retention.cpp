@@ -20,7 +20,7 @@ std::vector<std::string> arguments(const Destination& destination) {
     std::vector<std::string> arguments{"forget", "--json", "--prune",
                                        std::string("--tag=") + Repository::tag,
                                        "--host=" + destination.host};
-    // The user of another account may back up here too, under the same name of the computer.
+    // Another account may back up here as well, under the same computer name.
     for (const std::string& source : destination.sources)
         arguments.push_back("--path=" + source);
     const auto add = [&](const char* option, std::int64_t count) {
@@ -42,7 +42,7 @@ void strike(Destination& recorded, const std::vector<std::string>& removed) {
 std::optional<Problem> apply(const Repository& repository, const Destination& destination) {
     const ResticEnd end = repository.run(arguments(destination));
     const auto removed = ResticAnswers::removed(end.output);
-    // Also when clearing up after that has failed: they are gone.
+    // Even if the clean-up after the removal has failed: the snapshots are gone.
     const auto problem =
         Settings::change(destination.id, [&](Destination& recorded) { strike(recorded, removed); });
     return end.isGood() ? problem : repository.problem(end);

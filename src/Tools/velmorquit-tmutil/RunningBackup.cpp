@@ -27,7 +27,7 @@ fs::path lockPath() { return Folders::runtime() / "backup.lock"; }
 
 fs::path statusPath() { return Folders::runtime() / "backup.status"; }
 
-/// The whole file, for one that writes.
+/// A write lock on the whole file.
 struct flock wholeFile() {
     struct flock lock{};
     lock.l_type = F_WRLCK;
@@ -35,7 +35,7 @@ struct flock wholeFile() {
     return lock;
 }
 
-/// Becomes readable when the process ends.
+/// A descriptor that becomes readable when the process ends.
 Descriptor openProcess(pid_t process) {
     return Descriptor(static_cast<int>(::syscall(SYS_pidfd_open, process, 0)));
 }
@@ -54,8 +54,8 @@ bool hasEnded(const Descriptor& process, std::chrono::milliseconds patience) {
 
 } // namespace
 
-// Such a lock, unlike that of flock(2), tells who has it without being taken for a moment, and no
-// child inherits it. It would go with any descriptor of the file: nothing else here opens it.
+// Unlike flock(2), this lock tells its owner without being taken for a moment, and children don't
+// inherit it. Closing any descriptor of the file would release it: nothing else here opens it.
 std::optional<RunningBackup> RunningBackup::begin() {
     if (PrivateFiles::makeFolder(Folders::runtime()))
         return RunningBackup(Descriptor(-1));
@@ -76,7 +76,7 @@ void RunningBackup::publish(double fraction) {
         return;
     published_ = std::clamp(fraction, 0.0, 1.0);
     const std::string line = std::to_string(::getpid()) + ' ' + std::to_string(*published_) + '\n';
-    // Who looks meanwhile sees the figure from before.
+    // Until then, readers see the previous figure.
     [[maybe_unused]] const std::error_code unwritten =
         PrivateFiles::replace(statusPath(), line, PrivateFiles::Durability::untilShutdown);
 }
@@ -97,7 +97,7 @@ std::optional<double> RunningBackup::fraction(pid_t process) {
     pid_t writer = 0;
     double fraction = 0;
     const auto [blank, noProcess] = std::from_chars(line.data(), end, writer);
-    // One that was killed has left its figure behind.
+    // A process that was killed has left its figure behind.
     if (noProcess != std::errc{} || writer != process || blank == end)
         return std::nullopt;
     const auto [rest, noFraction] = std::from_chars(blank + 1, end, fraction);
@@ -109,10 +109,10 @@ RunningBackup::Stop RunningBackup::stop() {
     if (!running)
         return Stop::nothingRan;
     const Descriptor opened = openProcess(*running);
-    // From here on the descriptor means the process that had the lock, or one that has it now.
+    // From here on the descriptor refers to the owner of the lock, the former or the present one.
     if (process() != running)
         return Stop::stopped;
-    // A shell that starts programs in the background has them ignore SIGINT.
+    // SIGINT may be ignored: shells start background programs that way.
     ::syscall(SYS_pidfd_send_signal, opened.get(), SIGTERM, nullptr, 0);
     return hasEnded(opened, std::chrono::minutes(1)) ? Stop::stopped : Stop::stillRunning;
 }

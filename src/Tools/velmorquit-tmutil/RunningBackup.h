@@ -8,29 +8,29 @@
 
 namespace velmorquit::tmutil {
 
-/// The backup that is under way, as every process of the user can see it: a lock that ends with the
-/// process that has it, and beside it how far that one is.
+/// The running backup as seen by all processes of the user: a lock that ends with its process, and
+/// beside it the progress.
 class RunningBackup {
 public:
-    /// Makes this process the one that backs up, until the object goes; none when another one is.
-    /// Where there is no folder for the lock, nothing guards it.
+    /// Makes this process the one that backs up, for as long as the object exists; none if there is
+    /// another one. Without a folder for the lock, nothing guards against two.
     [[nodiscard]] static std::optional<RunningBackup> begin();
 
     RunningBackup(RunningBackup&&) noexcept = default;
     RunningBackup& operator=(RunningBackup&&) = delete;
     ~RunningBackup();
 
-    /// Tells how far it is, 0 to 1. It never goes back.
+    /// Publishes the progress, 0 to 1. It never goes back.
     void publish(double fraction);
 
-    /// The process that is backing up; none when there is none.
+    /// The process that is backing up; none without one.
     [[nodiscard]] static std::optional<pid_t> process();
 
-    /// How far it is, 0 to 1; none while that isn't known.
+    /// The progress, 0 to 1; none while unknown.
     [[nodiscard]] static std::optional<double> fraction(pid_t process);
 
     enum class Stop { nothingRan, stopped, stillRunning };
-    /// Has it end, and waits until it has: a minute at most.
+    /// Makes it end, and waits for that, a minute at most.
     [[nodiscard]] static Stop stop();
 
 private:

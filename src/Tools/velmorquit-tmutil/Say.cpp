@@ -8,7 +8,7 @@ namespace velmorquit::tmutil {
 
 void say(const std::string& line) { std::cout << shownLines(line) << std::endl; }
 
-// Whoever started this takes the last line for the reason: it is the whole of it.
+// The last line is taken as the reason by programs that start this one, so it must be complete.
 void warn(const std::string& line) {
     constexpr std::size_t longest = 4000;
     std::cerr << shownText(line, longest) << std::endl;

@@ -7,13 +7,13 @@
 
 namespace velmorquit::tmutil {
 
-/// Writes one or more lines to standard output at once, as a terminal may show them.
+/// Writes one or more lines to standard output at once, fit for a terminal.
 void say(const std::string& line);
 
-/// Writes a line to standard error at once, as a terminal may show it.
+/// Writes a line to standard error at once, fit for a terminal.
 void warn(const std::string& line);
 
-/// Says what is wrong on standard error, and gives the status for that.
+/// Reports the problem on standard error, and returns the status for it.
 [[nodiscard]] ExitStatus fail(const Problem& problem);
 
 } // namespace velmorquit::tmutil

@@ -88,7 +88,7 @@ Value valueOf(const Destination& destination) {
                              {"SnapshotDates", dates}};
 }
 
-/// Held while the file is read and written anew.
+/// Held while the file is read and written again.
 Descriptor lockFile() {
     const fs::path folder = Folders::runtime();
     if (PrivateFiles::makeFolder(folder))
@@ -161,8 +161,8 @@ Settings::change(const std::function<void(std::vector<Destination>&)>& edit) {
     auto& destinations = std::get<std::vector<Destination>>(loaded);
     edit(destinations);
     std::string list = encode(destinations);
-    // What couldn't be read again isn't written. Of the snapshots it is only a note which there
-    // are.
+    // A list that could not be read back is not written. Its snapshots are only a note and may be
+    // shortened.
     if (!decode(list)) {
         constexpr std::size_t kept = 1000;
         for (Destination& destination : destinations) {

@@ -19,13 +19,13 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// What is in a place for backups before the setup.
+/// The content of a place for backups before the setup.
 enum class Found { nothing, repository, otherThings };
 
 Found lookAt(const fs::path& folder) {
     if (Repository::isAt(folder))
         return Found::repository;
-    // The last four are what a setup leaves that was cut short.
+    // The last four are left behind by an interrupted setup.
     static constexpr std::array<std::string_view, 7> harmless{
         "lost+found", "keys", "locks", "tmp", "data", "index", "snapshots"};
     std::error_code error;
@@ -36,8 +36,8 @@ Found lookAt(const fs::path& folder) {
     return error ? Found::otherThings : Found::nothing;
 }
 
-/// The folder's own path. Only the folder itself is made when it isn't there: the one above it may
-/// be missing because a disk isn't plugged in.
+/// The folder's own path. Only the folder itself is created if need be: its parent may be missing
+/// because a disk isn't plugged in.
 Outcome<std::string> placeAt(const std::string& name) {
     std::error_code error;
     const fs::path path = fs::absolute(name, error).lexically_normal();
@@ -51,7 +51,7 @@ Outcome<std::string> placeAt(const std::string& name) {
     return place.string();
 }
 
-/// A password for a new repository that the user types, or one that is made.
+/// A password for a new repository, typed by the user or generated.
 Outcome<std::string> newPassword() {
     if (!::isatty(STDIN_FILENO))
         return Password::make();
@@ -104,7 +104,7 @@ void printRecoverySheet(const Destination& destination, const std::string& passw
                   "restic chiede la password: è quella scritta qui.\n"
                   "─────────────────────────────────────────────────────\n",
                   destination.path, destination.id,
-                  // What isn't read on a terminal may become somebody's log.
+                  // Output that isn't read on a terminal may end up in a log.
                   ::isatty(STDOUT_FILENO)
                       ? password
                       : localized("quella nel file %@", destination.passwordFile)));
@@ -113,7 +113,7 @@ void printRecoverySheet(const Destination& destination, const std::string& passw
                        destination.passwordFile));
 }
 
-/// Opens what the destination's path and password file name, and fills in what is there.
+/// Opens the repository with the destination's path and password file, and fills in its details.
 std::optional<Problem> join(Destination& destination, Restic& restic) {
     const Repository repository(restic, destination.path, destination.passwordFile);
     const auto id = repository.id();
@@ -130,7 +130,7 @@ std::optional<Problem> join(Destination& destination, Restic& restic) {
     return std::nullopt;
 }
 
-/// Takes over from one that is there already what the command line leaves open.
+/// Keeps the existing destination's settings where the command line leaves them open.
 void merge(Destination& into, const Destination& made, const CommandLine& line) {
     Destination merged = made;
     merged.host = into.host;
@@ -155,7 +155,7 @@ std::optional<Problem> record(const Destination& made, const CommandLine& line) 
     });
 }
 
-/// The password that is on record for the place already; none for a new place.
+/// The recorded password of the place; none for a new place.
 std::string knownPasswordFile(const std::vector<Destination>& destinations,
                               const std::string& place) {
     const auto known = std::ranges::find(destinations, place, &Destination::path);
@@ -195,7 +195,7 @@ ExitStatus establish(const CommandLine& line, Destination destination, Found fou
     }
     if (!problem)
         problem = join(destination, restic);
-    // Where a repository was made its password stays, whatever failed after that.
+    // The password of a new repository is kept, whatever failed after that.
     const bool isOfNoUse =
         !isKnown && (found == Found::repository || !Repository::isAt(destination.path));
     if (problem && isOfNoUse)

@@ -23,7 +23,7 @@ std::string home() {
     return home ? home : "";
 }
 
-/// Below the home folder. What can be had anew, and what was thrown away.
+/// Below the home folder: things that can be regenerated, or that were thrown away.
 constexpr std::array inHome{".cache",
                             ".local/share/Trash",
                             ".local/share/gvfs-metadata",
@@ -33,12 +33,12 @@ constexpr std::array inHome{".cache",
                             ".gvfs",
                             ".thumbnails",
                             ".xsession-errors"};
-/// The same with a name between.
+/// The same with wildcards.
 constexpr std::array inHomePatterns{".var/app/*/cache", ".config/*/Cache", ".config/*/Code Cache",
                                     ".config/*/GPUCache", "snap/*/*/.cache"};
 constexpr std::array inSystem{"/proc",    "/sys",       "/dev",     "/run",      "/tmp",
                               "/var/tmp", "/var/cache", "/var/run", "/swapfile", "/swap.img"};
-/// Wherever they are.
+/// In any folder.
 constexpr std::array anywhere{".Trash-[0-9]*", "lost+found"};
 
 } // namespace

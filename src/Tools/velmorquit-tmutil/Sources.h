@@ -6,16 +6,16 @@
 #include <string>
 #include <vector>
 
-/// What is backed up, and what is left out of it.
+/// What is backed up, and what is left out.
 namespace velmorquit::tmutil::Sources {
 
-/// The folders themselves, the home folder where none is named. A problem when one isn't there, or
-/// lies in the place for backups.
+/// The folders to back up, by default the home folder. A problem if one doesn't exist, or
+/// is inside the place for backups.
 [[nodiscard]] Outcome<std::vector<std::string>> resolve(const std::vector<std::string>& names,
                                                         const std::string& place);
 
-/// What is left out, as patterns of restic's: caches, wastebaskets and what isn't on a disk, unless
-/// a source lies in there; all places for backups; what the user leaves out.
+/// Everything left out, as restic patterns: caches, wastebaskets and anything not on a disk, unless
+/// a source is inside; all places for backups; and the user's own choice.
 [[nodiscard]] std::vector<std::string> excludes(const Destination& destination,
                                                 const std::vector<Destination>& all);
 

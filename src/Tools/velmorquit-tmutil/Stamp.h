@@ -6,13 +6,13 @@
 
 namespace velmorquit::tmutil {
 
-/// A date as the name of a backup, "2026-03-02-081500", by the user's clock.
+/// A date in the form of a backup's name, "2026-03-02-081500", by the user's clock.
 [[nodiscard]] std::string stampOf(WallTime date);
 
-/// Where a backup can be imagined to lie: the destination, and its stamp as the last component.
+/// An imaginary path of a backup: the destination, with the stamp as the last component.
 [[nodiscard]] std::string pathOf(const Destination& destination, WallTime date);
 
-/// The first whole second that isn't over.
+/// The present time, rounded up to a whole second.
 [[nodiscard]] WallTime wholeSecondFromNow();
 
 } // namespace velmorquit::tmutil

@@ -23,7 +23,7 @@ namespace {
 
 using Command = CommandLine::Command;
 
-/// What only reads and writes the tool's own files.
+/// Carries out the commands that only need the tool's own files.
 ExitStatus performAlone(const CommandLine& line, const Formats& formats) {
     switch (line.command) {
     case Command::destinations:
@@ -82,19 +82,19 @@ ExitStatus perform(const CommandLine& line, const Formats& formats) {
 int run(int argc, char** argv) {
     const auto parsed = parseCommandLine({argv + 1, argv + argc});
     const auto* line = std::get_if<CommandLine>(&parsed);
-    // Asked for every second while a backup runs.
+    // Called every second while a backup runs.
     if (line && line->command == Command::status && line->isPropertyList) {
         printStatusList();
         return static_cast<int>(ExitStatus::success);
     }
-    // A backup outlives the terminal that it was started from.
+    // A backup outlives the terminal that started it.
     for (const int signal : {SIGHUP, SIGPIPE})
         std::signal(signal, SIG_IGN);
     const QCoreApplication application(argc, argv);
     const InstalledLanguage language(forcedLanguage(
         storedPreference(defaultPreferencesFile(), std::string(languagePreference))));
     if (!line) {
-        // What is wrong is said in the language that is known only now.
+        // Parsed again for the error message, now that the language is known.
         const auto again = parseCommandLine({argv + 1, argv + argc});
         std::cerr << "velmorquit-tmutil: " << shownText(problemOf(again)->sentence) << "\n\n"
                   << usage();

@@ -1,9 +1,9 @@
 #pragma once
 
-/// A backup tool over restic, by the calls that `tmutil` has elsewhere.
+/// A backup tool over restic, with the calls that the engine makes.
 namespace velmorquit::tmutil {
 
-/// Does what the words of the command line say, and returns the exit status.
+/// Carries out the command line, and returns the exit status.
 int run(int argc, char** argv);
 
 } // namespace velmorquit::tmutil

@@ -4,10 +4,10 @@
 
 namespace velmorquit::tmutil {
 
-/// How velmorquit-tmutil is used, in short.
+/// The short usage of velmorquit-tmutil.
 [[nodiscard]] std::string usage();
 
-/// All about a command; the short form for one that isn't known.
+/// The full usage of a command; the short form for an unknown one.
 [[nodiscard]] std::string usage(const std::string& command);
 
 } // namespace velmorquit::tmutil
