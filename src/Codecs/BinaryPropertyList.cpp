@@ -25,8 +25,8 @@ std::uint64_t bigEndian(std::string_view bytes) {
     return number;
 }
 
-// Every offset, count and reference comes from the list, so none is believed: bytes are had from
-// `bytes` alone, and whatever doesn't fit makes the list a damaged one.
+// Every offset, count and reference comes from the list, so none is trusted: bytes are only read
+// through `bytes`, and anything that doesn't fit makes the list a damaged one.
 class Reader {
 public:
     explicit Reader(std::string_view list) : list_(list) {}
@@ -74,9 +74,9 @@ private:
         return true;
     }
 
-    // None without damage is a value that is to be left out.
+    // None without damage means that the value is left out.
     std::optional<Value> valueAt(std::uint64_t index) {
-        // A list that holds itself.
+        // The list contains itself.
         if (std::ranges::find(around_, index) != around_.end() ||
             index >= offsets_.size() / offsetSize_ || valuesLeft_-- <= 0)
             return damaged();
@@ -140,7 +140,7 @@ private:
     std::optional<Value> integer(unsigned power, std::uint64_t at) {
         if (power > 4)
             return damaged();
-        // Of sixteen bytes the higher eight are only sign or overflow.
+        // Of sixteen bytes, the upper eight are only sign or overflow.
         const std::uint64_t size = 1U << power;
         const std::string_view digits = bytes(at, size);
         return Value(static_cast<std::int64_t>(
@@ -161,7 +161,7 @@ private:
         const double seconds = number ? std::floor(*number->as<double>()) : std::nan("");
         if (std::isnan(seconds))
             return damaged();
-        // More than any date has, in either direction, and little enough to be added.
+        // Beyond all dates in either direction, and small enough for sums.
         constexpr double far = 1e11;
         return Value(dateAt(dateEpoch + std::chrono::seconds(static_cast<std::int64_t>(
                                             std::clamp(seconds, -far, far)))));
@@ -192,7 +192,7 @@ private:
         return valueAt(bigEndian(references.substr(number * referenceSize_, referenceSize_)));
     }
 
-    // The references of so many values; none of a damaged list.
+    // The references of so many values; none for a damaged list.
     std::string_view references(std::uint64_t at, std::uint64_t count) {
         if (count > list_.size()) {
             isDamaged_ = true;

@@ -8,19 +8,19 @@
 
 namespace velmorquit {
 
-/// Where the user's preferences are: `$XDG_CONFIG_HOME/velmorquit/preferences.plist`, below
-/// `~/.config` when that variable is not set or is no absolute path (without `$HOME`, below
+/// The file of the user's preferences: `$XDG_CONFIG_HOME/velmorquit/preferences.plist`, or below
+/// `~/.config` if that variable is not set or is no absolute path (without `$HOME`, below
 /// `/.config`).
 [[nodiscard]] std::filesystem::path defaultPreferencesFile();
 
-/// Where it is written down where backups go: `backups.plist` in the same folder.
+/// The file of the backup destinations: `backups.plist` in the same folder.
 [[nodiscard]] std::filesystem::path defaultBackupDestinationsFile();
 
-/// The earlier state that is kept beside such a file, or where a link there leads: `<file>~`.
+/// The earlier state kept beside such a file, or beside the target of a link there: `<file>~`.
 [[nodiscard]] std::filesystem::path previousPreferencesFile(const std::filesystem::path& file);
 
-/// What is stored under `key` in that file, for who only wants to read; none when nothing is. In
-/// place of a file that is there and can't be read the earlier state holds.
+/// The value stored under `key` in that file, for those who only read; none without one. If the
+/// file exists and can't be read, the earlier state is used.
 [[nodiscard]] std::optional<Value> storedPreference(const std::filesystem::path& file,
                                                     const std::string& key);
 

@@ -6,8 +6,8 @@
 
 namespace velmorquit {
 
-/// What an ordinary file holds; none when it can't be read, is larger than any property list may
-/// be, or is something else: a pipe would have to be waited for.
+/// The content of an ordinary file; none if it can't be read, is larger than any property list may
+/// be, or is something else: reading a pipe would have to wait.
 [[nodiscard]] std::optional<std::string> readSmallFile(const std::filesystem::path& file);
 
 } // namespace velmorquit

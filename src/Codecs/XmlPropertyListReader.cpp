@@ -47,7 +47,7 @@ std::optional<Value> realOf(std::string_view text) {
     return real ? std::optional<Value>(*real) : std::nullopt;
 }
 
-// As in 2026-03-02T09:00:00Z.
+// For example 2026-03-02T09:00:00Z.
 std::optional<Value> dateOf(std::string_view text) {
     constexpr std::string_view form = "0000-00-00T00:00:00Z";
     if (text.size() != form.size())
@@ -85,13 +85,13 @@ std::optional<Value> dataOf(const std::string& text) {
     return Value(Value::Data(first, first + read.decoded.size()));
 }
 
-// The tags of lists are short. The reader compares all attributes of a tag with each other, so that
-// some megabytes of them would keep it busy for hours.
+// Tags of lists are short. The reader compares all attributes of a tag with each other, and some
+// megabytes of them would keep it busy for hours.
 bool areTagsShort(std::string_view list) {
     constexpr std::size_t longestTag = 1000;
     for (auto at = list.find('<'); at != list.npos; at = list.find('<', at + 1)) {
         std::string_view tag = list.substr(at + 1, longestTag);
-        // Attributes that every element gets.
+        // Defines default attributes for every element.
         if (tag.starts_with("!ATTLIST"))
             return false;
         if (!tag.empty() && (tag.front() == '!' || tag.front() == '?'))
@@ -113,19 +113,19 @@ bool areTagsShort(std::string_view list) {
 class Reader {
 public:
     explicit Reader(std::string_view list) : xml_(XmlBytes::shown(list)) {
-        // No list needs words of its own, of which a few bytes may stand for any number.
+        // No list needs entities of its own; a few bytes of them may expand to any length.
         xml_.setEntityExpansionLimit(0);
     }
 
     std::optional<Value> root() {
         if (!xml_.readNextStartElement())
             return std::nullopt;
-        // Some write the value alone.
+        // Some writers write only the value.
         const bool isFramed = xml_.name() == QLatin1String("plist");
         if (isFramed && !xml_.readNextStartElement())
             return std::nullopt;
         auto value = element();
-        // One value and nothing else, to the end: half a list is none.
+        // Exactly one value up to the end: half a list is none.
         if (isFramed && xml_.readNextStartElement())
             return std::nullopt;
         while (!xml_.atEnd())
@@ -139,7 +139,7 @@ private:
         return std::nullopt;
     }
 
-    // None without an error is a value that is to be left out.
+    // None without an error means that the value is left out.
     std::optional<Value> element() {
         if (valuesLeft_-- <= 0)
             return damaged();
@@ -161,7 +161,7 @@ private:
                                                         "real",   "date", "data"};
         if (std::ranges::find(known, name) == known.end())
             return damaged();
-        // One that somebody has mistyped doesn't cost all the others.
+        // One mistyped value doesn't cost all the others.
         return nesting_ > deepestNesting ? std::nullopt : plain(name, content);
     }
 

@@ -74,7 +74,7 @@ private:
                 safe += "&gt;";
                 break;
             case '\r':
-                // Readers take it for the end of a line.
+                // Readers treat it as the end of a line.
                 safe += "&#13;";
                 break;
             default:

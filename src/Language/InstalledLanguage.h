@@ -8,11 +8,11 @@
 
 namespace velmorquit {
 
-/// The language of a program: its texts, and the formats that go with them. A program makes one,
-/// before it says anything, and keeps it to its end.
+/// The language of a program: its texts, and the formats that go with them. A program creates one
+/// before its first text, and keeps it until its end.
 class InstalledLanguage {
 public:
-    /// Takes the user's languages and locale from the system, where no language is forced.
+    /// Takes the user's languages and locale from the system unless a language is forced.
     explicit InstalledLanguage(std::optional<Language> forced);
 
     [[nodiscard]] const Formats& formats() const { return formats_; }

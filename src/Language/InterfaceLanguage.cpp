@@ -6,7 +6,7 @@ namespace velmorquit {
 
 namespace {
 
-/// The locales "C" and "POSIX", and "und" as the toolkit may call them, are nobody's language.
+/// The locales "C" and "POSIX", and "und", the toolkit's name for them, are no languages.
 bool isLanguage(const QString& code) {
     return code.size() > 1 && code != QLatin1String("posix") && code != QLatin1String("und");
 }

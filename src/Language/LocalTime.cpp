@@ -6,22 +6,22 @@ namespace velmorquit::LocalTime {
 
 namespace {
 
-/// Seconds since 1970, of UTC or of a clock on the wall as if that were UTC.
+/// Seconds since 1970, in UTC, or on a wall clock as if that were UTC.
 using Seconds = qint64;
 
 Seconds offsetAt(Seconds utc) { return QDateTime::fromSecsSinceEpoch(utc).offsetFromUtc(); }
 
 Seconds clockAt(Seconds utc) { return utc + offsetAt(utc); }
 
-/// The first instant at which the clock shows `wanted` or, where that is skipped, what comes next.
+/// The first instant when the clock shows `wanted` or, if that time is skipped, the next one.
 Seconds firstInstantAt(Seconds wanted) {
-    // More than any offset, and less than lies between two changes of it.
+    // More than any offset, and less than the time between two changes of it.
     constexpr Seconds margin = 36 * 3600;
     const auto [smaller, larger] =
         std::minmax({offsetAt(wanted - margin), offsetAt(wanted + margin)});
     Seconds earliest = wanted - larger;
     Seconds latest = wanted - smaller;
-    // Looked at first: where the clock is set back, later instants show less again.
+    // Checked first: after the clock is set back, later instants show earlier times.
     if (clockAt(earliest) >= wanted)
         return earliest;
     while (earliest < latest) {

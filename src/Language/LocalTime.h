@@ -4,12 +4,12 @@
 
 #include <QDateTime>
 
-/// The user's clock and calendar, by the system's time zone at the time of the call.
+/// The user's clock and calendar, in the system's time zone at the time of the call.
 namespace velmorquit::LocalTime {
 
 [[nodiscard]] QDateTime at(WallTime date);
 
-/// Both as in `Formats`.
+/// See `Formats`.
 [[nodiscard]] WallTime nextOccurrence(ClockTime time, WallTime now);
 [[nodiscard]] WallTime today(ClockTime time, WallTime now);
 

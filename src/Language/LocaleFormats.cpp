@@ -13,7 +13,7 @@ struct Distance {
     qint64 count = 0;
 };
 
-/// The time that has gone by, in whole seconds, minutes or hours.
+/// The time passed, in whole seconds, minutes or hours.
 Distance elapsed(qint64 seconds) {
     constexpr qint64 minute = 60;
     constexpr qint64 hour = 60 * minute;
@@ -24,7 +24,7 @@ Distance elapsed(qint64 seconds) {
     return {UDAT_REL_UNIT_HOUR, seconds / hour};
 }
 
-/// From one day to a later one, in whole days, weeks, months or years.
+/// The distance between two days, in whole days, weeks, months or years.
 Distance between(const QDate& earlier, const QDate& later) {
     const qint64 days = earlier.daysTo(later);
     if (days < 7)
@@ -40,14 +40,14 @@ Distance between(const QDate& earlier, const QDate& later) {
 
 Distance distance(WallTime earlier, WallTime later) {
     constexpr qint64 day = 24 * 3600;
-    // Two dates may be further apart than nanoseconds can tell.
+    // Two dates may be further apart than nanoseconds can express.
     const bool isFar = earlier < WallTime() &&
                        later.time_since_epoch() > Duration::max() + earlier.time_since_epoch();
     const Duration apart = isFar ? Duration::max() : later - earlier;
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(apart).count();
     const QDate first = LocalTime::at(earlier).date();
     const QDate last = LocalTime::at(later).date();
-    // A day on which the clock is set back has 25 hours.
+    // A day when the clock is set back has 25 hours.
     return seconds < day || first == last ? elapsed(seconds) : between(first, last);
 }
 
@@ -59,7 +59,7 @@ struct LocaleFormats::Words {
         : formatter(icu::Locale(language == Language::italian ? "it" : "en"), nullptr,
                     UDAT_STYLE_LONG, UDISPCTX_CAPITALIZATION_NONE, error) {}
 
-    UErrorCode error = U_ZERO_ERROR; ///< of making the formatter
+    UErrorCode error = U_ZERO_ERROR; ///< of creating the formatter
     icu::RelativeDateTimeFormatter formatter;
 };
 
@@ -70,7 +70,7 @@ LocaleFormats::~LocaleFormats() = default;
 
 std::string LocaleFormats::shortTime(WallTime date) const {
     const QTime time = LocalTime::at(date).time();
-    // The short form of no locale at all has seconds, whatever language it is said to have.
+    // The short form of the "C" locale has seconds, whatever language it claims to have.
     const bool hasSeconds = locale_.timeFormat(QLocale::ShortFormat).contains(QLatin1String("ss"));
     const QString text = hasSeconds ? time.toString(QStringLiteral("HH:mm"))
                                     : locale_.toString(time, QLocale::ShortFormat);
@@ -98,7 +98,7 @@ std::string LocaleFormats::bytes(std::uint64_t count) const {
     constexpr double gibibyte = 1 << 30;
     const auto figure = static_cast<double>(count);
     const bool isLarge = figure >= gibibyte;
-    // A separator of thousands would look like a decimal one: at most 1024 come before this one.
+    // A group separator would look like a decimal point, and is unnecessary up to 1024.
     QLocale plain = locale_;
     plain.setNumberOptions(QLocale::OmitGroupSeparator);
     QString number = plain.toString(figure / (isLarge ? gibibyte : mebibyte), 'f', isLarge ? 2 : 1);

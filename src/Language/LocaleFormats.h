@@ -9,7 +9,7 @@
 
 namespace velmorquit {
 
-/// Formats by the data that Qt and ICU bring along: no locale of the system needs to be installed.
+/// Formats by the data of Qt and ICU: the system needs no installed locales.
 class LocaleFormats final : public Formats {
 public:
     /// `locale` is for figures and times, `language` for dates in words.
@@ -29,7 +29,7 @@ private:
 
     Language language_;
     QLocale locale_;
-    /// Made with the first relative date: that takes longer than all the rest of the start.
+    /// Created with the first relative date, since that takes longer than the rest of a start.
     mutable std::unique_ptr<Words> words_;
 };
 

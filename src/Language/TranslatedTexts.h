@@ -7,7 +7,7 @@
 
 namespace velmorquit {
 
-/// The string tables that are built into the program. Italian needs none.
+/// The string tables built into the program. Italian needs none.
 class TranslatedTexts final : public Localization {
 public:
     explicit TranslatedTexts(Language language);

@@ -14,12 +14,12 @@ enum class Kind { percent, number, text };
 
 struct Placeholder {
     Kind kind = Kind::percent;
-    /// Of the argument, from 1; 0 for the next one.
+    /// Number of the argument, from 1; 0 for the next one.
     std::size_t position = 0;
     std::size_t length = 0;
 };
 
-/// The placeholder at the beginning of `text`, none when there is none. `text` begins with '%'.
+/// The placeholder at the beginning of `text`, if there is one. `text` begins with '%'.
 std::optional<Placeholder> placeholder(std::string_view text) {
     Placeholder found;
     std::string_view rest = text.substr(1);

@@ -11,11 +11,11 @@
 
 namespace velmorquit {
 
-/// Makes a string table the one that `localized` reads, for as long as this lives; then it is the
-/// one from before again. The table outlives this.
+/// Makes `localized` use this string table for as long as this object exists; the former one is
+/// then used again. The table must outlive it.
 ///
-/// The language is a property of the process, as its locale is: the program makes one of these at
-/// its start, before there are other threads, a test one where it needs one.
+/// The language is a property of the process, as its locale is: the program creates one of these at
+/// its start, before there are other threads; a test creates one when needed.
 class LocalizationScope {
 public:
     explicit LocalizationScope(const Localization& localization);
@@ -27,7 +27,7 @@ private:
     const Localization* previous_;
 };
 
-/// What takes a placeholder's place. A text is formatted already, and outlives the call.
+/// Replaces a placeholder. A text must already be formatted, and outlive the call.
 class TextArgument {
 public:
     TextArgument(std::integral auto number) : value_(static_cast<std::int64_t>(number)) {}
@@ -44,18 +44,18 @@ private:
     std::variant<std::int64_t, std::string_view> value_;
 };
 
-/// The text for `key` in the interface's language, with the arguments in it; without a table, or
-/// one that has the key, the key is the text.
+/// The text for `key` in the interface's language, with the arguments inserted; the key itself if
+/// there is no table, or the table has no such key.
 ///
 /// Placeholders are `%lld` for an integer, `%@` for a text and `%%` for a per cent sign; `%2$@` and
-/// `%1$lld` take the argument of that number. A translation that asks for an argument that isn't
-/// there or is of the other kind is not used; in a key such a placeholder stays as it is.
-/// Arguments that nothing asks for are left out. On any thread.
+/// `%1$lld` take the argument with that number. A translation with a placeholder whose argument is
+/// missing or of the other kind isn't used; in a key such a placeholder stays unchanged. Unused
+/// arguments are ignored. On any thread.
 [[nodiscard]] std::string localizedText(std::string_view key,
                                         std::span<const TextArgument> arguments);
 
-/// The same for arguments one by one: `localized("Chiudi %lld app", count)`. The key is a literal
-/// at the call, or one marked with `textKey`: that is how the keys are found for the translators.
+/// The same with separate arguments: `localized("Chiudi %lld app", count)`. The key is a literal at
+/// the call, or one marked with `textKey`, so that the keys can be found for the translators.
 template <class... Arguments>
 [[nodiscard]] std::string localized(std::string_view key, const Arguments&... arguments) {
     if constexpr (sizeof...(arguments) == 0) {
@@ -66,7 +66,7 @@ template <class... Arguments>
     }
 }
 
-/// Marks a literal that is handed to `localized` later, in a table.
+/// Marks a literal that is passed to `localized` later, in a table.
 [[nodiscard]] constexpr const char* textKey(const char* key) { return key; }
 
 } // namespace velmorquit

@@ -12,7 +12,7 @@ namespace velmorquit {
 namespace {
 
 constexpr char32_t replacement = 0xFFFD;
-/// More than any living script puts on a letter.
+/// More than any living script puts on one letter.
 constexpr int mostMarks = 4;
 
 struct Range {
@@ -20,7 +20,7 @@ struct Range {
     char32_t last;
 };
 
-/// No more than a blank, at most one that breaks the line.
+/// Blanks, and characters that at most break the line.
 constexpr std::array<Range, 9> blanks{{{0x00, 0x20},
                                        {0x7F, 0xA0},
                                        {0x1680, 0x1680},
@@ -31,7 +31,7 @@ constexpr std::array<Range, 9> blanks{{{0x00, 0x20},
                                        {0x2800, 0x2800},
                                        {0x3000, 0x3000}}};
 
-/// What has no shape of its own and hides something, or turns around what follows.
+/// Characters without a shape that hide something, or reverse the direction of the text after them.
 constexpr std::array<Range, 18> hidden{{{0xAD, 0xAD},
                                         {0x034F, 0x034F},
                                         {0x061C, 0x061C},
@@ -51,11 +51,11 @@ constexpr std::array<Range, 18> hidden{{{0xAD, 0xAD},
                                         {0xE0000, 0xE00FF},
                                         {0xE01F0, 0xE0FFF}}};
 
-/// Chooses the look of the character before it.
+/// Select the shape of the character before them.
 constexpr std::array<Range, 4> selectors{
     {{0x180B, 0x180D}, {0x180F, 0x180F}, {0xFE00, 0xFE0F}, {0xE0100, 0xE01EF}}};
 
-/// What is put over, under or through the letter before it, any number of times.
+/// Marks over, under or through the letter before them, which can be repeated without limit.
 constexpr std::array<Range, 41> marks{
     {{0x0300, 0x036F},  {0x0483, 0x0489}, {0x0591, 0x05BD}, {0x05BF, 0x05BF}, {0x05C1, 0x05C2},
      {0x05C4, 0x05C5},  {0x05C7, 0x05C7}, {0x0610, 0x061A}, {0x064B, 0x065F}, {0x0670, 0x0670},
@@ -92,8 +92,8 @@ bool isNoCharacter(char32_t code) {
     return (code & 0xFFFE) == 0xFFFE || (code >= 0xFDD0 && code <= 0xFDEF);
 }
 
-/// Takes the first character off; what is none is a replacement, of as many bytes as were begun
-/// well.
+/// Takes the first character off. An invalid one counts as a replacement character and takes as
+/// many bytes as were well-formed.
 char32_t takeCharacter(std::string_view& text) {
     const Utf8Character first = firstCharacter(text);
     text.remove_prefix(first.size);
@@ -120,7 +120,7 @@ void append(std::string& text, char32_t code) {
     }
 }
 
-/// Puts a text together out of the characters of another.
+/// Builds a text from the characters of another.
 class Writing {
 public:
     explicit Writing(std::size_t most) : most_(std::max<std::size_t>(most, 1)) {}
@@ -136,7 +136,7 @@ public:
         case Kind::hidden:
             break;
         case Kind::joiner:
-            // Between letters of other scripts it does something; between these it only hides.
+            // Joiners matter between letters of other scripts; here they could only hide something.
             joiner_ = base_ >= 0x80 ? code : 0;
             break;
         case Kind::selector:
@@ -150,7 +150,7 @@ public:
         }
     }
 
-    /// A blank or a line feed that stays where it is.
+    /// A blank or a line feed that stays in place.
     void addLayout(char32_t code) {
         put(code);
         base_ = joiner_ = 0;
@@ -177,7 +177,7 @@ private:
         base_ = joiner_ = 0;
     }
 
-    // The ellipsis takes the last character's place, with all that belongs to that character.
+    // The ellipsis replaces the last character, with all marks on it.
     void put(char32_t code) {
         if (count_ + 1 == most_)
             end_ = text_.size();
@@ -194,9 +194,9 @@ private:
     std::size_t most_;
     std::string text_;
     std::size_t count_ = 0;
-    /// Of the text when it had room for one more character.
+    /// Length of the text when it had room for one more character.
     std::size_t end_ = 0;
-    /// The character that a mark would belong to; 0 where there is none.
+    /// The character that a mark would apply to; 0 without one.
     char32_t base_ = 0;
     char32_t joiner_ = 0;
     int marks_ = 0;

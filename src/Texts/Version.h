@@ -5,7 +5,7 @@
 
 namespace velmorquit {
 
-/// What one of the programs says of itself when it is asked for its version: "velmorctl 1.2.3".
+/// The version line of one of the programs: "velmorctl 1.2.3".
 [[nodiscard]] std::string versionLine(std::string_view program);
 
 } // namespace velmorquit
