@@ -8,11 +8,11 @@
 
 namespace velmorquit {
 
-/// An application of the simulated desktop. The operations that return it give it its manners;
-/// without any it quits at once when it is asked.
+/// An application of the simulated desktop. The operations that return it set its behaviour; by
+/// default it quits at once when asked.
 class SimulatedApplication final : public RunningApplication {
 public:
-    /// What the desktop that it runs on lends it.
+    /// The services of its desktop.
     struct Surroundings {
         MainLoop& loop;
         std::function<void(std::string_view)> log;
@@ -26,9 +26,9 @@ public:
     SimulatedApplication& identified(std::string bundle);
     SimulatedApplication& alsoKnownAs(std::string identity);
     SimulatedApplication& withoutName();
-    /// Has shown itself only now, and may become better known.
+    /// Has appeared only now, and may become better known.
     SimulatedApplication& unsettled();
-    /// Becomes known by this from now on; what it was known by before stays among the others.
+    /// Gets this identity; the former one stays among the others.
     SimulatedApplication& settled(std::string name, std::string bundle);
     SimulatedApplication& withIcon(Icon icon);
     /// Runs without windows from the start.
@@ -36,27 +36,27 @@ public:
     /// Shows a window again.
     SimulatedApplication& withWindows();
     SimulatedApplication& quitsAfter(Duration time);
-    /// Asks the user about unsaved work, who answers that much later.
+    /// Asks the user about unsaved work, who answers after that time.
     SimulatedApplication& asksToSaveFor(Duration time) { return quitsAfter(time); }
-    /// Takes no notice of being asked.
+    /// Ignores requests to quit.
     SimulatedApplication& ignoresAsking();
     /// Can't be asked at all.
     SimulatedApplication& cannotBeAsked();
-    /// Has something in the way of being asked, or nothing any more.
+    /// Sets or removes an obstacle to asking it.
     SimulatedApplication& hindered(std::optional<StayReason> obstacle);
     SimulatedApplication& usedAt(std::optional<Uptime> time);
-    /// Its process belongs to somebody else.
+    /// Its process belongs to another user.
     SimulatedApplication& cannotBeForced();
-    /// Needs that long to end when it is forced.
+    /// Needs that long to end when forced.
     SimulatedApplication& endsWhenForcedAfter(Duration time);
-    /// Closes its windows when asked, and lives on.
+    /// Closes its windows when asked, and goes on running.
     SimulatedApplication& livesOnWithoutWindows();
-    /// Closes its windows when asked, and ends when it is asked again without any.
+    /// Closes its windows when asked, and ends when asked again without any.
     SimulatedApplication& needsToBeAskedTwice();
 
     /// Ends by itself now: a crash, or the user's own doing.
     void end();
-    /// What the desktop sees of why it stays.
+    /// Sets the reason that the desktop sees for its staying.
     void setStayReason(StayReason reason) { reason_ = reason; }
     void setMemory(std::uint64_t bytes) { memory_ = bytes; }
     [[nodiscard]] std::uint64_t memory() const { return memory_; }

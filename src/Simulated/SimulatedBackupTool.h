@@ -10,26 +10,26 @@
 
 namespace velmorquit {
 
-/// The backup tool of the simulated desktop, as a program that is run and a file that it keeps.
+/// The backup tool of the simulated desktop: a program that is run, and a file that it keeps.
 class SimulatedBackupTool final : public ChildProcesses {
 public:
     SimulatedBackupTool(MainLoop& loop, std::function<void(std::string_view)> log)
         : loop_(loop), log_(std::move(log)) {}
 
-    /// There is a place for backups from now on.
+    /// Adds a place for backups.
     void configure() { isConfigured_ = true; }
 
-    /// The newest backup from before this story.
+    /// The newest backup made before the test.
     std::optional<WallTime> earlierBackup;
     std::optional<std::string> launchError;
     Duration duration = 10s;
     int exitStatus = 0;
     std::string errorOutput;
-    /// When it says the backup was made, from its beginning; none when none is recorded.
+    /// The recorded time of a backup, from its beginning; none when none is recorded.
     std::optional<Duration> recordedAt = Duration::zero();
     /// How long after the tool's end the record appears.
     Duration recordDelay{};
-    /// What it says of the progress at a time since the beginning.
+    /// The reported progress at a time since the beginning.
     std::function<double(Duration)> progress = [this](Duration time) {
         return static_cast<double>(time.count()) / static_cast<double>(duration.count());
     };
@@ -40,7 +40,7 @@ public:
                              const std::vector<std::string>& arguments) override;
     [[nodiscard]] std::variant<std::shared_ptr<ChildProcess>, std::string>
     launch(const std::string& program, const std::vector<std::string>& arguments) override;
-    /// What is in the file that tells where its backups go; none while there is no such file.
+    /// The content of its file of destinations; none while there is no such file.
     [[nodiscard]] std::optional<std::string> destinations() const;
 
 private:

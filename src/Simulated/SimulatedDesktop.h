@@ -19,28 +19,28 @@ namespace velmorquit {
 
 constexpr std::uint64_t operator""_MiB(unsigned long long count) { return count << 20; }
 
-/// A whole desktop in memory and in virtual time, with a log of all that happened on it.
+/// A whole desktop in memory and in virtual time, with a log of everything that happens on it.
 ///
-/// A line of the log is the virtual time since the last `startLog` in seconds, what happened, and
-/// to whom: "6.25 quit Note".
+/// A line of the log is the virtual time in seconds since the last `startLog`, the event, and the
+/// application: "6.25 quit Note".
 class SimulatedDesktop {
 public:
     SimulatedDesktop();
 
-    /// Starts an application; by default it has no identifier and quits at once when it is asked.
+    /// Starts an application; by default it has no identifier and quits at once when asked.
     SimulatedApplication& open(std::string name, std::uint64_t memory = 0);
 
     void advance(Duration time) { loop.advance(time); }
 
     void write(std::string_view what);
-    /// Forgets the log so far and counts from now on.
+    /// Clears the log and restarts its time.
     void startLog();
     [[nodiscard]] std::string log() const;
 
     [[nodiscard]] Desktop ports() { return ports(formats); }
-    /// For a user who writes figures and dates in that way.
+    /// For a user with these formats for figures and dates.
     [[nodiscard]] Desktop ports(const Formats& userFormats);
-    /// With somebody else who ends the session.
+    /// With another service that ends the session.
     [[nodiscard]] Desktop ports(LoginWindow& other) { return ports(formats, other); }
 
     VirtualLoop loop;
@@ -71,7 +71,7 @@ private:
     ProcessId nextId_ = 100;
 };
 
-/// The lines as a log has them, to compare one with.
+/// The lines as text of a log, for comparisons.
 template <class... Texts> std::string Lines(Texts... lines) {
     return ((std::string(lines) + '\n') + ... + std::string());
 }

@@ -26,7 +26,7 @@ public:
         return presses_.add(std::move(pressed));
     }
 
-    /// A pointer button goes down somewhere.
+    /// A pointer button is pressed somewhere.
     void press() { presses_.tell(); }
     void setCompositing(bool isOn) {
         compositing = isOn;
@@ -42,7 +42,7 @@ private:
     Subscribers presses_;
 };
 
-/// One screen, until it is told otherwise. What it is told is counted as the toolkit does.
+/// One screen by default. Settings are in the toolkit's coordinates.
 class SimulatedScreens final : public Screens {
 public:
     [[nodiscard]] std::vector<Screen> all() const override { return screens_; }
@@ -105,7 +105,7 @@ private:
     mutable Subscribers observers_;
 };
 
-/// The parts of a simulated desktop that the program's own windows see.
+/// The simulated desktop as seen by the program's own windows.
 struct SimulatedFace {
     SimulatedWindowSystem windows;
     SimulatedScreens screens;

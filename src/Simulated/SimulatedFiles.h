@@ -8,15 +8,15 @@
 
 namespace velmorquit {
 
-/// The files of the simulated desktop: the one that its backup tool keeps, and those of a test.
+/// The files of the simulated desktop: that of its backup tool, and those of a test.
 class SimulatedFiles final : public Files {
 public:
-    /// Where the backup tool keeps its file.
+    /// The path of the backup tool's file.
     static constexpr const char* destinations = "/destinations";
 
     explicit SimulatedFiles(const SimulatedBackupTool& backupTool) : backupTool_(backupTool) {}
 
-    /// Files and folders that are there.
+    /// Existing files and folders.
     std::set<std::string> paths;
 
     [[nodiscard]] bool exists(const std::string& path) const override {

@@ -17,8 +17,8 @@
 
 namespace velmorquit {
 
-/// Knows the simulated applications as processes, and further ones that a test adds; this program
-/// is process 1. What isn't set it fails to know.
+/// Knows the simulated applications as processes, and others that a test adds; this program is
+/// process 1. Anything not set is unknown.
 class SimulatedKernel final : public Kernel {
 public:
     explicit SimulatedKernel(const SimulatedWorkspace& workspace) : workspace_(workspace) {}
@@ -41,7 +41,7 @@ public:
     [[nodiscard]] std::optional<std::string> machineModel() const override { return model; }
     [[nodiscard]] std::string processorBrand() const override { return brand; }
 
-    /// Whether it fails to know anything of processes.
+    /// Whether it knows nothing about processes.
     bool isBlind = false;
     std::uint64_t total = 0;
     std::optional<MemoryPages> pages;
@@ -54,7 +54,7 @@ private:
     std::map<ProcessId, std::uint64_t> memory_;
 };
 
-/// A sound server whose users a test sets.
+/// A sound server whose users are set by a test.
 class SimulatedAudioProcesses final : public AudioProcesses {
 public:
     explicit SimulatedAudioProcesses(MainLoop& loop) : loop_(loop) {}
@@ -75,7 +75,7 @@ public:
     std::vector<std::string> lines;
 };
 
-/// Lets a test be the other process.
+/// Lets a test act as the other process.
 class SimulatedRemoteCommands final : public RemoteCommands {
 public:
     bool serve(Handler handler) override {
@@ -99,7 +99,7 @@ private:
     Handler handler_;
 };
 
-/// A list of which a test says how it fails.
+/// A list whose failures are set by a test.
 class SimulatedLoginItem final : public LoginItem {
 public:
     std::optional<std::string> add() override { return change(LoginItemStatus::enabled); }
@@ -117,7 +117,7 @@ private:
     }
 };
 
-/// Knows what keeps the computer awake.
+/// Records what keeps the computer awake.
 class SimulatedSleepHold final : public SleepHold {
 public:
     [[nodiscard]] Handle begin(const std::string& reason) override {
@@ -125,7 +125,7 @@ public:
         return {held_, lastId_};
     }
 
-    /// In the order in which they began, separated by commas.
+    /// In the order of their beginning, separated by commas.
     [[nodiscard]] std::string reasons() const {
         std::string text;
         for (const auto& [id, reason] : held_->reasons)

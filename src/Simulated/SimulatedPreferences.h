@@ -21,10 +21,10 @@ public:
         return observers_.add(std::move(changed));
     }
 
-    /// Another program's chance to have stored something just now.
+    /// Lets a test store something as another program just before a refresh.
     std::function<void()> onRefresh;
 
-    /// All that is stored.
+    /// All stored values.
     [[nodiscard]] const Value::Dictionary& values() const { return values_; }
 
 private:

@@ -72,7 +72,7 @@ void SimulatedWindows::close(std::uint64_t window) {
 
 namespace {
 
-/// Far from those that are added.
+/// Far from the ids of added windows.
 constexpr std::uint64_t firstOfApplications = 1'000'000;
 
 } // namespace

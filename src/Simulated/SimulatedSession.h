@@ -18,7 +18,7 @@
 
 namespace velmorquit {
 
-/// Takes every request, unless a test says why it doesn't, and does nothing about it.
+/// Takes every request, unless a test sets a refusal, and does nothing else.
 class SimulatedLoginWindow final : public LoginWindow {
 public:
     SimulatedLoginWindow(MainLoop& loop, std::function<void(std::string_view)> log)
@@ -41,16 +41,16 @@ private:
     std::function<void(std::string_view)> log_;
 };
 
-/// One window for each application that has any, and those that a test adds: of programs that no
+/// One window for each application that has any, and those added by a test: of programs that no
 /// list shows.
 class SimulatedWindows final : public Windows {
 public:
     SimulatedWindows(SimulatedWorkspace& workspace, std::function<void(std::string_view)> log);
 
-    /// Opens one that stays until it is closed; returns its id.
+    /// Opens a window that stays until it is closed; returns its id.
     std::uint64_t add(WindowOwner owner, bool isQuestion = false, bool canBeAsked = true);
     void close(std::uint64_t window);
-    /// Those that were added.
+    /// The added windows.
     [[nodiscard]] const std::vector<OpenWindow>& added() const { return added_; }
 
     [[nodiscard]] std::vector<OpenWindow> open() override;
@@ -62,7 +62,7 @@ public:
     }
 
     std::set<ProcessId> inTray;
-    /// Programs that belong to the session rather than to its user.
+    /// Programs that belong to the session instead of its user.
     std::set<ProcessId> inBackground;
 
 private:
@@ -76,7 +76,7 @@ private:
     Handle watching_;
 };
 
-/// The applications as processes, and what a test makes of their work.
+/// The applications as processes, with the work that a test sets.
 class SimulatedProcesses final : public Processes {
 public:
     explicit SimulatedProcesses(const SimulatedWorkspace& workspace) : workspace_(workspace) {}
@@ -86,8 +86,8 @@ public:
     work(const std::set<ProcessId>& ids) const override;
     [[nodiscard]] std::vector<WindowlessJob> windowlessJobs() const override { return jobs; }
 
-    /// What a process has done by now; nothing for those without. Also a process beside the
-    /// applications while it is here.
+    /// The work of a process so far; none for processes without an entry. A process besides the
+    /// applications exists while it has an entry.
     std::map<ProcessId, std::function<ProcessWork()>> doing;
     std::vector<WindowlessJob> jobs;
 
@@ -126,7 +126,7 @@ private:
     MainLoop& loop_;
 };
 
-/// Writes down what it is told to do.
+/// Logs the requests that it gets.
 class SimulatedEndService final : public EndService {
 public:
     SimulatedEndService(MainLoop& loop, std::function<void(std::string_view)> log)
@@ -143,7 +143,7 @@ public:
     std::optional<std::string> cannotAsk;
     std::optional<std::string> failure;
     Duration answerTime = 10ms;
-    /// Called at the moment at which the session would end.
+    /// Called at the moment when the session would end.
     std::function<void(LoginRequest request, EndForm form)> onCall;
 
 private:
@@ -152,7 +152,7 @@ private:
     Handle answering_;
 };
 
-/// Writes down what the user reads.
+/// Logs what the user can read.
 class SimulatedNotice final : public Notice {
 public:
     explicit SimulatedNotice(std::function<void(std::string_view)> log) : log_(std::move(log)) {}
@@ -165,7 +165,7 @@ public:
         if (std::exchange(shown, std::nullopt))
             log_("notice withdrawn");
     }
-    /// The user presses a button of what is shown; one that isn't there is a fault of the test's.
+    /// The user presses a button on show; pressing a missing one is an error of the test.
     bool press(const std::string& button);
 
     std::optional<Content> shown;

@@ -15,7 +15,7 @@ class SimulatedVolumes final : public Volumes {
 public:
     explicit SimulatedVolumes(std::function<void(std::string_view)> log) : log_(std::move(log)) {}
 
-    /// Mounts one; it is in use for so many attempts to eject it.
+    /// Mounts a volume that is in use for so many attempts to eject it.
     void mount(Volume volume, int busyTimes = 0) {
         busy_[volume.path] = busyTimes;
         volumes_.push_back(std::move(volume));

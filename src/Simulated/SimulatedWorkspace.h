@@ -13,16 +13,16 @@ public:
     explicit SimulatedWorkspace(std::function<void(std::string_view)> log) : log_(std::move(log)) {}
 
     void add(std::shared_ptr<SimulatedApplication> application);
-    /// The front goes with what comes and ends.
+    /// Starts and ends also change which application is in front.
     void tell(WorkspaceEvent event, ProcessId process);
     void setDefaultExclusions(std::vector<std::string> keys) { exclusions_ = std::move(keys); }
 
-    /// What the process uses, none when it isn't there.
+    /// The memory of the process, none if it doesn't exist.
     [[nodiscard]] std::optional<std::uint64_t> memoryOf(ProcessId id) const;
 
     [[nodiscard]] std::vector<std::shared_ptr<RunningApplication>> runningApplications() override;
     [[nodiscard]] Sight sight() override { return seen; }
-    /// The one that came last.
+    /// The last one that started.
     [[nodiscard]] std::shared_ptr<RunningApplication> frontmostApplication() const override;
     [[nodiscard]] Handle observe(std::function<void(const WorkspaceChanges&)> told) override {
         return observers_.add(std::move(told));
@@ -36,13 +36,13 @@ public:
         return exclusions_;
     }
 
-    /// What the desktop sees of itself.
+    /// How much of the session is seen.
     Sight seen = Sight::all;
 
-    /// Called with the path of what is to be opened; nothing comes by itself.
+    /// Called with the path to be opened; nothing starts by itself.
     std::function<void(const std::string& path)> onOpen;
 
-    /// By the path of what they belong to.
+    /// By the paths of their applications.
     std::map<std::string, std::shared_ptr<const Icon>> icons;
 
 private:

@@ -17,26 +17,26 @@ public:
     void post(std::function<void()> work) override;
     [[nodiscard]] Handle after(Duration delay, std::function<void()> work) override;
     [[nodiscard]] Handle every(Duration interval, std::function<void()> work) override;
-    /// `work` is done in a later turn, `done` is called in the one after that.
+    /// `work` is done in a later turn, and `done` is called in the turn after that.
     [[nodiscard]] Handle background(std::function<void()> work,
                                     std::function<void()> done) override;
     [[nodiscard]] Handle observe(ClockEvent event, std::function<void()> told) override {
         return clockEvents_[event].add(std::move(told));
     }
 
-    /// Lets `time` pass and everything happen that falls due in it, its end included.
+    /// Lets `time` pass, with everything that falls due up to and including its end.
     void advance(Duration time);
 
-    /// Lets everything happen that needs no time to pass.
+    /// Lets everything happen that is due now.
     void settle() { advance(Duration::zero()); }
 
-    /// Corrects the clock on the wall; running time knows nothing of it.
+    /// Corrects the wall clock without affecting running time.
     void moveWallClock(Duration by) {
         epoch_ += by;
         clockEvents_[ClockEvent::corrected].tell();
     }
 
-    /// Lets the computer sleep for so long: nothing happens in that time.
+    /// Lets the computer sleep for so long: nothing happens during that time.
     void fallAsleep(Duration time) {
         epoch_ += time;
         clockEvents_[ClockEvent::woke].tell();
