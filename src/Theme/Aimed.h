@@ -7,8 +7,8 @@
 
 namespace velmorquit {
 
-/// A button that takes no part in a double click which began on something else: the first click may
-/// be what has put it under the pointer.
+/// A button that ignores the second half of a double click that began elsewhere: the first click
+/// may be what has put the button under the pointer.
 template <class Button> class Aimed : public Button {
 public:
     using Button::Button;

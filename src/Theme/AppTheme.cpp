@@ -19,7 +19,7 @@ QColor colour(double red, double green, double blue) {
                             static_cast<float>(blue));
 }
 
-/// White text on it reads at a contrast of 4.5 then.
+/// White text on it then has a contrast of 4.5.
 QColor darkerForContrast(const QColor& colour, int percent) {
     return look().isHighContrast ? colour.darker(percent) : colour;
 }
@@ -109,7 +109,7 @@ QFont roundedFont(double points, QFont::Weight weight) {
     return font(QStringLiteral("Quicksand"), points, weight);
 }
 
-// The rounded type has no semibold: bold is the nearest.
+// The rounded font has no semibold: bold is the closest.
 QFont titleFont() { return roundedFont(20); }
 QFont sectionFont() { return roundedFont(14); }
 QFont bodyFont() { return systemFont(13); }

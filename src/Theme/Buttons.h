@@ -35,7 +35,7 @@ private:
     QString symbol_;
 };
 
-/// A button that is a word of the text around it, underlined.
+/// A button that looks like an underlined word of the text around it.
 class TextButton : public Aimed<QPushButton> {
 public:
     explicit TextButton(const QString& text, QWidget* parent = nullptr);
@@ -47,11 +47,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
-/// A button that shows a symbol alone, such as the cross that puts a notice away. Its accessible
+/// A button that shows only a symbol, such as the cross that dismisses a notice. Its accessible
 /// name is its tool tip.
 class SymbolButton : public Aimed<QPushButton> {
 public:
-    /// The symbol goes with text of `textSize`; the button reaches `margin` beyond it.
+    /// The symbol fits text of `textSize`; the button extends `margin` beyond it.
     SymbolButton(const QString& symbol, double textSize, const QColor& colour, int margin,
                  const QString& help, QWidget* parent = nullptr);
 
@@ -67,8 +67,8 @@ private:
     int margin_;
 };
 
-/// One of several things of which the user chooses some, such as what follows a run: filled more
-/// strongly when it is chosen.
+/// Draws one of several options, such as those for what follows a run; a selected one is filled
+/// more strongly.
 void drawChoice(QPainter& painter, const QRectF& area, bool isSelected);
 
 } // namespace velmorquit

@@ -18,7 +18,7 @@ constexpr double gap = 5;
 constexpr int horizontalPadding = 4;
 constexpr int verticalPadding = 7;
 
-/// Where all type is larger it may shrink to the same size.
+/// With larger text everywhere, it may still shrink to the same size.
 double leastText() { return 0.75 / AppTheme::look().textScale; }
 
 } // namespace

@@ -11,7 +11,7 @@ class Chip : public Aimed<QPushButton> {
 public:
     Chip(const QString& title, const QString& symbol, QWidget* parent = nullptr);
 
-    /// What is off doesn't react and is drawn faintly.
+    /// A chip that isn't on doesn't react and is drawn faintly.
     void render(bool isSelected, bool isOn, const QString& help);
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -22,7 +22,7 @@ double between(double rest, double pressed, double share) {
     return rest + (pressed - rest) * share;
 }
 
-/// The lines of that text at that width, as many as it takes.
+/// The text broken into as many lines as that width requires.
 QStringList wrapped(const QString& text, const QFont& font, double width) {
     QTextLayout layout(text, font);
     QStringList lines;

@@ -10,7 +10,7 @@
 
 namespace velmorquit {
 
-/// The large round button: a symbol, or a spinner while something is going on, over its caption.
+/// The large round button: a symbol, or a spinner while busy, above its caption.
 class CircleActionButton : public Aimed<QPushButton>, public ShadowCaster {
 public:
     /// Filled with the main gradient; `tint` is the colour of its shadow.

@@ -11,7 +11,7 @@
 namespace velmorquit {
 namespace {
 
-/// Calls `run` for each stretch of digits and of others, with whether it is one of digits.
+/// Calls `run` for each run of digits and of other characters, with whether they are digits.
 template <class Run> void eachRun(const QString& text, Run run) {
     for (qsizetype start = 0; start < text.size();) {
         const bool isNumber = text[start].isDigit();
@@ -91,7 +91,7 @@ void drawLine(QPainter& painter, const QRectF& area, const QString& text, Figure
 
 FittedLine fitLine(const QFont& font, const QString& text, double room, double least,
                    Figures figures) {
-    // Widths are summed up in fractions of a pixel.
+    // Sums of widths have fractions of a pixel.
     constexpr double tolerance = 0.5;
     FittedLine line{font, text, textWidth(font, text, figures)};
     if (line.width <= room + tolerance)

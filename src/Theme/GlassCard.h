@@ -9,7 +9,7 @@
 
 namespace velmorquit {
 
-/// A translucent card that the blocks of the panel lie on.
+/// A translucent card under the blocks of the panel.
 class GlassCard : public QWidget, public ShadowCaster {
 public:
     explicit GlassCard(double cornerRadius, std::optional<QColor> tint = std::nullopt,

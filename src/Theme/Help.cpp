@@ -8,7 +8,7 @@ namespace velmorquit {
 void setHelp(QWidget& widget, const QString& text) {
     widget.setToolTip(
         Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text);
-    // Each time that it is set, those who read the screen are told.
+    // Screen readers are notified each time it is set.
     if (widget.accessibleDescription() != text)
         widget.setAccessibleDescription(text);
 }

@@ -5,8 +5,8 @@ class QWidget;
 
 namespace velmorquit {
 
-/// Gives a widget its tool tip. The toolkit takes a tool tip that looks like it for markup: a name
-/// in it is shown as it is, and readers of the screen get the text without any.
+/// Sets a widget's tool tip. The toolkit would read some plain texts as markup: names in them are
+/// shown unchanged all the same, and screen readers get the text without markup.
 void setHelp(QWidget& widget, const QString& text);
 
 } // namespace velmorquit

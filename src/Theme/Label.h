@@ -6,8 +6,8 @@
 
 namespace velmorquit {
 
-/// A text in one font and colour. On one line it ends with an ellipsis where there is no room; one
-/// that wraps takes as many lines as it needs.
+/// A text in one font and colour. A single line ends with an ellipsis if there is no room; a
+/// wrapping one takes as many lines as it needs.
 class Label : public QLabel {
 public:
     Label(const QFont& font, const QColor& colour, QWidget* parent = nullptr);

@@ -17,7 +17,7 @@ Handle LookOwner::hold() {
     return {holders_, 1};
 }
 
-// Of another font nobody tells: it is looked at whenever something is about to be shown.
+// Changes of the font aren't reported, so it is checked whenever something is about to be shown.
 void LookOwner::takeOver() {
     const AppTheme::Look asked{appearance_.isHighContrast(), appearance_.isMotionReduced(),
                                AppTheme::textScaleFor(QGuiApplication::font())};

@@ -9,24 +9,24 @@ namespace velmorquit {
 
 class Appearance;
 
-/// Gives the process the look that the user has asked the desktop for, and nobody else does.
+/// Sets the process's look to the one that the user has asked of the desktop; nobody else sets it.
 ///
-/// What is on the screen keeps its look: it would close under the user's hands. So the look changes
-/// only while nobody holds it, and what was made with another one is to be made anew.
+/// Everything on the screen keeps its look, since it would otherwise close under the user's hands.
+/// So the look changes only while nobody holds it; widgets with another look have to be recreated.
 class LookOwner {
 public:
-    /// What it is handed outlives it.
+    /// `appearance` must outlive it.
     explicit LookOwner(const Appearance& appearance);
     LookOwner(const LookOwner&) = delete;
     LookOwner& operator=(const LookOwner&) = delete;
-    /// The process has the usual look again.
+    /// Restores the usual look of the process.
     ~LookOwner();
 
-    /// Takes over what is asked for, where nobody holds the look, and keeps it until the handle is
-    /// reset.
+    /// Takes over the requested look, unless somebody holds the present one, and keeps it until the
+    /// handle is reset.
     [[nodiscard]] Handle hold();
 
-    /// Calls `changed` when the look has become another.
+    /// Calls `changed` when the look has changed.
     [[nodiscard]] Handle observe(std::function<void()> changed) {
         return changes_.hear(std::move(changed));
     }

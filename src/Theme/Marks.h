@@ -4,7 +4,7 @@
 
 namespace velmorquit {
 
-/// A short text on a filled capsule or a rounded ground.
+/// A short text on a filled capsule or rounded rectangle.
 class Badge : public Label {
 public:
     struct Style {
@@ -25,10 +25,10 @@ private:
     double cornerRadius_;
 };
 
-/// What went well, in white on green.
+/// For a success, in white on green.
 [[nodiscard]] Badge::Style successBadge();
 
-/// A warning on an orange ground; it wraps.
+/// A warning on an orange background; it wraps.
 class WarningText : public Badge {
 public:
     explicit WarningText(const QString& text, QWidget* parent = nullptr);

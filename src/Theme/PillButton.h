@@ -8,7 +8,7 @@
 
 namespace velmorquit {
 
-/// A button in the shape of a capsule, which springs back when it is let go.
+/// A capsule-shaped button that springs back when released.
 class PillButton : public Aimed<QPushButton> {
 public:
     PillButton(const QString& text, const QColor& fill, QWidget* parent = nullptr);

@@ -8,7 +8,7 @@
 
 namespace velmorquit {
 
-/// A thin bar that fills, or along which a light wanders while nobody knows how far it is.
+/// A thin bar that fills, or along which a light moves while the progress is unknown.
 class ProgressTrack : public QWidget {
 public:
     explicit ProgressTrack(const QColor& colour, QWidget* parent = nullptr);

@@ -13,7 +13,7 @@
 namespace velmorquit {
 namespace {
 
-/// Three times the deviation: beyond that nothing can be seen.
+/// Three times the deviation: nothing is visible beyond that.
 double reach(const Shadow& shadow) { return 3 * shadow.radius; }
 
 void boxBlurLines(QImage& image, int radius) {
@@ -36,7 +36,7 @@ void boxBlurLines(QImage& image, int radius) {
     }
 }
 
-/// Three box blurs come close to a Gaussian one of that deviation.
+/// Three box blurs approximate a Gaussian one of that deviation.
 QImage blurred(QImage image, double deviation) {
     const double width = std::sqrt(12 * deviation * deviation / 3 + 1);
     const int radius = std::max(1, static_cast<int>(std::lround((width - 1) / 2)));
@@ -55,7 +55,7 @@ struct Drawn {
     QImage mask;
 };
 
-/// A blur leaves no detail that a coarser picture couldn't hold.
+/// After a blur, a coarser picture holds all remaining detail.
 double coarseness(double deviation) { return std::max(1.0, deviation / 4); }
 
 QImage makeMask(const QSizeF& size, double cornerRadius, const Shadow& shadow) {
@@ -93,7 +93,7 @@ const QImage& maskFor(const QSizeF& size, double cornerRadius, const Shadow& sha
     return recent.front().mask;
 }
 
-/// All that a shadow of that shape can cover.
+/// The area that a shadow of that shape can cover.
 QRectF covered(const RoundedShape& shape, const Shadow& shadow) {
     const double margin = reach(shadow) + 1;
     return shape.area.adjusted(-margin, -margin, margin, margin).translated(shadow.offset);

@@ -23,10 +23,10 @@ struct RoundedShape {
     double cornerRadius = 0;
 };
 
-/// Draws the shadow, and nothing within the shape itself. It is computed once for each size.
+/// Draws the shadow, but nothing inside the shape itself. It is computed once for each size.
 void drawShadow(QPainter& painter, const RoundedShape& shape, const Shadow& shadow);
 
-/// What throws a shadow on the widget that it lies on: a widget can't paint beyond its own edges.
+/// A widget whose shadow is drawn by the one below it: none can paint beyond its own edges.
 class ShadowCaster {
 public:
     ShadowCaster() = default;
@@ -38,11 +38,11 @@ public:
     [[nodiscard]] virtual Shadow shadow() const = 0;
 };
 
-/// Draws the shadows of all visible casters that lie on `ground`, also of those in plain containers
-/// on it, as far as they reach into `dirty`; a caster is itself the ground of what lies on it.
+/// Draws the shadows of all visible casters on `ground`, also in plain containers on it, as far as
+/// they reach into `dirty`; a caster is itself the ground for those on it.
 void paintShadows(QPainter& painter, const QWidget& ground, const QRect& dirty);
 
-/// Has the ground below `caster` drawn anew where its shadow falls.
+/// Redraws the ground below `caster` where its shadow falls.
 void updateShadow(QWidget& caster);
 
 } // namespace velmorquit

@@ -34,7 +34,7 @@ void Spinner::paintEvent(QPaintEvent*) {
     painter.drawEllipse(ring);
     pen.setColor(AppTheme::text());
     painter.setPen(pen);
-    // Angles of the painter are sixteenths of a degree, counter-clockwise.
+    // The painter's angles are in sixteenths of a degree, counter-clockwise.
     constexpr int degree = 16;
     painter.drawArc(ring, qRound((90 - animation_.currentValue().toDouble()) * degree),
                     -100 * degree);

@@ -5,7 +5,7 @@
 
 namespace velmorquit {
 
-/// A ring with an arc that turns once a second, for as long as it is on the screen.
+/// A ring with an arc that turns once a second while it is on the screen.
 class Spinner : public QWidget {
 public:
     explicit Spinner(QWidget* parent = nullptr);

@@ -22,7 +22,7 @@ double Spring::at(double seconds) const {
 double Spring::settlingTime() const {
     constexpr double rest = 0.001;
     const double frequency = response > 0 ? 2 * std::numbers::pi / response : 0;
-    // The critical spring has a factor that grows with time: a third more covers it.
+    // A critically damped spring has a factor that grows with time: a third more covers it.
     const double slowness = damping >= 1 ? 1.35 : 1;
     return frequency > 0 && damping > 0 ? -std::log(rest) / (damping * frequency) * slowness : 0;
 }

@@ -2,16 +2,16 @@
 
 namespace velmorquit {
 
-/// How something that was let go swings into place.
+/// The motion of something released that springs into place.
 struct Spring {
-    double response = 0; ///< seconds of one period if nothing damped it
-    double damping = 0;  ///< share of the damping at which it no longer swings over; 0 to 1
+    double response = 0; ///< period in seconds without damping
+    double damping = 0;  ///< relative to critical damping, where it no longer overshoots; 0 to 1
 
-    /// The share of the way that is covered after that many seconds: 0 at the start, beyond 1 where
-    /// it swings over.
+    /// The part of the way covered after that many seconds: 0 at the start, above 1 while it
+    /// overshoots.
     [[nodiscard]] double at(double seconds) const;
 
-    /// Seconds after which it stays within a thousandth of its place.
+    /// Seconds until it stays within a thousandth of its place.
     [[nodiscard]] double settlingTime() const;
 };
 

@@ -9,7 +9,7 @@ namespace velmorquit {
 /// A symbol beside a text, or by itself.
 class SymbolLabel : public QWidget {
 public:
-    /// As large as goes with text of that size.
+    /// In the size that fits text of `textSize`.
     SymbolLabel(const QString& name, double textSize, const QColor& colour,
                 QWidget* parent = nullptr);
 

@@ -18,8 +18,8 @@ namespace {
 
 constexpr double boxPerTextSize = 1.2;
 constexpr double disabledOpacity = 0.45;
-/// Room for all symbols of the panel; the sizes that only an animation passes through push one
-/// another out.
+/// Room for all symbols of the panel; sizes that only occur during animations displace each
+/// other.
 constexpr int cacheBytes = 512 * 1024;
 
 struct Drawn {
@@ -60,7 +60,7 @@ QImage symbolImage(const Drawn& drawn) {
     return image;
 }
 
-/// The symbol drawn again at each size that is asked for, instead of scaled.
+/// Draws the symbol for each requested size, instead of scaling it.
 class SymbolIconEngine : public QIconEngine {
 public:
     SymbolIconEngine(QString name, const QColor& colour, const QColor& selected)

@@ -27,7 +27,7 @@ TimeField::TimeField(QWidget* parent) : QTimeEdit(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setButtonSymbols(NoButtons);
     setWrapping(true);
-    // The short form of no locale at all has seconds.
+    // The short form of the "C" locale has seconds.
     const QString format = locale().timeFormat(QLocale::ShortFormat);
     setDisplayFormat(format.contains(QLatin1String("ss")) ? QStringLiteral("HH:mm") : format);
     QPalette palette = this->palette();
@@ -40,7 +40,7 @@ TimeField::TimeField(QWidget* parent) : QTimeEdit(parent) {
 }
 
 QSize TimeField::sizeHint() const {
-    // The widest that it can come to show.
+    // The width of the widest time that it may show.
     double widest = 0;
     for (const QTime& time : {QTime(23, 59), QTime(10, 40), QTime(20, 0), QTime(0, 44)})
         widest = std::max(widest, textWidth(font(), locale().toString(time, displayFormat())));
@@ -70,7 +70,7 @@ void TimeField::mousePressEvent(QMouseEvent* event) {
     stepBy(event->position().y() < height() / 2.0 ? 1 : -1);
 }
 
-// Beyond the field the same key means something else.
+// Outside the field the same key means something else.
 void TimeField::keyPressEvent(QKeyEvent* event) {
     QTimeEdit::keyPressEvent(event);
     if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
@@ -80,7 +80,7 @@ void TimeField::keyPressEvent(QKeyEvent* event) {
         onReturn();
 }
 
-// Whoever scrolls past it doesn't mean it.
+// A user who merely scrolls past it doesn't mean it.
 void TimeField::wheelEvent(QWheelEvent* event) {
     if (hasFocus())
         QTimeEdit::wheelEvent(event);

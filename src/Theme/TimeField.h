@@ -6,13 +6,13 @@
 
 namespace velmorquit {
 
-/// A field for an hour and a minute, in the order and with the separators of its locale. It can be
-/// typed in, and stepped through with the arrow keys, the wheel and its two arrows.
+/// A field for an hour and a minute, in the order and with the separators of its locale. The user
+/// can type in it, and step through it with the arrow keys, the wheel and its two arrows.
 class TimeField : public QTimeEdit {
 public:
     explicit TimeField(QWidget* parent = nullptr);
 
-    /// The return key was pressed in it.
+    /// Called when the return key is pressed in it.
     std::function<void()> onReturn;
 
     [[nodiscard]] QSize sizeHint() const override;

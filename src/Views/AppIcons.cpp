@@ -11,7 +11,7 @@ namespace {
 
 QPixmap scaled(const QIcon& icon, int size, double scale) {
     QPixmap pixmap = icon.pixmap(QSize(size, size), scale);
-    // Themes may only have it smaller or larger.
+    // A theme may only have smaller or larger ones.
     const int pixels = qRound(size * scale);
     if (!pixmap.isNull() && std::max(pixmap.width(), pixmap.height()) > pixels)
         pixmap = pixmap.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);

@@ -64,7 +64,7 @@ void AppList::setRoom(int height) {
 
 int AppList::contentHeight() const { return heightOf(static_cast<int>(order_.size())); }
 
-// Whether it goes is seen in the list; that it was not asked would be seen nowhere.
+// The list shows whether it quits, but nothing would show that it was not asked.
 void AppList::quitOne(AppRow& row, const OpenApp& app) {
     constexpr int readingTime = 6000;
     if (app.app->terminate(AskedBy::user))
@@ -99,7 +99,7 @@ void AppList::render() {
         const auto row = next++;
         if (std::find(order.begin(), order.end(), row->first) != order.end())
             continue;
-        // It may be its own click that is being handled.
+        // The row may be handling its own click just now.
         row->second->hide();
         row->second->deleteLater();
         rowOf_.erase(row);
@@ -118,7 +118,7 @@ bool AppList::isAimedAt() const {
                        [](const auto& row) { return row.second->isHovering(); });
 }
 
-// What the user aims at stays where it is: a click would hit another application.
+// Rows stay in place while the user aims at one: a click would hit another application.
 void AppList::keepPlaces(std::vector<ProcessId>& order) const {
     std::vector<ProcessId> kept;
     for (const ProcessId id : order_) {
@@ -135,7 +135,7 @@ void AppList::keepPlaces(std::vector<ProcessId>& order) const {
 void AppList::layOut() {
     const int shown = std::min(contentHeight(), room_);
     constexpr int width = 324 - 2 * margin;
-    // Keyboard order is the order on the screen.
+    // The keyboard order follows the screen.
     AppRow* previous = nullptr;
     int y = 0;
     for (const ProcessId id : order_) {
@@ -153,7 +153,7 @@ void AppList::layOut() {
     updateHover();
 }
 
-// Rows that move under a pointer that rests are told nothing by the toolkit.
+// The toolkit doesn't tell rows that move under a resting pointer.
 void AppList::updateHover() {
     if (!area_->viewport()->underMouse() && !rows_->underMouse() && !isAimedAt())
         return;

@@ -12,18 +12,18 @@ class AppRow;
 class Label;
 class ThinScrollArea;
 
-/// The open applications, each of which can be excluded with a click or quit by itself.
+/// The open applications, each of which can be excluded by a click or asked to quit.
 class AppList : public GlassCard {
 public:
     AppList(QuitController& controller, const Formats& formats, QWidget* parent = nullptr);
 
     void render();
 
-    /// Height of the rows' part when there are many, in points.
+    /// Height of the row area with many rows, in points.
     static constexpr int mostHeight = 230;
-    /// The one of three rows: it never has less, if there are as many.
+    /// Height of three rows, the least if there are that many.
     [[nodiscard]] static int leastHeight();
-    /// Lets the rows have at most that much; within the two above.
+    /// Limits the height of the row area, within these two bounds.
     void setRoom(int height);
 
 protected:

@@ -39,7 +39,7 @@ QFont badgeFont() { return AppTheme::systemFont(9, QFont::Bold); }
 
 AppRow::AppRow(const Formats& formats, QWidget* parent) : Aimed(parent), formats_(formats) {
     setFont(AppTheme::bodyFont());
-    // What is true is read back from the engine: a click alone changes nothing here.
+    // The state is read back from the engine: a click alone changes nothing here.
     connect(this, &QCheckBox::clicked, this, [this] {
         setChecked(!isExcluded_);
         if (onToggle)
@@ -55,7 +55,7 @@ void AppRow::render(const OpenApp& app, bool isExcluded) {
     isExcluded_ = isExcluded;
     if (isSame)
         return;
-    // One of these would make the letter that follows it a key of the whole panel.
+    // An ampersand would make the next letter a shortcut for the whole panel.
     setText(toQt(app.name).replace(QLatin1Char('&'), QLatin1String("&&")));
     setChecked(!isExcluded);
     setHelp(*this, toQt(PanelTexts::rowHelp(app, isExcluded)));

@@ -13,8 +13,8 @@ namespace velmorquit {
 
 class Formats;
 
-/// One open application in the list: checked means that a run asks it to quit. Where the pointer is
-/// or the keyboard, a button quits it by itself.
+/// One open application in the list: checked means that a run asks it to quit. A row under the
+/// pointer or with the keyboard has a button to quit this application alone.
 class AppRow : public Aimed<QCheckBox> {
 public:
     AppRow(const Formats& formats, QWidget* parent);
@@ -27,9 +27,9 @@ public:
 
     [[nodiscard]] static int rowHeight();
     [[nodiscard]] QSize sizeHint() const override { return {0, rowHeight()}; }
-    /// What the keyboard comes to last in it.
+    /// Its last widget in keyboard order.
     [[nodiscard]] QWidget* lastControl() { return quitButton_ ? quitButton_ : this; }
-    /// Has the keyboard come to it after `previous`.
+    /// Puts it after `previous` in keyboard order.
     void follow(QWidget* previous);
 
     std::function<void(const OpenApp&)> onToggle;

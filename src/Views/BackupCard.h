@@ -8,7 +8,7 @@ namespace velmorquit {
 class Label;
 class ProgressTrack;
 
-/// The backup that is running, and the two ways to stop it.
+/// The running backup, and the two ways to stop it.
 class BackupCard : public GlassCard {
 public:
     explicit BackupCard(QuitController& controller, QWidget* parent = nullptr);

@@ -10,7 +10,7 @@ namespace velmorquit {
 class Label;
 class PrimaryButton;
 
-/// The backup has failed: why, and whether to go on without it.
+/// A failed backup: why, and whether to go on without it.
 class BackupFailedCard : public GlassCard {
 public:
     explicit BackupFailedCard(QuitController& controller, QWidget* parent = nullptr);

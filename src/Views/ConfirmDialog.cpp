@@ -19,13 +19,13 @@ void ConfirmDialog::ask(const std::string& question, const std::string& button,
     const QIcon icon(QStringLiteral(":/icons/org.velmorquit.VelmorQuit.svg"));
     box_->setWindowIcon(icon);
     box_->setIconPixmap(icon.pixmap(48));
-    // What the question quotes may look like markup.
+    // Text quoted in the question may look like markup.
     box_->setTextFormat(Qt::PlainText);
     box_->setText(QString::fromStdString(question));
     QPushButton* yes = box_->addButton(QString::fromStdString(button), QMessageBox::AcceptRole);
     QPushButton* no =
         box_->addButton(QString::fromStdString(localized("Annulla")), QMessageBox::RejectRole);
-    // Return, pressed in the belief that another window has the keyboard, closes nothing.
+    // A return key meant for another window must close nothing.
     box_->setDefaultButton(no);
     box_->setEscapeButton(no);
     box_->setModal(false);

@@ -8,7 +8,7 @@
 
 namespace velmorquit {
 
-/// A question with two answers in a small window, which keeps nothing else from going on.
+/// A question with two answers in a small window that doesn't block anything else.
 class ConfirmDialog {
 public:
     ConfirmDialog() = default;
@@ -17,18 +17,18 @@ public:
     ~ConfirmDialog() = default;
 
     enum class Manner {
-        wanted,   ///< the user has just done something that leads to it
-        unbidden, ///< it comes out of nowhere: it takes no keyboard, and no yes before it was read
+        wanted,   ///< in reply to something the user has just done
+        unbidden, ///< unexpected: it takes no keyboard, and no yes before it can have been read
     };
-    /// Time in which nobody can have read a question that came unbidden, in milliseconds.
+    /// How soon nobody can have read an unexpected question, in milliseconds.
     static constexpr int readingTime = 1500;
 
-    /// Asks, with `button` as the caption of the answer that says yes, and calls `answered` once. A
-    /// question that is still open is answered with no.
+    /// Asks, with `button` as the caption of the yes button, and calls `answered` once. A question
+    /// that is still open is answered with no.
     void ask(const std::string& question, const std::string& button,
              std::function<void(bool isYes)> answered, Manner manner = Manner::wanted);
 
-    /// Closes the question that is open, which answers it with no.
+    /// Closes the open question, which answers it with no.
     void withdraw() { finish(false); }
 
 private:

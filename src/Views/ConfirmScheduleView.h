@@ -8,7 +8,7 @@ namespace velmorquit {
 
 class Label;
 
-/// Asks whether the run that was set for now is to begin.
+/// Asks whether the scheduled run may begin now.
 class ConfirmScheduleView : public QWidget {
 public:
     explicit ConfirmScheduleView(QuitController& controller, QWidget* parent = nullptr);

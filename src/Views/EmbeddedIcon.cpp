@@ -7,8 +7,8 @@
 
 namespace velmorquit {
 
-// Qt's window system knows by this name that a window is to look as the tray wants it: of the kind
-// that blends with what lies behind, or else drawn over the panel's own ground.
+// By this name, Qt's window system recognises a window that must adapt to the tray: with a visual
+// that blends with what lies behind it, or else drawn over the panel's background.
 EmbeddedIcon::EmbeddedIcon(const TrayHosts& hosts)
     : QWidget(nullptr, Qt::Window | Qt::FramelessWindowHint | Qt::BypassWindowManagerHint) {
     constexpr int usualSide = 22;

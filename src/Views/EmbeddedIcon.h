@@ -10,19 +10,19 @@ namespace velmorquit {
 
 class TrayHosts;
 
-/// The icon as a window of the program's own, for a host that takes windows in. Qt's own icon would
-/// be that too, but only in a process whose first icon was of that kind.
+/// The icon as a window of the program's own, for an embedding tray. Qt's own icon could be that
+/// too, but only in a process whose first icon was of that kind.
 class EmbeddedIcon : public QWidget {
 public:
-    /// Asks the host that there is to take it in.
+    /// Asks the present tray to embed it.
     explicit EmbeddedIcon(const TrayHosts& hosts);
 
     void setIcon(const QIcon& icon);
 
-    /// Where it is on the screen, at the origin before it was taken in.
+    /// Its place on the screen; at the origin until it is embedded.
     [[nodiscard]] QRect place() const;
 
-    /// Called when a pointer button goes down on it.
+    /// Called when a pointer button is pressed on it.
     std::function<void(QSystemTrayIcon::ActivationReason)> onPress;
 
 protected:

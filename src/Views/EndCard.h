@@ -13,14 +13,14 @@ class PrimaryButton;
 /// The session is about to end, or didn't: what it waits for, and what the user can do about it.
 class EndCard : public GlassCard {
 public:
-    /// How long the question has to have been there before its answer counts.
+    /// How long the question must have been shown before its answer counts.
     static constexpr Duration readingTime = 800ms;
 
     EndCard(MainLoop& loop, LoginWindow& loginWindow, QWidget* parent = nullptr);
 
     void render();
 
-    /// What the button that cancels does; until it is set, it cancels the request alone.
+    /// Called by the cancel button; until it is set, only the request is cancelled.
     std::function<void()> onCancel;
 
 private:

@@ -10,7 +10,7 @@
 
 namespace velmorquit {
 namespace {
-/// How often the age of the last backup is said anew.
+/// How often the age of the last backup is updated.
 constexpr Duration ageingInterval = 30s;
 } // namespace
 

@@ -11,14 +11,14 @@ class Formats;
 class Label;
 class SymbolLabel;
 
-/// What else a run may do: a backup, an eject, and later rather than now.
+/// Further options of a run: a backup, ejecting drives, and scheduling it for later.
 class ExtrasRow : public QWidget {
 public:
     ExtrasRow(QuitController& controller, const Formats& formats, QWidget* parent = nullptr);
 
     void render(bool showsScheduler);
 
-    /// The chip for a run later was pressed.
+    /// Called when the chip for scheduling is pressed.
     std::function<void()> onToggleScheduler;
 
 protected:

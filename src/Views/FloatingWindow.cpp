@@ -62,7 +62,7 @@ void FloatingWindow::appear(Manner manner) {
     isShown_ = true;
     isDrawn_ = false;
     setAttribute(Qt::WA_KeyboardFocusChange, false);
-    // The attribute alone counts only when the window is made.
+    // By itself the attribute only counts when the window is created.
     setAttribute(Qt::WA_ShowWithoutActivating, isUnbidden);
     winId();
     windowHandle()->setProperty("_q_showWithoutActivating", isUnbidden);
@@ -121,7 +121,7 @@ void FloatingWindow::limitInput() {
                               qRound(area.width() * scale), qRound(area.height() * scale)});
 }
 
-// Where nothing blends windows, what is transparent would be black.
+// Without compositing, transparent areas would be black.
 void FloatingWindow::cutOut() {
     if (face_.windows.isCompositing()) {
         clearMask();
@@ -139,8 +139,8 @@ bool FloatingWindow::event(QEvent* event) {
     return QWidget::event(event);
 }
 
-// A window manager that puts a frame around a window hears which part of it takes presses only once
-// it has taken it in, as each new window manager does; before, its frame would take all of them.
+// Window managers that put frames around windows note which part takes presses only after taking a
+// window in; before that, the frame would take them all. A new window manager starts over.
 bool FloatingWindow::eventFilter(QObject* watched, QEvent* event) {
     const auto* handle = qobject_cast<QWindow*>(watched);
     if (event->type() == QEvent::Expose && handle && handle->isExposed())
@@ -163,8 +163,8 @@ void FloatingWindow::keyPressEvent(QKeyEvent* event) {
         onDismiss();
 }
 
-// By the window manager, or by the keys that close a window. At the program's end it is the
-// toolkit that closes it, and a window that refuses keeps the program from ending.
+// Closed by the window manager, or by the keys for that. At the program's end the toolkit closes
+// it, and refusing would keep the program from ending.
 void FloatingWindow::closeEvent(QCloseEvent* event) {
     if (!event->spontaneous())
         return;

@@ -11,9 +11,9 @@
 
 namespace velmorquit {
 
-/// A window without a frame above all others, which shows one widget and grabs neither pointer nor
-/// keyboard. Where a compositor blends windows it fades, and has a shadow through which the pointer
-/// reaches what lies below; elsewhere it is cut out.
+/// A frameless window above all others that shows one widget and grabs neither pointer nor
+/// keyboard. With compositing it fades, and has a shadow that lets the pointer through to whatever
+/// lies below; otherwise it is cut out.
 ///
 /// Places on the screen are in the toolkit's coordinates.
 class FloatingWindow : public QWidget {
@@ -21,29 +21,29 @@ public:
     struct Style {
         double cornerRadius = 0;
         Shadow shadow;
-        int shadowRoom = 0; ///< around what it shows
+        int shadowRoom = 0; ///< around its content
     };
     enum class Manner {
-        wanted,   ///< the window manager gives it the keyboard, if it does so with new windows
+        wanted,   ///< the window manager may give it the keyboard, as any new window
         unbidden, ///< the keyboard stays where it is
     };
 
-    /// What it is handed outlives it.
+    /// The references must outlive it.
     FloatingWindow(MainLoop& loop, const DesktopFace& face, const Style& style);
 
-    /// Has it show that widget, which becomes its child.
+    /// Sets the widget to show, which becomes its child.
     void setContent(QWidget& content);
 
-    /// Puts the content's upper left corner there, and itself around the content, whatever size
-    /// that has by now.
+    /// Puts the content's upper left corner there, with the window around the content in its
+    /// present size.
     void place(const QPoint& corner);
 
-    /// Comes to the screen, also while it fades out; it has been placed.
+    /// Shows it, even while it fades out. It must have been placed.
     void appear(Manner manner);
-    /// Goes from the screen. Until it is gone it still covers what lies below.
+    /// Hides it. Until it is gone it still covers the windows below.
     void vanish();
 
-    /// While this is on, all that the pointer does in it goes to the windows below.
+    /// While this is on, all pointer input in it goes to the windows below.
     void letPressesThrough(bool isOn);
 
     /// Gives it the keyboard, whichever window has it now.
@@ -54,17 +54,17 @@ public:
     /// Whether it has been drawn since it appeared.
     [[nodiscard]] bool isDrawn() const { return isShown_ && isDrawn_; }
 
-    /// Where on the screen its content is.
+    /// The place of its content on the screen.
     [[nodiscard]] QRect contentOnScreen() const { return content_->geometry().translated(pos()); }
 
-    /// It has been drawn: from now on the window manager has it among its windows and can give it
-    /// the keyboard. Once each time that it appears, in a later turn.
+    /// It has been drawn: from now on the window manager knows it and can give it the keyboard.
+    /// Called once per appearance, in a later turn.
     std::function<void()> onDrawn;
     /// Another window has come to the front.
     std::function<void()> onLeave;
-    /// The user wants it to go: Escape, or the keys that close a window.
+    /// The user wants to close it: by Escape, or by the keys that close a window.
     std::function<void()> onDismiss;
-    /// There are other screens than before, while it is shown.
+    /// The screens have changed while it is shown.
     std::function<void()> onOtherScreens;
 
 protected:

@@ -8,7 +8,7 @@ namespace velmorquit {
 
 class Label;
 
-/// One line on the computer, at the panel's foot.
+/// One line about the computer, at the bottom of the panel.
 class FooterView : public QWidget {
 public:
     explicit FooterView(QWidget* parent = nullptr);

@@ -13,11 +13,11 @@ class AppUpdater;
 class Label;
 class PrimaryButton;
 
-/// The panel's head: what the program is, how many applications are open, an update when there is
+/// The top of the panel: the program's name, the number of open applications, an update if there is
 /// one, and the settings.
 class HeaderView : public QWidget {
 public:
-    /// `settingsMenu` is called each time that the settings are opened.
+    /// `settingsMenu` is called each time the settings are opened.
     HeaderView(QuitController& controller, AppUpdater& updater, std::function<Menu()> settingsMenu,
                QWidget* parent = nullptr);
 

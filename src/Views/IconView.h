@@ -18,7 +18,7 @@ public:
 
     enum class Edge {
         plain,
-        shaded ///< so that it stands out from another one below it
+        shaded ///< sets it off from another one below it
     };
     void setEdge(Edge edge) { edge_ = edge; }
 

@@ -10,7 +10,7 @@
 
 namespace velmorquit {
 
-/// A layout of `widget`, one below the other or side by side, with that many points in between.
+/// A layout of `widget`, vertical or horizontal, with that spacing in points.
 inline QVBoxLayout& column(QWidget& widget, int spacing, const QMargins& margins = {}) {
     auto* layout = new QVBoxLayout(&widget);
     layout->setSpacing(spacing);
@@ -25,7 +25,7 @@ inline QHBoxLayout& row(QWidget& widget, int spacing, const QMargins& margins = 
     return *layout;
 }
 
-/// A row that lies within `column`.
+/// A row inside `column`.
 inline QHBoxLayout& rowIn(QVBoxLayout& column, int spacing) {
     auto* layout = new QHBoxLayout();
     layout->setSpacing(spacing);

@@ -56,7 +56,7 @@ void MemoryBar::render(const MemoryMonitor::SystemMemory& memory) {
         return;
     fraction_ = fraction;
     animation_.stop();
-    // What nobody can see move needn't be drawn thirty times.
+    // A motion that nobody can see needn't be drawn thirty times.
     const double pixels = std::abs(fraction - shown_) * track_->width() * devicePixelRatioF();
     if (!isVisible() || AppTheme::look().isMotionReduced || pixels < 1) {
         shown_ = fraction;

@@ -17,7 +17,7 @@ public:
 
     void render(const MemoryMonitor::SystemMemory& memory);
 
-    /// The part of the bar that is filled once it has come to rest, 0 to 1.
+    /// The filled part of the bar at rest, 0 to 1.
     [[nodiscard]] double fraction() const { return fraction_; }
 
 protected:

@@ -15,7 +15,7 @@ namespace velmorquit::MenuBarIcon {
 namespace {
 
 constexpr double gridSide = 24;
-/// What one point is on the grid, at the size of 18 points for which the strokes were chosen.
+/// One point on the grid, in the size of 18 points for which the strokes were designed.
 constexpr double point = gridSide / 18;
 
 const QRectF circle(1.4, 3.4, 19.2, 19.2);
@@ -24,7 +24,7 @@ const QPointF arcCentre(11.0, 13.8);
 constexpr double arcRadius = 4.5;
 const QLineF stem(11.0, 7.6, 11.0, 12.6);
 
-/// Qt's angles are in sixteenths of a degree and grow against the clock.
+/// Qt's angles are in sixteenths of a degree, counter-clockwise.
 constexpr int arcStart = 50 * 16;
 constexpr int arcSpan = -280 * 16;
 
@@ -47,7 +47,7 @@ public:
         return pixmap;
     }
 
-    // What panels usually ask for, at single and double scale.
+    // The usual sizes in panels, at single and double scale.
     QList<QSize> availableSizes(QIcon::Mode, QIcon::State) override {
         QList<QSize> sizes;
         for (const int side : {16, 22, 24, 32, 44, 48, 64})

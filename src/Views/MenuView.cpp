@@ -14,7 +14,7 @@ namespace velmorquit {
 
 namespace {
 
-/// The longest that anybody is taken to have such a menu open.
+/// The longest time that such a menu is assumed to be open.
 constexpr std::chrono::seconds longestOpen{20};
 
 struct SymbolColours {
@@ -22,10 +22,10 @@ struct SymbolColours {
     QColor selected;
 };
 
-/// Neither light nor dark: nobody tells the colours of a menu that the desktop draws.
+/// Neither light nor dark: the colours of a menu drawn by the desktop are unknown.
 constexpr SymbolColours anyMenu{QColor(0x80, 0x80, 0x88), QColor(0x80, 0x80, 0x88)};
 
-// An ampersand would underline what follows it.
+// An ampersand would underline the next letter.
 QString titleOf(const MenuEntry& entry) {
     return QString::fromStdString(entry.title).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
@@ -74,7 +74,7 @@ std::unique_ptr<QMenu> makeMenu(const Menu& entries, QWidget* parent) {
     const QPalette palette = menu->palette();
     addEntries(*menu, entries,
                {palette.color(QPalette::Text), palette.color(QPalette::HighlightedText)});
-    // The keys of actions work only where a window has them.
+    // The shortcuts of actions only work in a window that has them.
     for (QAction* action : menu->actions()) {
         if (action->shortcut().isEmpty())
             continue;
@@ -94,7 +94,7 @@ KeptMenu::KeptMenu() {
         if (onOpen)
             onOpen();
     });
-    // In a later turn: the entry that was chosen is still being told.
+    // In a later turn, since the chosen entry is still to be told.
     const auto close = [this] { open_.start(0); };
     QObject::connect(&menu_, &QMenu::aboutToHide, &open_, close);
     QObject::connect(&menu_, &QMenu::triggered, &open_, close);

@@ -10,10 +10,10 @@
 
 namespace velmorquit {
 
-/// A menu of these entries to pop up; its keys work while it is open.
+/// A popup menu with these entries; its shortcuts work while it is open.
 [[nodiscard]] std::unique_ptr<QMenu> makeMenu(const Menu& entries, QWidget* parent = nullptr);
 
-/// A menu where the desktop draws it from what it is told, and opens it by itself.
+/// A menu that the desktop draws and opens by itself.
 class KeptMenu {
 public:
     KeptMenu();
@@ -22,7 +22,7 @@ public:
     ~KeptMenu() = default;
 
     /// Shows these entries from now on. While it is open its lines stay, and only their titles
-    /// change: what is under the pointer must not become something else.
+    /// change: the line under the pointer must not become another one.
     void setEntries(const Menu& entries);
 
     [[nodiscard]] QMenu& menu() { return menu_; }
@@ -36,7 +36,7 @@ private:
     QMenu menu_;
     Menu entries_;
     bool isOutdated_ = false;
-    /// Runs while it is open, or may be: not every desktop tells when it closes.
+    /// Runs while the menu is or may be open, since not every desktop tells when it closes.
     QTimer open_;
 };
 

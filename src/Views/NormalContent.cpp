@@ -61,7 +61,7 @@ NormalContent::NormalContent(QuitController& controller, const Desktop& desktop,
     };
     items.addWidget(extras_);
     items.addWidget(schedule_);
-    // Else the keyboard would go on to the list, where the same key closes an application.
+    // Otherwise the keyboard focus would go to the list, where the same key closes an application.
     scheduler_->onScheduled = [this] {
         showScheduler(false);
         schedule_->setFocus();
@@ -99,7 +99,7 @@ void NormalContent::render() {
     list_->render();
 }
 
-// What the end of the session waits for stands in the place of what a run would close.
+// What the end of the session is waiting for takes the place of what a run would close.
 void NormalContent::renderEnd() {
     const LoginWindow& loginWindow = desktop_.loginWindow;
     const bool isEnding = loginWindow.state->stage != EndState::Stage::none;

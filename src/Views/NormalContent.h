@@ -22,22 +22,22 @@ class ScheduleCard;
 class SchedulerCard;
 class StatusLineView;
 
-/// What the panel shows between its head and its foot while no run waits for the user: the round
-/// button, what is to follow, what else there is to do, and the open applications.
+/// The panel's content while no run is waiting for the user: the round button, the action after a
+/// run, its other options, and the open applications.
 class NormalContent : public QWidget {
 public:
     NormalContent(QuitController& controller, const Desktop& desktop, QWidget* parent = nullptr);
 
-    /// Shows what is true now.
+    /// Shows the present state.
     void render();
 
-    /// Lets the list be that high.
+    /// Limits the height of the list.
     void setListRoom(int height);
 
-    /// The round one.
+    /// The round button.
     [[nodiscard]] QAbstractButton& quitButton() const;
 
-    /// The user has opened or closed a part of it: it is to be rendered again.
+    /// Called when the user has opened or closed a part of it: it has to be rendered again.
     std::function<void()> onOtherParts;
 
 private:

@@ -9,7 +9,7 @@ namespace velmorquit {
 
 class Label;
 
-/// Something that the user should know, until it is put away.
+/// A note for the user, shown until dismissed.
 class NoteCard : public GlassCard {
 public:
     explicit NoteCard(QWidget* parent = nullptr);

@@ -8,7 +8,7 @@ namespace velmorquit {
 
 class ThinScrollArea;
 
-/// The panel's ground, with the panel on it.
+/// The panel's background, with the panel on it.
 class PanelFrame : public QWidget {
 public:
     /// The panel becomes its child.
@@ -16,8 +16,8 @@ public:
 
     [[nodiscard]] PanelView& panel() const { return *panel_; }
 
-    /// Becomes as high as what it shows needs, but not higher than that: then the list gives way
-    /// first, down to three rows, and beyond that the whole scrolls.
+    /// Sets the height to that of the content, up to this limit: beyond it the list shrinks first,
+    /// down to three rows, and then the whole scrolls.
     void fit(int mostHeight);
 
 protected:

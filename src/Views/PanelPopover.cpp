@@ -15,9 +15,9 @@
 namespace velmorquit {
 namespace {
 
-/// How long before the news of a press a window may have lost the keyboard because of it.
+/// How long before a press is reported the window may have lost the keyboard because of it.
 constexpr Duration samePress = 300ms;
-/// How long the user may still be pressing on what was there before a panel that opened by itself.
+/// How long a user may still be clicking on what was there before a panel opened unasked.
 constexpr Duration settlingTime = 700ms;
 
 FloatingWindow::Style windowStyle() {
@@ -95,7 +95,7 @@ void PanelPopover::open(const std::optional<ScreenRect>& anchor) {
     fit();
     window_->letPressesThrough(settling_.isSet());
     window_->appear(isAside_ ? FloatingWindow::Manner::unbidden : FloatingWindow::Manner::wanted);
-    // On no button: a key that was meant for another window would press it.
+    // Not on a button: a key meant for another window would press it.
     frame_->panel().setFocus(Qt::PopupFocusReason);
     presses_ = face_.windows.observePresses([this] { hearPress(); });
 }
@@ -122,7 +122,7 @@ void PanelPopover::fit() {
 }
 
 void PanelPopover::leaveFocus() {
-    // Its own menus and questions come to the front as well.
+    // The panel's own menus and questions come to the front as well.
     const bool isOwn = QApplication::activeWindow() || QApplication::activePopupWidget();
     if (!isShown() || isOwn || isKept_())
         return;
@@ -130,7 +130,7 @@ void PanelPopover::leaveFocus() {
     leftAt_ = loop_.uptime();
 }
 
-// The press that has moved the keyboard elsewhere is told a little later.
+// The press that has moved the keyboard elsewhere is reported a little later.
 bool PanelPopover::wasClosedByLastPress() const {
     return wasClosedByLastPress_ || (leftAt_ && loop_.uptime() - *leftAt_ < samePress);
 }
@@ -144,20 +144,20 @@ void PanelPopover::hearPress() {
             presses_.reset();
         return;
     }
-    // The user can't have seen it yet.
+    // The user can't have seen the panel yet.
     if (settling_.isSet() || holdsPointer())
         return;
     close();
     wasClosedByLastPress_ = true;
 }
 
-/// Whether a press where the pointer is belongs to it, to its icon or to another window of its own.
+/// Whether a press at the pointer belongs to the panel, its icon or another window of its own.
 bool PanelPopover::holdsPointer() const {
     const ScreenPoint place = turned(face_.screens.pointer());
     const QPoint pointer(place.x, place.y);
     const QWidget* below = QApplication::topLevelAt(pointer);
     const bool isOther = below && below != window_.get();
-    // What a press on the icon does is told by the icon.
+    // The icon reports presses on itself.
     const bool isOnIcon =
         anchor_ && anchor_->width > 1 &&
         QRect(anchor_->x, anchor_->y, anchor_->width, anchor_->height).contains(pointer);

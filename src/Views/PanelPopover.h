@@ -18,16 +18,16 @@ class PanelView;
 /// turns to another window.
 class PanelPopover : public Popover {
 public:
-    /// What the panel is in, which outlives it.
+    /// All of it must outlive the panel.
     struct Surroundings {
         MainLoop& loop;
         DesktopFace face;
         LookOwner& looks;
     };
 
-    /// `makePanel` is called when the panel is shown for the first time, and again when its look is
-    /// to be another. While `isKept` says so, windows that come to the front do not close it: they
-    /// may be the questions of applications that were asked to quit.
+    /// `makePanel` is called when the panel is shown for the first time, and again when its look
+    /// has changed. While `isKept` is true, windows that come to the front don't close it: they may
+    /// be questions of applications that were asked to quit.
     PanelPopover(const Surroundings& surroundings,
                  std::function<std::unique_ptr<PanelView>()> makePanel,
                  std::function<bool()> isKept);
@@ -57,7 +57,7 @@ private:
     std::unique_ptr<FloatingWindow> window_;
     PanelFrame* frame_ = nullptr;
     std::optional<ScreenRect> anchor_;
-    /// It was shown without being given the keyboard.
+    /// It was shown without the keyboard.
     bool isAside_ = false;
     /// While it is set, presses go to the windows below.
     Handle settling_;

@@ -61,7 +61,7 @@ void PanelView::observe() {
              updater_.updateAvailable);
 }
 
-// Several fields change in one turn: that is one picture.
+// Changes of several fields in one turn need only one rendering.
 void PanelView::renderLater() {
     if (!isVisible() || std::exchange(isRenderPending_, true))
         return;
@@ -94,15 +94,15 @@ void PanelView::render() {
     stubborn_->setVisible(is<phases::Waiting>(phase));
     backup_->setVisible(backingUp);
     backupFailed_->setVisible(failed);
-    // What had the keyboard may have gone or been switched off.
+    // The focused widget may have gone or been disabled.
     if (isActiveWindow() && !window()->focusWidget())
         setFocus();
 }
 
 int PanelView::heightFor(int listHeight) {
     normal_->setListRoom(listHeight);
-    // From the inside out, since a layout remembers what those within it wanted when it was asked
-    // last. Children come after their parents in the list.
+    // From the inside out, since a layout caches the wishes of those inside it. Children come
+    // after their parents in the list.
     const QList<QWidget*> blocks = findChildren<QWidget*>();
     for (auto block = blocks.rbegin(); block != blocks.rend(); ++block) {
         if (QLayout* inner = (*block)->layout()) {
@@ -112,7 +112,7 @@ int PanelView::heightFor(int listHeight) {
     }
     layout()->invalidate();
     layout()->activate();
-    // Everything is laid out: what was asked for by that itself would make it begin anew for ever.
+    // Everything is laid out now; requests made by that itself would start it again without end.
     for (QWidget* block : blocks)
         QCoreApplication::removePostedEvents(block, QEvent::LayoutRequest);
     QCoreApplication::removePostedEvents(this, QEvent::LayoutRequest);
@@ -132,8 +132,8 @@ void PanelView::paintEvent(QPaintEvent* event) {
     paintShadows(painter, *this, event->rect());
 }
 
-// The keyboard's place shows which button the key means; where none is marked it means the round
-// one. Just after the panel has opened by itself the user may still be typing elsewhere.
+// The focus shows which button the key means; without a mark it means the round one. Just after the
+// panel has opened unasked, the user may still be typing elsewhere.
 void PanelView::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (!isReturn) {

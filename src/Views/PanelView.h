@@ -20,21 +20,21 @@ class MemoryBar;
 class NormalContent;
 class StubbornAppsCard;
 
-/// All that the panel shows: it reads the controller and has no state of its own. It draws no
-/// ground: that is its frame's.
+/// The panel's content: it reads the controller and has no state of its own. Its frame draws the
+/// background.
 class PanelView : public QWidget {
 public:
     static constexpr int width = 360;
     static constexpr int padding = 18;
 
-    /// `settingsMenu` is called each time that the settings are opened.
+    /// `settingsMenu` is called each time the settings are opened.
     PanelView(QuitController& controller, AppUpdater& updater, const Desktop& desktop,
               std::function<Menu()> settingsMenu, QWidget* parent = nullptr);
 
-    /// Shows what is true now. While it is on the screen it does so by itself after every change.
+    /// Shows the present state. On the screen this happens by itself after every change.
     void render();
 
-    /// Height that it needs when its list may be that high.
+    /// The height that it needs with a list of that height.
     [[nodiscard]] int heightFor(int listHeight);
 
     /// Called when it needs another height.

@@ -6,16 +6,16 @@
 
 namespace velmorquit {
 
-/// Where a popover of some size goes.
+/// The place of a popover.
 struct PopoverPlace {
     int x = 0;
     int y = 0;
 };
 
-/// Room that there is for a popover's height, in a work area.
+/// The greatest height of a popover in a work area.
 [[nodiscard]] int mostPopoverHeight(const ScreenRect& workArea);
 
-/// Below the anchor, or above it when that lies in the lower half of the screen; in the upper right
+/// Below the anchor, or above it if that is in the lower half of the screen; in the upper right
 /// corner without one. Always within the work area.
 [[nodiscard]] PopoverPlace placePopover(const std::optional<ScreenRect>& anchor,
                                         const ScreenRect& workArea, int width, int height);

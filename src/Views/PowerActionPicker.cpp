@@ -19,7 +19,7 @@ namespace {
 constexpr int verticalPadding = 7;
 constexpr int textGap = 3;
 
-/// Where all type is larger it may shrink to the same size.
+/// With larger text everywhere, it may still shrink to the same size.
 double leastText() { return 0.8 / AppTheme::look().textScale; }
 
 class Tile : public QRadioButton {

@@ -12,14 +12,14 @@ class QRadioButton;
 
 namespace velmorquit {
 
-/// What is to happen once everything is closed: one tile for each choice.
+/// The action once everything is closed: one tile for each choice.
 class PowerActionPicker : public QWidget {
 public:
     explicit PowerActionPicker(QWidget* parent = nullptr);
 
     void render(PowerAction selection);
 
-    /// Adds to the help of what ends the session what is to be known of it; empty for nothing.
+    /// Adds a remark to the help of the choices that end the session; empty for none.
     void explain(const std::string& remark);
 
     std::function<void(PowerAction)> onChoose;

@@ -63,7 +63,7 @@ void ReopenCard::render(const std::vector<SavedApp>& apps, const std::vector<std
     shown_ = apps;
     qDeleteAll(icons_->findChildren<IconView*>());
     const std::size_t count = std::min(apps.size(), mostIcons);
-    // What is made last lies on top: that is to be the first.
+    // The last one created lies on top, which should be the first icon.
     for (std::size_t at = count; at-- > 0;) {
         auto* icon = new IconView(workspace_.icon(apps[at].path), iconSize, icons_);
         icon->setEdge(IconView::Edge::shaded);

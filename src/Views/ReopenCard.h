@@ -11,12 +11,12 @@ namespace velmorquit {
 class Label;
 class Workspace;
 
-/// What the last run has closed, to be opened again.
+/// The applications that the last run closed and that can be reopened.
 class ReopenCard : public GlassCard {
 public:
     ReopenCard(QuitController& controller, const Workspace& workspace, QWidget* parent = nullptr);
 
-    /// `lost` are the names of those that were closed with them and don't come back.
+    /// `lost` are the names of those closed at the same time that can't be reopened.
     void render(const std::vector<SavedApp>& apps, const std::vector<std::string>& lost);
 
 private:

@@ -10,8 +10,8 @@ class Formats;
 class Label;
 class SymbolLabel;
 
-/// The run that is set for later, with what is left until then; once its moment has come, the
-/// question whether it is to begin.
+/// The scheduled run, with the time left until then; once that has passed, the question whether to
+/// begin.
 class ScheduleCard : public GlassCard {
 public:
     ScheduleCard(QuitController& controller, const Formats& formats, QWidget* parent = nullptr);

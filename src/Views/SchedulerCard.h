@@ -10,18 +10,18 @@ class Formats;
 class Label;
 class TimeField;
 
-/// Sets a run for later: after a span, or at a time of day.
+/// Schedules a run: after a span, or at a time of day.
 class SchedulerCard : public GlassCard {
 public:
     static constexpr std::array presets{15, 30, 60, 120}; ///< minutes
 
     SchedulerCard(QuitController& controller, const Formats& formats, QWidget* parent = nullptr);
 
-    /// Begins anew, with eleven in the evening.
+    /// Starts over, with eleven in the evening.
     void reset();
     void render();
 
-    /// A run was set: the card has done its work.
+    /// Called when a run was scheduled: the card is no longer needed.
     std::function<void()> onScheduled;
 
 private:

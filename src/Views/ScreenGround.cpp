@@ -54,7 +54,7 @@ std::optional<bool> isDark(const QRect& place) {
                             .convertToFormat(QImage::Format_Grayscale8);
     if (seen.isNull())
         return std::nullopt;
-    // What is drawn on it, strokes and letters, takes less than half of the place.
+    // Strokes and letters drawn on it cover less than half of the place.
     constexpr int middle = 128;
     std::ptrdiff_t dark = 0;
     for (int line = 0; line < seen.height(); ++line) {

@@ -8,10 +8,10 @@
 
 namespace velmorquit {
 
-/// The round gear in the panel's head, which opens a menu below itself.
+/// The round gear at the top of the panel, which opens a menu below itself.
 class SettingsButton : public QPushButton {
 public:
-    /// `makeMenu` is called each time that it opens one.
+    /// `makeMenu` is called each time the menu is opened.
     explicit SettingsButton(std::function<Menu()> makeMenu, QWidget* parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;

@@ -10,7 +10,7 @@ class Badge;
 class Label;
 class SymbolLabel;
 
-/// What a run would close, what it is doing or what it has done, below the round button.
+/// What a run would close, is doing or has done, below the round button.
 class StatusLineView : public QWidget {
 public:
     explicit StatusLineView(QWidget* parent = nullptr);

@@ -62,7 +62,7 @@ void StubbornAppsCard::render() {
     for (const OpenApp& app : controller_.stubborn.get()) {
         order.push_back(app.id);
         StubbornRow*& row = rowOf_[app.id];
-        // Another application may have got the process id of one of an earlier run.
+        // Another application may have the process id of one from an earlier run.
         if (!row || row->app() != app.app) {
             delete row;
             row = new StubbornRow(controller_, app);
@@ -87,7 +87,7 @@ void StubbornAppsCard::render() {
     layOut();
 }
 
-// Keyboard order is the order on the screen.
+// The keyboard order follows the screen.
 void StubbornAppsCard::layOut() {
     QWidget* previous = nullptr;
     int at = 0;

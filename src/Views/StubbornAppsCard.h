@@ -12,7 +12,7 @@ namespace velmorquit {
 
 class StubbornRow;
 
-/// The applications that did not quit when they were asked, and what can be done about them.
+/// The applications that did not quit when asked, and what can be done about them.
 class StubbornAppsCard : public GlassCard {
 public:
     explicit StubbornAppsCard(QuitController& controller, QWidget* parent = nullptr);

@@ -19,10 +19,10 @@ public:
 
     [[nodiscard]] const std::shared_ptr<RunningApplication>& app() const { return app_.app; }
 
-    /// None for a reason that has not been looked for.
+    /// None if the reason has not been looked up yet.
     void render(std::optional<StayReason> reason);
 
-    /// In the order in which the keyboard goes through them.
+    /// In keyboard order.
     [[nodiscard]] std::vector<QWidget*> buttons() const;
 
 private:

@@ -17,7 +17,7 @@ public:
         setFocusPolicy(Qt::NoFocus);
     }
 
-    // One with an empty size is never shown.
+    // With an empty size it would never be shown.
     [[nodiscard]] QSize sizeHint() const override {
         return {ThinScrollArea::thumbMargin, ThinScrollArea::thumbMargin};
     }

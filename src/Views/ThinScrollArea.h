@@ -4,8 +4,8 @@
 
 namespace velmorquit {
 
-/// Scrolls what is too high for it, with a thin thumb in the margin at its right. It has no ground
-/// of its own.
+/// Scrolls content that is too high, with a thin thumb in the right margin. It has no background of
+/// its own.
 class ThinScrollArea : public QScrollArea {
 public:
     explicit ThinScrollArea(QWidget* parent = nullptr);

@@ -16,11 +16,11 @@ namespace velmorquit {
 
 namespace {
 
-/// A panel takes a moment to take the icon in and to paint itself: so long after that it is looked
-/// at first, then after twice the time, and so on.
+/// A panel needs a moment to embed the icon and paint itself: the first look is after this time,
+/// the next after twice as long, and so on.
 constexpr std::chrono::milliseconds firstLook{100};
 constexpr std::chrono::milliseconds lastLook{800};
-/// Around the pointer at a click: within the smallest icon.
+/// Around the pointer at a click, within the smallest icon.
 constexpr int lookReach = 8;
 
 QString installedName() {
@@ -79,7 +79,7 @@ void TrayItem::remake() {
     lookLater();
 }
 
-// Where the pointer is known only over some windows, a panel is none of those.
+// If the pointer is only known over some windows, a panel isn't one of them.
 void TrayItem::noteClick() {
     if (face_.traits.isPointerKnown)
         clickedAt_ = pointer();
@@ -98,10 +98,10 @@ void TrayItem::hear(QSystemTrayIcon::ActivationReason reason) {
     noteClick();
     look();
     const bool isRight = reason == QSystemTrayIcon::Context;
-    // The second press of two quick ones.
+    // A double click is the second press of two quick ones.
     const bool isLeft =
         reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick;
-    // Where Qt embeds the icon all the same, it has opened the kept menu by itself.
+    // If Qt embeds the icon all the same, it has already opened the kept menu itself.
     const bool isAnswered = isRight && kept_ && geometry().isValid();
     if (!onClick || (!isLeft && !isRight) || isAnswered)
         return;
@@ -115,7 +115,7 @@ QPoint TrayItem::pointer() const {
     return {place.x, place.y};
 }
 
-// Before it was taken in, an embedded icon is at the origin.
+// An icon that isn't embedded yet is at the origin.
 QRect TrayItem::geometry() const {
     const QRect place = embedded_ ? embedded_->place() : icon_ ? icon_->geometry() : QRect();
     return place.topLeft() == QPoint(0, 0) ? QRect() : place;
@@ -148,7 +148,7 @@ void TrayItem::popUp(const Menu& menu) {
                        : icon.topLeft() - QPoint(0, open_->sizeHint().height()));
 }
 
-// In a later turn: what was chosen in it is told after it has gone from the screen.
+// In a later turn, since the chosen entry is told after the menu has gone from the screen.
 void TrayItem::closeMenu() {
     if (open_)
         open_.release()->deleteLater();
@@ -162,8 +162,8 @@ void TrayItem::keepMenu(const Menu& menu) {
 
 void TrayItem::lookLater() { looks_.start(firstLook); }
 
-// A host that draws the icon itself doesn't say where: it is where it was clicked, and before that
-// somewhere in a panel.
+// A host that draws the icon itself doesn't tell its place: it is where it was clicked, and before
+// that somewhere in a panel.
 QRect TrayItem::ground() const {
     const QRect place = geometry();
     if (place.isValid() || (!icon_ && !embedded_))
@@ -186,8 +186,8 @@ void TrayItem::look() {
 bool TrayItem::isPanelDark() const {
     if (isGroundDark_)
         return *isGroundDark_;
-    // A panel that tints icons goes with the rest of the desktop; the others are mostly dark
-    // whatever the rest is.
+    // A panel that tints icons matches the rest of the desktop; others are mostly dark in any
+    // case.
     return face_.traits.tintsNamedIcons ? face_.appearance.isDark() : true;
 }
 

@@ -15,9 +15,9 @@
 
 namespace velmorquit {
 
-/// The program's icon in the tray, whoever shows it there, also when hosts of either kind replace
-/// each other. Qt finds out which kind there is with the first of its icons, and stays with that:
-/// so it makes them for notifiers alone.
+/// The program's icon in the tray, also while hosts of either kind replace each other. Qt decides
+/// for which kind it makes icons with the first one, and stays with that: so it makes
+/// them for notifiers alone.
 class TrayItem final : public StatusItem {
 public:
     explicit TrayItem(const DesktopFace& face);
