@@ -1,5 +1,5 @@
-// How long the panel takes from the click to its first picture, made anew and opened again, and how
-// long to show what a refresh has changed. It wants a display: scripts/virtual-desktop --
+// How long the panel takes from the click to its first picture, both new and reopened, and how long
+// it takes to show the changes of a refresh. It needs a display: scripts/virtual-desktop --
 // panel_benchmark
 
 #include "Services/AppUpdater.h"
@@ -21,7 +21,7 @@
 namespace velmorquit {
 namespace {
 
-/// A panel over that many applications.
+/// A panel with that many applications.
 class Stage {
 public:
     explicit Stage(std::int64_t count) {
@@ -55,7 +55,7 @@ public:
     std::unique_ptr<AppUpdater> updater;
 };
 
-/// Until the window is on the screen with all that it shows.
+/// Until the window is on the screen with its whole content.
 void showUntilDrawn(PanelPopover& popover) {
     popover.show(std::nullopt);
     while (!popover.isDrawn())

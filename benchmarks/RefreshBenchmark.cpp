@@ -1,5 +1,5 @@
-// How long a look at all processes takes, beside `ps` on the same processes in the same run. It
-// wants process ids of its own: unshare --pid --fork --mount-proc refresh_benchmark
+// How long a look at all processes takes, compared with `ps` on the same processes in the same run.
+// It needs process ids of its own: unshare --pid --fork --mount-proc refresh_benchmark
 
 #include "Linux/Proc/ProcKernel.h"
 #include "Services/MemoryMonitor.h"
@@ -38,7 +38,7 @@ public:
             ids.push_back(child);
             all_.push_back(child);
         }
-        // All of them are there when the youngest has forked its helpers.
+        // By then the youngest has forked its helpers too.
         ::usleep(3'500'000);
     }
     Crowd(const Crowd&) = delete;
@@ -55,7 +55,7 @@ public:
     std::vector<ProcessId> ids;
 
 private:
-    /// The end of `parent` is theirs, also one that came before they asked for that.
+    /// They end with `parent`, even if it ended before they asked for that.
     [[noreturn]] static void sleepUntilKilled(pid_t parent) {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
         while (::getppid() == parent)

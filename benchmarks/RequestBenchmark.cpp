@@ -1,4 +1,4 @@
-// How long it takes to ask 100 applications with a window each to quit. It wants a desktop of its
+// How long it takes to ask 100 applications with one window each to quit. It needs a desktop of its
 // own: scripts/virtual-desktop -t none -- request_benchmark
 
 #include "Linux/Applications/LinuxWorkspace.h"
@@ -34,7 +34,7 @@ void requests(benchmark::State& state) {
         return state.SkipWithError("not all windows are there");
     for ([[maybe_unused]] auto turn : state) {
         state.PauseTiming();
-        // What is looked up once for a whole run has to be looked up again.
+        // Lookups shared within a run have to expire.
         linger(120);
         state.ResumeTiming();
         for (const auto& application : workspace.runningApplications()) {

@@ -1,5 +1,5 @@
 // Starts a command and waits until a window of the class "velmorquit" is visible inside another
-// one, which is the icon in its tray. Prints the id of the process, which goes on, and the
+// one: that is its tray icon. Prints the id of the process, which keeps running, and the
 // milliseconds.
 
 #include "Linux/X11/X11Connection.h"

@@ -1,4 +1,4 @@
-// Keeps an X server busy with what programs without manners do, for so many seconds:
+// Keeps an X server busy with the behaviour of ill-mannered programs, for so many seconds:
 //
 //   x_flood windows RATE SECONDS     opens so many windows a second, and closes each after 50 ms
 //   x_flood programs RATE SECONDS    starts so many processes a second that show a window for 50 ms
@@ -122,7 +122,7 @@ public:
         return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
     }
 
-    /// All windows below that one whose class begins so.
+    /// All windows below that one whose class begins with this name.
     void find(xcb_window_t below, std::string_view name, std::vector<xcb_window_t>& found) {
         const auto tree =
             owned(xcb_query_tree_reply(connection_, xcb_query_tree(connection_, below), nullptr));
@@ -153,7 +153,7 @@ private:
     std::map<std::string, xcb_atom_t> atoms_;
 };
 
-/// Does it so many times a second for so many seconds, in portions of ten milliseconds.
+/// Acts so many times a second for so many seconds, in batches of ten milliseconds.
 void repeat(Client& client, double rate, int seconds, const std::function<void()>& act) {
     std::printf("ready\n");
     std::fflush(stdout);
@@ -170,7 +170,7 @@ void repeat(Client& client, double rate, int seconds, const std::function<void()
     }
 }
 
-/// What opens something that is closed when its time is over.
+/// Opens windows and closes each when its time is over.
 class Passing {
 public:
     explicit Passing(std::function<void(xcb_window_t)> close) : close_(std::move(close)) {}
@@ -232,7 +232,7 @@ void floodMessages(Client& client, double rate, int seconds) {
     });
 }
 
-/// One integer setting, of that value.
+/// One integer setting with that value.
 std::string settings(std::uint32_t value) {
     std::string bytes(12, '\0');
     bytes[8] = 1;
@@ -289,7 +289,7 @@ void appendPicture(Client& client, xcb_window_t window, std::uint32_t width, std
             XCB_PROP_MODE_APPEND);
 }
 
-/// Each in a process of its own: of a program the first window counts.
+/// Each in a process of its own, since only a program's first window counts.
 void showPictures(double side, int seconds) {
     const auto size = static_cast<std::uint32_t>(side);
     const std::vector<std::function<void(Client&, xcb_window_t)>> draw{

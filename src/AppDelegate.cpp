@@ -38,7 +38,7 @@ void AppDelegate::serveOthers(Notice& answers) {
     ScheduleCommands& published = remoteControl_.schedule();
     published.onConfirm = [this](const std::string& question, const std::string& button,
                                  std::function<void(bool)> answer) {
-        // A double click on the yes to a caller is none to what that leads to.
+        // A double click on the yes to a caller must not also answer the question it leads to.
         constexpr Duration moment = 3s;
         const bool followsAnother =
             callerAgreedAt_ && desktop_.loop.uptime() - *callerAgreedAt_ < moment;
@@ -81,7 +81,7 @@ std::unique_ptr<PanelView> AppDelegate::makePanel() {
     });
 }
 
-// What the user has asked for goes with the program, and so it is said.
+// A requested end of the session is lost with the program, so the user is told.
 void AppDelegate::askThenEnd() {
     const EndState& state = desktop_.loginWindow.state;
     if (!state.isComing()) {
@@ -96,7 +96,7 @@ void AppDelegate::askThenEnd() {
                        });
 }
 
-// What is told of the run's end is posted before the program's own end is.
+// News of the run's end is posted before the program's own end.
 void AppDelegate::end() {
     controller_.leaveStubbornOpen();
     desktop_.application.terminate();

@@ -22,15 +22,15 @@
 
 namespace velmorquit {
 
-/// Owns the long-lived objects and wires them, in the order in which they start.
+/// Owns the long-lived objects and connects them, in the order in which they start.
 class AppDelegate {
 public:
-    /// What it tells the user in notices of the desktop's; they outlive it.
+    /// Its desktop notices; they must outlive it.
     struct Notices {
         Notice& schedule;
-        Notice& answers; ///< what published actions have to say
+        Notice& answers; ///< results of published actions
         Notice& end;     ///< how far the end of the session has come
-        Notice& run;     ///< what a run waits for
+        Notice& run;     ///< what a run is waiting for
     };
 
     AppDelegate(const Desktop& desktop, const DesktopFace& face, const Notices& notices);
@@ -38,8 +38,8 @@ public:
     AppDelegate& operator=(const AppDelegate&) = delete;
     ~AppDelegate();
 
-    /// Ends the program in a later turn of the loop. A run that is under way ends first, so that
-    /// whoever waits for it hears of that.
+    /// Ends the program in a later turn of the loop. A running run ends first, so that those
+    /// waiting for it hear of that.
     void end();
 
 private:
@@ -58,7 +58,7 @@ private:
     EndNotice endNotice_;
     RunNotice runNotice_;
     ConfirmDialog confirmDialog_;
-    /// What others want doesn't take the place of what the user is being asked.
+    /// Separate, so that others' questions don't replace one that the user is being asked.
     ConfirmDialog callerDialog_;
     std::optional<Uptime> callerAgreedAt_;
     TrayItem trayItem_;

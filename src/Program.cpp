@@ -28,7 +28,7 @@ int runProgram(int argc, char** argv, SystemLog& log, const Formats& formats) {
     const QtStart qt(*windowing);
     QApplication application(argc, argv);
     qt.finish(application);
-    // Qt has taken out what it understands, the session manager's own among them.
+    // Qt has removed the arguments that it knows, including those of the session manager.
     if (argc > 1)
         log.write(StartSwitches::unknownLine({argv + 1, argv + argc}));
 
