@@ -12,7 +12,7 @@ namespace velmorquit {
 /// may read it; without an owner anybody may write it.
 ///
 /// Subscribers are told in a later turn of the loop, once for all changes of one turn, and read the
-/// value that is current then: an assignment never calls back.
+/// value that is current then: nothing is ever called back from within an
 /// assignment.
 template <class T, class Owner = void> class Published {
 public:

@@ -11,8 +11,8 @@ class QPainter;
 /// needed.
 namespace velmorquit::Symbols {
 
-/// The side, in points, of the square box for a symbol that fits text of that
-/// size.
+/// The side, in points, of the square box in which a symbol is drawn that fits text of
+/// that size.
 [[nodiscard]] int boxSize(double textSize);
 
 /// Draws the symbol with that name to fill `box` (a square). Draws nothing for an unknown name.

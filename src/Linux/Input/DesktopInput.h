@@ -21,8 +21,8 @@ namespace velmorquit {
 ///
 /// Compositors are asked over the session bus: GNOME's idle monitor, and Plasma's screen locker.
 /// The latter is called by a name that only Plasma's has, since other services answer the same call
-/// in whole seconds, or in seconds since the session became idle. A zero from it is no answer: it
-/// says so on Wayland, where it doesn't know.
+/// in whole seconds, or in seconds since the session became idle. A zero from it is no answer:
+/// that is what it says on Wayland, where it doesn't know.
 class DesktopInput final : public InputActivity {
 public:
     static constexpr Duration patience = 1s;

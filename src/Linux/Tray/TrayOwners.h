@@ -14,9 +14,9 @@ public:
     /// may be null, must outlive it.
     TrayOwners(const QDBusConnection& bus, EmbeddingTray* embedding, ProcessId own);
 
-    /// The processes that have an icon, without this one. The display server is asked some short
-    /// questions about embedded windows; the notifiers' list is read
-    /// from memory.
+    /// The processes that have an icon, without this one. The display server is asked about
+    /// embedded windows, in some short questions; the icons on the notifiers' list are read from
+    /// memory.
     [[nodiscard]] std::set<ProcessId> processes();
 
     /// Clicks the icon of that process; false when it has none. Asks some short questions first.

@@ -16,8 +16,8 @@ class QDBusMessage;
 
 namespace velmorquit {
 
-/// A block device according to UDisks2. Missing and invalid properties are
-/// none.
+/// A block device according to UDisks2. Properties that are missing, or whose values make no sense,
+/// are none.
 struct DiskBlock {
     dev_t device = 0;
     QString drive;       ///< object path; empty when it is on no drive

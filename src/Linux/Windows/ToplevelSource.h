@@ -46,14 +46,14 @@ public:
     virtual ~ToplevelSource() = default;
 
     /// The ordinary windows and the dialogs in the order of their appearance, at most a tenth of a
-    /// second old. Asks the display server one short question about all windows
-    /// together.
+    /// second old. Asks the display server one short question, which is about all windows at the
+    /// same time.
     [[nodiscard]] virtual const std::vector<Toplevel>& toplevels() = 0;
 
     /// Whether `toplevels` is complete. Asks the desktop.
     [[nodiscard]] virtual Sight sight() = 0;
 
-    /// The text of the window's title bar, in UTF-8; empty without one. Asks the
+    /// The text of the window's title bar, in UTF-8; empty when it has none. This asks the
     /// desktop.
     [[nodiscard]] virtual std::string title(std::uint64_t window) = 0;
 

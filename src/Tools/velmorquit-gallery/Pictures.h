@@ -19,9 +19,9 @@ struct Picture {
 /// All pictures.
 [[nodiscard]] const std::vector<Picture>& pictures();
 
-/// The idle panel; a scheduled run; during and after a run; the end of the session; desktops with
-/// other settings; menus and other
-/// parts of the toolkit; the shapes everything is drawn with.
+/// The idle panel; a scheduled run; during and after a run; the end of the session; desktops that
+/// are set up differently; menus and other parts of the toolkit; the shapes that everything is
+/// drawn with.
 [[nodiscard]] std::vector<Picture> restPictures();
 [[nodiscard]] std::vector<Picture> schedulePictures();
 [[nodiscard]] std::vector<Picture> runPictures();

@@ -52,8 +52,8 @@ namespace Settings {
 /// The list as content of the file.
 [[nodiscard]] std::string encode(const std::vector<Destination>& destinations);
 
-/// All destinations; none while there is no such file. An unreadable file is a
-/// problem, and is never overwritten here.
+/// All destinations; none while there is no such file. A file that can't be
+/// understood is a problem, and is never overwritten here.
 [[nodiscard]] Outcome<std::vector<Destination>> load();
 
 /// The same; having none is a problem.
