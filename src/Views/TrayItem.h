@@ -16,8 +16,8 @@
 namespace velmorquit {
 
 /// The program's icon in the tray, also while hosts of either kind replace each other. Qt decides
-/// for which kind it makes icons with the first one, and stays with that: so it makes
-/// them for notifiers alone.
+/// with its first icon for which kind of host it makes them, and stays with that: so it is used for
+/// notifiers alone.
 class TrayItem final : public StatusItem {
 public:
     explicit TrayItem(const DesktopFace& face);
