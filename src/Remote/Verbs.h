@@ -41,19 +41,19 @@ enum class Verb {
 
 /// Anything said to or about a run; whether it makes sense depends on the run's state.
 enum class Word {
-    leave,         ///< whatever stays open alone
-    leaveNamed,    ///< the same, in reply to a notice that named it
-    showNamed,     ///< whatever such a notice named
-    askAgain,      ///< whatever stays
-    force,         ///< whatever stays to end
-    endBackup,     ///< that is running
-    answerFailure, ///< about a failed backup
-    cancel,        ///< what was asked for
+    leave,         ///< leave open what stays, and end the run
+    leaveNamed,    ///< the same, in reply to a notice that named what stays
+    showNamed,     ///< bring to the front what such a notice named
+    askAgain,      ///< ask what stays to quit once more
+    force,         ///< force what stays to end
+    endBackup,     ///< stop a running backup
+    answerFailure, ///< say what happens after a failed backup
+    cancel,        ///< drop the schedule and the power action
     confirmSchedule,
     postponeSchedule,
-    quitAll,   ///< or ask some, where there is no run
-    endAnyway, ///< despite what stays open
-    reopen,    ///< what the last run closed
+    quitAll,   ///< or ask only some, while there is no run
+    endAnyway, ///< end the session despite what stays open
+    reopen,    ///< open again what the last run closed
     none,      ///< not about a run
 };
 

@@ -80,7 +80,7 @@ Moment momentOf(const QuitController& controller) {
         return Moment::backupFailed;
     if (is<phases::Ejecting>(phase))
         return Moment::ejecting;
-    // A run without any targets has begun, but never set a phase.
+    // A run without any targets has begun, but has not set its phase yet.
     if (controller.isRunning())
         return Moment::quitting;
     return is<phases::Done>(phase) ? Moment::done : Moment::idle;

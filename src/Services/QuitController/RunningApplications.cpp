@@ -66,7 +66,7 @@ std::vector<OpenApp> RunningApplications::quittable() const {
 }
 
 void RunningApplications::toggleExclusion(const OpenApp& app) {
-    // The user means to change the state on the screen, which another program may have changed.
+    // As the user saw it, before other programs' changes are taken over.
     const bool wasExcluded = isExcluded(app);
     settings_.refresh();
     takeOverExclusions();
