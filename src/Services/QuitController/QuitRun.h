@@ -44,7 +44,7 @@ public:
         LastSession& lastSession;
         const EventFeed& events;
         std::function<void()> refresh;
-        std::function<void()> letSleep; ///< when the session is about to end: nothing
+        std::function<void()> letSleep; ///< ends other holds, as the session is about to end
     };
 
     QuitRun(const Desktop& desktop, Surroundings surroundings, PowerAction action,

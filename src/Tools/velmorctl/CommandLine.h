@@ -17,10 +17,10 @@ enum class ExitStatus {
     failure = 1,       ///< refused, or the run ended with something left open
     usage = 2,         ///< the command line was not understood
     notRunning = 3,    ///< there is no program to talk to
-    timedOut = 4,      ///< the wait exceeded its limit; the program goes on
+    timedOut = 4,      ///< the wait exceeded its limit; what it waited for goes on
     stranger = 5,      ///< another program has the expected name
     asking = 6,        ///< nothing happens until the user agrees on the screen
-    interrupted = 130, ///< by Ctrl+C; the program goes on
+    interrupted = 130, ///< by Ctrl+C; what it waited for goes on
 };
 
 /// The user's request on the command line.

@@ -27,7 +27,7 @@ private:
 
 /// The outcome of a call of restic.
 struct ResticEnd {
-    int status = -1;        ///< exit status; 128 + signal number; -1 when it could not be started
+    int status = -1; ///< exit status, or 128 + a signal's number; -1 when it could not be started
     std::string output;     ///< standard output, unless it was taken line by line
     std::string errors;     ///< the last 64 KiB of standard error
     bool isStopped = false; ///< the tool was asked to end
