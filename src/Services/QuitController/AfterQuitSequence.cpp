@@ -27,13 +27,17 @@ void noteEjected(std::vector<std::string>& notes, const ExternalDrives::Ejected&
 Task<> QuitRun::follow(PowerAction planned) {
     stage_ = Stage::following;
     RunStatus& status = surroundings_.status;
-    status.runningAction = action_;
+    status.follow(action_);
     std::vector<std::string> notes;
 
     if (surroundings_.options.backupFirst && surroundings_.options.timeMachine->isConfigured) {
-        status.phase = phases::BackingUp{};
-        backup_.emplace(desktop_, BackupStep::Surroundings{status.phase, surroundings_.options,
-                                                           surroundings_.events});
+        status.enter(phases::BackingUp{});
+        backup_.emplace(desktop_, BackupStep::Surroundings{
+                                      .options = surroundings_.options,
+                                      .events = surroundings_.events,
+                                      .progress = [&status](std::optional<double> fraction) {
+                                          status.enter(phases::BackingUp{fraction});
+                                      }});
         Task<bool> backingUp = backUp(notes);
         if (!co_await backingUp) {
             stage_ = Stage::over;
@@ -44,7 +48,7 @@ Task<> QuitRun::follow(PowerAction planned) {
         }
     }
     if (surroundings_.options.ejectDrives && !ExternalDrives::connected(desktop_.volumes).empty()) {
-        status.phase = phases::Ejecting{};
+        status.enter(phases::Ejecting{});
         Task<> ejecting = eject(notes);
         co_await ejecting;
     }
@@ -94,9 +98,9 @@ Task<bool> QuitRun::backUp(std::vector<std::string>& notes) {
 }
 
 void QuitRun::waitForChoice(const std::string& reason) {
-    surroundings_.status.phase = phases::BackupFailed{reason};
+    surroundings_.status.enter(phases::BackupFailed{reason});
     if (surroundings_.status.unattended) {
-        surroundings_.status.autoContinueAt = desktop_.loop.now() + unattendedGrace;
+        surroundings_.status.continueAt(desktop_.loop.now() + unattendedGrace);
         givingUp_ = desktop_.loop.after(unattendedGrace,
                                         [this] { resolveBackupFailure(FailureChoice::goOn); });
     }
@@ -136,8 +140,7 @@ Task<> QuitRun::act(PowerAction action) {
 
 void QuitRun::dropAction() {
     action_ = PowerAction::none;
-    surroundings_.status.pendingAction = PowerAction::none;
-    surroundings_.status.runningAction = PowerAction::none;
+    surroundings_.status.dropAction();
 }
 
 void QuitRun::stopBackup(BackupStop how) {

@@ -71,7 +71,7 @@ Task<> BackupStep::watch(const ChildProcess& process) {
         });
         const TimeMachine::Status status = co_await reading;
         if (status.running)
-            surroundings_.phase = phases::BackingUp{status.fraction};
+            surroundings_.progress(status.fraction);
         if (!status.fraction || !std::isfinite(*status.fraction))
             continue;
         const int quarter = static_cast<int>(*status.fraction * 4);

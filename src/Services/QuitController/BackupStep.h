@@ -1,12 +1,11 @@
 #pragma once
 
-#include "Loop/Published.h"
 #include "Loop/Task.h"
-#include "Model/Phase.h"
 #include "Platform/Desktop.h"
 #include "Services/QuitController/EventFeed.h"
 #include "Services/QuitController/RunOptions.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <variant>
@@ -29,9 +28,10 @@ public:
     };
     /// Where it reports to; all of it outlives the step.
     struct Surroundings {
-        Published<Phase>& phase;
         RunOptions& options;
         const EventFeed& events;
+        /// The part that is done, 0 to 1; none where the tool doesn't say.
+        std::function<void(std::optional<double>)> progress;
     };
 
     BackupStep(const Desktop& desktop, Surroundings surroundings);

@@ -13,7 +13,7 @@ QuitController::QuitController(const Desktop& desktop, Settings& settings)
       LastSession(desktop, settings),
       Scheduler(desktop, settings,
                 {.begin = [this](PowerAction action,
-                                 Attendance attendance) { begin(action, attendance); },
+                                 Attendance attendance) { quitAll(action, attendance); },
                  .events = *this}),
       desktop_(desktop) {
     observe();
@@ -41,7 +41,7 @@ void QuitController::startLiveUpdates() {
 
 void QuitController::stopLiveUpdates() { refreshTimer_.reset(); }
 
-void QuitController::begin(PowerAction action, Attendance attendance) {
+void QuitController::quitAll(PowerAction action, Attendance attendance) {
     if (isRunning())
         return;
     // An earlier run that is about to end the session gives way to this one.

@@ -44,7 +44,8 @@ public:
 
     /// Asks every application of `quittable` to quit, with `action` to follow; a newly started one
     /// only once it is known for certain. Does nothing while a run is in progress.
-    void quitAll(PowerAction action) { begin(action, Attendance::attended); }
+    /// An unattended run passes over a failed backup after a while.
+    void quitAll(PowerAction action, Attendance attendance = Attendance::attended);
 
     /// Whether a run is in progress, including the steps that follow it.
     [[nodiscard]] bool isRunning() const { return run_ && !run_->isOver(); }
@@ -88,7 +89,6 @@ public:
     [[nodiscard]] MainLoop& mainLoop() const { return desktop_.loop; }
 
 private:
-    void begin(PowerAction action, Attendance attendance);
     void observe();
 
     Desktop desktop_;

@@ -14,7 +14,7 @@ QuitRun::QuitRun(const Desktop& desktop, Surroundings surroundings, PowerAction 
     desktop_.loginWindow.cancel();
     holdSleep();
     surroundings_.refresh();
-    surroundings_.status.begin(action, attendance == Attendance::unattended);
+    surroundings_.status.begin(action, attendance);
     // After sleep nobody can tell how long the wait has been.
     waking_ = desktop_.loop.observe(ClockEvent::woke, [this] { isLate_ |= waiting_.isSet(); });
     targets_.emplace(desktop_.loop, surroundings_.applications,
@@ -23,7 +23,7 @@ QuitRun::QuitRun(const Desktop& desktop, Surroundings surroundings, PowerAction 
         finishAsking(AfterSteps::run);
         return;
     }
-    surroundings_.status.phase = phases::Quitting{static_cast<int>(targets_->list().size())};
+    surroundings_.status.enter(phases::Quitting{static_cast<int>(targets_->list().size())});
     targets_->ask();
     polling_ = poll(desktop_.loop.uptime() + gracePeriod);
 }
@@ -38,8 +38,7 @@ Task<> QuitRun::poll(Uptime deadline) {
     for (;;) {
         co_await sleep(pollInterval);
         if (targets_->ask() && is<phases::Quitting>(surroundings_.status.phase))
-            surroundings_.status.phase =
-                phases::Quitting{static_cast<int>(targets_->list().size())};
+            surroundings_.status.enter(phases::Quitting{static_cast<int>(targets_->list().size())});
         std::vector<OpenApp> running = targets_->running();
         if (running.empty()) {
             finishAsking(AfterSteps::run);
@@ -55,7 +54,7 @@ Task<> QuitRun::poll(Uptime deadline) {
         if (!is<phases::Waiting>(surroundings_.status.phase)) {
             surroundings_.events.tell(events::StubbornApps{});
             co_await unlessCancelled();
-            surroundings_.status.phase = phases::Waiting{};
+            surroundings_.status.enter(phases::Waiting{});
             beginWaiting();
         }
     }
@@ -65,14 +64,14 @@ void QuitRun::look(std::vector<OpenApp> running) {
     targets_->askWindowless(running);
     const Uptime now = desktop_.loop.uptime();
     if (!lookedAt_ || now - *lookedAt_ >= reasonInterval) {
-        surroundings_.status.stayReasons = RunTargets::reasonsOf(running);
+        surroundings_.status.explain(RunTargets::reasonsOf(running));
         for (const auto& [id, reason] : surroundings_.status.stayReasons.get()) {
             if (reason == StayReason::busyTerminal)
                 targets_->noteHindered(id);
         }
         lookedAt_ = now;
     }
-    surroundings_.status.stubborn = std::move(running);
+    surroundings_.status.stay(std::move(running));
 }
 
 // With nobody there, the computer would fall asleep in the middle of the run.
@@ -97,7 +96,7 @@ void QuitRun::noteAsked(ProcessId id) {
 
 void QuitRun::leave() {
     if (stage_ == Stage::asking) {
-        surroundings_.status.pendingAction = PowerAction::none;
+        surroundings_.status.dropPending();
         finishAsking(AfterSteps::skip);
     } else if (stage_ == Stage::asked) {
         following_.cancel();
@@ -114,12 +113,11 @@ void QuitRun::finishAsking(AfterSteps steps) {
     // Before the refresh: it and the steps that follow may take long, and the session may end
     // with them.
     surroundings_.lastSession.remember(closed);
-    surroundings_.status.stubborn = {};
-    surroundings_.status.stayReasons = {};
+    surroundings_.status.stay({});
+    surroundings_.status.explain({});
     targets_.reset();
     surroundings_.refresh();
-    const PowerAction planned = surroundings_.status.pendingAction;
-    surroundings_.status.pendingAction = PowerAction::none;
+    const PowerAction planned = surroundings_.status.endWaiting();
     if (steps == AfterSteps::skip) {
         conclude(std::nullopt);
         return;
@@ -132,7 +130,7 @@ void QuitRun::finishAsking(AfterSteps steps) {
 void QuitRun::conclude(std::optional<std::string> note) {
     stage_ = Stage::over;
     surroundings_.status.show(result_, std::move(note));
-    surroundings_.status.unattended = false;
+    surroundings_.status.end();
     sleepHold_.reset();
 }
 

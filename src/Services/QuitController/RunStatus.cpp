@@ -1,7 +1,5 @@
 #include "Services/QuitController/RunStatus.h"
 
-#include <utility>
-
 namespace velmorquit {
 
 RunStatus::RunStatus(const Desktop& desktop)
@@ -9,14 +7,25 @@ RunStatus::RunStatus(const Desktop& desktop)
       resultNote(desktop.loop), unattended(desktop.loop), autoContinueAt(desktop.loop),
       pendingAction(desktop.loop), runningAction(desktop.loop), loop_(desktop.loop) {}
 
-void RunStatus::begin(PowerAction action, bool isUnattended) {
+void RunStatus::begin(PowerAction action, Attendance attendance) {
     ++number_;
     hiding_.reset();
     end();
-    unattended = isUnattended;
+    unattended = attendance == Attendance::unattended;
     pendingAction = action;
     stubborn = {};
     resultNote = std::nullopt;
+}
+
+PowerAction RunStatus::endWaiting() {
+    const PowerAction planned = pendingAction;
+    pendingAction = PowerAction::none;
+    return planned;
+}
+
+void RunStatus::dropAction() {
+    pendingAction = PowerAction::none;
+    runningAction = PowerAction::none;
 }
 
 void RunStatus::show(RunResult result, std::optional<std::string> note) {
