@@ -7,8 +7,6 @@
 
 #include <QDBusObjectPath>
 
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <string>
 #include <vector>
@@ -16,36 +14,33 @@
 namespace velmorquit {
 
 /// Of whoever is called.
-enum class Manners { accepts, refuses, cancels, hangs, leaves };
+const QVariant accepting = QVariantList();
+const QVariant refusing = Refusal{"org.example.Denied", "Not today"};
+const QVariant hanging;
 
-/// Stands for whoever ends sessions: all objects of one connection, under the names that it takes.
+/// Stands for whoever ends sessions.
 class StandIn final : public StandInService {
 public:
-    using StandInService::StandInService;
-
-    void hear(const QDBusMessage& message) override {
-        QStringList words{message.path(), message.interface() + '.' + message.member()};
-        for (const QVariant& argument : message.arguments())
-            words << argument.typeName() + QStringLiteral(":") + argument.toString();
-        calls << words.join(' ');
-        if (message.member() == "GetSessionByPID" && manners != Manners::refuses) {
-            bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath("/session/_37"))));
-        } else if (manners == Manners::accepts) {
-            bus.send(message.createReply());
-        } else if (manners == Manners::refuses) {
-            bus.send(message.createErrorReply("org.example.Denied", "Not today"));
-        } else if (manners == Manners::cancels) {
-            bus.send(message.createErrorReply(
-                "org.gtk.GDBus.UnmappedGError.Quark._g_2dio_2derror_2dquark.Code19",
-                "L'operazione è stata annullata"));
-        } else if (manners == Manners::leaves) {
-            QDBusConnection::disconnectFromBus(bus.name());
-            bus = QDBusConnection("none");
-        }
+    explicit StandIn(const QDBusConnection& connection) : StandInService(connection) {
+        says[""] = accepting;
+        says["GetSessionByPID"] = QVariant::fromValue(QDBusObjectPath("/session/_37"));
     }
 
-    Manners manners = Manners::accepts;
-    QStringList calls;
+    bool leaves = false; ///< the bus, when it is called
+
+protected:
+    [[nodiscard]] QString lineOf(const QDBusMessage& call) const override {
+        QStringList words{call.path(), call.interface() + '.' + call.member()};
+        for (const QVariant& argument : call.arguments())
+            words << argument.typeName() + QStringLiteral(":") + argument.toString();
+        return words.join(' ');
+    }
+    void reply(const QDBusMessage& call) override {
+        if (!leaves)
+            return StandInService::reply(call);
+        QDBusConnection::disconnectFromBus(bus.name());
+        bus = QDBusConnection("none");
+    }
 };
 
 /// A session's bus and a system's, with somebody on each of them.
@@ -59,7 +54,6 @@ protected:
         };
         return *service;
     }
-
     BusEndService& startReady(std::string sessionId = "c2") {
         start(std::move(sessionId));
         EXPECT_TRUE(waitUntil([this] { return service->isReady(); }));
@@ -75,17 +69,13 @@ protected:
         EXPECT_EQ(answers.size(), 1U);
         return answers.front();
     }
-
+    [[nodiscard]] bool isPossible(LoginRequest request, EndForm form = EndForm::direct) const {
+        return !service->obstacle(request, form);
+    }
     void settleAll() {
         settle({manager.bus, login.bus, session.connection(), system.connection()});
     }
-
-    QStringList takeCalls() {
-        const QStringList calls = manager.calls + login.calls;
-        manager.calls.clear();
-        login.calls.clear();
-        return calls;
-    }
+    QStringList takeCalls() { return manager.takeCalls() + login.takeCalls(); }
 
     PrivateBus sessionBus;
     PrivateBus systemBus;
@@ -97,8 +87,14 @@ protected:
     Duration namesLimit = 10s;
     std::vector<std::string> answers;
     std::unique_ptr<BusEndService> service;
+
+    static constexpr auto logOut = LoginRequest::logOut;
+    static constexpr auto shutDown = LoginRequest::shutDown;
+    static constexpr auto restart = LoginRequest::restart;
 };
 
 inline const QString loginName = QStringLiteral("org.freedesktop.login1");
+inline const QString gnomeName = QStringLiteral("org.gnome.SessionManager");
+inline const QString xfceName = QStringLiteral("org.xfce.SessionManager");
 
 } // namespace velmorquit

@@ -3,14 +3,12 @@
 #include "support/PrivateBus.h"
 #include "support/StandInService.h"
 
-#include <QDBusArgument>
-
-#include <gtest/gtest.h>
-
 #include <memory>
 
 namespace velmorquit {
 namespace {
+
+const QStringList nothing;
 
 /// Stands for the desktop's notification service.
 class Service final : public StandInService {
@@ -19,48 +17,41 @@ public:
 
     explicit Service(const QDBusConnection& connection) : StandInService(connection, {name}) {}
 
-    void hear(const QDBusMessage& message) override {
-        EXPECT_EQ(message.path(), "/org/freedesktop/Notifications");
-        const QVariantList in = message.arguments();
-        if (message.member() == "CloseNotification") {
-            log << "close " + in.value(0).toString();
-            bus.send(message.createReply());
-            return;
-        }
-        if (message.member() == "GetCapabilities") {
-            ++questions;
-            bus.send(message.createReply(capabilities));
-            return;
-        }
-        EXPECT_EQ(message.signature(), "susssasa{sv}i");
-        const uint replaced = in.value(1).toUInt();
-        log << (replaced == 0 ? QStringLiteral("show") : "replace " + in.value(1).toString()) +
-                   " | " + in.value(3).toString() + " | " + in.value(4).toString() + " | " +
-                   in.value(5).toStringList().join('=') + " | " + in.value(7).toString();
-        const uint number = replaced == 0 ? ++last_ : replaced;
-        if (isSlow)
-            pending = message.createReply(number);
-        else
-            bus.send(message.createReply(number));
+    void press(uint number, const QString& button = "cancel") const {
+        tell("ActionInvoked", number, button);
+    }
+    void tell(const QString& member, uint number, const QVariant& argument) const {
+        signal("/org/freedesktop/Notifications", name, member, {number, argument});
     }
 
-    void answer() { bus.send(pending); }
-    void emitSignal(const QString& member, uint number, const QVariant& argument) {
-        tell(bus, member, number, argument);
-    }
-    static void tell(QDBusConnection bus, const QString& member, uint number,
-                     const QVariant& argument) {
-        QDBusMessage signal =
-            QDBusMessage::createSignal("/org/freedesktop/Notifications", name, member);
-        signal << number << argument;
-        bus.send(signal);
-    }
-
-    bool isSlow = false;
     QStringList capabilities{"body", "actions"};
     int questions = 0;
-    QDBusMessage pending;
-    QStringList log;
+
+protected:
+    [[nodiscard]] QString lineOf(const QDBusMessage& call) const override {
+        EXPECT_EQ(call.path(), "/org/freedesktop/Notifications");
+        const QVariantList in = call.arguments();
+        if (call.member() == "GetCapabilities")
+            return {};
+        if (call.member() == "CloseNotification")
+            return "close " + in.value(0).toString();
+        EXPECT_EQ(call.signature(), "susssasa{sv}i");
+        const QString replaced = in.value(1).toString();
+        return QStringList{replaced == "0" ? QStringLiteral("show") : "replace " + replaced,
+                           in.value(3).toString(), in.value(4).toString(),
+                           in.value(5).toStringList().join('='), in.value(7).toString()}
+            .join(" | ");
+    }
+    void reply(const QDBusMessage& call) override {
+        if (call.member() == "GetCapabilities") {
+            ++questions;
+            return send(call, capabilities);
+        }
+        if (call.member() == "CloseNotification")
+            return send(call, QVariantList());
+        const uint replaced = call.arguments().value(1).toUInt();
+        send(call, replaced == 0 ? ++last_ : replaced);
+    }
 
 private:
     uint last_ = 6;
@@ -87,11 +78,12 @@ protected:
 
     void settleAll() { settle({session.connection(), service.bus}); }
 
-    /// What the service has heard since the last time, when there is nothing more to hear.
-    QStringList heard() {
-        settleAll();
-        return std::exchange(service.log, {});
+    /// What a service has heard since the last time, when there is nothing more to hear.
+    QStringList heardBy(Service& one) {
+        settle({session.connection(), one.bus});
+        return one.takeCalls();
     }
+    QStringList heard() { return heardBy(service); }
 
     PrivateBus bus;
     PowerBus session = PowerBus::standIn(bus.address(), bus.folder());
@@ -110,8 +102,18 @@ TEST_F(BusNoticeTest, SaysWhatItWaitsForAndWhatHasCome) {
     notice->notice.withdraw();
     EXPECT_EQ(heard(), QStringList{"close 7"});
     notice->notice.withdraw();
+    EXPECT_EQ(heard(), nothing);
+
+    // Going takes away only what waits.
+    notice->tell("Note");
+    EXPECT_EQ(heard().size(), 1);
     notice.reset();
-    EXPECT_EQ(heard(), QStringList());
+    EXPECT_EQ(heard(), nothing);
+    notice = std::make_unique<ShownNotice>(session);
+    notice->wait("Note");
+    EXPECT_EQ(heard().size(), 1);
+    notice.reset();
+    EXPECT_EQ(heard(), QStringList{"close 9"});
 }
 
 TEST_F(BusNoticeTest, NamesAreNoMarkupWhateverTheServiceTakesThemFor) {
@@ -132,9 +134,10 @@ TEST_F(BusNoticeTest, WhatComesWhileTheServiceIsSlowIsToldWhenItHasAnswered) {
     EXPECT_EQ(heard().size(), 1);
     notice->wait("Mail");
     notice->notice.withdraw();
-    EXPECT_EQ(heard(), QStringList());
+    EXPECT_EQ(heard(), nothing);
     service.answer();
     EXPECT_EQ(heard(), QStringList{"close 7"});
+    service.answer();
 
     notice->wait("Note");
     EXPECT_EQ(heard().size(), 1);
@@ -144,37 +147,31 @@ TEST_F(BusNoticeTest, WhatComesWhileTheServiceIsSlowIsToldWhenItHasAnswered) {
     EXPECT_EQ(heard(), QStringList{"replace 8 | Told | Mail |  | -1"});
 }
 
-TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndOnlyHere) {
+TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndPutsItAwayForGood) {
     notice->wait("Note");
     heard();
-    service.emitSignal("ActionInvoked", 9, "cancel");
-    service.emitSignal("ActionInvoked", 7, "default");
-    // Not the one that shows it.
-    const QDBusConnection other = bus.connect();
-    Service::tell(other, "ActionInvoked", 7, "cancel");
-    settle({other});
+    service.press(9);
+    service.press(7, "default");
     settleAll();
     EXPECT_EQ(cancelled, 0);
-    service.emitSignal("ActionInvoked", 7, "cancel");
+    service.press(7);
     settleAll();
     EXPECT_EQ(cancelled, 1);
     notice->tell("Note");
-    settleAll();
-    service.emitSignal("ActionInvoked", 7, "cancel");
+    heard();
+    service.press(7);
     settleAll();
     EXPECT_EQ(cancelled, 1);
-}
 
-TEST_F(BusNoticeTest, WhatTheUserPutAwayIsNeitherReplacedNorWithdrawn) {
     notice->wait("Note");
     heard();
-    service.emitSignal("NotificationClosed", 7, 2U);
+    service.tell("NotificationClosed", 7, 2U);
     settleAll();
     notice->notice.withdraw();
-    EXPECT_EQ(heard(), QStringList());
-    EXPECT_EQ(cancelled, 0);
+    EXPECT_EQ(heard(), nothing);
     notice->tell("Note");
-    EXPECT_TRUE(heard().value(0).startsWith("show | "));
+    EXPECT_EQ(heard(), QStringList{"show | Told | Note |  | -1"});
+    EXPECT_EQ(cancelled, 1);
 }
 
 TEST_F(BusNoticeTest, TheNextServiceIsAskedAnewAndNeverByTheNumberOfTheLast) {
@@ -187,19 +184,15 @@ TEST_F(BusNoticeTest, TheNextServiceIsAskedAnewAndNeverByTheNumberOfTheLast) {
         service.disown(Service::name);
         settleAll();
         Service next(bus.connect());
-        const auto heardByNext = [&] {
-            settle({session.connection(), next.bus});
-            return std::exchange(next.log, {});
-        };
-        EXPECT_EQ(heardByNext().size(), isQuestion ? 1 : 0);
-        service.emitSignal("ActionInvoked", 7, "cancel");
+        EXPECT_EQ(heardBy(next).size(), isQuestion ? 1 : 0);
+        service.press(7);
         settleAll();
         EXPECT_EQ(cancelled, 0) << "who showed it last speaks no more";
-        next.emitSignal("ActionInvoked", 7, "cancel");
-        heardByNext();
+        next.press(7);
+        heardBy(next);
         EXPECT_EQ(std::exchange(cancelled, 0), isQuestion ? 1 : 0);
         notice->tell("Mail");
-        EXPECT_TRUE(heardByNext().value(0).startsWith(isQuestion ? "replace 7" : "show | "));
+        EXPECT_TRUE(heardBy(next).value(0).startsWith(isQuestion ? "replace 7" : "show | "));
         notice->notice.withdraw();
         next.disown(Service::name);
         service.own(Service::name);
@@ -225,45 +218,31 @@ TEST_F(BusNoticeTest, SaysWhenTheServiceHasNoButtonsWhichItIsAskedOnce) {
     EXPECT_EQ(std::exchange(unanswerable, 0), 1) << "perhaps no other service comes";
     Service plain(bus.connect());
     plain.capabilities = {"body"};
-    const auto settlePlain = [&] { settle({session.connection(), plain.bus}); };
     notice->tell("Note");
-    settlePlain();
+    heardBy(plain);
     EXPECT_EQ(unanswerable, 0);
     for (const char* text : {"Note", "Mail"}) {
         notice->wait(text);
-        settlePlain();
+        heardBy(plain);
     }
     EXPECT_EQ(plain.questions, 1);
     EXPECT_EQ(unanswerable, 2);
     notice->wait("Note");
     notice->notice.withdraw();
-    settlePlain();
+    heardBy(plain);
     EXPECT_EQ(unanswerable, 2) << "nothing is there to be answered";
 }
 
-TEST_F(BusNoticeTest, GoingTakesAwayOnlyWhatWaits) {
-    notice->wait("Note");
-    heard();
-    notice.reset();
-    EXPECT_EQ(heard(), QStringList{"close 7"});
-    notice = std::make_unique<ShownNotice>(session);
-    notice->tell("Note");
-    heard();
-    notice.reset();
-    EXPECT_EQ(heard(), QStringList());
-}
-
 TEST_F(BusNoticeTest, WithoutAServiceOrABusNothingHappens) {
-    const PrivateBus other;
-    const PowerBus empty = PowerBus::standIn(other.address(), other.folder());
-    const PowerBus none = PowerBus::standIn("", other.folder());
-    for (const PowerBus* session : {&empty, &none}) {
-        ShownNotice silent(*session);
+    service.disown(Service::name);
+    const PowerBus none = PowerBus::standIn("", bus.folder());
+    for (const PowerBus* each : {&std::as_const(session), &none}) {
+        ShownNotice silent(*each);
         int unanswerable = 0;
         silent.notice.onUnanswerable = [&] { ++unanswerable; };
         silent.wait("Note");
         EXPECT_EQ(unanswerable, 0) << "it is told later";
-        settle({session->connection()});
+        settle({each->connection()});
         EXPECT_EQ(unanswerable, 1);
         silent.tell("Note");
         silent.notice.withdraw();

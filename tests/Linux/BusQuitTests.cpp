@@ -4,9 +4,6 @@
 #include "support/Waiting.h"
 
 #include <QDBusArgument>
-#include <QDBusMessage>
-
-#include <gtest/gtest.h>
 
 #include <memory>
 
@@ -20,63 +17,47 @@ class Program final : public StandInService {
 public:
     using StandInService::StandInService;
 
-    void hear(const QDBusMessage& message) override {
-        const QString call = message.path() + ' ' + message.member();
-        if (message.member() == "Get") {
-            bus.send(message.createReply(QVariant::fromValue(QDBusVariant(canQuit))));
-        } else if (message.member() == "Describe" && message.arguments() == QVariantList{"quit"}) {
-            QDBusArgument description;
-            description.beginStructure();
-            description << canQuit << QDBusSignature("g");
-            description.beginArray(QMetaType::fromType<QDBusVariant>());
-            description.endArray();
-            description.endStructure();
-            bus.send(message.createReply(QVariant::fromValue(description)));
-        } else {
-            calls << call;
-            if (message.member() == "Activate")
-                calls.back() += " (" + message.signature() + ')';
-        }
-    }
-
     bool canQuit = true;
-    QStringList calls;
-};
 
-class BusQuitTest : public testing::Test {
 protected:
-    QDBusConnection ours() { return ours_; }
-
-    PrivateBus bus;
-    QDBusConnection ours_ = bus.connect();
-    Program program{bus.connect(), {"org.mpris.MediaPlayer2.player", "org.example.Some-App"}};
+    [[nodiscard]] QString lineOf(const QDBusMessage& call) const override {
+        const bool isQuestion = call.member() == "Get" || call.member() == "Describe";
+        return isQuestion ? "" : call.path() + ' ' + call.member() + '(' + call.signature() + ')';
+    }
+    void reply(const QDBusMessage& call) override {
+        if (call.member() == "Get")
+            return send(call, inVariant(canQuit));
+        QDBusArgument description;
+        description.beginStructure();
+        description << canQuit << QDBusSignature("g");
+        description.beginArray(QMetaType::fromType<QDBusVariant>());
+        description.endArray();
+        description.endStructure();
+        if (call.member() == "Describe" && call.arguments() == QVariantList{"quit"})
+            send(call, QVariant::fromValue(description));
+    }
 };
 
-TEST_F(BusQuitTest, AsksThePlayerAndTheApplicationOfAProcess) {
-    BusQuit quit(ours());
-    quit.quit(::getpid());
-    EXPECT_TRUE(waitUntil([&] { return program.calls.size() == 2; }));
-    program.calls.sort();
-    EXPECT_EQ(program.calls, (QStringList{"/org/example/Some_App Activate (sava{sv})",
-                                          "/org/mpris/MediaPlayer2 Quit"}));
-}
-
-TEST_F(BusQuitTest, LeavesAloneOthersAndThoseThatCannotQuit) {
-    BusQuit quit(ours());
+TEST(BusQuit, AsksThePlayerAndTheApplicationOfAProcessThatCanQuitAndNoOther) {
+    PrivateBus bus;
+    const QDBusConnection ours = bus.connect();
+    Program program(bus.connect(), {"org.mpris.MediaPlayer2.player", "org.example.Some-App"});
+    BusQuit quit(ours);
     quit.quit(::getppid());
+    std::make_unique<BusQuit>(ours)->quit(::getpid()); // gone before it is answered
+    BusQuit(QDBusConnection("none")).quit(::getpid());
     linger(200);
-    EXPECT_TRUE(program.calls.isEmpty()) << program.calls.join(' ').toStdString();
+    EXPECT_EQ(program.calls, QStringList());
     program.canQuit = false;
     quit.quit(::getpid());
     linger(200);
-    EXPECT_TRUE(program.calls.isEmpty()) << program.calls.join(' ').toStdString();
-}
-
-TEST_F(BusQuitTest, MayGoWhileItAsksAndNeedsNoBus) {
-    std::make_unique<BusQuit>(ours())->quit(::getpid());
-    BusQuit nowhere(QDBusConnection("none"));
-    nowhere.quit(::getpid());
-    linger(200);
+    EXPECT_EQ(program.calls, QStringList());
+    program.canQuit = true;
+    quit.quit(::getpid());
+    EXPECT_TRUE(waitUntil([&] { return program.calls.size() == 2; }));
+    program.calls.sort();
+    EXPECT_EQ(program.calls, (QStringList{"/org/example/Some_App Activate(sava{sv})",
+                                          "/org/mpris/MediaPlayer2 Quit()"}));
 }
 
 } // namespace

@@ -46,39 +46,20 @@ namespace {
 using testing::ElementsAre;
 using Against = Inhibitor::Against;
 
+constexpr const char* loginName = "org.freedesktop.login1";
+constexpr const char* gnomeName = "org.gnome.SessionManager";
+constexpr const char* plasmaName = "org.kde.Solid.PowerManagement";
+
 const uint own = ::getuid();
 const uint other = own + 1;
 
-/// Stands for a service: what it says to a member, or to "path member" first. It knows no other,
-/// and is silent where that is no value at all.
-class Keeper final : public StandInService {
-public:
-    Keeper(const QDBusConnection& connection, const char* name)
-        : StandInService(connection, {name}) {}
-
-    void hear(const QDBusMessage& message) override {
-        const QString whole = message.path() + ' ' + message.member();
-        calls << whole;
-        const QString key = says.contains(whole) ? whole : message.member();
-        if (errors.contains(key) || !says.contains(key))
-            bus.send(message.createErrorReply(
-                errors.value(key, "org.freedesktop.DBus.Error.UnknownMethod"), "no"));
-        else if (says[key].isValid())
-            bus.send(message.createReply(says[key]));
-    }
-
-    QVariantMap says;
-    QMap<QString, QString> errors;
-    QStringList calls;
-};
-
 class BusSessionRegistryTest : public testing::Test {
 protected:
-    template <class... Types> static void registerTypes() { (qDBusRegisterMetaType<Types>(), ...); }
-
-    void SetUp() override {
-        registerTypes<LoginRow, QList<LoginRow>, SessionRow, QList<SessionRow>, PlasmaRow,
-                      QList<PlasmaRow>>();
+    BusSessionRegistryTest() {
+        [&]<class... Types>(const std::tuple<Types...>*) {
+            (qDBusRegisterMetaType<Types>(), ...);
+            (qDBusRegisterMetaType<QList<Types>>(), ...);
+        }(static_cast<std::tuple<LoginRow, SessionRow, PlasmaRow>*>(nullptr));
     }
 
     std::optional<SessionAccount> read() {
@@ -113,9 +94,9 @@ protected:
     PrivateBus bus;
     PowerBus session = PowerBus::standIn(bus.address(), bus.folder());
     PowerBus system = PowerBus::standIn(bus.address(), bus.folder());
-    Keeper login{bus.connect(), "org.freedesktop.login1"};
-    Keeper gnome{bus.connect(), "org.gnome.SessionManager"};
-    Keeper plasma{bus.connect(), "org.kde.Solid.PowerManagement"};
+    StandInService login{bus.connect(), {loginName}};
+    StandInService gnome{bus.connect(), {gnomeName}};
+    StandInService plasma{bus.connect(), {plasmaName}};
     QList<SessionRow> sessions;
     QList<QDBusObjectPath> held;
     std::unique_ptr<BusSessionRegistry> registry = std::make_unique<BusSessionRegistry>(
@@ -135,7 +116,7 @@ TEST_F(BusSessionRegistryTest, InhibitorsThatKeepSomethingFromHappeningCount) {
     addHeld("switcher", "", 2);
     addHeld("Velmor Quit", "", 4 | 8);
     addHeld("gone", "", 1);
-    gnome.errors["/held/4 GetFlags"] = "org.freedesktop.DBus.Error.UnknownObject";
+    gnome.says["/held/4 GetFlags"] = Refusal{"org.freedesktop.DBus.Error.UnknownObject"};
     plasma.says["ListInhibitions"] =
         QVariant::fromValue(QList<PlasmaRow>{{"VLC", "Riproduce"}, {"Velmor Quit", "Piano"}});
     const auto account = read();
@@ -162,7 +143,7 @@ TEST_F(BusSessionRegistryTest, UsersAndSecondSessionsAreThoseThatCanLoseSomethin
     addSession(other + 3, "cron", "unspecified", "active", "background");
     addSession(other + 4, "daemon", "unspecified");
     addSession(other + 5, "gone", "x11");
-    login.errors["/session/10 GetAll"] = "org.freedesktop.login1.NoSuchSession";
+    login.says["/session/10 GetAll"] = Refusal{"org.freedesktop.login1.NoSuchSession"};
     auto account = read();
     ASSERT_TRUE(account);
     EXPECT_THAT(account->otherUsers, ElementsAre("bruno", "anna"));
@@ -176,23 +157,22 @@ TEST_F(BusSessionRegistryTest, WhoDoesNotAnswerIsNotTakenForNobody) {
     addSession(own, "io", "x11");
     addHeld("burner", "", 4);
     EXPECT_TRUE(read()) << "the others have nothing to say";
-    for (Keeper* keeper : {&login, &gnome}) {
+    // Whoever has just told of a session or an inhibitor can't be nobody.
+    const QVariant missing = Refusal{"org.freedesktop.DBus.Error.NameHasNoOwner"};
+    for (StandInService* keeper : {&login, &gnome}) {
         for (const QString& question : keeper->says.keys()) {
             const QVariant usual = keeper->says.value(question);
             QElapsedTimer timer;
             timer.start();
-            keeper->says[question] = QVariant();
-            EXPECT_EQ(read(), std::nullopt) << question.toStdString();
+            for (const QVariant& bad :
+                 {QVariant(), QVariant(7.5),
+                  QVariant(Refusal{"org.freedesktop.DBus.Error.AccessDenied"}), missing}) {
+                keeper->says[question] = bad;
+                const bool isNobody = bad == missing && !question.startsWith('/');
+                EXPECT_EQ(read().has_value(), isNobody) << question.toStdString();
+            }
             EXPECT_LT(timer.elapsed(), 10000);
-            keeper->says[question] = 7.5;
-            EXPECT_EQ(read(), std::nullopt) << question.toStdString();
             keeper->says[question] = usual;
-            keeper->errors[question] = "org.freedesktop.DBus.Error.AccessDenied";
-            EXPECT_EQ(read(), std::nullopt) << question.toStdString();
-            // Whoever has just told of a session or an inhibitor can't be nobody.
-            keeper->errors[question] = "org.freedesktop.DBus.Error.NameHasNoOwner";
-            EXPECT_EQ(read().has_value(), !question.startsWith('/')) << question.toStdString();
-            keeper->errors.clear();
         }
     }
     EXPECT_TRUE(read());
@@ -202,12 +182,8 @@ TEST_F(BusSessionRegistryTest, WhereNobodyKeepsAnAccountItIsEmptyAndNobodyIsStar
     EXPECT_EQ(read(), SessionAccount());
     EXPECT_EQ(login.calls.size() + gnome.calls.size() + plasma.calls.size(), 4);
     PrivateBus empty;
-    for (const char* name :
-         {"org.freedesktop.login1", "org.gnome.SessionManager", "org.kde.Solid.PowerManagement"})
-        std::ofstream(empty.services() / (std::string(name) + ".service"))
-            << "[D-BUS Service]\nName=" << name << "\nExec=/bin/false\n";
-    empty.connect().call(QDBusMessage::createMethodCall(
-        "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "ReloadConfig"));
+    for (const char* name : {loginName, gnomeName, plasmaName})
+        empty.offer(name, "/bin/false");
     const PowerBus emptyBus = PowerBus::standIn(empty.address(), empty.folder());
     const PowerBus none = PowerBus::standIn("", bus.folder());
     for (const PowerBus* each : {&emptyBus, &none}) {
@@ -248,7 +224,7 @@ TEST_F(BusSessionRegistryTest, TheStandInKeepsAnAccountAndItsLocks) {
     const PowerBus power = PowerBus::standIn(systemBus.address(), systemBus.folder());
     const auto locks = [&] {
         const QDBusMessage reply = power.connection().call(
-            QDBusMessage::createMethodCall("org.freedesktop.login1", "/org/freedesktop/login1",
+            QDBusMessage::createMethodCall(loginName, "/org/freedesktop/login1",
                                            "org.freedesktop.login1.Manager", "ListInhibitors"));
         const auto list = reply.arguments().value(0).value<QDBusArgument>();
         int count = 0;

@@ -1,9 +1,10 @@
 #include "Linux/Bus/KeepReading.h"
+#include "Linux/Log/JournalLog.h"
 #include "Linux/Log/LineLimit.h"
 #include "Linux/Loop/Paced.h"
 #include "Linux/Remote/CallBudget.h"
 #include "support/PrivateBus.h"
-#include "support/StandInWatcher.h"
+#include "support/StandInService.h"
 #include "support/Waiting.h"
 
 #include <QDBusMessage>
@@ -28,6 +29,17 @@ TEST(Limits, TheLogTakesABurstAndThenALineAMinuteAndSaysWhatItLost) {
     EXPECT_FALSE(limit.takes(start + 1min));
     EXPECT_EQ(limit.takeLost(), 941U);
     EXPECT_EQ(limit.takeLost(), 0U);
+}
+
+TEST(Limits, TheJournalHasOneLineWhateverIsInIt) {
+    testing::internal::CaptureStderr();
+    JournalLog().write("Velmor Quit: aspetto a\nVelmor Quit: b\x1b[31m\xff");
+    JournalLog().write(std::string(1 << 20, 'x'));
+    const std::string written = testing::internal::GetCapturedStderr();
+    const std::size_t end = written.find('\n');
+    EXPECT_EQ(written.substr(0, end), "Velmor Quit: aspetto a Velmor Quit: b [31m\ufffd");
+    EXPECT_LT(written.size(), 2100U);
+    EXPECT_TRUE(written.ends_with("…\n"));
 }
 
 TEST(Limits, WhoCallsWithoutEndIsRefusedWhileOthersAreServed) {
@@ -75,17 +87,17 @@ TEST(Limits, AConnectionThatWasFloodedWhileNobodyLookedStillHears) {
     QDBusConnection flooder = bus.connect();
     keepReading(flooded);
     //  What nobody has registered Qt would answer on its own thread.
-    const StandInWatcher object(flooded);
-    QDBusMessage message = QDBusMessage::createMethodCall(
-        flooded.baseService(), "/StatusNotifierWatcher", StandInWatcher::service, "Flood");
+    StandInService object(flooded);
+    object.says[""] = QVariantList();
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(flooded.baseService(), "/", "org.test", "Flood");
     message.setArguments({QByteArray(8 << 20, 'x')});
     for (int count = 0; count < 12; ++count)
         flooder.send(message);
     QThread::sleep(3);
-    QDBusMessage question = QDBusMessage::createMethodCall(flooded.baseService(), "/",
-                                                           "org.freedesktop.DBus.Peer", "Ping");
     linger(500);
-    const QDBusPendingCall call = flooder.asyncCall(question);
+    message.setArguments({});
+    const QDBusPendingCall call = flooder.asyncCall(message);
     EXPECT_TRUE(waitUntil([&] { return call.isFinished(); }, 5000));
     EXPECT_FALSE(call.isError()) << call.error().message().toStdString();
 }

@@ -9,10 +9,7 @@
 #include "support/StandInService.h"
 #include "support/Waiting.h"
 
-#include <QDBusArgument>
 #include <QDBusMetaType>
-
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <memory>
@@ -20,45 +17,17 @@
 namespace velmorquit {
 namespace {
 
-enum class Manner { never, nothing, number, wrongMap, error, twice, good };
-
-/// Has one name, and answers whatever it is asked in its manner.
-class Service final : public StandInService {
+/// Answers once more than it was asked, and differently.
+class Chatterer final : public StandInService {
 public:
-    Service(const QDBusConnection& connection, const char* name, Manner manner, QVariant right)
-        : StandInService(connection, {name}), manner_(manner), right_(std::move(right)) {}
+    using StandInService::StandInService;
 
-    void hear(const QDBusMessage& call) override {
-        const QVariant right =
-            call.member() == "GetCapabilities" ? QVariant(QStringList{"actions"}) : right_;
-        switch (manner_) {
-        case Manner::never:
-            break;
-        case Manner::nothing:
-            bus.send(call.createReply());
-            break;
-        case Manner::number:
-            bus.send(call.createReply(QVariant::fromValue(QDBusVariant(-1.5))));
-            break;
-        case Manner::wrongMap:
-            bus.send(call.createReply({QVariantMap{{"a", 1}, {"b", QVariantMap()}}, "x"}));
-            break;
-        case Manner::error:
-            bus.send(call.createErrorReply("org.test.No", {}));
-            break;
-        case Manner::twice:
-            bus.send(call.createReply(right));
-            bus.send(call.createReply(QVariantMap{{"a", 1}}));
-            bus.send(call.createErrorReply("org.test.No", "after all"));
-            break;
-        case Manner::good:
-            bus.send(call.createReply(right));
-        }
+protected:
+    void reply(const QDBusMessage& call) override {
+        StandInService::reply(call);
+        send(call, QVariantMap{{"a", 1}});
+        send(call, Refusal{"org.test.No", "after all"});
     }
-
-private:
-    Manner manner_;
-    QVariant right_;
 };
 
 /// What an adapter needs, and what it has come to.
@@ -73,7 +42,6 @@ struct Stage {
 using State = std::function<std::string()>;
 
 struct Adapter {
-    const char* name;
     const char* service;
     QVariant right;
     std::function<State(Stage&)> make;
@@ -81,30 +49,28 @@ struct Adapter {
     std::string good;
 };
 
-QVariant inVariant(const QVariant& value) { return QVariant::fromValue(QDBusVariant(value)); }
-
 std::vector<Adapter> adapters() {
     using Settings = QMap<QString, QVariantMap>;
     qDBusRegisterMetaType<Settings>();
     const QVariantMap dark{{"color-scheme", 1U}};
     return {
-        {"watcher", "org.kde.StatusNotifierWatcher", inVariant(true),
+        {"org.kde.StatusNotifierWatcher", inVariant(true),
          [](Stage& stage) -> State {
              const auto made =
                  std::make_shared<NotifierWatcher>(stage.loop, stage.session.connection(), [] {});
              return [&stage, made] {
                  stage.loop.advance(1min);
-                 return std::string(made->presentOne().isEmpty() ? "none" : "one");
+                 return made->presentOne().isEmpty() ? "no watcher" : "a watcher";
              };
          },
-         "none", "one"},
-        {"items", "org.kde.StatusNotifierWatcher", inVariant(QStringList{":1.0"}),
+         "no watcher", "a watcher"},
+        {"org.kde.StatusNotifierWatcher", inVariant(QStringList{":1.0"}),
          [](Stage& stage) -> State {
              const auto made = std::make_shared<NotifierItems>(stage.session.connection());
              return [made] { return std::to_string(made->processes().size()); };
          },
          "0", "1"},
-        {"settings", "org.freedesktop.portal.Desktop",
+        {"org.freedesktop.portal.Desktop",
          QVariant::fromValue(Settings{{"org.freedesktop.appearance", dark}}),
          [](Stage& stage) -> State {
              const auto made = std::make_shared<PortalSettings>(
@@ -113,7 +79,7 @@ std::vector<Adapter> adapters() {
              return [made] { return std::to_string(made->values().size()); };
          },
          "0", "1"},
-        {"notice", "org.freedesktop.Notifications", 7U,
+        {"org.freedesktop.Notifications", 7U,
          [](Stage& stage) -> State {
              const auto made = std::make_shared<BusNotice>(stage.session.connection(), 100);
              made->onUnanswerable = [&stage] { stage.isUnanswerable = true; };
@@ -124,12 +90,11 @@ std::vector<Adapter> adapters() {
              return [&stage, made, show] {
                  linger(150);
                  show();
-                 return std::string(std::exchange(stage.isUnanswerable, false) ? "panel"
-                                                                               : "notice");
+                 return std::exchange(stage.isUnanswerable, false) ? "panel" : "notice";
              };
          },
          "panel", "notice"},
-        {"end", "org.lxqt.session", 1U,
+        {"org.lxqt.session", 1U,
          [](Stage& stage) -> State {
              const auto made = std::make_shared<BusEndService>(
                  stage.session, stage.session,
@@ -146,13 +111,13 @@ std::vector<Adapter> adapters() {
              };
          },
          "", "done"},
-        {"hold", "org.gnome.SessionManager", 7U,
+        {"org.gnome.SessionManager", 7U,
          [](Stage& stage) -> State {
              const auto made = std::make_shared<BusSleepHold>(stage.session, stage.session, 50);
              return [made] {
                  made->begin("A", BusSleepHold::Against::anySleep);
                  linger(100);
-                 return std::string(made->isHeldBySession() ? "held" : "not held");
+                 return made->isHeldBySession() ? "held" : "not held";
              };
          },
          "not held", "held"},
@@ -162,27 +127,42 @@ std::vector<Adapter> adapters() {
 // Whatever comes back, nothing is made of it; nothing waits for ever, and the next service that
 // answers well is believed.
 TEST(Misbehaviour, OfAServiceIsNeitherBelievedNorWaitedFor) {
+    const QVariantList wrongAnswers{QVariant(), QVariant(QVariantList()), inVariant(-1.5),
+                                    QVariantList{QVariantMap{{"a", 1}, {"b", QVariantMap()}}, "x"},
+                                    Refusal{"org.test.No"}};
     for (const Adapter& adapter : adapters()) {
-        for (const Manner manner : {Manner::never, Manner::nothing, Manner::number,
-                                    Manner::wrongMap, Manner::error, Manner::twice}) {
+        // The one after the last is right, but for what follows it.
+        for (qsizetype manner = 0; manner <= wrongAnswers.size(); ++manner) {
+            SCOPED_TRACE(std::string(adapter.service) + ' ' + std::to_string(manner));
+            const auto serve = [&](StandInService& service, const QVariant& answer) {
+                service.says[""] = answer;
+                if (answer == adapter.right)
+                    service.says["GetCapabilities"] = QStringList{"actions"};
+            };
             Stage stage;
-            const std::string what =
-                std::string(adapter.name) + ' ' + std::to_string(static_cast<int>(manner));
-            auto rude = std::make_unique<Service>(stage.bus.connect(), adapter.service, manner,
-                                                  adapter.right);
+            std::unique_ptr<StandInService> rude;
+            const bool isRight = manner == wrongAnswers.size();
+            if (isRight)
+                rude = std::make_unique<Chatterer>(stage.bus.connect());
+            else
+                rude = std::make_unique<StandInService>(stage.bus.connect());
+            serve(*rude, isRight ? adapter.right : wrongAnswers[manner]);
+            rude->own(adapter.service);
             const State state = adapter.make(stage);
             settle({stage.session.connection(), rude->bus});
             const std::string found = state();
-            const std::string& expected = manner == Manner::twice ? adapter.good : adapter.neutral;
-            EXPECT_TRUE(expected.empty() || found == expected) << what << ": " << found;
+            const std::string& expected = isRight ? adapter.good : adapter.neutral;
+            EXPECT_TRUE(expected.empty() || found == expected) << found;
             const QString gone = rude->bus.name();
             rude.reset();
             QDBusConnection::disconnectFromBus(gone);
-            const Service next(stage.bus.connect(), adapter.service, Manner::good, adapter.right);
+            StandInService next(stage.bus.connect());
+            serve(next, adapter.right);
+            next.own(adapter.service);
             settle({stage.session.connection(), next.bus});
             (void)state();
             settle({stage.session.connection(), next.bus});
-            EXPECT_EQ(state(), adapter.good) << what;
+            EXPECT_EQ(state(), adapter.good);
         }
     }
 }

@@ -9,7 +9,7 @@
 #include "Simulated/SimulatedPorts.h"
 #include "Simulated/VirtualLoop.h"
 #include "support/PrivateBus.h"
-#include "support/StandInService.h"
+#include "support/StandInPortal.h"
 
 #include <QDBusObjectPath>
 #include <QDBusServiceWatcher>
@@ -18,29 +18,6 @@
 
 namespace velmorquit {
 namespace {
-
-/// Has all the names that the adapters ask for, and counts what it is asked.
-class Services final : public StandInService {
-public:
-    explicit Services(const QDBusConnection& connection)
-        : StandInService(connection,
-                         {"org.freedesktop.Notifications", "org.kde.StatusNotifierWatcher",
-                          "org.freedesktop.portal.Desktop", "org.freedesktop.UDisks2",
-                          "org.lxqt.session", "org.freedesktop.login1",
-                          "org.gnome.SessionManager"}) {}
-
-    void hear(const QDBusMessage& call) override {
-        ++asked;
-        QVariant answer = 7U;
-        if (call.member() == "Get" && call.arguments().value(1) == "IsStatusNotifierHostRegistered")
-            answer = QVariant::fromValue(QDBusVariant(true));
-        else if (call.member() == "Get")
-            answer = QVariant::fromValue(QDBusVariant(QStringList{bus.baseService()}));
-        bus.send(call.createReply(answer));
-    }
-
-    int asked = 0;
-};
 
 struct Forgery {
     const char* path;
@@ -52,10 +29,25 @@ struct Forgery {
 // Each signal has the right path and interface, and comes from a process that owns none of the
 // names: to everybody, and to the one connection alone.
 TEST(Strangers, NobodyIsHeardWhoHasNotTheName) {
-    const PrivateBus bus;
-    PrivateBus& open = const_cast<PrivateBus&>(bus);
-    Services services(open.connect());
-    QDBusConnection stranger = open.connect();
+    PrivateBus bus;
+    StandInService services(bus.connect());
+    qDBusRegisterMetaType<StandInPortal::Groups>();
+    const QString look = "org.freedesktop.appearance";
+    services.says = {
+        {"", 7U},
+        {"ReadAll", QVariant::fromValue(StandInPortal::Groups{{look, {{"color-scheme", 2U}}}})},
+        {"Get IsStatusNotifierHostRegistered", inVariant(true)},
+        {"Get RegisteredStatusNotifierItems", inVariant(QStringList{services.bus.baseService()})}};
+    const std::array names{"org.freedesktop.Notifications",
+                           "org.kde.StatusNotifierWatcher",
+                           "org.freedesktop.portal.Desktop",
+                           "org.freedesktop.UDisks2",
+                           "org.lxqt.session",
+                           "org.freedesktop.login1",
+                           "org.gnome.SessionManager"};
+    for (const char* name : names)
+        services.own(name);
+    QDBusConnection stranger = bus.connect();
     VirtualLoop loop;
     SimulatedSystemLog log;
     const PowerBus session = PowerBus::standIn(bus.address(), bus.folder());
@@ -83,6 +75,8 @@ TEST(Strangers, NobodyIsHeardWhoHasNotTheName) {
     const auto obstacle = end.obstacle(LoginRequest::logOut, EndForm::direct);
     ASSERT_EQ(watcher.presentOne(), owner);
     ASSERT_EQ(items.processes().size(), 1U);
+    ASSERT_EQ(settings.values().size(), 1U);
+    changes = 0;
 
     const char* const notices = "/org/freedesktop/Notifications";
     const char* const icons = "/StatusNotifierWatcher";
@@ -100,7 +94,7 @@ TEST(Strangers, NobodyIsHeardWhoHasNotTheName) {
         {"/org/freedesktop/portal/desktop",
          "org.freedesktop.portal.Settings",
          "SettingChanged",
-         {"org.freedesktop.appearance", "color-scheme", dark}},
+         {look, "color-scheme", dark}},
         {"/org/freedesktop/UDisks2",
          "org.freedesktop.DBus.ObjectManager",
          "InterfacesRemoved",
@@ -109,18 +103,16 @@ TEST(Strangers, NobodyIsHeardWhoHasNotTheName) {
          "org.freedesktop.DBus.Properties",
          "PropertiesChanged",
          {"org.freedesktop.UDisks2.Drive", QVariantMap(), QStringList{"a"}}}};
-    for (const char* name :
-         {"org.freedesktop.Notifications", "org.kde.StatusNotifierWatcher",
-          "org.freedesktop.portal.Desktop", "org.freedesktop.UDisks2", "org.lxqt.session",
-          "org.gnome.SessionManager", "org.freedesktop.login1"})
+    for (const char* name : names) {
         for (const QString& before : {owner, QString()})
             forgeries.push_back({"/org/freedesktop/DBus",
                                  "org.freedesktop.DBus",
                                  "NameOwnerChanged",
                                  {QString(name), before, stranger.baseService()}});
+    }
     for (const Forgery& forgery : forgeries) {
         for (const bool isDirect : {false, true}) {
-            const int asked = services.asked;
+            const auto asked = services.calls.size();
             QDBusMessage signal =
                 isDirect
                     ? QDBusMessage::createTargetedSignal(own.baseService(), forgery.path,
@@ -129,16 +121,15 @@ TEST(Strangers, NobodyIsHeardWhoHasNotTheName) {
             signal.setArguments(forgery.arguments);
             EXPECT_TRUE(stranger.send(signal));
             settle({stranger, own, services.bus});
-            const std::string what = std::string(forgery.member) + ' ' +
-                                     forgery.arguments.value(0).toString().toStdString() +
-                                     (isDirect ? " directly" : "");
-            EXPECT_EQ(pressed, 0) << what;
-            EXPECT_EQ(changes, 0) << what;
-            EXPECT_EQ(services.asked, asked) << what;
-            EXPECT_EQ(watcher.presentOne(), owner) << what;
-            EXPECT_EQ(items.processes().size(), 1U) << what;
-            EXPECT_EQ(end.obstacle(LoginRequest::logOut, EndForm::direct), obstacle) << what;
-            changes = 0;
+            SCOPED_TRACE(std::string(forgery.member) + ' ' +
+                         forgery.arguments.value(0).toString().toStdString() +
+                         (isDirect ? " directly" : ""));
+            EXPECT_EQ(pressed, 0);
+            EXPECT_EQ(changes, 0);
+            EXPECT_EQ(services.calls.size(), asked);
+            EXPECT_EQ(watcher.presentOne(), owner);
+            EXPECT_EQ(items.processes().size(), 1U);
+            EXPECT_EQ(end.obstacle(LoginRequest::logOut, EndForm::direct), obstacle);
         }
     }
 }

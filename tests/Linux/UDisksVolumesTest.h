@@ -6,10 +6,12 @@
 #include "Linux/Volumes/UDisksVolumes.h"
 #include "Simulated/SimulatedPorts.h"
 #include "support/PrivateBus.h"
+#include "support/Waiting.h"
 
 #include <gmock/gmock.h>
 
 #include <future>
+#include <map>
 #include <memory>
 
 #include <sys/sysmacros.h>
@@ -20,39 +22,52 @@ namespace velmorquit {
 class UDisksVolumesTest : public testing::Test {
 protected:
     UDisksVolumesTest() {
-        kernel.device("sda", "8:0");
-        kernel.device("sda/sda1", "8:1");
-        kernel.device("sdb", "8:16");
-        kernel.device("sdb/sdb1", "8:17");
-        kernel.device("sdb/sdb2", "8:18");
-        kernel.mount("8:1", "/", "ext4 /dev/sda1 rw");
         disks.drive("Disk", {{"ConnectionBus", ""},
                              {"Removable", false},
                              {"MediaRemovable", false},
                              {"Ejectable", false},
                              {"CanPowerOff", false}});
-        disks.block("sda", makedev(8, 0), "Disk", {{"HintSystem", true}});
-        disks.block("sda1", makedev(8, 1), "Disk", {{"HintSystem", true}});
+        add("sda", {8, 0}, "Disk", {{"HintSystem", true}});
+        add("sda/sda1", {8, 1}, "Disk", {{"HintSystem", true}});
         disks.drive("Stick", {{"ConnectionBus", "usb"},
                               {"Removable", true},
                               {"MediaRemovable", true},
                               {"Ejectable", true},
                               {"CanPowerOff", true},
                               {"SiblingId", "port 1"}});
-        for (unsigned part : {0, 1, 2})
-            disks.block(part == 0 ? "sdb" : QString("sdb%1").arg(part), makedev(8, 16 + part),
-                        "Stick");
+        add("sdb", {8, 16}, "Stick");
+        add("sdb/sdb1", {8, 17}, "Stick");
+        add("sdb/sdb2", {8, 18}, "Stick");
         disks.onUnmounted = [this](const QByteArray& path) { kernel.unmount(path.toStdString()); };
-        mount("sda1", "8:1", {"/"});
+        kernel.mount("8:1", "/", "ext4 /dev/sda1 rw");
+        disks.mount("sda1", {"/"});
     }
 
-    /// In the kernel and with UDisks2.
-    void mount(const QString& block, const std::string& number, const QByteArrayList& paths) {
-        for (const QByteArray& path : paths) {
-            if (path != "/")
-                kernel.mount(number, path.toStdString(),
-                             "ext4 /dev/" + block.toStdString() + " rw");
-        }
+    struct Number {
+        unsigned major, minor;
+    };
+    /// In the kernel and with UDisks2, like all that follows; `place` is as in the kernel's.
+    void add(const std::string& place, Number number, const QString& drive,
+             const QVariantMap& properties = {}, const std::string& image = {}) {
+        const std::string text = std::to_string(number.major) + ':' + std::to_string(number.minor);
+        kernel.device(place, text, {}, image);
+        const auto name = QString::fromStdString(place).section('/', -1);
+        numbers_[name] = text;
+        disks.block(name, makedev(number.major, number.minor), drive, properties);
+    }
+    /// The second partition is encrypted, and its content a device of its own.
+    void unlock(unsigned minor = 0, bool isOfSystem = false) {
+        numbers_["sdb2_open"] = "254:" + std::to_string(minor);
+        kernel.device("dm-" + std::to_string(minor), numbers_["sdb2_open"], {"sdb2"});
+        disks.block(
+            "sdb2_open", makedev(254, minor), "",
+            {{"HintSystem", isOfSystem}, {"CryptoBackingDevice", StandInDisks::linkTo("sdb2")}});
+    }
+    /// `number` where the file system isn't only of this device.
+    void mount(const QString& block, const QByteArrayList& paths, const std::string& number = {}) {
+        for (const QByteArray& path : paths)
+            kernel.mount(number.empty() ? numbers_.at(block) : number, path.toStdString(),
+                         "ext4 /dev/" + block.toStdString() + " rw");
         disks.mount(block, paths);
     }
 
@@ -91,23 +106,27 @@ protected:
         return std::async(std::launch::async,
                           [this, path] { return volumes->unmountAndEject(path); });
     }
-    static bool resultOf(std::future<bool>& future) {
+    static bool resultOf(std::future<bool> future) {
         EXPECT_TRUE(waitUntil(
             [&] { return future.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
         return future.get();
     }
-    bool eject(const std::string& path) {
-        auto future = beginToEject(path);
-        return resultOf(future);
+    /// What UDisks2 was asked to do for it, and what came of that.
+    std::string eject(const std::string& path) {
+        disks.calls.clear();
+        const bool isSafe = resultOf(beginToEject(path));
+        return disks.takeCalls().join(", ").toStdString() + (isSafe ? ": safe" : ": kept");
     }
 
     FakeKernel kernel;
     QtMainLoop loop;
     SimulatedSystemLog log;
     PrivateBus bus;
-    QDBusConnection theirs{bus.connect()};
-    StandInDisks disks{theirs};
+    StandInDisks disks{bus.connect()};
     std::unique_ptr<UDisksVolumes> volumes;
+
+private:
+    std::map<QString, std::string> numbers_;
 };
 
 } // namespace velmorquit

@@ -8,14 +8,12 @@
 #include "support/StandInWatcher.h"
 #include "support/Waiting.h"
 
-#include <gtest/gtest.h>
-
 #include <unistd.h>
 
 namespace velmorquit {
 namespace {
 
-TEST(WithoutAWindowSystem, WhatTheBusKnowsIsKnown) {
+TEST(WithoutAWindowSystem, WhatTheBusKnowsIsKnownAndWithoutABusNobodyIsThere) {
     PrivateBus bus;
     VirtualLoop loop;
     const QDBusConnection own = bus.connect();
@@ -38,7 +36,11 @@ TEST(WithoutAWindowSystem, WhatTheBusKnowsIsKnown) {
     watcher.disappear();
     EXPECT_TRUE(waitUntil([&] { return hosts.present() == TrayHost::none; }));
 
-    DesktopInput input(loop, QDBusConnection("no bus"), nullptr, DesktopInput::Server::whole);
+    const QDBusConnection none("no bus");
+    EXPECT_EQ(TrayOwners(none, nullptr, 0).processes(), std::set<ProcessId>());
+    EXPECT_EQ(DesktopTrayHosts(loop, none, nullptr).present(), TrayHost::none);
+    EXPECT_FALSE(DesktopAppearance(none, nullptr).isHighContrast());
+    DesktopInput input(loop, none, nullptr, DesktopInput::Server::whole);
     int told = 0;
     const Handle asking = input.sinceLastInput([&](std::optional<Duration> since) {
         EXPECT_EQ(since, std::nullopt);
@@ -46,15 +48,6 @@ TEST(WithoutAWindowSystem, WhatTheBusKnowsIsKnown) {
     });
     loop.advance(1s);
     EXPECT_EQ(told, 1);
-}
-
-TEST(WithoutABus, NobodyIsThereAndNobodyIsWaitedFor) {
-    VirtualLoop loop;
-    const QDBusConnection none("no bus");
-    EXPECT_EQ(NotifierItems(none).processes(), std::set<ProcessId>());
-    EXPECT_EQ(NotifierWatcher(loop, none, [] {}).presentOne(), "");
-    EXPECT_EQ(DesktopTrayHosts(loop, none, nullptr).present(), TrayHost::none);
-    EXPECT_FALSE(DesktopAppearance(none, nullptr).isHighContrast());
 }
 
 } // namespace

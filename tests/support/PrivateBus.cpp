@@ -46,6 +46,13 @@ QDBusConnection PrivateBus::connect() {
     return connection;
 }
 
+void PrivateBus::offer(const std::string& name, const std::string& command) {
+    std::ofstream(services() / (name + ".service"))
+        << "[D-BUS Service]\nName=" << name << "\nExec=" << command << '\n';
+    connect().call(QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                                  "org.freedesktop.DBus", "ReloadConfig"));
+}
+
 // What was sent before a question has arrived with the answer to it. A message needs a round for
 // each connection that it passes.
 void settle(std::vector<QDBusConnection> connections) {

@@ -12,7 +12,7 @@
 namespace velmorquit {
 
 /// A message bus that a test started, in a folder of its own; both go with this object. What is
-/// called there is started only by a service file that the test puts into `services`.
+/// called there is started only where the test offers it.
 class PrivateBus {
 public:
     /// `prefix` begins the name of the folder.
@@ -24,6 +24,8 @@ public:
     [[nodiscard]] const std::filesystem::path& folder() const { return folder_.path(); }
     [[nodiscard]] std::string address() const { return "unix:path=" + (folder() / "bus").string(); }
     [[nodiscard]] std::filesystem::path services() const { return folder() / "services"; }
+    /// Lets the bus start `command` for who calls `name`.
+    void offer(const std::string& name, const std::string& command);
     /// One more connection, which goes with this object.
     [[nodiscard]] QDBusConnection connect();
     void stop() { server_.send(SIGKILL); }

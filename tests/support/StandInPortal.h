@@ -1,74 +1,48 @@
 #pragma once
 
-#include <QDBusConnection>
-#include <QDBusMessage>
+#include "support/StandInService.h"
+
 #include <QDBusMetaType>
-#include <QDBusVariant>
-#include <QDBusVirtualObject>
 #include <QMap>
 #include <QVariantMap>
-
-#include <utility>
 
 namespace velmorquit {
 
 /// Stands for the program that publishes a desktop's settings on a bus.
-class StandInPortal final : public QDBusVirtualObject {
+class StandInPortal final : public StandInService {
 public:
     using Groups = QMap<QString, QVariantMap>;
     static constexpr const char* service = "org.freedesktop.portal.Desktop";
-    static constexpr const char* path = "/org/freedesktop/portal/desktop";
-    static constexpr const char* interface = "org.freedesktop.portal.Settings";
 
-    explicit StandInPortal(QDBusConnection connection) : bus(std::move(connection)) {
+    explicit StandInPortal(const QDBusConnection& connection) : StandInService(connection) {
         qDBusRegisterMetaType<Groups>();
-        bus.registerVirtualObject(path, this);
     }
-    StandInPortal(const StandInPortal&) = delete;
-    StandInPortal& operator=(const StandInPortal&) = delete;
-    ~StandInPortal() override { bus.unregisterObject(path); }
 
-    void appear() { bus.registerService(service); }
-    void disappear() { bus.unregisterService(service); }
+    void appear() { own(service); }
+    void disappear() { disown(service); }
     void change(const QString& group, const QString& key, const QVariant& value) {
         groups[group][key] = value;
-        tell(bus, group, key, value);
+        tell(group, key, value);
     }
-    static void tell(const QDBusConnection& bus, const QString& group, const QString& key,
-                     const QVariant& value) {
-        QDBusMessage signal = QDBusMessage::createSignal(path, interface, "SettingChanged");
-        signal << group << key << QVariant::fromValue(QDBusVariant(value));
-        bus.send(signal);
-    }
-    /// Answers what it was asked while it was slow.
-    void answer() {
-        bus.send(pending);
-        pending = {};
+    void tell(const QString& group, const QString& key, const QVariant& value) const {
+        signal("/org/freedesktop/portal/desktop", "org.freedesktop.portal.Settings",
+               "SettingChanged", {group, key, inVariant(value)});
     }
 
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& question, const QDBusConnection&) override {
-        if (question.member() != "ReadAll" || question.interface() != interface)
-            return false;
-        ++questions;
+    Groups groups;
+
+protected:
+    void reply(const QDBusMessage& call) override {
+        if (call.path() != "/org/freedesktop/portal/desktop" ||
+            call.interface() != "org.freedesktop.portal.Settings" || call.member() != "ReadAll")
+            return StandInService::reply(call);
         Groups asked;
-        for (const QString& group : question.arguments().value(0).toStringList()) {
+        for (const QString& group : call.arguments().value(0).toStringList()) {
             if (groups.contains(group))
                 asked[group] = groups[group];
         }
-        const QDBusMessage reply = question.createReply(QVariant::fromValue(asked));
-        if (isSlow)
-            pending = reply;
-        else
-            bus.send(reply);
-        return true;
+        send(call, QVariant::fromValue(asked));
     }
-
-    QDBusConnection bus;
-    Groups groups;
-    bool isSlow = false;
-    int questions = 0;
-    QDBusMessage pending;
 };
 
 } // namespace velmorquit
