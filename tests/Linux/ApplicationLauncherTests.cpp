@@ -16,8 +16,6 @@
 #include <optional>
 #include <set>
 
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -25,7 +23,6 @@ namespace velmorquit {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::HasSubstr;
 
 /// A variable of this process, which has its former value again when this goes.
 class Variable {
@@ -50,30 +47,20 @@ private:
 class ApplicationLauncherTest : public testing::Test {
 protected:
     ApplicationLauncherTest() {
-        write("program",
-              "#!/bin/sh\n"
-              "d=" +
-                  folder.string() +
-                  "/report\n"
-                  "env >$d.part; echo ARGUMENTS=$* >>$d.part; echo PROCESS=$$ >>$d.part\n"
-                  "mv $d.part $d\n"
-                  "exec sleep 100\n");
-        fs::permissions(folder / "program", fs::perms::owner_all);
+        temporary.writeProgram("program", "#!/bin/sh\nd=" + folder.string() +
+                                              "/report\n"
+                                              "env >$d.part; echo ARGUMENTS=$* >>$d.part\n"
+                                              "echo PROCESS=$$ >>$d.part; mv $d.part $d\n"
+                                              "exec sleep 100\n");
     }
-
     ~ApplicationLauncherTest() override {
         for (const pid_t process : programs)
             ::kill(process, SIGKILL);
     }
 
-    fs::path write(const std::string& name, const std::string& text) {
-        std::ofstream(folder / name) << text;
-        return folder / name;
-    }
-
     /// An entry for the program, without a command unless `lines` have one.
-    fs::path entry(const std::string& name, const std::string& lines) {
-        return write(name, "[Desktop Entry]\nType=Application\nName=Program\n" + lines);
+    fs::path entry(const std::string& name, const std::string& lines) const {
+        return temporary.write(name, "[Desktop Entry]\nType=Application\nName=Program\n" + lines);
     }
     std::string command() const { return "Exec=" + (folder / "program").string(); }
 
@@ -95,13 +82,14 @@ protected:
         return waitUntil([] { return ::waitpid(-1, nullptr, WNOHANG) < 0 && errno == ECHILD; });
     }
 
-    static std::string statusLine(pid_t process, const std::string& field) {
+    /// The signals of a set of this process's, without those that the C library keeps for itself.
+    static unsigned long long signalsOf(pid_t process, const std::string& set) {
         std::ifstream lines("/proc/" + std::to_string(process) + "/status");
         for (std::string line; std::getline(lines, line);) {
-            if (line.starts_with(field + ":\t"))
-                return line.substr(field.size() + 2);
+            if (line.starts_with(set + ":\t"))
+                return std::stoull(line.substr(set.size() + 2), nullptr, 16) & 0x7fffffff;
         }
-        return {};
+        return ~0ULL;
     }
 
     const TemporaryFolder temporary;
@@ -145,10 +133,8 @@ TEST_F(ApplicationLauncherTest, WhatIsStartedHasNothingOfThisProgram) {
     for (const char* stream : {"fd/0", "fd/1", "fd/2"})
         EXPECT_EQ(fs::read_symlink(proc / stream), "/dev/null") << stream;
     EXPECT_EQ(fs::read_symlink(proc / "cwd"), fs::canonical(std::getenv("HOME")));
-    // The C library keeps those above for itself.
-    constexpr unsigned long long ordinary = 0x7fffffff;
     for (const char* set : {"SigIgn", "SigBlk"})
-        EXPECT_EQ(std::stoull(statusLine(process, set), nullptr, 16) & ordinary, 0U) << set;
+        EXPECT_EQ(signalsOf(process, set), 0U) << set;
     EXPECT_TRUE(log.lines.empty());
 }
 
@@ -156,8 +142,8 @@ TEST_F(ApplicationLauncherTest, WhatCannotBeStartedIsALineInTheLog) {
     const std::vector<std::string> paths{
         folder / "vanished.desktop",
         folder,
-        write("empty.desktop", ""),
-        write("bytes.desktop", std::string("\0\xff[Desktop Entry", 16)),
+        temporary.write("empty.desktop", ""),
+        temporary.write("bytes.desktop", std::string("\0\xff[Desktop Entry", 16)),
         entry("commandless.desktop", ""),
         entry("link.desktop", "Type=Link\nURL=/\n"),
         entry("uninstalled.desktop", "Exec=/nonexistent/program\n"),
@@ -178,27 +164,16 @@ TEST_F(ApplicationLauncherTest, WhatCannotBeStartedIsALineInTheLog) {
     EXPECT_EQ(log.lines.size(), 1U);
 }
 
-TEST_F(ApplicationLauncherTest, AProgramThatTheBusCouldStartIsStartedWithoutIt) {
-    sockaddr_un address{AF_UNIX, {}};
-    (folder / "hanging").string().copy(address.sun_path, sizeof address.sun_path - 1);
-    const int hanging = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    ASSERT_EQ(::bind(hanging, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    ASSERT_EQ(::listen(hanging, 8), 0);
-    const Variable bus("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + (folder / "hanging").string());
-    launcher.launch(entry("org.example.Both.desktop", command() + "\nDBusActivatable=true\n"));
-    EXPECT_EQ(report()["DBUS_SESSION_BUS_ADDRESS"], "unix:path=" + (folder / "hanging").string());
-    EXPECT_TRUE(hasNoChildren());
-    ::close(hanging);
-}
-
-TEST_F(ApplicationLauncherTest, OneWithoutACommandIsStartedByTheBus) {
+TEST_F(ApplicationLauncherTest, OnlyOneWithoutACommandIsStartedByTheBus) {
     PrivateBus server;
-    std::ofstream(server.services() / "org.example.Only.service")
-        << "[D-BUS Service]\nName=org.example.Only\n"
-        << command() << '\n';
+    server.offer("org.example.Only", (folder / "program").string());
     const Variable bus("DBUS_SESSION_BUS_ADDRESS", server.address());
     launcher.launch(entry("org.example.Only.desktop", "DBusActivatable=true\n"));
     EXPECT_TRUE(report().contains("DBUS_STARTER_ADDRESS"));
+    server.halt();
+    launcher.launch(entry("org.example.Both.desktop", command() + "\nDBusActivatable=true\n"));
+    EXPECT_EQ(report()["DBUS_SESSION_BUS_ADDRESS"], server.address());
+    EXPECT_TRUE(log.lines.empty());
     server.stop();
     EXPECT_TRUE(waitUntil([this] { return !log.lines.empty(); })) << "the bus went";
 }

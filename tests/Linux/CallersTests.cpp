@@ -1,3 +1,4 @@
+#include "Linux/Bus/BusCall.h"
 #include "Linux/Proc/Confinement.h"
 #include "Linux/Remote/BusCallers.h"
 #include "support/Child.h"
@@ -7,17 +8,18 @@
 
 #include <QDBusMessage>
 #include <QDBusUnixFileDescriptor>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <list>
+#include <map>
+#include <memory>
 #include <optional>
 
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 namespace velmorquit {
@@ -25,139 +27,100 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A /proc with this process and another one in it.
-class FakeProc {
-public:
-    FakeProc() {
-        for (const ProcessId id : {ProcessId(::getpid()), other})
-            addPlain(id);
-    }
+/// What is in a process's folder of /proc, by its path there: a file where it has lines, or else a
+/// link, which is gone where it has no target.
+using Entries = std::map<std::string, std::string>;
 
-    static constexpr ProcessId other = 1;
+Entries plainEntries() {
+    return {{"exe", "/usr/bin/thing"},
+            {"root", "/"},
+            {"ns/mnt", "x:[1]"},
+            {"ns/user", "x:[1]"},
+            {"ns/pid", "x:[1]"},
+            {"mountinfo", "22 1 8:1 / / rw - ext4 /dev/a rw\n23 22 0:5 / /proc rw - proc p rw\n"},
+            {"cgroup", "0::/user.slice/session-1.scope\n"}};
+}
 
-    [[nodiscard]] std::string path() const { return folder_.string(); }
-    void link(const char* name, const char* target, ProcessId id = other) const {
-        const fs::path file = folder_ / std::to_string(id) / name;
-        fs::remove(file);
-        if (*target != '\0')
-            fs::create_symlink(target, file);
+void makeEntries(const fs::path& folder, const Entries& entries) {
+    for (const char* inner : {"ns", "attr"})
+        fs::create_directories(folder / inner);
+    for (const auto& [name, content] : entries) {
+        if (content.ends_with('\n'))
+            std::ofstream(folder / name) << content;
+        else if (!content.empty())
+            fs::create_symlink(content, folder / name);
     }
-    void write(const char* name, const std::string& content, ProcessId id = other) const {
-        std::ofstream(folder_ / std::to_string(id) / name) << content;
-    }
-
-private:
-    void addPlain(ProcessId id) const {
-        fs::create_directories(folder_ / std::to_string(id) / "ns");
-        fs::create_directories(folder_ / std::to_string(id) / "attr");
-        link("exe", "/usr/bin/thing", id);
-        link("root", "/", id);
-        for (const char* kind : {"ns/mnt", "ns/user", "ns/pid"})
-            link(kind, "x:[1]", id);
-        write("mountinfo", "22 1 8:1 / / rw - ext4 /dev/a rw\n23 22 0:5 / /proc rw - proc p rw\n",
-              id);
-        write("cgroup", "0::/user.slice/session-1.scope\n", id);
-    }
-
-    const TemporaryFolder temporary_;
-    const fs::path& folder_ = temporary_.path();
-};
+}
 
 TEST(ConfinementTest, KnowsWhatShutsAProcessInAndTakesWhatItCannotReadForThat) {
     struct Row {
         const char* what;
-        std::function<void(const FakeProc&)> change;
+        Entries entries;
         bool isConfined;
-        std::string name;
+        std::string name = "thing";
         std::string label{};
     };
-    const auto unit = [](const char* name) {
-        return [name](const FakeProc& proc) {
-            proc.write("cgroup", std::string("0::/user.slice/app.slice/") + name + '\n');
-        };
+    const auto unit = [](const std::string& name) {
+        return std::pair<const std::string, std::string>("cgroup",
+                                                         "0::/user.slice/app.slice/" + name + '\n');
     };
-    const auto link = [](const char* name, const std::string& target) {
-        return [=](const FakeProc& proc) { proc.link(name, target.c_str()); };
-    };
+    const std::pair<const std::string, std::string> others{"ns/mnt", "x:[2]"};
+    const std::string noMore = "Name:\tthing\nNoNewPrivs:\t1\nSeccomp:\t0\n";
+    const std::string id = "-01234567-0123-0123-0123-0123456789ab.scope";
     const std::vector<Row> rows{
-        {"a plain program", [](const FakeProc&) {}, false, "thing"},
-        {"of an application", unit("app-gnome-org.foo.Bar-12.scope"), false, "thing"},
-        {"a service that hides a folder", link("ns/mnt", "x:[2]"), false, "thing"},
-        {"without a way to more rights",
-         [](const FakeProc& proc) {
-             proc.write("status", "Name:\tthing\nNoNewPrivs:\t1\nSeccomp:\t0\n");
-         },
-         false, "thing"},
-        {"the same, with other folders",
-         [](const FakeProc& proc) {
-             proc.link("ns/mnt", "x:[2]");
-             proc.write("status", "Name:\tthing\nNoNewPrivs:\t1\nSeccomp:\t0\n");
-         },
-         true, "thing"},
-        {"other users", link("ns/user", "x:[2]"), true, "thing"},
-        {"other processes", link("ns/pid", "x:[2]"), true, "thing"},
-        {"another root by its path", link("root", "/srv/jail"), true, "thing"},
+        {"a plain program", {}, false},
+        {"of an application", {unit("app-gnome-org.foo.Bar-12.scope")}, false},
+        {"a service that hides a folder", {others}, false},
+        {"without a way to more rights", {{"status", noMore}}, false},
+        {"the same, with other folders", {others, {"status", noMore}}, true},
+        {"other users", {{"ns/user", "x:[2]"}}, true},
+        {"other processes", {{"ns/pid", "x:[2]"}}, true},
+        {"another root by its path", {{"root", "/srv/jail"}}, true},
         {"another root",
-         [](const FakeProc& proc) {
-             proc.link("ns/mnt", "x:[2]");
-             proc.write("mountinfo", "22 1 0:55 /newroot / rw - tmpfs tmpfs rw\n");
-         },
-         true, "thing"},
+         {others, {"mountinfo", "22 1 0:55 /newroot / rw - tmpfs tmpfs rw\n"}},
+         true},
         {"another root on top",
-         [](const FakeProc& proc) {
-             proc.link("ns/mnt", "x:[2]");
-             proc.write("mountinfo",
-                        "22 1 8:1 / / rw - ext4 a rw\n23 22 0:9 / / rw - overlay o rw\n");
-         },
-         true, "thing"},
+         {others, {"mountinfo", "22 1 8:1 / / rw - ext4 a rw\n23 22 0:9 / / rw - overlay o rw\n"}},
+         true},
         {"a root that is no mount",
-         [](const FakeProc& proc) {
-             proc.link("ns/mnt", "x:[2]");
-             proc.write("mountinfo", "23 22 0:5 / /proc rw - proc p rw\n");
-         },
-         true, "thing"},
-        {"the broker of a sandbox", link("exe", "/usr/bin/xdg-dbus-proxy"), true, "xdg-dbus-proxy"},
-        {"a sandboxed application", unit("app-flatpak-org.foo.Bar-12.scope"), true, "org.foo.Bar"},
-        {"a snap",
-         [&unit](const FakeProc& proc) {
-             unit("snap.tune.tune-01234567-0123-0123-0123-0123456789ab.scope")(proc);
-             proc.link("ns/mnt", "x:[2]");
-         },
-         true, "tune_tune"},
-        {"a classic snap", unit("snap.code.code-01234567-0123-0123-0123-0123456789ab.scope"), false,
-         "code_code"},
-        {"a broker that was updated", link("exe", "/usr/bin/xdg-dbus-proxy (deleted)"), true,
+         {others, {"mountinfo", "23 22 0:5 / /proc rw - proc p rw\n"}},
+         true},
+        {"a broker", {{"exe", "/usr/bin/xdg-dbus-proxy"}}, true, "xdg-dbus-proxy"},
+        {"a broker that was updated",
+         {{"exe", "/usr/bin/xdg-dbus-proxy (deleted)"}},
+         true,
          "xdg-dbus-proxy"},
-        {"a label of the bus's", [](const FakeProc&) {}, true, "thing",
-         std::string("snap.tune.tune (enforce)\0", 25)},
-        {"a classic snap's label", [](const FakeProc&) {}, false, "thing",
-         std::string("snap.code.code (complain)\0", 26)},
-        {"a label that ends what breaks it", [](const FakeProc&) {}, true, "thing",
-         "viewer (kill)"},
-        {"a label that holds", [](const FakeProc&) {}, true, "thing", "viewer (enforce)"},
-        {"a label that doesn't", [](const FakeProc&) {}, false, "thing", "unconfined"},
-        {"a label of the kernel's",
-         [](const FakeProc& proc) { proc.write("attr/current", "viewer (enforce)\n"); }, true,
-         "thing"},
-        {"a long name", link("exe", "/app/" + std::string(70, 'a')), false,
+        {"a sandbox", {unit("app-flatpak-org.foo.Bar-12.scope")}, true, "org.foo.Bar"},
+        {"a snap", {others, unit("snap.tune.tune" + id)}, true, "tune_tune"},
+        {"a classic snap", {unit("snap.code.code" + id)}, false, "code_code"},
+        {"a label of the bus's", {}, true, "thing", {"snap.tune.tune (enforce)\0", 25}},
+        {"a classic snap's label", {}, false, "thing", {"snap.code.code (complain)\0", 26}},
+        {"a label that ends what breaks it", {}, true, "thing", "viewer (kill)"},
+        {"a label that holds", {}, true, "thing", "viewer (enforce)"},
+        {"a label that doesn't", {}, false, "thing", "unconfined"},
+        {"a label of the kernel's", {{"attr/current", "viewer (enforce)\n"}}, true},
+        {"a long name",
+         {{"exe", "/app/" + std::string(70, 'a')}},
+         false,
          std::string(60, 'a') + "…"},
-        {"one that can't be looked at", link("ns/mnt", ""), true, "thing"},
-        {"one without a program", link("exe", ""), true, ""},
-        {"a name that lies", link("exe", "/opt/\u202equit\n<b>x"), false, "___quit__b_x"},
+        {"one that can't be looked at", {{"ns/mnt", ""}}, true},
+        {"one without a program", {{"exe", ""}}, true, ""},
+        {"a name that lies", {{"exe", "/opt/\u202equit\n<b>x"}}, false, "___quit__b_x"},
     };
     for (const Row& row : rows) {
-        const FakeProc proc;
-        row.change(proc);
-        const Confinement found =
-            confinementOf(FakeProc::other, row.label, ProcDirectory(proc.path()));
+        const TemporaryFolder folder;
+        Entries entries = row.entries;
+        entries.merge(plainEntries());
+        makeEntries(folder.path() / "1", entries);
+        makeEntries(folder.path() / std::to_string(::getpid()), plainEntries());
+        const ProcDirectory proc(folder.path().string());
+        const Confinement found = confinementOf(1, row.label, proc);
         EXPECT_EQ(found.isConfined, row.isConfined) << row.what;
         EXPECT_EQ(found.name, row.name) << row.what;
-    }
-    const FakeProc proc;
-    for (const ProcessId gone : {0, -1, 4711}) {
-        const Confinement found = confinementOf(gone, {}, ProcDirectory(proc.path()));
-        EXPECT_TRUE(found.isConfined);
-        EXPECT_EQ(found.name, "");
+        for (const ProcessId gone : {0, -1, 4711}) {
+            const Confinement nobody = confinementOf(gone, {}, proc);
+            EXPECT_TRUE(nobody.isConfined && nobody.name.empty()) << gone;
+        }
     }
 }
 
@@ -178,23 +141,16 @@ protected:
                        {"gdbus", "monitor", "--address", bus.address(), "--dest", "org.test"});
         const QStringList known = names();
         children.emplace_back(command);
-        QString fresh;
+        QStringList fresh;
         waitUntil([&] {
-            for (const QString& name : names()) {
-                if (name.startsWith(':') && !known.contains(name))
-                    fresh = name;
-            }
+            fresh = names().filter(QRegularExpression("^:"));
+            fresh.removeIf([&](const QString& name) { return known.contains(name); });
             return !fresh.isEmpty();
         });
-        return fresh;
+        return fresh.value(0);
     }
     QStringList names() {
-        return own
-            .call(QDBusMessage::createMethodCall("org.freedesktop.DBus", "/org/freedesktop/DBus",
-                                                 "org.freedesktop.DBus", "ListNames"))
-            .arguments()
-            .value(0)
-            .toStringList();
+        return own.call(busQuestion("ListNames")).arguments().value(0).toStringList();
     }
 
     PrivateBus bus;
@@ -233,18 +189,13 @@ TEST_F(BusCallersTest, WhoHasGoneOrIsNotToldIsConfined) {
 
 // The id may be another process's by now, which the bus's hold on the first one tells.
 TEST_F(BusCallersTest, AnIdCountsOnlyWhileTheProcessThatTheBusHoldsLives) {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        ::pause();
-        ::_exit(0);
-    }
-    const int held = static_cast<int>(::syscall(SYS_pidfd_open, child, 0));
+    auto child = std::make_unique<Child>(std::vector<std::string>{"sleep", "1000"});
+    const int held = static_cast<int>(::syscall(SYS_pidfd_open, child->id(), 0));
     const QVariantMap credentials{
         {"ProcessID", static_cast<uint>(::getpid())},
         {"ProcessFD", QVariant::fromValue(QDBusUnixFileDescriptor(held))}};
     EXPECT_FALSE(callers.callerOf(credentials).isConfined);
-    ::kill(child, SIGKILL);
-    ::waitpid(child, nullptr, 0);
+    child.reset();
     EXPECT_TRUE(callers.callerOf(credentials).isConfined);
     ::close(held);
 }

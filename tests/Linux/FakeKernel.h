@@ -3,7 +3,6 @@
 #include "support/TemporaryFolder.h"
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -24,11 +23,11 @@ public:
                 const std::vector<std::string>& madeOf = {}, const std::string& image = {}) {
         const std::filesystem::path path = root_ / "sys/devices" / place;
         const std::string name = path.filename();
-        write(path / "dev", number);
+        folder_.write(path / "dev", number + '\n');
         if (place.find('/') != std::string::npos)
-            write(path / "partition", "1");
+            folder_.write(path / "partition", "1\n");
         if (!image.empty())
-            write(path / "loop/backing_file", image);
+            folder_.write(path / "loop/backing_file", image + '\n');
         std::filesystem::create_directory(path / "slaves");
         for (const std::string& lower : madeOf)
             std::filesystem::create_directory_symlink(root_ / "sys/class/block" / lower,
@@ -57,19 +56,15 @@ public:
         writeMounts();
     }
     void swaps(const std::string& lines) {
-        write(root_ / "proc/swaps", "Filename\tType\tSize\tUsed\tPriority\n" + lines);
+        folder_.write("proc/swaps", "Filename\tType\tSize\tUsed\tPriority\n" + lines);
     }
 
 private:
-    static void write(const std::filesystem::path& file, const std::string& content) {
-        std::filesystem::create_directories(file.parent_path());
-        std::ofstream(file) << content << '\n';
-    }
     void writeMounts() {
         std::string all;
         for (const std::string& line : mounts_)
             all += line + '\n';
-        write(root_ / "proc/self/mountinfo", all);
+        folder_.write("proc/self/mountinfo", all);
     }
 
     const TemporaryFolder folder_;

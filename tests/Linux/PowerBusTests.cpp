@@ -33,6 +33,14 @@ protected:
         EXPECT_FALSE(bus.connection().isConnected());
         EXPECT_NE(bus.problem(), "");
     }
+    static void expectBothRefused(const Environment& environment,
+                                  std::initializer_list<Build> builds = {Build::use,
+                                                                         Build::tests}) {
+        for (const Build build : builds) {
+            expectRefused(PowerBus::session(environment, build));
+            expectRefused(PowerBus::system(environment, build));
+        }
+    }
 
     const TemporaryFolder folder_{"velmor-desktop."};
     const fs::path& desktop_ = folder_.path();
@@ -40,11 +48,10 @@ protected:
 };
 
 TEST_F(PowerBusTest, ABuildForTestsNeverUsesTheSessionsOrTheMachinesBus) {
+    Environment noDesktop = onDesktop();
+    noDesktop.virtualDesktop.clear();
     for (const Environment& environment :
-         {Environment(), Environment{.runtimeFolder = "/run/user/0"},
-          Environment{.runtimeFolder = desktop_ / "run",
-                      .sessionBus = bus_.address(),
-                      .standInSystemBus = bus_.address()}}) {
+         {Environment(), Environment{.runtimeFolder = "/run/user/0"}, noDesktop}) {
         expectRefused(PowerBus::session(environment));
         expectRefused(PowerBus::system(environment));
     }
@@ -63,12 +70,8 @@ TEST_F(PowerBusTest, WhateverTheEnvironmentSaysOfTheSystemBusIsNotUsed) {
         desktop.standInSystemBus.clear();
         for (const Build build : {Build::use, Build::tests})
             expectRefused(PowerBus::system(desktop, build));
-        desktop.standInSystemBus = address;
-        desktop.sessionBus = address;
-        for (const Build build : {Build::use, Build::tests}) {
-            expectRefused(PowerBus::system(desktop, build));
-            expectRefused(PowerBus::session(desktop, build));
-        }
+        desktop.standInSystemBus = desktop.sessionBus = address;
+        expectBothRefused(desktop);
     }
     ::unsetenv("DBUS_SYSTEM_BUS_ADDRESS");
 }
@@ -83,10 +86,7 @@ TEST_F(PowerBusTest, AVirtualDesktopUsesOnlyWhatLiesInItsFolder) {
         EXPECT_EQ(PowerBus::session(itsOwn, build).problem(), "");
         EXPECT_EQ(PowerBus::system(itsOwn, build).problem(), "");
     }
-    for (const Build build : {Build::use, Build::tests}) {
-        expectRefused(PowerBus::session(onDesktop(), build));
-        expectRefused(PowerBus::system(onDesktop(), build));
-    }
+    expectBothRefused(onDesktop());
     // A way into the folder is not a place in it.
     fs::create_symlink(bus_.folder() / "bus", desktop_ / "link");
     Environment environment = onDesktop();
@@ -94,33 +94,28 @@ TEST_F(PowerBusTest, AVirtualDesktopUsesOnlyWhatLiesInItsFolder) {
          {desktop_ / "link", desktop_ / ".." / bus_.folder().filename() / "bus"}) {
         ASSERT_TRUE(fs::exists(path)) << path;
         environment.sessionBus = "unix:path=" + path.string();
-        expectRefused(PowerBus::session(environment, Build::use));
+        expectBothRefused(environment, {Build::use});
     }
-}
-
-TEST_F(PowerBusTest, AFolderThatIsNoVirtualDesktopsIsNoPlaceForStandIns) {
-    Environment environment = onDesktop();
+    // Nor is a folder that is no virtual desktop's a place for stand-ins.
+    environment = onDesktop();
     for (const fs::path& folder : {bus_.folder() / "run", fs::path("/run/user/0"), fs::path()}) {
         environment.runtimeFolder = folder;
-        expectRefused(PowerBus::session(environment, Build::use));
-        expectRefused(PowerBus::system(environment, Build::use));
+        expectBothRefused(environment, {Build::use});
     }
 }
 
 TEST_F(PowerBusTest, AddressesThatCouldMeanSomethingElseAreRefused) {
     const std::string good = bus_.address();
+    const std::string path = "unix:path=";
+    std::ofstream(bus_.folder() / "file"); // which doesn't answer
     for (const std::string& address :
          {std::string(), good + ";unix:path=/run/dbus/system_bus_socket", ";" + good,
           std::string("autolaunch:"), std::string("unix:runtime=yes"),
           "unix:abstract=" + (bus_.folder() / "bus").string(), good + "%2F..", good + ",path=/run",
-          std::string("unix:path=relative"), good + "-missing"})
+          path + "relative", good + "-missing", path + (bus_.folder() / "file").string()})
         expectRefused(PowerBus::standIn(address, bus_.folder()));
     expectRefused(PowerBus::standIn(good, "/"));
     expectRefused(PowerBus::standIn(good, bus_.folder().string() + "-missing"));
-    // What is there but doesn't answer has no connection either.
-    std::ofstream(bus_.folder() / "file");
-    expectRefused(
-        PowerBus::standIn("unix:path=" + (bus_.folder() / "file").string(), bus_.folder()));
 }
 
 // In a namespace in which a bus of the test lies where the system's own would.
@@ -151,7 +146,6 @@ TEST_F(PowerBusTest, TheSystemsOwnSocketIsNoStandInWhateverPathLeadsThere) {
 }
 
 TEST_F(PowerBusTest, AStandInIsUsedAndLeftAgain) {
-    const std::string address = bus_.address() + ",guid=0123456789abcdef0123456789abcdef";
     QDBusConnection watcher = bus_.connect();
     QString name;
     {

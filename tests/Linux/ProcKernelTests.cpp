@@ -6,7 +6,6 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
 
@@ -14,13 +13,13 @@ namespace velmorquit {
 namespace {
 
 namespace fs = std::filesystem;
+using Ids = std::set<ProcessId>;
 
 /// A made-up /proc and /sys.
 class ProcTreeTest : public testing::Test {
 protected:
-    void write(const std::string& file, const std::string& content) {
-        fs::create_directories((root_ / file).parent_path());
-        std::ofstream(root_ / file) << content;
+    void write(const std::string& file, const std::string& content) const {
+        folder_.write(file, content);
     }
 
     void addProcess(ProcessId id, ProcessId parent, int startTime, const std::string& unit = "",
@@ -41,11 +40,15 @@ protected:
     [[nodiscard]] std::string proc() const { return root_ / "proc"; }
     [[nodiscard]] ProcKernel kernel() const { return ProcKernel(proc(), root_ / "sys"); }
 
-    static std::map<ProcessId, ProcessId> responsible(const ProcKernel& kernel) {
+    /// "process<the one responsible", where there is another.
+    static std::string responsible(const ProcKernel& kernel) {
         std::map<ProcessId, ProcessId> answers;
         for (const ProcessEntry& process : kernel.processTable())
             answers[process.id] = process.responsible;
-        return answers;
+        std::string text;
+        for (const auto& [id, other] : answers)
+            text += std::to_string(id) + (other ? '<' + std::to_string(other) : "") + ' ';
+        return text;
     }
 
 private:
@@ -60,15 +63,13 @@ TEST_F(ProcTreeTest, AllProcessesOfAUnitAnswerToTheApplicationInIt) {
     addProcess(12, 1, 520, app);
     addProcess(20, 1, 400, "/app.slice/dbus.service");
     addProcess(30, 1, 300, "/session-2.scope", "a) S 7 (b");
-    using Answers = std::map<ProcessId, ProcessId>;
     ProcKernel kernel(proc());
-    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 10}, {12, 10}, {20, 0}, {30, 0}}));
+    EXPECT_EQ(responsible(kernel), "10 11<10 12<10 20 30 ");
     // A script that started the program is older, and yet not what the user sees.
-    kernel.setWindowOwners([] { return std::set<ProcessId>{12}; });
-    EXPECT_EQ(responsible(kernel), (Answers{{10, 12}, {11, 12}, {12, 0}, {20, 0}, {30, 0}}));
-    EXPECT_EQ(kernel.responsibleProcesses({11}), std::set<ProcessId>{12});
-    EXPECT_EQ(kernel.responsibleProcesses({12}), std::set<ProcessId>{12});
-    EXPECT_EQ(kernel.responsibleProcesses({99}), std::set<ProcessId>{99});
+    kernel.setWindowOwners([] { return Ids{12}; });
+    EXPECT_EQ(responsible(kernel), "10<12 11<12 12 20 30 ");
+    for (const auto& [id, answers] : {std::pair(11, 12), std::pair(12, 12), std::pair(99, 99)})
+        EXPECT_EQ(kernel.responsibleProcesses({id}), Ids{answers});
 }
 
 // Units are remembered, but neither for an id that another process has now nor for a process that
@@ -79,26 +80,19 @@ TEST_F(ProcTreeTest, AProcessIsMovedToItsUnitSoonAfterItsStart) {
     addProcess(10, 1, 1, app);
     addProcess(11, 1, 2);
     addProcess(12, 1, notYet, "/session-2.scope");
-    using Answers = std::map<ProcessId, ProcessId>;
     const ProcKernel kernel(proc());
-    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 0}, {12, 0}}));
+    EXPECT_EQ(responsible(kernel), "10 11 12 ");
     addProcess(12, 1, notYet, app);
-    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 0}, {12, 10}}));
+    EXPECT_EQ(responsible(kernel), "10 11 12<10 ");
     fs::remove_all(proc() + "/11");
-    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {12, 10}}));
+    EXPECT_EQ(responsible(kernel), "10 12<10 ");
     addProcess(11, 1, 3, app);
-    EXPECT_EQ(responsible(kernel), (Answers{{10, 0}, {11, 10}, {12, 10}}))
+    EXPECT_EQ(responsible(kernel), "10 11<10 12<10 ")
         << "a later process with the same id is another one";
-}
-
-TEST_F(ProcTreeTest, AProcessWhoseParentEndsGetsAnother) {
-    addProcess(20, 1, 1);
-    addProcess(21, 20, 2);
-    const ProcKernel kernel(proc());
-    EXPECT_EQ(kernel.processTable().size(), 2U);
-    fs::remove_all(proc() + "/20");
-    addProcess(21, 7, 2);
-    ASSERT_EQ(kernel.processTable().size(), 1U);
+    // One whose parent ends gets another.
+    for (const char* other : {"/10", "/12"})
+        fs::remove_all(proc() + other);
+    addProcess(11, 7, 3, app);
     EXPECT_EQ(kernel.processTable().front().parent, 7);
 }
 
@@ -124,10 +118,10 @@ TEST_F(ProcTreeTest, WithoutUnitsAHelperAnswersToTheNearestProcessWithWindows) {
     addProcess(40, 41, 4);
     addProcess(41, 40, 5);
     ProcKernel kernel(proc());
-    EXPECT_EQ(kernel.responsibleProcesses({12}), std::set<ProcessId>{12});
-    kernel.setWindowOwners([] { return std::set<ProcessId>{10}; });
-    EXPECT_EQ(kernel.responsibleProcesses({12}), std::set<ProcessId>{10});
-    EXPECT_EQ(kernel.responsibleProcesses({40}), std::set<ProcessId>{40}) << "a circle has an end";
+    EXPECT_EQ(kernel.responsibleProcesses({12}), Ids{12});
+    kernel.setWindowOwners([] { return Ids{10}; });
+    EXPECT_EQ(kernel.responsibleProcesses({12}), Ids{10});
+    EXPECT_EQ(kernel.responsibleProcesses({40}), Ids{40}) << "a circle has an end";
 }
 
 TEST_F(ProcTreeTest, WhatIsDamagedOrHiddenIsLeftOut) {
@@ -161,15 +155,15 @@ TEST_F(ProcTreeTest, MemoryInUseIsOfProgramsAndTheKernelAndWhatIsCompressed) {
 }
 
 TEST_F(ProcTreeTest, TheMachineIsNamedByItsMakerOnceAndNotByPlaceholders) {
-    EXPECT_FALSE(kernel().machineModel());
     write("sys/class/dmi/id/product_name", "To Be Filled By O.E.M.\n");
     write("sys/firmware/devicetree/base/model", std::string("Small Board 4\0", 14));
     EXPECT_EQ(kernel().machineModel(), "Small Board 4");
-    write("sys/class/dmi/id/product_name", "Notebook 14 \n");
     write("sys/class/dmi/id/sys_vendor", "Acme Inc.\n");
-    EXPECT_EQ(kernel().machineModel(), "Acme Inc. Notebook 14");
-    write("sys/class/dmi/id/product_name", "Acme Notebook 14\n");
-    EXPECT_EQ(kernel().machineModel(), "Acme Notebook 14");
+    for (const auto& [product, model] : {std::pair("Notebook 14 \n", "Acme Inc. Notebook 14"),
+                                         std::pair("Acme Notebook 14\n", "Acme Notebook 14")}) {
+        write("sys/class/dmi/id/product_name", product);
+        EXPECT_EQ(kernel().machineModel(), model);
+    }
     write("proc/cpuinfo", "processor\t: 0\nmodel name\t: Fast CPU @ 3GHz\nprocessor\t: 1\n");
     EXPECT_EQ(kernel().processorBrand(), "Fast CPU @ 3GHz");
 }
@@ -180,17 +174,17 @@ TEST_F(ProcTreeTest, AStreamOfASandboxBelongsToTheProcessThatHasItsIdInThere) {
     addExecutable(61, "/app/bin/other", "61\t2");
     addExecutable(62, "/app/bin/twin", "62\t3");
     addExecutable(63, "/app/bin/twin", "63\t3");
-    EXPECT_EQ(processesOfStream({.process = 3, .binary = "twin"}, proc()),
-              (std::set<ProcessId>{62, 63}));
-    EXPECT_EQ(processesOfStream({.process = 50, .binary = "player"}, proc()),
-              (std::set<ProcessId>{50}));
-    EXPECT_EQ(processesOfStream({.process = 50, .binary = ""}, proc()), (std::set<ProcessId>{50}));
-    EXPECT_EQ(processesOfStream({.process = 2, .binary = "browser"}, proc()),
-              (std::set<ProcessId>{60}));
-    EXPECT_EQ(processesOfStream({.process = 50, .binary = "browser"}, proc()),
-              std::set<ProcessId>());
-    EXPECT_EQ(processesOfStream({.process = std::nullopt, .binary = "player"}, proc()),
-              std::set<ProcessId>());
+    struct Case {
+        std::optional<ProcessId> process;
+        const char* binary;
+        Ids found;
+    };
+    for (const Case& one :
+         {Case{3, "twin", {62, 63}}, Case{50, "player", {50}}, Case{50, "", {50}},
+          Case{2, "browser", {60}}, Case{50, "browser", {}}, Case{std::nullopt, "player", {}}})
+        EXPECT_EQ(processesOfStream({.process = one.process, .binary = one.binary}, proc()),
+                  one.found)
+            << one.binary;
 }
 
 } // namespace

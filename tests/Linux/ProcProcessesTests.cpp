@@ -6,9 +6,8 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -51,53 +50,35 @@ protected:
 
     void add(const Process& process, std::vector<std::string> arguments,
              const std::string& executable = "") {
-        const fs::path folder = folder_.path() / std::to_string(process.id);
-        fs::create_directories(folder);
-        const auto words = [](std::initializer_list<long> numbers) {
-            std::string text;
-            for (const long number : numbers)
-                text += ' ' + std::to_string(number);
-            return text;
-        };
-        std::ofstream(folder / "stat")
-            << process.id << " (" << fs::path(arguments.front()).filename().string() << ") "
-            << process.state
-            << words({process.parent, process.group, process.session, process.terminal,
-                      process.foreground, 0, 0, 0, 0, 0, process.ticks, 0, 0, 0, 20, 0, 1, 0,
-                      process.id * 100})
-            << "\n";
-        std::ofstream(folder / "status") << "Name:\tUid: 7\nUid:\t" << process.owner << "\t0\t0\n";
-        std::ofstream(folder / "io")
-            << "wchar: 9\nwrite_bytes: " << process.written << "\ncancelled_write_bytes: 5\n";
-        fs::remove(folder / "exe");
+        const fs::path folder = std::to_string(process.id);
+        std::string stat = std::to_string(process.id) + " (" +
+                           fs::path(arguments.front()).filename().string() + ") " + process.state;
+        for (const long field :
+             {process.parent, process.group, process.session, process.terminal, process.foreground,
+              0, 0, 0, 0, 0, process.ticks, 0, 0, 0, 20, 0, 1, 0, process.id * 100})
+            stat += ' ' + std::to_string(field);
+        folder_.write(folder / "stat", stat + '\n');
+        folder_.write(folder / "status",
+                      "Name:\tUid: 7\nUid:\t" + std::to_string(process.owner) + "\t0\t0\n");
+        folder_.write(folder / "io", "wchar: 9\nwrite_bytes: " + std::to_string(process.written) +
+                                         "\ncancelled_write_bytes: 5\n");
         if (process.owner == user)
             fs::create_symlink("/usr/bin/" + (executable.empty() ? arguments.front() : executable),
-                               folder / "exe");
-        std::ofstream line(folder / "cmdline");
+                               folder_.path() / folder / "exe");
+        std::string line;
         for (const std::string& argument : arguments)
-            line << argument << '\0';
+            line += argument + '\0';
+        folder_.write(folder / "cmdline", line);
     }
 
     /// A shell that leads the session of its terminal, with a job in front if `foreground` isn't
     /// the shell itself.
     void addShell(ProcessId id, ProcessId parent, ProcessId foreground) {
-        add({.id = id,
-             .parent = parent,
-             .group = id,
-             .session = id,
-             .terminal = tty,
-             .foreground = foreground},
-            {"bash"});
+        add({id, parent, id, id, tty, foreground}, {"bash"});
     }
     void addJob(ProcessId id, ProcessId shell, std::vector<std::string> arguments,
                 const std::string& executable = "") {
-        add({.id = id,
-             .parent = shell,
-             .group = id,
-             .session = shell,
-             .terminal = tty,
-             .foreground = id},
-            std::move(arguments), executable);
+        add({id, shell, id, shell, tty, id}, std::move(arguments), executable);
     }
 
     [[nodiscard]] ProcProcesses processes() const {
@@ -117,15 +98,18 @@ private:
 };
 
 TEST_F(ProcProcessesTest, WorkIsThatOfAProcessAndOfItsFamilyWithoutWindows) {
-    static const auto perSecond = static_cast<int>(::sysconf(_SC_CLK_TCK));
-    const auto seconds = [](int count) { return count * perSecond; };
-    add({10, 1, 10, 10, 0, -1, user, 'S', seconds(1), 1000}, {"office"});
-    add({11, 10, 10, 10, 0, -1, user, 'S', seconds(2), 200}, {"converter"});
-    add({12, 11, 12, 10, 0, -1, user, 'S', seconds(4), 30}, {"filter"});
-    add({13, 10, 13, 13, 0, -1, user, 'S', seconds(8), 4000}, {"daemon"});
-    add({14, 10, 10, 10, 0, -1, user, 'S', seconds(16), 50000}, {"viewer"});
-    add({15, 10, 10, 10, 0, -1, user, 'S', seconds(32), 600000}, {"player"});
-    add({20, 1, 20, 20, 0, -1, user, 'Z', seconds(1), 1}, {"ended"});
+    const auto worked = [this](ProcessId id, ProcessId parent, ProcessId session, int seconds,
+                               int written, char state = 'S') {
+        static const auto perSecond = static_cast<int>(::sysconf(_SC_CLK_TCK));
+        add({id, parent, id, session, 0, -1, user, state, seconds * perSecond, written}, {"some"});
+    };
+    worked(10, 1, 10, 1, 1000);
+    worked(11, 10, 10, 2, 200);
+    worked(12, 11, 10, 4, 30);
+    worked(13, 10, 13, 8, 4000);
+    worked(14, 10, 10, 16, 50000);
+    worked(15, 10, 10, 32, 600000);
+    worked(20, 1, 20, 1, 1, 'Z');
     owners.windows = {10, 14};
     const auto work = processes().work({10, 15, 20, 99});
     ASSERT_EQ(work.size(), 2U);
@@ -171,18 +155,15 @@ TEST_F(ProcProcessesTest, JobsRunInPanesConsolesAndLoginsButNotAtPromptsNorInWin
     EXPECT_THAT(jobs(), testing::Contains("make 93")) << "its window has gone";
 }
 
-TEST_F(ProcProcessesTest, WhatADisplayManagerKeepsATerminalForIsNoJob) {
-    add({10, 1, 10, 10, tty, 10}, {"gdm-x-session"});
-    add({11, 10, 10, 10, tty, 10}, {"Xorg"});
-    add({12, 10, 10, 10, tty, 10}, {"gnome-session-binary"});
-    EXPECT_THAT(jobs(), UnorderedElementsAre());
-}
-
 TEST_F(ProcProcessesTest, TheDesktopIsNoJobOfTheConsoleThatItWasStartedFrom) {
     addShell(10, 1, 11);
     addJob(11, 10, {"/bin/sh", "/usr/bin/startx"}, "dash");
     add({12, 11, 11, 10, tty, 11}, {"xinit"});
     add({13, 12, 13, 10, tty, 11}, {"openbox"});
+    // A display manager keeps a terminal for these.
+    add({20, 1, 20, 20, tty, 20}, {"gdm-x-session"});
+    add({21, 20, 20, 20, tty, 20}, {"Xorg"});
+    add({22, 20, 20, 20, tty, 20}, {"gnome-session-binary"});
     owners.desktop = {13};
     EXPECT_THAT(jobs(), UnorderedElementsAre());
     owners.desktop.clear();
@@ -221,16 +202,19 @@ TEST_F(ProcProcessesTest, JobsThatOutlivedTheirTerminalAreToldFromDaemonsAndProg
 /// The system's own /proc.
 class RealProcessesTest : public testing::Test {
 protected:
-    [[nodiscard]] std::string jobOf(ProcessId process) const {
-        for (const WindowlessJob& job : processes.windowlessJobs()) {
-            if (job.process == process)
-                return job.name;
-        }
-        return {};
-    }
     [[nodiscard]] ProcessWork workOf(const Child& child) const {
         const auto work = processes.work({static_cast<ProcessId>(child.id())});
         return work.empty() ? ProcessWork() : work.begin()->second;
+    }
+    /// The jobs of this session, by their names.
+    [[nodiscard]] std::map<std::string, ProcessId> jobsOf(pid_t session) const {
+        std::map<std::string, ProcessId> found;
+        for (const WindowlessJob& job : processes.windowlessJobs()) {
+            const auto stat = readProcessStat(job.process);
+            if (stat && stat->session == session)
+                found.emplace(job.name, job.process);
+        }
+        return found;
     }
 
     Owners owners;
@@ -238,26 +222,20 @@ protected:
     TemporaryFolder folder;
 };
 
-TEST_F(RealProcessesTest, WorkGrowsWithWhatChildrenDoAndStaysWhenTheyHaveEnded) {
+TEST_F(RealProcessesTest, WorkGrowsWithWhatChildrenDoAndWriteAndStaysWhenTheyHaveEnded) {
     // The shell itself only waits.
-    Child child({"sh", "-c", "timeout 0.3 sh -c 'while :; do :; done'; echo worked; sleep 1000"});
+    Child child({"sh", "-c",
+                 "timeout 0.3 sh -c 'while :; do :; done'; dd if=/dev/zero of=" +
+                     (folder.path() / "file").string() +
+                     " bs=1M count=4 conv=fsync; echo worked; sleep 1000"});
     EXPECT_TRUE(waitUntil([&] { return workOf(child).processorTime >= 50ms; }));
     EXPECT_TRUE(waitUntil([&] { return child.output().find("worked") != std::string::npos; }));
-    EXPECT_GE(workOf(child).processorTime, 50ms);
-    EXPECT_EQ(workOf(child).start, processes.startOf(static_cast<ProcessId>(child.id())));
-}
-
-TEST_F(RealProcessesTest, WorkCountsWhatIsWritten) {
-    const std::string file = folder.path() / "file";
-    Child child({"sh", "-c",
-                 "dd if=/dev/zero of=" + file +
-                     " bs=1M count=4 conv=fsync; echo written; "
-                     "sleep 1000"});
-    ASSERT_TRUE(waitUntil([&] { return child.output().find("written") != std::string::npos; }));
-    const auto written = workOf(child).written;
-    if (written == 0)
+    const ProcessWork work = workOf(child);
+    EXPECT_GE(work.processorTime, 50ms);
+    EXPECT_EQ(work.start, processes.startOf(static_cast<ProcessId>(child.id())));
+    if (work.written == 0)
         GTEST_SKIP() << "what is written here goes to no disk";
-    EXPECT_GE(written, 4U << 20);
+    EXPECT_GE(work.written, 4U << 20);
 }
 
 TEST_F(RealProcessesTest, SeesTheJobInATerminalThatNoWindowShows) {
@@ -271,35 +249,25 @@ TEST_F(RealProcessesTest, SeesTheJobInATerminalThatNoWindowShows) {
     const auto type = [&](const std::string& line) {
         EXPECT_EQ(::write(terminal, line.data(), line.size()), std::ssize(line));
     };
-    const auto jobs = [&] {
-        std::set<std::string> names;
-        for (const WindowlessJob& job : processes.windowlessJobs()) {
-            const auto stat = readProcessStat(job.process);
-            if (stat && stat->session == shell)
-                names.insert(job.name);
-        }
-        return names;
+    const auto sleeps = [&] {
+        return jobsOf(shell).size() == 1 && jobsOf(shell).contains("sleep");
     };
     EXPECT_TRUE(waitUntil([&] { return executableName(shell) == "bash"; }));
     EXPECT_FALSE(ignoresHangup(shell));
-    EXPECT_TRUE(waitUntil([&] { return jobs().empty(); }));
+    EXPECT_TRUE(waitUntil([&] { return jobsOf(shell).empty(); }));
     type("nohup sleep 1000 >/dev/null 2>&1 & sleep 2000\n");
-    EXPECT_TRUE(waitUntil([&] { return jobs() == std::set<std::string>{"sleep"}; }));
+    EXPECT_TRUE(waitUntil(sleeps));
     type("\x03");
-    EXPECT_TRUE(waitUntil([&] { return jobs().empty(); })) << "one in the background is none yet";
+    EXPECT_TRUE(waitUntil([&] { return jobsOf(shell).empty(); }))
+        << "one in the background is none yet";
 
     ::kill(shell, SIGKILL);
     ::waitpid(shell, nullptr, 0);
     ::close(terminal);
-    EXPECT_TRUE(waitUntil([&] { return jobs() == std::set<std::string>{"sleep"}; }));
-    EXPECT_TRUE(std::ranges::any_of(processes.windowlessJobs(), [&](const WindowlessJob& job) {
-        return readProcessStat(job.process)->session == shell && ignoresHangup(job.process);
-    }));
-    for (const WindowlessJob& job : processes.windowlessJobs()) {
-        const auto stat = readProcessStat(job.process);
-        if (stat && stat->session == shell)
-            ::kill(job.process, SIGKILL);
-    }
+    ASSERT_TRUE(waitUntil(sleeps));
+    const ProcessId left = jobsOf(shell)["sleep"];
+    EXPECT_TRUE(ignoresHangup(left));
+    ::kill(left, SIGKILL);
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "Linux/Loop/ClockWatch.h"
 #include "Linux/Loop/QtMainLoop.h"
 #include "Loop/Task.h"
 #include "support/Waiting.h"
@@ -36,24 +37,17 @@ TEST_F(QtMainLoopTest, NeverRunsATimerEarlyAndKeepsTheirOrder) {
     EXPECT_GE(reached, Duration(30ms));
 }
 
-TEST_F(QtMainLoopTest, KeepsItsTimersGoingWhileACallbackRunsAnEventLoop) {
+TEST_F(QtMainLoopTest, ACallbackMayRunAnEventLoopLongerThanTheInterval) {
     const Handle inner = loop.after(20ms, note("inner"));
-    const Handle outer = loop.after(10ms, [&] {
-        note("begin")();
-        waitUntil([&] { return log == "begin inner "; });
-        note("end")();
-    });
-    EXPECT_TRUE(waitUntil([&] { return log.ends_with("end "); }));
-    EXPECT_EQ(log, "begin inner end ");
-}
-
-TEST_F(QtMainLoopTest, ARepeatingTimerMayRunAnEventLoopLongerThanItsInterval) {
     int calls = 0;
     const Handle timer = loop.every(5ms, [&] {
-        if (++calls == 1)
-            waitUntil([&] { return calls >= 4; });
+        if (++calls > 1)
+            return;
+        note("begin")();
+        EXPECT_TRUE(waitUntil([&] { return calls >= 4 && log == "begin inner "; }));
+        note("end")();
     });
-    EXPECT_TRUE(waitUntil([&] { return calls >= 8; }));
+    EXPECT_TRUE(waitUntil([&] { return calls >= 8 && log == "begin inner end "; }));
 }
 
 TEST_F(QtMainLoopTest, DoesWorkElsewhereAndReportsHereUnlessNobodyWaits) {
@@ -93,6 +87,36 @@ TEST_F(QtMainLoopTest, RunsTasks) {
     const Task<> task = countdown(loop, log);
     EXPECT_TRUE(waitUntil([&] { return !task.isActive(); }));
     EXPECT_EQ(log, "2 1 1! ");
+}
+
+TEST(ClockWatchTest, TellsOfASleepOnceAndBeforeWhatWasDueInIt) {
+    Duration slept = 5h;
+    std::string told;
+    ClockWatch watch([&] { return slept; });
+    const Handle woke = watch.observe(ClockEvent::woke, [&] { told += "woke "; });
+    const Handle set = watch.observe(ClockEvent::corrected, [&] { told += "set "; });
+    watch.look();
+    slept += 499ms;
+    watch.look();
+    EXPECT_EQ(told, "") << "two clocks are never read at the same instant";
+    slept += 1ms;
+    watch.look();
+    watch.look();
+    EXPECT_EQ(told, "woke ");
+    slept += 9h;
+    watch.look();
+    EXPECT_EQ(told, "woke woke ");
+}
+
+TEST(ClockWatchTest, NothingHappensToClocksThatAreLeftAlone) {
+    EXPECT_GE(ClockWatch::sleepSinceStart(), Duration(-1ms));
+    QtMainLoop loop;
+    int events = 0;
+    const Handle woke = loop.observe(ClockEvent::woke, [&] { ++events; });
+    const Handle set = loop.observe(ClockEvent::corrected, [&] { ++events; });
+    const Handle tick = loop.every(5ms, [] {});
+    linger(100);
+    EXPECT_EQ(events, 0);
 }
 
 } // namespace

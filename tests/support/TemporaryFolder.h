@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <string>
 
@@ -27,6 +28,21 @@ public:
     }
 
     [[nodiscard]] const std::filesystem::path& path() const { return path_; }
+
+    /// The path of a new file in it with this content; folders on the way there are made.
+    std::filesystem::path write(const std::filesystem::path& file,
+                                const std::string& content) const {
+        std::filesystem::create_directories((path_ / file).parent_path());
+        std::ofstream(path_ / file, std::ios::binary) << content;
+        return path_ / file;
+    }
+    /// The same with a file that can be run.
+    std::filesystem::path writeProgram(const std::filesystem::path& file,
+                                       const std::string& script = "#!/bin/sh\n") const {
+        const std::filesystem::path program = write(file, script);
+        std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+        return program;
+    }
 
 private:
     std::filesystem::path path_;
