@@ -27,20 +27,16 @@ namespace fs = std::filesystem;
 /// A variable of this process, which has its former value again when this goes.
 class Variable {
 public:
-    Variable(std::string name, const std::string& value) : name_(std::move(name)) {
-        if (const char* former = std::getenv(name_.c_str()))
-            former_ = former;
-        ::setenv(name_.c_str(), value.c_str(), 1);
+    Variable(const char* name, const std::string& value) : name_(name), former_(qgetenv(name)) {
+        qputenv(name, QByteArray::fromStdString(value));
     }
     Variable(const Variable&) = delete;
     Variable& operator=(const Variable&) = delete;
-    ~Variable() {
-        former_ ? ::setenv(name_.c_str(), former_->c_str(), 1) : ::unsetenv(name_.c_str());
-    }
+    ~Variable() { former_.isNull() ? qunsetenv(name_) : qputenv(name_, former_); }
 
 private:
-    std::string name_;
-    std::optional<std::string> former_;
+    const char* name_;
+    QByteArray former_;
 };
 
 /// Starts a program that reports what it is and then stays for a while.

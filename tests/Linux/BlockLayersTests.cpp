@@ -18,13 +18,11 @@ constexpr auto sd = [](unsigned minor) { return makedev(8, minor); };
 class BlockLayersTest : public testing::Test {
 protected:
     BlockLayersTest() {
-        kernel.device("sda", "8:0");
-        kernel.device("sda/sda1", "8:1");
-        kernel.device("sda/sda2", "8:2");
-        kernel.device("sdb", "8:16");
-        kernel.device("sdb/sdb1", "8:17");
-        kernel.device("sdb/sdb2", "8:18");
-        kernel.device("sdc", "8:32");
+        for (const auto& [place, number] :
+             {std::pair("sda", "8:0"), std::pair("sda/sda1", "8:1"), std::pair("sda/sda2", "8:2"),
+              std::pair("sdb", "8:16"), std::pair("sdb/sdb1", "8:17"),
+              std::pair("sdb/sdb2", "8:18"), std::pair("sdc", "8:32")})
+            kernel.device(place, number);
     }
 
     [[nodiscard]] BlockLayers layers() const { return BlockLayers(kernel.root()); }
@@ -116,12 +114,10 @@ TEST_F(BlockLayersTest, OddLinesAreSurvived) {
     kernel.mount("254:7", "/mnt/loop", "ext4 /dev/mapper/ring rw");
     kernel.mount("0:9", "/mnt/over", "overlay o rw,lowerdir=/mnt/over:/mnt/over/b,upperdir");
     kernel.swaps("/gone partition 1\n\n\\\n/\n");
-    const BlockLayers all = layers();
-    EXPECT_TRUE(all.ofSystem().contains(sd(1)));
-    EXPECT_TRUE(all.isMounted("/mnt/loop"));
-    EXPECT_THAT(all.beneath(makedev(254, 7)),
+    EXPECT_TRUE(isSystemOn(sd(1)) && layers().isMounted("/mnt/loop"));
+    EXPECT_THAT(layers().beneath(makedev(254, 7)),
                 UnorderedElementsAre(makedev(254, 7), makedev(254, 8)));
-    EXPECT_THAT(all.beneath(0), IsEmpty());
+    EXPECT_THAT(layers().beneath(0), IsEmpty());
 }
 
 TEST(PlacesOfSystem, AreNotThoseOfDrivesThatComeAndGo) {

@@ -1,5 +1,4 @@
 #include "Linux/Bus/BusCall.h"
-#include "Linux/Bus/BusName.h"
 #include "support/PrivateBus.h"
 #include "support/StandInService.h"
 #include "support/Waiting.h"
@@ -84,18 +83,6 @@ TEST_F(BusCallTest, AnAnswerMayAskAgainAndMayEndWhatAsked) {
     EXPECT_TRUE(waitUntil([&] { return !calls; }));
     settleAll();
     EXPECT_EQ(told, 11);
-}
-
-TEST_F(BusCallTest, ANameIsFollowedUntilTheBusGoes) {
-    QStringList owners;
-    const BusName name(own, "org.test.Slow", [&](const QString& owner) { owners << owner; });
-    settle({own});
-    service.disown("org.test.Slow");
-    const StandInService next(bus.connect(), {"org.test.Slow"});
-    settle({own, next.bus});
-    bus.stop();
-    EXPECT_TRUE(waitUntil([&] { return owners.size() == 3; }));
-    EXPECT_EQ(owners, (QStringList{"", next.bus.baseService(), ""}));
 }
 
 } // namespace

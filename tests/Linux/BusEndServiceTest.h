@@ -72,6 +72,10 @@ protected:
     [[nodiscard]] bool isPossible(LoginRequest request, EndForm form = EndForm::direct) const {
         return !service->obstacle(request, form);
     }
+    std::string ask(LoginRequest request) { return carryOut(request, EndForm::asking); }
+    [[nodiscard]] bool canAsk(LoginRequest request) const {
+        return isPossible(request, EndForm::asking);
+    }
     void settleAll() {
         settle({manager.bus, login.bus, session.connection(), system.connection()});
     }

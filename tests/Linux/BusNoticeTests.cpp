@@ -57,27 +57,20 @@ private:
     uint last_ = 6;
 };
 
-/// One that waits for something and can be cancelled, and one that is only told.
-struct ShownNotice {
-    explicit ShownNotice(const PowerBus& session) : notice(session.connection()) {}
-
-    void wait(const std::string& text) {
-        notice.show(
-            {.title = "Waiting", .text = text, .buttons = {{"cancel", "No"}}, .stays = true});
-    }
-    void tell(const std::string& text) { notice.show({.title = "Told", .text = text}); }
-
-    BusNotice notice;
-};
-
 class BusNoticeTest : public testing::Test {
 protected:
-    BusNoticeTest() {
-        notice->notice.onButton = [this](const std::string&) { ++cancelled; };
+    BusNoticeTest() { make(); }
+
+    void make() {
+        notice = std::make_unique<BusNotice>(session.connection());
+        notice->onButton = [this](const std::string&) { ++cancelled; };
     }
-
-    void settleAll() { settle({session.connection(), service.bus}); }
-
+    /// For something, which can be cancelled.
+    void wait(const std::string& text) {
+        notice->show(
+            {.title = "Waiting", .text = text, .buttons = {{"cancel", "No"}}, .stays = true});
+    }
+    void tell(const std::string& text) { notice->show({.title = "Told", .text = text}); }
     /// What a service has heard since the last time, when there is nothing more to hear.
     QStringList heardBy(Service& one) {
         settle({session.connection(), one.bus});
@@ -88,88 +81,88 @@ protected:
     PrivateBus bus;
     PowerBus session = PowerBus::standIn(bus.address(), bus.folder());
     Service service{bus.connect()};
-    std::unique_ptr<ShownNotice> notice = std::make_unique<ShownNotice>(session);
+    std::unique_ptr<BusNotice> notice;
     int cancelled = 0;
 };
 
 TEST_F(BusNoticeTest, SaysWhatItWaitsForAndWhatHasCome) {
-    notice->wait("Note");
+    wait("Note");
     EXPECT_EQ(heard(), QStringList{"show | Waiting | Note | cancel=No | 0"});
-    notice->wait("Mail");
+    wait("Mail");
     EXPECT_EQ(heard(), QStringList{"replace 7 | Waiting | Mail | cancel=No | 0"});
-    notice->tell("Note");
+    tell("Note");
     EXPECT_EQ(heard(), QStringList{"replace 7 | Told | Note |  | -1"});
-    notice->notice.withdraw();
+    notice->withdraw();
     EXPECT_EQ(heard(), QStringList{"close 7"});
-    notice->notice.withdraw();
+    notice->withdraw();
     EXPECT_EQ(heard(), nothing);
 
     // Going takes away only what waits.
-    notice->tell("Note");
+    tell("Note");
     EXPECT_EQ(heard().size(), 1);
     notice.reset();
     EXPECT_EQ(heard(), nothing);
-    notice = std::make_unique<ShownNotice>(session);
-    notice->wait("Note");
+    make();
+    wait("Note");
     EXPECT_EQ(heard().size(), 1);
     notice.reset();
     EXPECT_EQ(heard(), QStringList{"close 9"});
 }
 
 TEST_F(BusNoticeTest, NamesAreNoMarkupWhateverTheServiceTakesThemFor) {
-    notice->wait("<b>R&D</b>");
+    wait("<b>R&D</b>");
     EXPECT_EQ(heard(), QStringList{"show | Waiting | <b>R&D</b> | cancel=No | 0"});
     service.capabilities << "body-markup";
-    notice->wait("<b>");
+    wait("<b>");
     EXPECT_EQ(heard(), QStringList{"replace 7 | Waiting | &lt;b&gt; | cancel=No | 0"});
     // What came while the service was asked counts.
-    notice->wait("<i>");
-    notice->notice.withdraw();
+    wait("<i>");
+    notice->withdraw();
     EXPECT_EQ(heard(), QStringList{"close 7"});
 }
 
 TEST_F(BusNoticeTest, WhatComesWhileTheServiceIsSlowIsToldWhenItHasAnswered) {
     service.isSlow = true;
-    notice->wait("Note");
+    wait("Note");
     EXPECT_EQ(heard().size(), 1);
-    notice->wait("Mail");
-    notice->notice.withdraw();
+    wait("Mail");
+    notice->withdraw();
     EXPECT_EQ(heard(), nothing);
     service.answer();
     EXPECT_EQ(heard(), QStringList{"close 7"});
     service.answer();
 
-    notice->wait("Note");
+    wait("Note");
     EXPECT_EQ(heard().size(), 1);
-    notice->wait("Mail");
-    notice->tell("Mail");
+    wait("Mail");
+    tell("Mail");
     service.answer();
     EXPECT_EQ(heard(), QStringList{"replace 8 | Told | Mail |  | -1"});
 }
 
 TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndPutsItAwayForGood) {
-    notice->wait("Note");
+    wait("Note");
     heard();
     service.press(9);
     service.press(7, "default");
-    settleAll();
+    heard();
     EXPECT_EQ(cancelled, 0);
     service.press(7);
-    settleAll();
+    heard();
     EXPECT_EQ(cancelled, 1);
-    notice->tell("Note");
+    tell("Note");
     heard();
     service.press(7);
-    settleAll();
+    heard();
     EXPECT_EQ(cancelled, 1);
 
-    notice->wait("Note");
+    wait("Note");
     heard();
     service.tell("NotificationClosed", 7, 2U);
-    settleAll();
-    notice->notice.withdraw();
+    heard();
+    notice->withdraw();
     EXPECT_EQ(heard(), nothing);
-    notice->tell("Note");
+    tell("Note");
     EXPECT_EQ(heard(), QStringList{"show | Told | Note |  | -1"});
     EXPECT_EQ(cancelled, 1);
 }
@@ -177,76 +170,73 @@ TEST_F(BusNoticeTest, TheUserCancelsOnlyWhatWaitsAndPutsItAwayForGood) {
 TEST_F(BusNoticeTest, TheNextServiceIsAskedAnewAndNeverByTheNumberOfTheLast) {
     for (const bool isQuestion : {true, false}) {
         if (isQuestion)
-            notice->wait("Note");
+            wait("Note");
         else
-            notice->tell("Note");
+            tell("Note");
         heard();
         service.disown(Service::name);
-        settleAll();
+        heard();
         Service next(bus.connect());
         EXPECT_EQ(heardBy(next).size(), isQuestion ? 1 : 0);
         service.press(7);
-        settleAll();
+        heard();
         EXPECT_EQ(cancelled, 0) << "who showed it last speaks no more";
         next.press(7);
         heardBy(next);
         EXPECT_EQ(std::exchange(cancelled, 0), isQuestion ? 1 : 0);
-        notice->tell("Mail");
+        tell("Mail");
         EXPECT_TRUE(heardBy(next).value(0).startsWith(isQuestion ? "replace 7" : "show | "));
-        notice->notice.withdraw();
+        notice->withdraw();
         next.disown(Service::name);
         service.own(Service::name);
-        settleAll();
+        heard();
     }
 }
 
 TEST_F(BusNoticeTest, SaysWhenTheServiceHasNoButtonsWhichItIsAskedOnce) {
     int unanswerable = 0;
-    notice->wait("Note");
-    settleAll();
+    wait("Note");
+    heard();
     EXPECT_EQ(service.questions, 0) << "nobody wants to know";
-    notice->notice.onUnanswerable = [&] { ++unanswerable; };
+    notice->onUnanswerable = [&] { ++unanswerable; };
     for (const char* text : {"Note", "Mail"}) {
-        notice->wait(text);
-        settleAll();
+        wait(text);
+        heard();
     }
     EXPECT_EQ(service.questions, 1);
     EXPECT_EQ(unanswerable, 0);
 
     service.disown(Service::name);
-    settleAll();
+    heard();
     EXPECT_EQ(std::exchange(unanswerable, 0), 1) << "perhaps no other service comes";
+    wait("Mail");
+    heard();
+    EXPECT_EQ(std::exchange(unanswerable, 0), 1);
     Service plain(bus.connect());
     plain.capabilities = {"body"};
-    notice->tell("Note");
+    tell("Note");
     heardBy(plain);
     EXPECT_EQ(unanswerable, 0);
     for (const char* text : {"Note", "Mail"}) {
-        notice->wait(text);
+        wait(text);
         heardBy(plain);
     }
     EXPECT_EQ(plain.questions, 1);
     EXPECT_EQ(unanswerable, 2);
-    notice->wait("Note");
-    notice->notice.withdraw();
+    wait("Note");
+    notice->withdraw();
     heardBy(plain);
     EXPECT_EQ(unanswerable, 2) << "nothing is there to be answered";
-}
 
-TEST_F(BusNoticeTest, WithoutAServiceOrABusNothingHappens) {
-    service.disown(Service::name);
+    // Nor is it without a bus.
     const PowerBus none = PowerBus::standIn("", bus.folder());
-    for (const PowerBus* each : {&std::as_const(session), &none}) {
-        ShownNotice silent(*each);
-        int unanswerable = 0;
-        silent.notice.onUnanswerable = [&] { ++unanswerable; };
-        silent.wait("Note");
-        EXPECT_EQ(unanswerable, 0) << "it is told later";
-        settle({each->connection()});
-        EXPECT_EQ(unanswerable, 1);
-        silent.tell("Note");
-        silent.notice.withdraw();
-    }
+    BusNotice silent(none.connection());
+    silent.onUnanswerable = [&] { ++unanswerable; };
+    silent.show({.title = "A", .text = "B", .buttons = {{"c", "C"}}, .stays = true});
+    EXPECT_EQ(unanswerable, 2) << "it is told later";
+    settle({none.connection()});
+    EXPECT_EQ(unanswerable, 3);
+    silent.withdraw();
 }
 
 } // namespace

@@ -1,4 +1,3 @@
-#include "Linux/Power/BusSleepHold.h"
 #include "Linux/Session/BusSessionRegistry.h"
 #include "support/PrivateBus.h"
 #include "support/StandInService.h"
@@ -11,7 +10,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <memory>
 #include <tuple>
 
@@ -208,45 +206,6 @@ TEST_F(BusSessionRegistryTest, NobodyIsToldWhoDoesNotWaitAnyMore) {
     EXPECT_TRUE(waitUntil([&] { return told > 0; }));
     linger(600);
     EXPECT_EQ(told % 100, 1);
-}
-
-// The stand-in of the demonstration, which has to be one for what is read here as well.
-TEST_F(BusSessionRegistryTest, TheStandInKeepsAnAccountAndItsLocks) {
-    PrivateBus systemBus;
-    const auto file = systemBus.folder() / "account";
-    std::ofstream(file) << R"({"inhibitors": [["shutdown", "apt", "Aggiorno", "block", )" << other
-                        << R"(, 70]], "sessions": [{"id": "7", "uid": )" << other
-                        << R"(, "user": "anna", "seat": "seat0", "class": "user", )"
-                        << R"("type": "x11", "state": "active"}]})";
-    Child services({STAND_INS "/system-services", systemBus.address(), systemBus.folder() / "calls",
-                    "--account", file});
-    ASSERT_TRUE(waitUntil([&] { return services.output() == "ready\n"; })) << services.output();
-    const PowerBus power = PowerBus::standIn(systemBus.address(), systemBus.folder());
-    const auto locks = [&] {
-        const QDBusMessage reply = power.connection().call(
-            QDBusMessage::createMethodCall(loginName, "/org/freedesktop/login1",
-                                           "org.freedesktop.login1.Manager", "ListInhibitors"));
-        const auto list = reply.arguments().value(0).value<QDBusArgument>();
-        int count = 0;
-        list.beginArray();
-        for (; !list.atEnd(); ++count)
-            list.asVariant();
-        list.endArray();
-        return count;
-    };
-    registry = std::make_unique<BusSessionRegistry>(session, power, BusSessionRegistry::Settings{});
-    BusSleepHold hold(session, power);
-    hold.begin("Piano", BusSleepHold::Against::idleSleep);
-    ASSERT_TRUE(waitUntil([&] { return hold.isHeldBySystem(); }));
-    EXPECT_EQ(locks(), 2);
-    const auto account = read();
-    ASSERT_TRUE(account);
-    EXPECT_THAT(account->inhibitors,
-                ElementsAre(Inhibitor{Against::shutdown, "apt", "Aggiorno", 70, ""}));
-    EXPECT_THAT(account->otherUsers, ElementsAre("anna"));
-    hold.end();
-    EXPECT_TRUE(waitUntil([&] { return locks() == 1; }));
-    EXPECT_EQ(std::ifstream(systemBus.folder() / "calls").peek(), EOF) << "only questions";
 }
 
 } // namespace

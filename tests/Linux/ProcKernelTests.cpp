@@ -86,7 +86,7 @@ TEST_F(ProcTreeTest, AProcessIsMovedToItsUnitSoonAfterItsStart) {
     EXPECT_EQ(responsible(kernel), "10 11 12<10 ");
     fs::remove_all(proc() + "/11");
     EXPECT_EQ(responsible(kernel), "10 12<10 ");
-    addProcess(11, 1, 3, app);
+    addProcess(11, 10, 3, app);
     EXPECT_EQ(responsible(kernel), "10 11<10 12<10 ")
         << "a later process with the same id is another one";
     // One whose parent ends gets another.

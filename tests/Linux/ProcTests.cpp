@@ -1,13 +1,12 @@
+#include "Linux/Proc/ControlGroup.h"
 #include "Linux/Proc/ProcKernel.h"
 #include "Linux/Proc/ProcessStat.h"
-#include "Linux/Text/Utf8.h"
 #include "support/Child.h"
 #include "support/Waiting.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -64,22 +63,48 @@ TEST(FootprintTest, CountsWhatWouldComeFreeAndToleratesMissingLines) {
         EXPECT_EQ(footprintFromStatus(status), bytes) << status;
 }
 
-TEST(FootprintTest, GrowsWithTheMemoryThatAProcessTouches) {
-    const ProcKernel kernel;
-    EXPECT_FALSE(kernel.processTable().empty()) << "from here on figures are remembered";
-    const auto before = kernel.footprint(kernel.ownProcessId());
-    std::vector<char> block(64 << 20);
-    std::memset(block.data(), 1, block.size());
-    const auto after = kernel.footprint(kernel.ownProcessId());
-    ASSERT_TRUE(before && after);
-    EXPECT_GE(*after - *before, 60U << 20);
-    EXPECT_FALSE(kernel.footprint(-1));
+TEST(ControlGroup, ApplicationUnitsAreKnownByTheirNames) {
+    EXPECT_EQ(applicationUnit("0::/user.slice/app.slice/app-org.x-1.scope/sub\n"),
+              "/user.slice/app.slice/app-org.x-1.scope");
+    EXPECT_EQ(applicationUnit("1:cpu:/app-no.scope\n0::/a/app-x@1.service\n"),
+              "/a/app-x@1.service");
+    for (const char* none : {"", "0::", "0::/", "0::/session-1.scope", "0::/app.slice/x.service",
+                             "1:cpu:/app-x.scope\n", "0::/app-x.slice", "0::/snap.x.y.service"})
+        EXPECT_EQ(applicationUnit(none), "") << none;
+    EXPECT_EQ(sandboxedApplication("/a/app-flatpak-org.x.Y-12.scope"), "org.x.Y");
+    EXPECT_EQ(sandboxedApplication("/a/app-gnome-org.x.Y-12.scope"), "");
 }
 
-TEST(TextTest, IsAlwaysValidUtf8) {
-    EXPECT_EQ(utf8("Caffè"), "Caffè");
-    EXPECT_EQ(utf8("Caff\xe8"), "Caffè");
-    EXPECT_EQ(utf8(""), "");
+TEST(ControlGroup, UnitsNameTheDesktopEntryThatWasStarted) {
+    using Names = std::vector<std::string>;
+    const std::pair<const char*, Names> units[] = {
+        {"app-gnome-org.gnome.TextEditor-4021.scope",
+         {"gnome-org.gnome.TextEditor", "org.gnome.TextEditor"}},
+        {"app-flatpak-org.example.App-99.scope", {"flatpak-org.example.App", "org.example.App"}},
+        {"app-web\\x2dbrowser@7f3a.service", {"web-browser"}},
+        {"app-my-tool@autostart.service", {"my-tool", "tool"}},
+        {"snap.web-browser.web-browser-0a1b2c3d-0a1b-0a1b-0a1b-0a1b2c3d4e5f.scope",
+         {"web-browser_web-browser"}},
+        {"app-a\\x-1.scope", {"a\\x"}},
+        {"app-.scope", {}},
+        {"app-1.scope", {}},
+        {"snap.a.scope", {}},
+        {"snap.0a1b2c3d-0a1b-0a1b-0a1b-0a1b2c3d4e5fxx.scope", {}}};
+    for (const auto& [unit, names] : units)
+        EXPECT_EQ(desktopEntriesOfUnit(std::string("/x/") + unit), names) << unit;
+    EXPECT_EQ(desktopEntriesOfUnit(""), Names());
+}
+
+TEST(ControlGroup, ServicesOfTheSessionAreNoApplications) {
+    const std::string base = "0::/user.slice/user-1000.slice/user@1000.service";
+    for (const char* service :
+         {"/session.slice/org.gnome.Shell@x11.service", "/app.slice/gnome-terminal-server.service",
+          "/app.slice/dbus-:1.2-org.example.Files@0.service", "/dbus.service/child"})
+        EXPECT_TRUE(isUserService(base + service)) << service;
+    for (const char* other : {"", "/init.scope", "/app.slice/app-x-1.scope",
+                              "/app.slice/app-x@autostart.service", "/a.service/app-x-1.scope"})
+        EXPECT_FALSE(isUserService(base + other)) << other;
+    EXPECT_FALSE(isUserService("0::/system.slice/display-manager.service"));
 }
 
 } // namespace

@@ -28,24 +28,16 @@ std::string binary(const std::string& values, const std::string& offsets) {
     trailer[6] = 1;
     trailer[7] = 1;
     trailer[15] = static_cast<char>(offsets.size());
-    trailer[31] = static_cast<char>(8 + values.size());
+    for (std::size_t at = 0; at < 4; ++at)
+        trailer[31 - at] = static_cast<char>((8 + values.size()) >> (8 * at));
     return "bplist00" + values + offsets + trailer;
 }
 
-/// The same with offsets of four bytes.
-std::string wideBinary(const std::string& values, const std::vector<std::size_t>& offsets) {
-    const auto number = [](std::size_t value) {
-        std::string bytes(4, '\0');
-        for (std::size_t at = 4; at-- > 0; value >>= 8)
-            bytes[at] = static_cast<char>(value);
-        return bytes;
-    };
-    std::string table;
-    for (const std::size_t offset : offsets)
-        table += number(offset);
-    const std::string pad(4, '\0');
-    return "bplist00" + values + table + "\0\0\0\0\0\0\4\1"s + pad + number(offsets.size()) + pad +
-           pad + pad + number(8 + values.size());
+std::string repeated(int times, std::string_view text) {
+    std::string all;
+    while (times-- > 0)
+        all += text;
+    return all;
 }
 
 Value everything() {
@@ -146,11 +138,7 @@ TEST(PropertyList, HasAnEndToNesting) {
         ++levels;
     EXPECT_EQ(levels, 100);
 
-    std::string body;
-    for (const char* tag : {"<array>", "</array>"}) {
-        for (int level = 0; level < 250'000; ++level)
-            body += tag;
-    }
+    const std::string body = repeated(250'000, "<array>") + repeated(250'000, "</array>");
     EXPECT_EQ(PropertyList::decode(xml(body)), read);
 }
 
@@ -165,26 +153,20 @@ TEST(PropertyList, ReadsNothingFromListsThatStandForMoreThanTheySay) {
     offsets += static_cast<char>(8 + values.size());
     EXPECT_FALSE(PropertyList::decode(binary(values + "\x09", offsets)));
 
-    std::string text(1 << 20, 'x');
-    const std::string array = "\xAF\x10\xFF" + std::string(255, '\1');
-    const std::string size = "\x5F\x12\0\x10\0\0"s;
-    EXPECT_FALSE(PropertyList::decode(wideBinary(array + size + text, {8, 8 + array.size()})));
+    // An array that holds a long text 240 times.
+    const std::string array = "\xAF\x10\xF0" + std::string(240, '\1');
+    const std::string text = "\x5F\x12\0\x10\0\0"s + std::string(1 << 20, 'x');
+    EXPECT_FALSE(
+        PropertyList::decode(binary(array + text, {'\x08', static_cast<char>(8 + array.size())})));
 
     std::string entities = "<!DOCTYPE plist [<!ENTITY a \"aaaaaaaaaaaaaaaaaaaa\">";
-    for (char name = 'b'; name < 'k'; ++name) {
-        const std::string previous = "&"s + static_cast<char>(name - 1) + ";";
-        entities += "<!ENTITY "s + name + " \"";
-        for (int times = 0; times < 10; ++times)
-            entities += previous;
-        entities += "\">";
-    }
+    for (char name = 'b'; name < 'k'; ++name)
+        entities += "<!ENTITY "s + name + " \"" +
+                    repeated(10, "&"s + static_cast<char>(name - 1) + ";") + "\">";
     EXPECT_FALSE(PropertyList::decode(entities + "]><plist><string>&j;</string></plist>"));
-
-    std::string many =
-        "<!DOCTYPE plist [<!ENTITY e \"" + std::string(4000, 'x') + "\">]><plist><string>";
-    for (int times = 0; times < 10'000; ++times)
-        many += "&e;";
-    EXPECT_FALSE(PropertyList::decode(many + "</string></plist>"));
+    EXPECT_FALSE(PropertyList::decode("<!DOCTYPE plist [<!ENTITY e \"" + repeated(4000, "x") +
+                                      "\">]><plist><string>" + repeated(10'000, "&e;") +
+                                      "</string></plist>"));
 }
 
 TEST(PropertyList, ReadsRealsUnderAnyLocale) {

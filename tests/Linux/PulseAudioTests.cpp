@@ -10,11 +10,15 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 
 namespace velmorquit {
 namespace {
+
+using Ids = std::set<ProcessId>;
 
 /// A sound server of its own, with an output that nobody hears.
 class PulseAudioTest : public testing::Test {
@@ -40,12 +44,15 @@ protected:
             << server_->output();
     }
 
-    std::vector<ProcessId> busy() {
-        std::optional<std::vector<ProcessId>> answer;
-        audio.busyProcesses([&](const auto& processes) { answer = processes; });
+    Ids busy(const std::function<void()>& meanwhile = {}) {
+        std::optional<Ids> answer;
+        audio.busyProcesses(
+            [&](const auto& processes) { answer.emplace(processes.begin(), processes.end()); });
         EXPECT_FALSE(answer) << "never within the question";
+        if (meanwhile)
+            meanwhile();
         EXPECT_TRUE(waitUntil([&] { return answer.has_value(); }));
-        return answer.value_or(std::vector<ProcessId>{-1});
+        return answer.value_or(Ids{-1});
     }
 
     [[nodiscard]] std::string socket() const { return folder_ + "/native"; }
@@ -66,11 +73,9 @@ TEST_F(PulseAudioTest, TellsWhoPlaysAndWhoRecordsForAsLongAsTheyDo) {
         std::vector<std::string>{"pacat", "--playback", "--raw", "/dev/zero"});
     auto recorder = std::make_unique<Child>(
         std::vector<std::string>{"pacat", "--record", "--raw", "/dev/null"});
-    std::vector<ProcessId> both{player->id(), recorder->id()};
-    std::ranges::sort(both);
-    EXPECT_TRUE(waitUntil([&] { return busy() == both; }));
+    EXPECT_TRUE(waitUntil([&] { return busy() == Ids{player->id(), recorder->id()}; }));
     recorder.reset();
-    EXPECT_TRUE(waitUntil([&] { return busy() == std::vector<ProcessId>{player->id()}; }));
+    EXPECT_TRUE(waitUntil([&] { return busy() == Ids{player->id()}; }));
     player.reset();
     EXPECT_TRUE(waitUntil([&] { return busy().empty(); }));
 }
@@ -83,14 +88,12 @@ TEST_F(PulseAudioTest, WithoutAServerOrWithOneThatHangsItSaysNobody) {
     startServer();
     server_->send(SIGSTOP);
     EXPECT_TRUE(busy().empty());
-    std::optional<std::vector<ProcessId>> answer;
-    audio.busyProcesses([&](const auto& processes) { answer = processes; });
-    linger(100);
-    timer.restart();
-    server_->send(SIGKILL);
-    EXPECT_TRUE(waitUntil([&] { return answer.has_value(); }));
+    EXPECT_TRUE(busy([&] {
+                    linger(100);
+                    timer.restart();
+                    server_->send(SIGKILL);
+                }).empty());
     EXPECT_LT(timer.elapsed(), 1500) << "its death is noticed before patience is at its end";
-    EXPECT_TRUE(answer->empty());
 }
 
 } // namespace

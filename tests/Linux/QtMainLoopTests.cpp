@@ -1,6 +1,5 @@
 #include "Linux/Loop/ClockWatch.h"
 #include "Linux/Loop/QtMainLoop.h"
-#include "Loop/Task.h"
 #include "support/Waiting.h"
 
 #include <QThread>
@@ -73,20 +72,6 @@ TEST_F(QtMainLoopTest, MayGoWhileTimersAndWorkAreUnderWay) {
     log.clear();
     linger(40);
     EXPECT_EQ(log, "");
-}
-
-Task<> countdown(MainLoop& loop, std::string& log) {
-    for (int left = 2; left > 0; --left) {
-        log += std::to_string(left) + ' ';
-        co_await sleep(5ms);
-    }
-    log += std::to_string(loop.uptime().sinceStart.count() > 0) + "! ";
-}
-
-TEST_F(QtMainLoopTest, RunsTasks) {
-    const Task<> task = countdown(loop, log);
-    EXPECT_TRUE(waitUntil([&] { return !task.isActive(); }));
-    EXPECT_EQ(log, "2 1 1! ");
 }
 
 TEST(ClockWatchTest, TellsOfASleepOnceAndBeforeWhatWasDueInIt) {
