@@ -22,14 +22,6 @@ protected:
         mount("sdb1", {"/mnt/a"});
         startAll();
     }
-    void refuseTo(const QString& call, const QString& error) {
-        disks.onCall = [=, this](const QString& made, const QDBusMessage& message) {
-            if (made != call)
-                return false;
-            disks.refuse(message, error);
-            return true;
-        };
-    }
     /// Keeps the question after which it is for the test to answer.
     void holdBack(const QString& call) {
         disks.onCall = [=, this](const QString& made, const QDBusMessage& message) {
@@ -61,7 +53,7 @@ TEST_F(DriveReleaseTest, AllOfTheDriveIsUnmountedAndThenItIsEjected) {
 
 TEST_F(DriveReleaseTest, NothingIsEjectedWhileOneIsBusyAndTheNextAttemptGoesOn) {
     mount("sdb2", {"/mnt/b"});
-    refuseTo("Unmount sdb1", "DeviceBusy");
+    disks.refuseTo("Unmount sdb1", "DeviceBusy");
     startWithStick();
     EXPECT_EQ(eject("/mnt/b"), "Unmount sdb2, Unmount sdb1: kept");
     EXPECT_EQ(eject("/mnt/b"), "Unmount sdb1: kept") << "the drive is still in use";
@@ -69,7 +61,7 @@ TEST_F(DriveReleaseTest, NothingIsEjectedWhileOneIsBusyAndTheNextAttemptGoesOn) 
     EXPECT_THAT(log.lines[0],
                 testing::AllOf(testing::StartsWith("Velmor Quit: "), testing::HasSubstr("/mnt/b"),
                                testing::HasSubstr("DeviceBusy")));
-    disks.onCall = {};
+    disks.says.clear();
     EXPECT_EQ(eject("/mnt/b"), "Unmount sdb1, Eject Stick: safe");
     EXPECT_EQ(eject("/mnt/b"), ": safe");
 }
@@ -81,7 +73,7 @@ TEST_F(DriveReleaseTest, WhatIsEncryptedIsLockedBetween) {
     EXPECT_EQ(eject("/mnt/secret"), "Unmount sdb2_open, Lock sdb2, Eject Stick: safe");
     unlock(1);
     mount("sdb1", {"/mnt/a"});
-    refuseTo("Lock sdb2", "Failed");
+    disks.refuseTo("Lock sdb2", "Failed");
     EXPECT_EQ(eject("/mnt/a"), "Unmount sdb1, Lock sdb2: kept") << "it counts unmounted as well";
 }
 
@@ -141,7 +133,7 @@ TEST_F(DriveReleaseTest, PowerIsCutWhereNothingCanBeEjectedAndNoNeighbourNeedsIt
 }
 
 TEST_F(DriveReleaseTest, ADriveThatCannotBeLetGoIsSafeOnlyWhenItNeedNotBe) {
-    refuseTo("Eject Stick", "Failed");
+    disks.refuseTo("Eject Stick", "Failed");
     startWithStick();
     EXPECT_EQ(eject("/mnt/a"), "Unmount sdb1, Eject Stick, PowerOff Stick: safe");
     disks.drive("Stick", {{"Ejectable", true}, {"CanPowerOff", false}});
@@ -170,7 +162,7 @@ TEST_F(DriveReleaseTest, NotBeingAllowedIsAFailure) {
     startWithStick();
     for (const char* error :
          {"NotAuthorized", "NotAuthorizedDismissed", "Timedout", "NotMounted"}) {
-        refuseTo("Unmount sdb1", error);
+        disks.refuseTo("Unmount sdb1", error);
         if (error == std::string("NotMounted")) // in which UDisks2 contradicts itself
             kernel.unmount("/mnt/a");
         EXPECT_TRUE(eject("/mnt/a").ends_with(": kept")) << error;
@@ -180,7 +172,7 @@ TEST_F(DriveReleaseTest, NotBeingAllowedIsAFailure) {
 TEST_F(DriveReleaseTest, OneThatHangsIsAFailureAndHoldsUpNoOther) {
     addNeighbour();
     mount("sdb1", {"/mnt/a"});
-    disks.onCall = [](const QString& call, const QDBusMessage&) { return call == "Unmount sdb1"; };
+    disks.says["Unmount sdb1"] = QVariant();
     disks.start();
     startVolumes({.unmount = 1500});
     EXPECT_TRUE(waitUntil([&] { return paths().size() == 3; }));

@@ -168,16 +168,15 @@ TEST_F(IdentityTest, GetsBetterForTwoSecondsAndStaysThen) {
     source.tell();
     EXPECT_EQ(slow->localizedName(), "Slow");
     EXPECT_THAT(slow->otherIdentities(), ElementsAre("writer"));
-}
 
-TEST_F(IdentityTest, LooksAgainAtTheUnitWhenTheTimeIsOverWithoutAnyChangeOfTheWindow) {
+    // The unit counts when the time is over, without any change of the window.
     const ProcessId id = show("Soffice", "soffice.bin").process;
-    const auto app = last();
+    const auto moved = last();
     temporary->write(proc / std::to_string(id) / "cgroup",
                      "0::/user.slice/app-gnome-writer-12.scope\n");
     loop.advance(2s);
-    EXPECT_EQ(app->bundleIdentifier(), "writer");
-    EXPECT_THAT(app->otherIdentities(), ElementsAre("Soffice"));
+    EXPECT_EQ(moved->bundleIdentifier(), "writer");
+    EXPECT_THAT(moved->otherIdentities(), ElementsAre("Soffice"));
 }
 
 TEST_F(IdentityTest, FindsAnEntryByTheProgramThatRuns) {

@@ -11,7 +11,6 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
 #include <set>
 
 #include <sys/resource.h>
@@ -23,12 +22,7 @@ namespace fs = std::filesystem;
 using Dictionary = Value::Dictionary;
 using Names = std::set<std::string>;
 
-std::string contents(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-std::optional<Value> decoded(const fs::path& file) { return PropertyList::decode(contents(file)); }
+std::optional<Value> decoded(const fs::path& file) { return PropertyList::decode(contentOf(file)); }
 
 class PreferencesFile : public testing::Test {
 protected:
@@ -42,14 +36,9 @@ protected:
     }
 
     /// As another program does that writes in place, or one that writes a new file and renames it.
-    void writeInPlace(const std::string& text) const {
-        fs::create_directories(file.parent_path());
-        std::ofstream(file, std::ios::binary) << text;
-    }
+    void writeInPlace(const std::string& text) const { folder.write(file, text); }
     void writeRenaming(const Dictionary& values) const {
-        const fs::path other = root / "other";
-        std::ofstream(other, std::ios::binary) << PropertyList::encode(values);
-        fs::rename(other, file);
+        fs::rename(folder.write("other", PropertyList::encode(values)), file);
     }
 
     template <class Condition> bool comesTrue(Condition condition) {
@@ -123,15 +112,13 @@ TEST_F(PreferencesFile, TellsOfChangesOncePerTurn) {
 }
 
 TEST_F(PreferencesFile, OnlyWhatIsOnTheDiskBecomesThePreviousFile) {
-    open();
-    preferences->set("n", 1);
-    preferences->set("n", 2);
-    EXPECT_EQ(decoded(beside("~")), Value(Dictionary{{"n", 1}})) << "the oldest there is";
-    preferences->set("n", 3);
-    EXPECT_EQ(decoded(beside("~")), Value(Dictionary{{"n", 1}})) << "2 may not be on the disk";
-    loop.settle();
-    preferences->set("n", 4);
-    EXPECT_EQ(decoded(beside("~")), Value(Dictionary{{"n", 3}}));
+    open().set("n", 1);
+    for (const auto& [next, previous] : {std::pair(2, 1), std::pair(3, 1), std::pair(4, 3)}) {
+        preferences->set("n", next);
+        EXPECT_EQ(decoded(beside("~")), Value(Dictionary{{"n", previous}}));
+        if (next == 3) // with which 3 is on the disk; 2 may never have been
+            loop.settle();
+    }
     EXPECT_EQ(names(), (Names{"preferences.plist", "preferences.plist~"}));
 }
 
@@ -152,8 +139,8 @@ TEST_F(PreferencesFile, SetsADamagedFileAsideAndTakesThePrevious) {
     writeInPlace("");
     open();
     EXPECT_FALSE(get("n"));
-    EXPECT_EQ(contents(beside(".damaged-20260302T090000Z-2")), "");
-    EXPECT_EQ(contents(beside(".damaged-20260302T090000Z")), "<plist><dict><key>n");
+    EXPECT_EQ(contentOf(beside(".damaged-20260302T090000Z-2")), "");
+    EXPECT_EQ(contentOf(beside(".damaged-20260302T090000Z")), "<plist><dict><key>n");
     EXPECT_FALSE(fs::exists(file));
     EXPECT_EQ(log.lines.size(), 2u);
 
@@ -237,7 +224,7 @@ TEST_F(PreferencesFile, NoticesEditsOfOtherPrograms) {
 
     writeInPlace("rubbish");
     EXPECT_TRUE(comesTrue([&] { return decoded(file) == Value(Dictionary{{"n", 3}}); }));
-    EXPECT_EQ(contents(beside(".damaged-20260302T090000Z")), "rubbish");
+    EXPECT_EQ(contentOf(beside(".damaged-20260302T090000Z")), "rubbish");
     EXPECT_EQ(log.lines.size(), 1u);
     fs::remove(file);
     settle();
@@ -268,7 +255,7 @@ TEST_F(PreferencesFile, NeitherReadsWhatIsFarTooLongNorSetsDamageAsideForEver) {
         preferences->refresh();
     }
     EXPECT_LT(names().size(), 25u);
-    EXPECT_EQ(contents(file), "damaged 29");
+    EXPECT_EQ(contentOf(file), "damaged 29");
     EXPECT_EQ(get("mine"), Value(2));
 }
 
@@ -283,20 +270,18 @@ TEST_F(PreferencesFile, WritesThroughASymbolicLink) {
     EXPECT_TRUE(fs::exists(target.string() + "~"));
     EXPECT_EQ(names(), Names{"preferences.plist"});
 
-    std::ofstream(target) << PropertyList::encode(Dictionary{{"n", 3}});
+    folder.write(target, PropertyList::encode(Dictionary{{"n", 3}}));
     EXPECT_TRUE(comesTrue([&] { return get("n") == Value(3); }));
 }
 
 TEST(PreferencesPlace, IsWhereTheConfigurationIs) {
-    const auto given = [](const char* value) {
-        setenv("XDG_CONFIG_HOME", value, 1);
-        const fs::path found = defaultPreferencesFile();
-        unsetenv("XDG_CONFIG_HOME");
-        return found;
-    };
-    EXPECT_EQ(given("/c"), "/c/velmorquit/preferences.plist");
-    EXPECT_EQ(defaultPreferencesFile().parent_path().parent_path().filename(), ".config");
-    EXPECT_EQ(given("relative"), defaultPreferencesFile());
+    const std::string usual = std::string(std::getenv("HOME")) + "/.config";
+    for (const auto& [given, folder] :
+         {std::pair("/c", std::string("/c")), std::pair("relative", usual), std::pair("", usual)}) {
+        setenv("XDG_CONFIG_HOME", given, 1);
+        EXPECT_EQ(defaultPreferencesFile(), folder + "/velmorquit/preferences.plist");
+    }
+    unsetenv("XDG_CONFIG_HOME");
 }
 
 } // namespace

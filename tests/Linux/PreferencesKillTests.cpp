@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <array>
 #include <csignal>
-#include <fstream>
 #include <iostream>
 #include <random>
 
@@ -71,10 +70,6 @@ TEST(PreferencesFileTest, FiveHundredKillsWhileItIsWrittenLoseNothing) {
     const TemporaryFolder folder("velmor-test.",
                                  fs::is_directory("/dev/shm") ? "/dev/shm" : "/tmp");
     const fs::path file = folder.path() / "preferences.plist";
-    const auto decoded = [](const fs::path& path) {
-        std::ifstream stream(path, std::ios::binary);
-        return PropertyList::decode(std::string(std::istreambuf_iterator<char>(stream), {}));
-    };
     const auto count = [&] {
         const auto entries = fs::directory_iterator(folder.path());
         return std::distance(begin(entries), end(entries));
@@ -86,7 +81,7 @@ TEST(PreferencesFileTest, FiveHundredKillsWhileItIsWrittenLoseNothing) {
     for (int kill = 0; kill < 500; ++kill) {
         SCOPED_TRACE("seed " + std::to_string(seed) + " kill " + std::to_string(kill));
         reported = std::max(reported, lastBeforeAKill(file, random() % 3000));
-        const auto value = decoded(file);
+        const auto value = PropertyList::decode(contentOf(file));
         ASSERT_TRUE(value);
         std::vector<std::int64_t> found;
         for (const char* key : counters)
@@ -94,7 +89,7 @@ TEST(PreferencesFileTest, FiveHundredKillsWhileItIsWrittenLoseNothing) {
         ASSERT_TRUE(std::is_sorted(found.rbegin(), found.rend()));
         ASSERT_LE(found.front() - found.back(), 1);
         ASSERT_GE(found.back(), reported);
-        ASSERT_TRUE(decoded(file.string() + "~"));
+        ASSERT_TRUE(PropertyList::decode(contentOf(file.string() + "~")));
         ASSERT_LE(count(), 4) << "what killed processes leave piles up";
     }
     VirtualLoop loop;

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -22,10 +21,6 @@ protected:
     static unsigned modeOf(const fs::path& path) {
         struct stat its{};
         return ::stat(path.c_str(), &its) == 0 ? its.st_mode & 07777U : 0;
-    }
-    static std::string contentOf(const fs::path& file) {
-        std::ifstream stream(file);
-        return {std::istreambuf_iterator<char>(stream), {}};
     }
     /// False where this user can't give files away.
     static bool giveAway(const fs::path& path) { return ::lchown(path.c_str(), 65534, 65534) == 0; }
@@ -55,7 +50,7 @@ TEST_F(PrivateFilesTest, AreForTheOwnerWhateverTheMask) {
 }
 
 TEST_F(PrivateFilesTest, GoThroughTheUsersOwnLinksOnly) {
-    std::ofstream(root / "target") << "before";
+    folder.write("target", "before");
     fs::create_symlink("target", root / "own");
     fs::create_symlink("target", root / "planted");
     fs::create_directory(root / "folder");

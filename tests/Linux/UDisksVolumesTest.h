@@ -26,7 +26,8 @@ using Interfaces = QMap<QString, QVariantMap>;
 using Objects = QMap<QDBusObjectPath, Interfaces>;
 
 /// Stands in for UDisks2 on a bus: tells of the objects that it is given, and of their changes.
-/// Keeps a line for each thing that it was asked to do, and does so, unless `onCall` answers first.
+/// Keeps a line for each thing that it was asked to do, and does so, unless it says something else
+/// to that line or `onCall` answers first.
 class StandInDisks final : public StandInService {
 public:
     static constexpr const char* service = "org.freedesktop.UDisks2";
@@ -83,6 +84,10 @@ public:
     void refuse(const QDBusMessage& call, const QString& error) const {
         send(call, Refusal{prefix + "Error." + error});
     }
+    /// `call` is its line.
+    void refuseTo(const QString& call, const QString& error) {
+        says[call] = Refusal{prefix + "Error." + error};
+    }
     static QDBusObjectPath pathOf(const QString& name) {
         return QDBusObjectPath(base + '/' + name);
     }
@@ -91,7 +96,6 @@ public:
     Objects objects;
     int accounts = 0; ///< how often all objects were asked for
     /// True when it has answered, or means never to.
-    std::function<bool(const QDBusMessage&)> onAccount;
     std::function<bool(const QString& line, const QDBusMessage&)> onCall;
     std::function<void(const QByteArray&)> onUnmounted;
 
@@ -106,10 +110,10 @@ protected:
         const QString name = call.path().section('/', -1);
         if (line.isEmpty()) {
             ++accounts;
-            if (!onAccount || !onAccount(call))
-                send(call, QVariant::fromValue(objects));
-            return;
+            return send(call, says.value(call.member(), QVariant::fromValue(objects)));
         }
+        if (says.contains(line))
+            return send(call, says[line]);
         if (onCall && onCall(line, call))
             return;
         if (call.member() == "Unmount")

@@ -143,10 +143,7 @@ TEST_F(UDisksVolumesTest, AnAnswerThatIsLateOrDamagedIsNeverStale) {
     EXPECT_TRUE(becomes({"/", "/mnt/a"}));
 
     disks.isSlow = false;
-    disks.onAccount = [&](const QDBusMessage& message) {
-        disks.bus.send(message.createReply(QStringList{"odd"}));
-        return true;
-    };
+    disks.says["GetManagedObjects"] = QStringList{"odd"};
     disks.stop();
     disks.start();
     EXPECT_TRUE(becomes({}));

@@ -3,10 +3,17 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
 namespace velmorquit {
+
+/// All that is in this file; nothing where it can't be read.
+inline std::string contentOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
 
 /// A new folder, which goes with this object and all that is in it.
 class TemporaryFolder {
