@@ -1,21 +1,18 @@
 #include "Fuzz/Fuzz.h"
 #include "Tools/velmorquit-tmutil/CommandLine.h"
 
-using namespace velmorquit;
 using namespace velmorquit::tmutil;
 
 /// The words behind velmorquit-tmutil, a line each.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string text(reinterpret_cast<const char*>(data), size);
-    const auto read = parseCommandLine(fuzz::split(text, '\n'));
+void velmorquit::fuzz::examine(std::string_view bytes) {
+    const auto read = parseCommandLine(split(bytes, '\n'));
     if (const auto* problem = problemOf(read)) {
-        fuzz::require(!problem->sentence.empty(), "what is wrong is said");
-        return 0;
+        require(!problem->sentence.empty(), "what is wrong is said");
+        return;
     }
     const auto& line = std::get<CommandLine>(read);
     if (line.keep)
-        fuzz::require(line.keep->isAny(), "rules keep something");
+        require(line.keep->isAny(), "rules keep something");
     for (const std::string& source : line.sources)
-        fuzz::require(!source.empty(), "a folder has a name");
-    return 0;
+        require(!source.empty(), "a folder has a name");
 }

@@ -3,10 +3,8 @@
 #include "Linux/Appearance/PortalSettings.h"
 #include "Linux/Tray/NotifierItems.h"
 
-using namespace velmorquit;
-
 /// An entry of the list of tray icons in a line, then what the portal says.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void velmorquit::fuzz::examine(std::string_view bytes) {
     static const std::set<std::string> wanted = DesktopLook::portalSettings();
     static const QStringList names = [] {
         QStringList all;
@@ -15,18 +13,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         return all;
     }();
     static const QStringList texts{"prefer-dark", "prefer-light", "HighContrast-dark"};
-    fuzz::Input input(data, size);
+    Input input(bytes);
     const QString text = QString::fromStdString(input.line());
     const NotifierEntry entry = NotifierEntry::from(text);
-    fuzz::require(text.startsWith(entry.name), "the entry begins with the name");
-    fuzz::require(entry.path.startsWith('/'), "an object has a path");
+    require(text.startsWith(entry.name), "the entry begins with the name");
+    require(entry.path.startsWith('/'), "an object has a path");
     QMap<QString, QVariantMap> groups;
     for (int count = input.byte() % 8; count > 0; --count) {
-        const QString group = fuzz::nameFrom(input, names);
-        groups.insert(group, fuzz::mapFrom(input, names, texts));
+        const QString group = nameFrom(input, names);
+        groups.insert(group, mapFrom(input, names, texts));
     }
     const DesktopSettings settings = portalSettings(groups, wanted);
-    fuzz::require(settings.size() <= wanted.size(), "only what is wanted is kept");
+    require(settings.size() <= wanted.size(), "only what is wanted is kept");
     static_cast<void>(DesktopLook::of(settings, settings));
-    return 0;
 }

@@ -12,8 +12,7 @@ int main(int argc, char** argv) {
         std::cerr << entry.path().filename().string() << '\n';
         std::ifstream stream(entry.path(), std::ios::binary);
         const std::string content(std::istreambuf_iterator<char>(stream), {});
-        LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(content.data()),
-                               content.size());
+        velmorquit::fuzz::examine(content);
         ++count;
     }
     return count > 0 ? 0 : 1;

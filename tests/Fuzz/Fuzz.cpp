@@ -60,3 +60,8 @@ std::string Input::line() {
 }
 
 } // namespace velmorquit::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    velmorquit::fuzz::examine({reinterpret_cast<const char*>(data), size});
+    return 0;
+}

@@ -10,6 +10,9 @@
 /// somebody else might write them, and that ends where something isn't as it should be.
 namespace velmorquit::fuzz {
 
+/// Written by each harness: looks at one input.
+void examine(std::string_view bytes);
+
 /// Ends the program, saying what is broken, unless it holds.
 void require(bool holds, const char* what);
 
@@ -21,8 +24,6 @@ void require(bool holds, const char* what);
 /// Takes an input apart, from its front. Where it has run out everything is 0 or empty.
 class Input {
 public:
-    Input(const std::uint8_t* data, std::size_t size)
-        : rest_(reinterpret_cast<const char*>(data), size) {}
     explicit Input(std::string_view text) : rest_(text) {}
 
     [[nodiscard]] bool isEmpty() const { return rest_.empty(); }
@@ -40,5 +41,3 @@ private:
 };
 
 } // namespace velmorquit::fuzz
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

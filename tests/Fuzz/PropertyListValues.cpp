@@ -6,11 +6,10 @@
 #include <cmath>
 #include <limits>
 
-using namespace velmorquit;
-
+namespace velmorquit::fuzz {
 namespace {
 
-WallTime dateFrom(fuzz::Input& input) {
+WallTime dateFrom(Input& input) {
     const auto seconds = static_cast<std::int32_t>(input.number());
     return WallTime(std::chrono::sys_days{std::chrono::year{2001} / 1 / 1}) +
            std::chrono::seconds(seconds);
@@ -22,7 +21,7 @@ Value::Data dataOf(const std::string& text) {
 }
 
 /// Of what a list can hold as it is.
-Value valueFrom(fuzz::Input& input, int nesting) {
+Value valueFrom(Input& input, int nesting) {
     constexpr int deepest = 90;
     constexpr std::uint8_t kinds = 8;
     const std::uint8_t kind = input.byte() % kinds;
@@ -54,10 +53,11 @@ Value valueFrom(fuzz::Input& input, int nesting) {
 } // namespace
 
 /// Values of every kind, texts of any bytes among them, come back as they were.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::Input input(data, size);
+void examine(std::string_view bytes) {
+    Input input(bytes);
     const Value value = valueFrom(input, 0);
     const auto back = PropertyList::decode(PropertyList::encode(value));
-    fuzz::require(back == value, "a value comes back as it was");
-    return 0;
+    require(back == value, "a value comes back as it was");
 }
+
+} // namespace velmorquit::fuzz

@@ -2,8 +2,7 @@
 #include "Codecs/PropertyListLimits.h"
 #include "Fuzz/Fuzz.h"
 
-using namespace velmorquit;
-
+namespace velmorquit::fuzz {
 namespace {
 
 std::size_t countIn(const Value& value) {
@@ -21,17 +20,17 @@ std::size_t countIn(const Value& value) {
 } // namespace
 
 /// A list in either form, as another program may leave it in a file or on a pipe.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view list(reinterpret_cast<const char*>(data), size);
-    const auto value = PropertyList::decode(list);
+void examine(std::string_view bytes) {
+    const auto value = PropertyList::decode(bytes);
     if (!value)
-        return 0;
-    fuzz::require(countIn(*value) <= PropertyList::mostValues, "a list holds what is allowed");
+        return;
+    require(countIn(*value) <= PropertyList::mostValues, "a list holds what is allowed");
     const std::string text = PropertyList::encode(*value);
     if (text.size() > PropertyList::largestList)
-        return 0;
+        return;
     const auto back = PropertyList::decode(text);
-    fuzz::require(back.has_value(), "what was encoded can be decoded");
-    fuzz::require(PropertyList::encode(*back) == text, "and is the same then");
-    return 0;
+    require(back.has_value(), "what was encoded can be decoded");
+    require(PropertyList::encode(*back) == text, "and is the same then");
 }
+
+} // namespace velmorquit::fuzz

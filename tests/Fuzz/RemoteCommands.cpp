@@ -6,13 +6,12 @@
 #include <functional>
 #include <utility>
 
-using namespace velmorquit;
-
+namespace velmorquit::fuzz {
 namespace {
 
 void requireJson(const std::string& text) {
-    fuzz::require(fuzz::isUtf8(text), "what is said on the bus is a text");
-    fuzz::require(nlohmann::json::accept(text), "and is JSON");
+    require(isUtf8(text), "what is said on the bus is a text");
+    require(nlohmann::json::accept(text), "and is JSON");
 }
 
 /// What a person and programs may do meanwhile.
@@ -39,7 +38,7 @@ void act(SimulatedDesktop& desktop, const std::vector<std::string>& words) {
 
 /// A line is a command and its arguments, or with a plus in front what happens on the desktop;
 /// tabs between the words.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void examine(std::string_view bytes) {
     constexpr int mostLines = 12;
     SimulatedDesktop desktop;
     Settings settings(desktop.loop, desktop.preferences);
@@ -48,17 +47,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     actions.setController(&controller);
     RemoteControl control(controller, actions, desktop.ports());
     desktop.loop.settle();
-    fuzz::Input input(data, size);
+    Input input(bytes);
     std::function<void(bool)> question;
     control.callerQuestion().screen = {
         .ask =
             [&](const std::string& text, const std::string&, std::function<void(bool)> answer) {
-                fuzz::require(fuzz::isUtf8(text), "what is asked is a text");
+                require(isUtf8(text), "what is asked is a text");
                 question = std::move(answer);
             },
         .withdraw = [&] { question = nullptr; }};
     for (int line = 0; line < mostLines && !input.isEmpty(); ++line) {
-        std::vector<std::string> words = fuzz::split(input.line(), '\t');
+        std::vector<std::string> words = split(input.line(), '\t');
         if ((words[0] == "+yes" || words[0] == "+no") && question) {
             std::exchange(question, nullptr)(words[0] == "+yes");
             continue;
@@ -70,11 +69,12 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         const RemoteAnswer answer = desktop.remote.give(words[0], {words.begin() + 1, words.end()});
         if (answer.status == RemoteAnswer::Status::done)
             requireJson(answer.text);
-        fuzz::require(!answer.text.empty(), "nobody is left without an answer");
+        require(!answer.text.empty(), "nobody is left without an answer");
         desktop.loop.settle();
     }
     requireJson(desktop.remote.give("status").text);
     for (const std::string& change : desktop.remote.changes)
         requireJson(change);
-    return 0;
 }
+
+} // namespace velmorquit::fuzz

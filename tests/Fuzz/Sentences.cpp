@@ -6,15 +6,14 @@
 #include <iostream>
 #include <sstream>
 
-using namespace velmorquit;
-
+namespace velmorquit::fuzz {
 namespace {
 
 void requireText(const std::string& text, std::size_t size) {
-    fuzz::require(fuzz::isUtf8(text), "what is printed is a text");
+    require(isUtf8(text), "what is printed is a text");
     // The columns of a table are as wide as their widest cell, and no sentence is longer than 200
     // bytes without what it names.
-    fuzz::require(text.size() <= (size + 200) * (size + 64), "no longer than what it is about");
+    require(text.size() <= (size + 200) * (size + 64), "no longer than what it is about");
 }
 
 void follow(const remote::Json& said, const Formats& formats, AfterQuit then) {
@@ -33,10 +32,10 @@ void follow(const remote::Json& said, const Formats& formats, AfterQuit then) {
 
 /// What the program, or whoever has its name on the bus, answers: an object, or an array of changes
 /// that come one after the other.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void examine(std::string_view bytes) {
+    const std::size_t size = bytes.size();
     static const LocaleFormats formats(Language::italian, QLocale(QLocale::Italian));
-    const remote::Json said =
-        remote::parsed(std::string_view(reinterpret_cast<const char*>(data), size));
+    const remote::Json said = remote::parsed(bytes);
     requireText(statusText(remote::decodeStatus(said), formats), size);
     requireText(actionsText(remote::decodeActions(said)), size);
     if (const auto change = remote::decodeChange(said)) {
@@ -44,7 +43,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         // Once it is understood it is the same when it is told again.
         const remote::Json told = remote::encode(*change);
         const auto again = remote::decodeChange(told);
-        fuzz::require(again && remote::encode(*again) == told, "a change is what it was");
+        require(again && remote::encode(*again) == told, "a change is what it was");
     }
     std::ostringstream printed;
     auto* const terminal = std::cout.rdbuf(printed.rdbuf());
@@ -54,5 +53,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     }
     std::cout.rdbuf(terminal);
     requireText(printed.str(), size);
-    return 0;
 }
+
+} // namespace velmorquit::fuzz

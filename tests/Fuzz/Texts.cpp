@@ -2,8 +2,7 @@
 #include "Language/TranslatedTexts.h"
 #include "Texts/Localized.h"
 
-using namespace velmorquit;
-
+namespace velmorquit::fuzz {
 namespace {
 
 class OneText final : public Localization {
@@ -18,9 +17,10 @@ private:
 } // namespace
 
 /// The key, its translation and two arguments, a line each.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void examine(std::string_view bytes) {
+    const std::size_t size = bytes.size();
     static const TranslatedTexts english(Language::english);
-    fuzz::Input input(data, size);
+    Input input(bytes);
     const std::string key = input.line();
     const OneText table(input.line());
     const std::string argument = input.line();
@@ -28,18 +28,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto number = static_cast<std::int64_t>(size * 1'000'003);
     const std::size_t most = (size + 1) * (size + 32);
     const std::string plain = localized(key, argument, number, other);
-    fuzz::require(plain.size() <= most, "a text is made of the key and the arguments");
-    fuzz::require(key.find('%') != std::string::npos || plain == key,
-                  "without placeholders a key is the text");
+    require(plain.size() <= most, "a text is made of the key and the arguments");
+    require(key.find('%') != std::string::npos || plain == key,
+            "without placeholders a key is the text");
     {
         const LocalizationScope scope(table);
         const std::string filled = localized(key, argument, number, other);
-        fuzz::require(filled.size() <= most, "so is a translation");
-        fuzz::require(!fuzz::isUtf8({reinterpret_cast<const char*>(data), size}) ||
-                          fuzz::isUtf8(filled),
-                      "no letter is cut apart");
+        require(filled.size() <= most, "so is a translation");
+        require(!isUtf8(bytes) || isUtf8(filled), "no letter is cut apart");
     }
     const LocalizationScope scope(english);
     static_cast<void>(localized(key, argument, number, other));
-    return 0;
 }
+
+} // namespace velmorquit::fuzz

@@ -3,8 +3,7 @@
 #include "Services/Panel/CardTexts.h"
 #include "Services/TimeMachine.h"
 
-using namespace velmorquit;
-
+namespace velmorquit::fuzz {
 namespace {
 
 /// A tool that answers everything in the same way, on its output and in its file.
@@ -33,24 +32,25 @@ private:
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+void examine(std::string_view bytes) {
     static const LocaleFormats formats(Language::italian, QLocale(QLocale::Italian));
     static const WallTime now{std::chrono::sys_days{std::chrono::year{2026} / 3 / 2}};
-    const std::string said(reinterpret_cast<const char*>(data), size);
+    const std::string said(bytes);
     Tool tool(said);
     const BackupTool names{.program = "tool", .destinations = "file"};
     const auto status = TimeMachine::status(tool, names);
-    fuzz::require(!status.fraction || (*status.fraction >= 0 && *status.fraction <= 1),
-                  "the progress is a fraction");
+    require(!status.fraction || (*status.fraction >= 0 && *status.fraction <= 1),
+            "the progress is a fraction");
     const auto info = TimeMachine::info(tool, names);
-    fuzz::require(info.isConfigured || !info.lastBackup, "no backup without a place for it");
-    fuzz::require(fuzz::isUtf8(CardTexts::lastBackup(info, formats, now).text),
-                  "what the panel says is a text");
+    require(info.isConfigured || !info.lastBackup, "no backup without a place for it");
+    require(isUtf8(CardTexts::lastBackup(info, formats, now).text),
+            "what the panel says is a text");
     static_cast<void>(TimeMachine::latestBackupDate(tool, names));
     if (const auto message = TimeMachine::errorMessage(tool)) {
-        fuzz::require(!message->empty() && message->find('\n') == std::string::npos,
-                      "a message is one line");
-        fuzz::require(message->size() <= size, "a message is a part of what was said");
+        require(!message->empty() && message->find('\n') == std::string::npos,
+                "a message is one line");
+        require(message->size() <= bytes.size(), "a message is a part of what was said");
     }
-    return 0;
 }
+
+} // namespace velmorquit::fuzz

@@ -4,24 +4,21 @@
 #include <algorithm>
 #include <cstring>
 
-using namespace velmorquit;
-
 /// What a window says: the names of its class, an id and two titles, a line each. The same bytes
 /// serve as the numbers of its icon.
-int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    fuzz::Input input(data, size);
+void velmorquit::fuzz::examine(std::string_view bytes) {
+    Input input(bytes);
     const std::string wmClass = input.line();
     const std::string applicationId = input.line();
     const ToplevelIdentity identity = X11Properties::identity(wmClass, applicationId);
     for (const std::string& name : {identity.instance, identity.className, identity.applicationId})
-        fuzz::require(fuzz::isUtf8(name) && name.size() <= 2 * size, "a name is a text");
+        require(isUtf8(name) && name.size() <= 2 * bytes.size(), "a name is a text");
     const std::string title = input.line();
-    fuzz::require(fuzz::isUtf8(X11Properties::title(title, std::string(input.rest()))),
-                  "a title is a text");
+    require(isUtf8(X11Properties::title(title, std::string(input.rest()))), "a title is a text");
 
-    std::vector<std::uint32_t> numbers(size / 4);
+    std::vector<std::uint32_t> numbers(bytes.size() / 4);
     if (!numbers.empty())
-        std::memcpy(numbers.data(), data, 4 * numbers.size());
+        std::memcpy(numbers.data(), bytes.data(), 4 * numbers.size());
     std::size_t fetched = 0;
     const Image icon = X11Properties::icon([&](std::uint32_t offset, std::uint32_t count) {
         const std::size_t begin = std::min<std::size_t>(offset, numbers.size());
@@ -30,9 +27,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         return std::vector<std::uint32_t>(numbers.begin() + static_cast<std::ptrdiff_t>(begin),
                                           numbers.begin() + static_cast<std::ptrdiff_t>(end));
     });
-    fuzz::require(icon.pixels.size() ==
-                      static_cast<std::size_t>(icon.width) * static_cast<std::size_t>(icon.height),
-                  "a picture has all its pixels");
-    fuzz::require(fetched <= 2 * numbers.size() + 32, "no picture is fetched twice");
-    return 0;
+    require(icon.pixels.size() ==
+                static_cast<std::size_t>(icon.width) * static_cast<std::size_t>(icon.height),
+            "a picture has all its pixels");
+    require(fetched <= 2 * numbers.size() + 32, "no picture is fetched twice");
 }
