@@ -32,55 +32,50 @@ protected:
         QTest::mouseMove(const_cast<QWidget*>(widget));
         settle();
     }
+    void refresh() {
+        controller->refresh();
+        settle();
+    }
+    static QString plain(const QWidget* widget) {
+        return QTextDocumentFragment::fromHtml(widget->toolTip()).toPlainText();
+    }
 };
 
-TEST_F(AppListTest, IsAsHighAsItMustBe) {
+TEST_F(AppListTest, AClickExcludesAndAnExcludedOneCanStillBeQuitByItself) {
     start();
-    EXPECT_TRUE(isShown("emptyList"));
-    EXPECT_FALSE(isShown("rows"));
-    desktop.open("Nota", 10_MiB);
-    settle();
-    EXPECT_FALSE(isShown("emptyList"));
-    EXPECT_EQ(find("rows")->height(), 32);
-}
-
-TEST_F(AppListTest, AClickExcludesAndIncludesAtOnce) {
-    desktop.open("Nota", 10_MiB).identified("org.example.Nota");
-    start();
-    AppRow* row = rows().front();
-    EXPECT_TRUE(row->isChecked());
-    EXPECT_EQ(row->toolTip(), "Clic per escludere Nota da «Chiudi tutto»");
-    QTest::mouseClick(row, Qt::LeftButton);
-    EXPECT_FALSE(row->isChecked());
-    EXPECT_EQ(row->toolTip(), "Esclusa: «Chiudi tutto» la lascia aperta. Clic per includerla.");
-    EXPECT_TRUE(controller->excluded->contains("org.example.Nota"));
-    QTest::keyClick(row, Qt::Key_Space);
-    EXPECT_TRUE(row->isChecked());
-    EXPECT_FALSE(controller->excluded->contains("org.example.Nota"));
-}
-
-TEST_F(AppListTest, AnExcludedOneCanStillBeQuitByItself) {
+    EXPECT_TRUE(isShown("emptyList") && !isShown("rows"));
     desktop.open("Nota", 10_MiB).ignoresAsking();
-    start();
+    settle();
+    EXPECT_TRUE(!isShown("emptyList") && isShown("rows"));
+    EXPECT_EQ(find("rows")->height(), 32);
+    AppRow* row = rows().front();
+    const auto expect = [&](bool isIncluded, const char* help) {
+        EXPECT_EQ(row->isChecked(), isIncluded);
+        EXPECT_EQ(row->toolTip(), help);
+        EXPECT_EQ(controller->excluded->contains("Nota"), !isIncluded);
+    };
+    const char* const excludes = "Clic per escludere Nota da «Chiudi tutto»";
+    const char* const includes = "Esclusa: «Chiudi tutto» la lascia aperta. Clic per includerla.";
+    expect(true, excludes);
+    QTest::mouseClick(row, Qt::LeftButton);
+    expect(false, includes);
+    QTest::keyClick(row, Qt::Key_Space);
+    expect(true, excludes);
     controller->toggleExclusion(controller->apps.get().front());
     settle();
-    AppRow* row = rows().front();
     EXPECT_FALSE(row->findChild<QWidget*>(QStringLiteral("quitOne")));
     point(row);
-    auto* quit = row->findChild<QWidget*>(QStringLiteral("quitOne"));
-    ASSERT_TRUE(quit && quit->isVisible());
-    EXPECT_EQ(quit->toolTip(), "Chiudi solo Nota");
-    QTest::mouseClick(quit, Qt::LeftButton);
-    EXPECT_EQ(desktop.log(), Lines("0.00 quit Nota"));
-    EXPECT_FALSE(row->isChecked());
-}
-
-TEST_F(AppListTest, SaysWhyOneWasNotAskedToQuit) {
-    desktop.open("Terminale").hindered(StayReason::busyTerminal);
-    start();
-    point(find("quitAll"));
-    point(rows().front());
+    EXPECT_EQ(find("quitOne")->toolTip(), "Chiudi solo Nota");
+    desktop.startLog();
     QTest::mouseClick(find("quitOne"), Qt::LeftButton);
+    EXPECT_EQ(desktop.log(), Lines("0.00 quit Nota"));
+    expect(false, includes);
+    desktop.open("Terminale").hindered(StayReason::busyTerminal);
+    settle();
+    point(find("quitAll"));
+    point(rows().back());
+    QTest::mouseClick(rows().back()->findChild<QWidget*>(QStringLiteral("quitOne")),
+                      Qt::LeftButton);
     EXPECT_EQ(QToolTip::text(), "Vi è in corso un comando che andrebbe perso.");
     QToolTip::hideText();
 }
@@ -99,23 +94,19 @@ TEST_F(AppListTest, KeepsHoverAndPlaceOverARefresh) {
     EXPECT_TRUE(row->isHovering());
     apps[250]->setMemory(651_MiB);
     apps[0]->end();
-    controller->refresh();
-    settle();
+    refresh();
     EXPECT_EQ(bar->value(), 1000);
     const auto all = rows();
     EXPECT_EQ(all.size(), 299U);
     EXPECT_EQ(all.front()->text(), "App 1");
     // Everything has moved up by one row, the pointer has not.
-    EXPECT_FALSE(row->isHovering());
     EXPECT_TRUE(all[32]->isHovering());
     EXPECT_EQ(std::ranges::count_if(all, &AppRow::isHovering), 1);
 
     // What is aimed at keeps its place, whatever its figure, until the pointer has gone.
-    AppRow* aimed = all[32];
     apps[299]->setMemory(5000_MiB);
-    controller->refresh();
-    settle();
-    EXPECT_EQ(rows()[32], aimed);
+    refresh();
+    EXPECT_EQ(rows()[32], all[32]);
     QCursor::setPos(frame->mapToGlobal(QPoint(5, 5)));
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(find<ThinScrollArea>("rows")->viewport(), &leave);
@@ -134,21 +125,16 @@ TEST_F(AppListTest, ANameIsNeitherMarkupNorAKey) {
     EXPECT_TRUE(row->shortcut().isEmpty());
     const QString help = QStringLiteral("Clic per escludere <b>R&D</b> _x da «Chiudi tutto»");
     EXPECT_EQ(face->text(QAccessible::Description), help);
-    EXPECT_EQ(QTextDocumentFragment::fromHtml(row->toolTip()).toPlainText(), help)
-        << "the toolkit takes it for markup";
+    EXPECT_EQ(plain(row), help) << "the toolkit takes it for markup";
 
     controller->quitAll(PowerAction::none);
     advance(7s);
-    const auto* force = find<QAbstractButton>("force");
-    EXPECT_TRUE(QTextDocumentFragment::fromHtml(force->toolTip())
-                    .toPlainText()
-                    .startsWith("Chiude subito <b>R&D</b> _x:"));
+    EXPECT_TRUE(plain(find("force")).startsWith("Chiude subito <b>R&D</b> _x:"));
     for (const QLabel* label : frame->findChildren<QLabel*>())
         EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
     controller->leaveStubbornOpen();
     advance(10s);
-    EXPECT_EQ(QTextDocumentFragment::fromHtml(find("reopenNames")->toolTip()).toPlainText(),
-              "<b>x</b>");
+    EXPECT_EQ(plain(find("reopenNames")), "<b>x</b>");
 }
 
 } // namespace

@@ -77,6 +77,16 @@ protected:
         const auto* button = qobject_cast<const QAbstractButton*>(widget);
         return button ? button->text().toStdString() : std::string();
     }
+    /// What is seen of each, in a line: its text, "-" where it is hidden, in brackets where it is
+    /// off.
+    [[nodiscard]] std::string seen(std::initializer_list<const char*> names) const {
+        std::string all;
+        for (const char* name : names) {
+            const std::string one = isShown(name) ? text(name) : "-";
+            all += (one == "-" || find(name)->isEnabled() ? one : '[' + one + ']') + '\n';
+        }
+        return all;
+    }
     void click(const char* name) {
         QTest::mouseClick(find(name), Qt::LeftButton);
         settle();
