@@ -1,24 +1,19 @@
 #include "BackupStory.h"
 
 #include "Codecs/PropertyList.h"
-#include "support/Waiting.h"
 
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <random>
 #include <sys/stat.h>
 
 namespace velmorquit {
 
-namespace {
-
-std::string content(const fs::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+std::string lastLineOf(const std::string& text) {
+    const auto end = text.find_last_not_of('\n');
+    const auto begin = text.rfind('\n', end);
+    return text.substr(begin + 1, end - begin);
 }
-
-} // namespace
 
 BackupStory::BackupStory() {
     // What others may read is left to the tool.
@@ -26,55 +21,28 @@ BackupStory::BackupStory() {
     for (const char* name : {"home", "run", "config", "cache", "state", "bin"})
         fs::create_directory(root / name);
     ::setenv("HOME", home.c_str(), 1);
-    ::setenv("XDG_RUNTIME_DIR", (root / "run").c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", (root / "config").c_str(), 1);
-    ::setenv("XDG_CACHE_HOME", (root / "cache").c_str(), 1);
-    ::setenv("XDG_STATE_HOME", (root / "state").c_str(), 1);
+    for (const auto& [variable, name] : {std::pair("XDG_RUNTIME_DIR", "run"),
+                                         {"XDG_CONFIG_HOME", "config"},
+                                         {"XDG_CACHE_HOME", "cache"},
+                                         {"XDG_STATE_HOME", "state"}})
+        ::setenv(variable, (root / name).c_str(), 1);
     ::setenv("PATH", ((root / "bin").string() + ":/usr/local/bin:/usr/bin:/bin").c_str(), 1);
     for (const char* name : {"DBUS_SESSION_BUS_ADDRESS", "DBUS_SYSTEM_BUS_ADDRESS"})
         ::unsetenv(name);
 }
 
-std::string BackupStory::End::lastLine() const {
-    const auto end = output.find_last_not_of('\n');
-    const auto begin = output.rfind('\n', end);
-    return output.substr(begin + 1, end - begin);
+std::unique_ptr<Child> BackupStory::start(Words words) {
+    words.insert(words.begin(), VELMORQUIT_TMUTIL);
+    return std::make_unique<Child>(words);
 }
 
-std::unique_ptr<Child> BackupStory::start(const std::vector<std::string>& words) {
-    std::vector<std::string> command{VELMORQUIT_TMUTIL};
-    command.insert(command.end(), words.begin(), words.end());
-    return std::make_unique<Child>(command);
-}
-
-BackupStory::End BackupStory::wait(Child& child) {
-    EXPECT_TRUE(waitUntil(
-        [&] {
-            static_cast<void>(child.output());
-            return !child.isRunning();
-        },
-        120000));
-    return {child.status(), child.output()};
-}
-
-BackupStory::End BackupStory::tool(const std::vector<std::string>& words) {
-    return wait(*start(words));
-}
-
-BackupStory::End BackupStory::restic(const fs::path& place, std::vector<std::string> words) {
-    words.insert(words.begin(),
-                 {"/usr/bin/restic", "--repo", place, "--password-file", passwordFile()});
-    Child child(words);
-    return wait(child);
-}
-
-void BackupStory::setUp(const fs::path& place, const std::vector<std::string>& options) {
+void BackupStory::setUp(const fs::path& place, const Words& options) {
     fs::create_directories(place.parent_path());
-    std::vector<std::string> words{"setup", place};
+    Words words{"setup", place};
     words.insert(words.end(), options.begin(), options.end());
-    const End end = tool(words);
-    ASSERT_EQ(end.status, 0) << end.output;
-    EXPECT_EQ(end.output.find(content(passwordFile()).substr(0, 29)), end.output.npos)
+    const Outcome end = tool(words);
+    ASSERT_THAT(end, succeeds());
+    EXPECT_EQ(end.text.find(contents(passwordFile()).substr(0, 29)), end.text.npos)
         << "what isn't read on a terminal may become a log";
 }
 
@@ -84,24 +52,11 @@ void BackupStory::limit(int kilobytes) {
     fs::permissions(root / "bin/restic", fs::perms::owner_all);
 }
 
-void BackupStory::write(const fs::path& file, std::string_view content) {
-    fs::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << content;
-}
-
 void BackupStory::writeRandom(const fs::path& file, std::size_t size) {
-    std::mt19937_64 random(size);
-    std::string block(1 << 20, '\0');
     fs::create_directories(file.parent_path());
-    std::ofstream stream(file, std::ios::binary);
-    for (std::size_t written = 0; written < size; written += block.size()) {
-        for (std::size_t at = 0; at < block.size(); at += sizeof(std::uint64_t)) {
-            const std::uint64_t number = random();
-            std::memcpy(block.data() + at, &number, sizeof number);
-        }
-        stream.write(block.data(),
-                     static_cast<std::streamsize>(std::min(block.size(), size - written)));
-    }
+    run({"dd", "if=/dev/urandom", "of=" + file.string(), "bs=1M",
+         "count=" + std::to_string(size >> 20)});
+    EXPECT_EQ(fs::file_size(file), size);
 }
 
 void BackupStory::makeMixedFiles() {
@@ -119,12 +74,12 @@ void BackupStory::makeMixedFiles() {
 }
 
 BackupStory::Progress BackupStory::progress() {
-    const End end = tool({"status", "-X"});
+    const Outcome end = tool({"status", "-X"});
     EXPECT_EQ(end.status, 0);
-    const auto list = PropertyList::decode(end.output);
+    const auto list = PropertyList::decode(end.text);
     const auto* fields = list ? list->as<Value::Dictionary>() : nullptr;
     if (!fields || !fields->contains("Running")) {
-        ADD_FAILURE() << end.output;
+        ADD_FAILURE() << end.text;
         return {};
     }
     Progress progress{.isRunning = *fields->at("Running").as<bool>()};
@@ -138,7 +93,7 @@ bool BackupStory::comesTo(double percent) {
 }
 
 Value::Dictionary BackupStory::destination(std::size_t index) const {
-    const auto list = PropertyList::decode(content(settings));
+    const auto list = PropertyList::decode(contents(settings));
     const auto& root = *list.value().as<Value::Dictionary>();
     const auto& all = *root.at("Destinations").as<Value::Array>();
     return *all.at(index).as<Value::Dictionary>();
@@ -157,7 +112,7 @@ std::vector<WallTime> BackupStory::dates(std::size_t index) const {
     return dates;
 }
 
-std::size_t BackupStory::locksIn(const fs::path& place) const {
+std::size_t BackupStory::locksIn(const fs::path& place) {
     const fs::directory_iterator locks(place / "locks");
     return static_cast<std::size_t>(std::distance(begin(locks), end(locks)));
 }

@@ -9,12 +9,18 @@
 #include <string>
 #include <vector>
 
-#include "support/Child.h"
+#include "support/Outcome.h"
 #include "support/TemporaryFolder.h"
 
 namespace velmorquit {
 
 namespace fs = std::filesystem;
+std::string lastLineOf(const std::string& text);
+
+inline auto succeeds() { return ends(0, testing::_); }
+template <class Text> auto isRefusedWith(const Text& part) {
+    return ends(1, testing::ResultOf("last line", lastLineOf, testing::HasSubstr(part)));
+}
 
 /// A user of a computer with disks, all in a folder that goes with the test, who backs up with the
 /// real restic.
@@ -22,26 +28,16 @@ class BackupStory : public testing::Test {
 protected:
     BackupStory();
 
-    struct End {
-        int status = -1;
-        std::string output; ///< and errors
-
-        [[nodiscard]] std::string lastLine() const;
-    };
-
     /// Runs the tool to its end.
-    End tool(const std::vector<std::string>& words);
-    std::unique_ptr<Child> start(const std::vector<std::string>& words);
-    static End wait(Child& child);
-    /// Runs restic itself on a destination of the user's.
-    End restic(const fs::path& place, std::vector<std::string> words);
+    static Outcome tool(const Words& words) { return outcomeOf(*start(words)); }
+    static Outcome backUp() { return tool({"startbackup", "--block"}); }
+    static std::unique_ptr<Child> start(Words words);
     /// Sets it up, with the home folder as what is backed up.
-    void setUp(const fs::path& place, const std::vector<std::string>& options = {});
+    void setUp(const fs::path& place, const Words& options = {});
 
     /// From now on restic writes no more than that in a second.
     void limit(int kilobytes);
-    void write(const fs::path& file, std::string_view content);
-    void writeRandom(const fs::path& file, std::size_t size);
+    static void writeRandom(const fs::path& file, std::size_t size);
     /// All names that a file can have, and all that a name can be.
     void makeMixedFiles();
 
@@ -50,14 +46,14 @@ protected:
         bool isRunning = false;
         double percent = -1;
     };
-    Progress progress();
+    static Progress progress();
     /// Waits until it is as far as that.
-    bool comesTo(double percent);
+    static bool comesTo(double percent);
 
     Value::Dictionary destination(std::size_t index = 0) const;
     std::string passwordFile() const;
     std::vector<WallTime> dates(std::size_t index = 0) const;
-    std::size_t locksIn(const fs::path& place) const;
+    static std::size_t locksIn(const fs::path& place);
 
     const TemporaryFolder folder{"velmor-backup."};
     const fs::path& root = folder.path();
