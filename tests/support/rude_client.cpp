@@ -24,125 +24,95 @@
 //   --works SECONDS       without windows it writes files for so long, and then ends
 //   --gapplication-service  nothing: so services are started by the bus
 //   --icon                its windows have pictures of 1100, 16, 128 and 64 pixels, each of one
-//   colour
+//                         colour
 //   --deaf                takes no notice of SIGTERM either
 
-#include <xcb/xcb.h>
+#include "Linux/X11/X11Connection.h"
 
 #include <algorithm>
 #include <cctype>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
-#include <string>
-#include <vector>
+#include <map>
+#include <set>
 
 #include <unistd.h>
 
+namespace velmorquit {
 namespace {
 
-struct Manners {
-    std::vector<std::string> classes{"Rude"};
-    std::string title;
-    std::size_t titleLength = 0;
-    int windows = 1;
-    std::string machine;
-    std::vector<std::string> types;
-    bool isModal = false;
-    bool ignores = false;
-    bool hasProtocol = true;
-    bool stays = false;
-    bool asks = false;
-    bool asksPlainly = false;
-    bool pongsAsQt = false;
-    bool canBePinged = false;
-    bool isFrozen = false;
-    bool isDock = false;
-    bool isInTray = false;
-    bool hasTrayIcon = false;
-    int secondsOfWork = 0;
-    bool hasIcon = false;
-};
-
-struct Free {
-    void operator()(void* memory) const { std::free(memory); }
-};
-template <class T> std::unique_ptr<T, Free> owned(T* memory) {
-    return std::unique_ptr<T, Free>(memory);
-}
+/// The values of each argument, in their order.
+using Manners = std::map<std::string, std::vector<std::string>>;
 
 class Client {
 public:
-    explicit Client(Manners manners)
-        : manners_(std::move(manners)), connection_(xcb_connect(nullptr, nullptr)) {
-        if (xcb_connection_has_error(connection_))
-            std::exit(1);
-        screen_ = xcb_setup_roots_iterator(xcb_get_setup(connection_)).data;
-    }
-    Client(const Client&) = delete;
-    Client& operator=(const Client&) = delete;
-    ~Client() { xcb_disconnect(connection_); }
+    Client(Manners manners, X11Connection& x11) : manners_(std::move(manners)), x11_(x11) {}
 
     int run() {
-        for (std::size_t index = 0; index < manners_.classes.size(); ++index) {
-            const int count = index == 0 ? manners_.windows : 1;
-            for (int number = 0; number < count; ++number)
-                open(manners_.classes[index]);
-        }
-        if (manners_.isModal)
+        for (int count = number("--windows", 1); count > 0; --count)
+            open(text("--class", "Rude"));
+        for (const std::string& name : manners_["--next-class"])
+            open(name);
+        if (has("--modal"))
             makeModal(windows_.back());
         for (const xcb_window_t window : windows_) {
-            if (manners_.isInTray)
+            if (has("--tray"))
                 askTray(window);
             else
-                xcb_map_window(connection_, window);
+                xcb_map_window(x11_.get(), window);
         }
-        if (manners_.hasTrayIcon) {
+        if (has("--tray-icon")) {
             open("Icon");
             askTray(windows_.back());
             windows_.pop_back();
         }
-        xcb_flush(connection_);
-        while (const auto event = owned(xcb_wait_for_event(connection_))) {
+        xcb_flush(x11_.get());
+        while (const auto event = owned(xcb_wait_for_event(x11_.get()))) {
             const int type = event->response_type & 0x7f;
             if (type == XCB_MAP_NOTIFY && ++mapped_ == windows_.size())
                 announce();
-            if (type == XCB_BUTTON_PRESS) {
-                std::printf("clicked\n");
-                std::fflush(stdout);
-            }
+            if (type == XCB_BUTTON_PRESS)
+                std::puts("clicked");
             if (type != XCB_CLIENT_MESSAGE)
                 continue;
             auto& message = *reinterpret_cast<xcb_client_message_event_t*>(event.get());
-            if (message.type != atom("WM_PROTOCOLS"))
+            if (message.type != x11_.atom("WM_PROTOCOLS"))
                 continue;
-            if (message.data.data32[0] == atom("_NET_WM_PING"))
+            if (message.data.data32[0] == x11_.atom("_NET_WM_PING"))
                 answer(message);
-            else if (asked(message.window))
+            else if (isEndOf(message.window))
                 return 0;
         }
         return 1;
     }
 
 private:
-    xcb_atom_t atom(const std::string& name) {
-        const auto cookie =
-            xcb_intern_atom(connection_, 0, static_cast<std::uint16_t>(name.size()), name.data());
-        return owned(xcb_intern_atom_reply(connection_, cookie, nullptr))->atom;
+    [[nodiscard]] bool has(const char* manner) const { return manners_.contains(manner); }
+    [[nodiscard]] std::string text(const char* manner, const std::string& usual = {}) const {
+        return has(manner) ? manners_.at(manner).back() : usual;
+    }
+    [[nodiscard]] int number(const char* manner, int usual = 0) const {
+        return has(manner) ? std::stoi(text(manner)) : usual;
     }
 
     void setText(xcb_window_t window, xcb_atom_t property, const std::string& text) {
-        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, property, XCB_ATOM_STRING,
-                            8, static_cast<std::uint32_t>(text.size()), text.data());
+        xcb_change_property(x11_.get(), XCB_PROP_MODE_REPLACE, window, property, XCB_ATOM_STRING, 8,
+                            static_cast<std::uint32_t>(text.size()), text.data());
     }
-
     void setNumbers(xcb_window_t window, const std::string& property, xcb_atom_t type,
                     const std::vector<std::uint32_t>& numbers) {
         if (!numbers.empty())
-            xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, atom(property), type,
-                                32, static_cast<std::uint32_t>(numbers.size()), numbers.data());
+            xcb_change_property(x11_.get(), XCB_PROP_MODE_REPLACE, window, x11_.atom(property),
+                                type, 32, static_cast<std::uint32_t>(numbers.size()),
+                                numbers.data());
+    }
+    void setAtoms(xcb_window_t window, const std::string& property,
+                  const std::vector<std::string>& names) {
+        std::vector<xcb_atom_t> atoms;
+        for (const std::string& name : names)
+            atoms.push_back(x11_.atom(name));
+        setNumbers(window, property, XCB_ATOM_ATOM, atoms);
     }
 
     static std::vector<std::uint32_t> pictures() {
@@ -156,190 +126,146 @@ private:
     }
 
     void answer(xcb_client_message_event_t& message) {
-        if (manners_.isFrozen)
+        if (has("--frozen"))
             return;
-        message.window = screen_->root;
-        const std::uint32_t listeners = manners_.pongsAsQt ? XCB_EVENT_MASK_STRUCTURE_NOTIFY
-                                                           : XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-        xcb_send_event(connection_, 0, screen_->root,
-                       listeners | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+        message.window = x11_.root();
+        const std::uint32_t listeners = has("--pongs-as-qt") ? XCB_EVENT_MASK_STRUCTURE_NOTIFY
+                                                             : XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+        xcb_send_event(x11_.get(), 0, x11_.root(), listeners | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                        reinterpret_cast<const char*>(&message));
-        xcb_flush(connection_);
+        xcb_flush(x11_.get());
     }
 
     void open(const std::string& className) {
-        const xcb_window_t window = xcb_generate_id(connection_);
+        const xcb_window_t window = xcb_generate_id(x11_.get());
         const auto offset = static_cast<std::int16_t>(40 * windows_.size() + 40);
-        const std::uint32_t values[] = {screen_->white_pixel, XCB_EVENT_MASK_STRUCTURE_NOTIFY |
-                                                                  XCB_EVENT_MASK_BUTTON_PRESS};
-        xcb_create_window(connection_, XCB_COPY_FROM_PARENT, window, screen_->root, offset, offset,
-                          240, 120, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, screen_->root_visual,
+        const std::uint32_t values[] = {x11_.screen().white_pixel, XCB_EVENT_MASK_STRUCTURE_NOTIFY |
+                                                                       XCB_EVENT_MASK_BUTTON_PRESS};
+        xcb_create_window(x11_.get(), XCB_COPY_FROM_PARENT, window, x11_.root(), offset, offset,
+                          240, 120, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, x11_.screen().root_visual,
                           XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
         std::string instance = className;
         std::ranges::transform(instance, instance.begin(),
                                [](unsigned char letter) { return std::tolower(letter); });
-        setText(window, XCB_ATOM_WM_CLASS,
-                instance + std::string(1, '\0') + className + std::string(1, '\0'));
-        std::string title = manners_.title.empty() ? className : manners_.title;
-        title.resize(std::max(title.size(), manners_.titleLength), 'x');
+        setText(window, XCB_ATOM_WM_CLASS, instance + '\0' + className + '\0');
+        std::string title = text("--title", className);
+        title.resize(std::max(title.size(), std::size_t(number("--title-length"))), 'x');
         setText(window, XCB_ATOM_WM_NAME, title);
         setNumbers(window, "_NET_WM_PID", XCB_ATOM_CARDINAL,
                    {static_cast<std::uint32_t>(getpid())});
-        if (!manners_.machine.empty())
-            setText(window, XCB_ATOM_WM_CLIENT_MACHINE, manners_.machine);
-        std::vector<xcb_atom_t> types;
-        for (const std::string& type : manners_.types)
-            types.push_back(atom("_NET_WM_WINDOW_TYPE_" + type));
-        if (manners_.isDock && windows_.empty())
-            types = {atom("_NET_WM_WINDOW_TYPE_DOCK")};
-        setNumbers(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM, types);
-        std::vector<std::uint32_t> protocols;
-        if (manners_.hasProtocol)
-            protocols.push_back(atom("WM_DELETE_WINDOW"));
-        if (manners_.canBePinged)
-            protocols.push_back(atom("_NET_WM_PING"));
-        setNumbers(window, "WM_PROTOCOLS", XCB_ATOM_ATOM, protocols);
-        if (manners_.hasIcon)
+        if (has("--machine"))
+            setText(window, XCB_ATOM_WM_CLIENT_MACHINE, text("--machine"));
+        std::vector<std::string> types = manners_["--type"];
+        for (std::string& type : types)
+            type.insert(0, "_NET_WM_WINDOW_TYPE_");
+        if (has("--dock") && windows_.empty())
+            types = {"_NET_WM_WINDOW_TYPE_DOCK"};
+        setAtoms(window, "_NET_WM_WINDOW_TYPE", types);
+        std::vector<std::string> protocols;
+        if (!has("--no-protocol"))
+            protocols.emplace_back("WM_DELETE_WINDOW");
+        if (has("--ping") || has("--pongs-as-qt") || has("--frozen"))
+            protocols.emplace_back("_NET_WM_PING");
+        setAtoms(window, "WM_PROTOCOLS", protocols);
+        if (has("--icon"))
             setNumbers(window, "_NET_WM_ICON", XCB_ATOM_CARDINAL, pictures());
         windows_.push_back(window);
     }
 
     void makeModal(xcb_window_t window) {
-        xcb_change_property(connection_, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_TRANSIENT_FOR,
-                            XCB_ATOM_WINDOW, 32, 1, &windows_.front());
-        std::vector<std::uint32_t> states{atom("_NET_WM_STATE_MODAL")};
-        if (manners_.asks)
-            states.push_back(atom("_NET_WM_STATE_SKIP_TASKBAR"));
-        setNumbers(window, "_NET_WM_STATE", XCB_ATOM_ATOM, states);
+        setNumbers(window, "WM_TRANSIENT_FOR", XCB_ATOM_WINDOW, {windows_.front()});
+        std::vector<std::string> states{"_NET_WM_STATE_MODAL"};
+        if (has("--asks"))
+            states.emplace_back("_NET_WM_STATE_SKIP_TASKBAR");
+        setAtoms(window, "_NET_WM_STATE", states);
     }
 
     /// The tray shows the window, inside one of its own.
     void askTray(xcb_window_t window) {
-        const auto cookie = xcb_get_selection_owner(connection_, atom("_NET_SYSTEM_TRAY_S0"));
-        const auto tray = owned(xcb_get_selection_owner_reply(connection_, cookie, nullptr));
+        const auto cookie = xcb_get_selection_owner(x11_.get(), x11_.atom("_NET_SYSTEM_TRAY_S0"));
+        const auto tray = owned(xcb_get_selection_owner_reply(x11_.get(), cookie, nullptr));
         const std::uint32_t version = 0;
         const std::uint32_t isShown = 1;
-        setNumbers(window, "_XEMBED_INFO", atom("_XEMBED_INFO"), {version, isShown});
-        xcb_client_message_event_t message{};
-        message.response_type = XCB_CLIENT_MESSAGE;
-        message.format = 32;
-        message.window = tray->owner;
-        message.type = atom("_NET_SYSTEM_TRAY_OPCODE");
-        message.data.data32[2] = window;
-        xcb_send_event(connection_, 0, tray->owner, XCB_EVENT_MASK_NO_EVENT,
-                       reinterpret_cast<const char*>(&message));
+        setNumbers(window, "_XEMBED_INFO", x11_.atom("_XEMBED_INFO"), {version, isShown});
+        x11_.sendMessage(tray->owner, tray->owner, "_NET_SYSTEM_TRAY_OPCODE", {0, 0, window});
     }
 
     void announce() const {
         std::printf("ready %d", getpid());
         for (const xcb_window_t window : windows_)
             std::printf(" %u", window);
-        std::printf("\n");
-        std::fflush(stdout);
+        std::puts("");
     }
 
-    /// Whether that was the end.
-    bool asked(xcb_window_t window) {
+    /// The window was asked to close; whether that is the end.
+    bool isEndOf(xcb_window_t window) {
         std::printf("asked %u\n", window);
-        std::fflush(stdout);
-        if (manners_.asks) {
+        const bool asks = has("--asks") || has("--asks-plainly");
+        if (asks) {
             open("Question");
-            if (!manners_.asksPlainly)
+            if (has("--asks"))
                 makeModal(windows_.back());
-            xcb_map_window(connection_, windows_.back());
-            xcb_flush(connection_);
+            xcb_map_window(x11_.get(), windows_.back());
+            xcb_flush(x11_.get());
         }
-        if (manners_.ignores || manners_.asks || manners_.isFrozen)
+        if (has("--ignore") || asks || has("--frozen"))
             return false;
-        xcb_destroy_window(connection_, window);
-        xcb_flush(connection_);
+        xcb_destroy_window(x11_.get(), window);
+        xcb_flush(x11_.get());
         std::erase(windows_, window);
-        if (windows_.empty() && manners_.secondsOfWork > 0)
-            work();
-        return windows_.empty() && !manners_.stays;
+        if (windows_.empty() && has("--works"))
+            work(std::chrono::seconds(number("--works")));
+        return windows_.empty() && !has("--stay");
     }
 
     /// As the copy of a folder does it, into files that have no name.
-    void work() const {
+    static void work(std::chrono::seconds time) {
+        using Clock = std::chrono::steady_clock;
         const std::string part(256 << 10, 'x');
-        const auto end =
-            std::chrono::steady_clock::now() + std::chrono::seconds(manners_.secondsOfWork);
-        while (std::chrono::steady_clock::now() < end) {
+        const auto end = Clock::now() + time;
+        while (Clock::now() < end) {
             std::FILE* file = std::tmpfile();
             std::fwrite(part.data(), 1, part.size(), file);
             std::fclose(file);
             // It compares what it has written, too.
-            const auto compared = std::chrono::steady_clock::now() + std::chrono::milliseconds(10);
-            while (std::chrono::steady_clock::now() < compared)
+            const auto compared = Clock::now() + std::chrono::milliseconds(10);
+            while (Clock::now() < compared)
                 continue;
             usleep(50'000);
         }
-        std::printf("worked\n");
-        std::fflush(stdout);
+        std::puts("worked");
     }
 
     Manners manners_;
-    xcb_connection_t* connection_;
-    xcb_screen_t* screen_ = nullptr;
+    X11Connection& x11_;
     std::vector<xcb_window_t> windows_;
     std::size_t mapped_ = 0;
 };
 
 } // namespace
+} // namespace velmorquit
 
 int main(int argc, char** argv) {
+    using namespace velmorquit;
+    const std::set<std::string> withValue{"--class",   "--next-class", "--title", "--title-length",
+                                          "--windows", "--machine",    "--type",  "--works"};
+    const std::set<std::string> without{
+        "--modal",        "--ignore",    "--no-protocol", "--stay",   "--asks",
+        "--asks-plainly", "--ping",      "--pongs-as-qt", "--frozen", "--dock",
+        "--tray",         "--tray-icon", "--icon",        "--deaf",   "--gapplication-service"};
     Manners manners;
     for (int index = 1; index < argc; ++index) {
-        const std::string option = argv[index];
-        const auto value = [&] { return std::string(argv[++index]); };
-        if (option == "--class")
-            manners.classes.front() = value();
-        else if (option == "--next-class")
-            manners.classes.push_back(value());
-        else if (option == "--title")
-            manners.title = value();
-        else if (option == "--title-length")
-            manners.titleLength = std::stoul(value());
-        else if (option == "--windows")
-            manners.windows = std::stoi(value());
-        else if (option == "--machine")
-            manners.machine = value();
-        else if (option == "--type")
-            manners.types.push_back(value());
-        else if (option == "--modal")
-            manners.isModal = true;
-        else if (option == "--ignore")
-            manners.ignores = true;
-        else if (option == "--no-protocol")
-            manners.hasProtocol = false;
-        else if (option == "--stay")
-            manners.stays = true;
-        else if (option == "--asks")
-            manners.asks = true;
-        else if (option == "--asks-plainly")
-            manners.asks = manners.asksPlainly = true;
-        else if (option == "--pongs-as-qt")
-            manners.canBePinged = manners.pongsAsQt = true;
-        else if (option == "--ping")
-            manners.canBePinged = true;
-        else if (option == "--frozen")
-            manners.canBePinged = manners.isFrozen = true;
-        else if (option == "--dock")
-            manners.isDock = true;
-        else if (option == "--tray")
-            manners.isInTray = true;
-        else if (option == "--tray-icon")
-            manners.hasTrayIcon = true;
-        else if (option == "--works")
-            manners.secondsOfWork = std::stoi(value());
-        else if (option == "--gapplication-service")
-            continue;
-        else if (option == "--icon")
-            manners.hasIcon = true;
-        else if (option == "--deaf")
-            std::signal(SIGTERM, SIG_IGN);
+        const std::string manner = argv[index];
+        if (withValue.contains(manner) && index + 1 < argc)
+            manners[manner].emplace_back(argv[++index]);
+        else if (without.contains(manner))
+            manners[manner];
         else
             return 2;
     }
-    return Client(manners).run();
+    if (manners.contains("--deaf"))
+        std::signal(SIGTERM, SIG_IGN);
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+    auto connection = X11Connection::open();
+    return connection ? Client(std::move(manners), *connection).run() : 1;
 }
