@@ -1,7 +1,6 @@
 #include "Linux/Appearance/DesktopAppearance.h"
 #include "Linux/X11/XSettings.h"
 #include "X11/FaceTest.h"
-#include "support/StandInPortal.h"
 #include "support/XSettingsBytes.h"
 
 #include <optional>
@@ -57,24 +56,6 @@ TEST_F(AppearanceTest, FollowsTheSettingsManagerThroughItsLife) {
     last.begin();
     last.say("Adwaita-dark", 1);
     EXPECT_TRUE(waitUntil([&] { return look.isDark(); }));
-}
-
-TEST_F(AppearanceTest, HearsThePortalBeforeTheSettingsManager) {
-    StandInPortal portal(
-        QDBusConnection::connectToBus(QDBusConnection::SessionBus, "stand-in portal"));
-    const QString group = "org.freedesktop.appearance";
-    portal.groups[group]["contrast"] = 1U;
-    portal.appear();
-    Manager manager;
-    manager.say("Adwaita-dark", 1);
-    manager.begin();
-    XSettings settings(events);
-    const DesktopAppearance look(QDBusConnection::sessionBus(), &settings);
-    EXPECT_TRUE(waitUntil([&] { return look.isDark() && look.isHighContrast(); }));
-    portal.change(group, "color-scheme", 2U);
-    EXPECT_TRUE(waitUntil([&] { return !look.isDark(); }));
-    portal.change(group, "reduced-motion", 1U);
-    EXPECT_TRUE(waitUntil([&] { return look.isMotionReduced(); }));
 }
 
 } // namespace

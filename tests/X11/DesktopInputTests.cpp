@@ -2,8 +2,7 @@
 #include "Linux/X11/X11Idle.h"
 #include "X11/FaceTest.h"
 #include "support/PrivateBus.h"
-
-#include <QDBusVirtualObject>
+#include "support/StandInService.h"
 
 #include <optional>
 
@@ -11,42 +10,31 @@ namespace velmorquit {
 namespace {
 
 /// Stands for one that knows of the input of a whole session.
-class StandInCompositor final : public QDBusVirtualObject {
+class StandInCompositor final : public StandInService {
 public:
-    StandInCompositor(QDBusConnection connection, const QString& name, const QString& path)
-        : bus(std::move(connection)), path_(path) {
-        bus.registerVirtualObject(path, this);
-        bus.registerService(name);
-    }
-    StandInCompositor(const StandInCompositor&) = delete;
-    StandInCompositor& operator=(const StandInCompositor&) = delete;
-    ~StandInCompositor() override { bus.unregisterObject(path_); }
+    StandInCompositor(const QDBusConnection& connection, const char* name, QVariant since)
+        : StandInService(connection, {name}), idle(std::move(since)) {}
 
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& question, const QDBusConnection&) override {
-        const QString call = question.interface() + '.' + question.member();
-        if (call != "org.gnome.Mutter.IdleMonitor.GetIdletime" &&
-            call != "org.freedesktop.ScreenSaver.GetSessionIdleTime")
-            return false;
-        if (idle.isValid())
-            bus.send(question.createReply(idle));
-        return true;
-    }
-
-    QDBusConnection bus;
     QVariant idle; ///< none: it says nothing
 
 private:
-    QString path_;
+    void reply(const QDBusMessage& call) override {
+        const QString asked = call.interface() + '.' + call.member();
+        if (asked == "org.gnome.Mutter.IdleMonitor.GetIdletime" ||
+            asked == "org.freedesktop.ScreenSaver.GetSessionIdleTime")
+            send(call, idle);
+        else
+            StandInService::reply(call);
+    }
 };
 
+constexpr const char* mutterName = "org.gnome.Mutter.IdleMonitor";
+constexpr const char* plasmaName = "org.kde.screensaver";
 constexpr std::optional<Duration> ofLocker = 1ms;
 
 class DesktopInputTest : public FaceTest {
 protected:
     using Server = DesktopInput::Server;
-
-    X11Idle idle{events};
 
     std::optional<Duration> ask(Server server) {
         DesktopInput input(loop, bus.connect(), &idle, server);
@@ -66,26 +54,11 @@ protected:
         return since;
     }
 
-    std::unique_ptr<StandInCompositor> makeMutter(const QVariant& idle) {
-        return make("org.gnome.Mutter.IdleMonitor", "/org/gnome/Mutter/IdleMonitor/Core", idle);
-    }
-    std::unique_ptr<StandInCompositor> makeLocker(const QString& name, const QVariant& idle) {
-        return make(name, "/ScreenSaver", idle);
-    }
-
+    X11Idle idle{events};
     PrivateBus bus;
-
-private:
-    std::unique_ptr<StandInCompositor> make(const QString& name, const QString& path,
-                                            const QVariant& idle) {
-        auto made = std::make_unique<StandInCompositor>(bus.connect(), name, path);
-        made->idle = idle;
-        return made;
-    }
 };
 
-TEST_F(DesktopInputTest, AWholeServerKnowsWhenTheUserWasThere) {
-    const auto mutter = makeMutter(qulonglong{1});
+TEST_F(DesktopInputTest, AWholeServerKnowsAndBesideAGuestTheMostRecentInputCounts) {
     run({"xdotool", "mousemove", "30", "40"});
     linger(400);
     const auto before = ask(Server::whole);
@@ -93,39 +66,29 @@ TEST_F(DesktopInputTest, AWholeServerKnowsWhenTheUserWasThere) {
     EXPECT_GE(*before, 400ms);
     EXPECT_LT(*before, 20s);
     run({"xdotool", "key", "a"});
-    const auto after = ask(Server::whole);
-    ASSERT_TRUE(after);
-    EXPECT_LT(*after, *before);
-}
-
-TEST_F(DesktopInputTest, BesideAGuestTheMostRecentInputCounts) {
+    EXPECT_LT(ask(Server::whole).value_or(20s), *before);
     linger(50);
     EXPECT_GT(ask(Server::guest), ofLocker) << "at least since what was meant for an X window";
-    const auto mutter = makeMutter(qulonglong{0});
+    const StandInCompositor other(bus.connect(), "org.freedesktop.ScreenSaver", 1U);
+    EXPECT_GT(ask(Server::guest), ofLocker) << "nobody knows who that is";
+    StandInCompositor mutter(bus.connect(), mutterName, qulonglong{0});
     EXPECT_EQ(ask(Server::guest), 0ms);
-    mutter->idle = qulonglong{1000 * 3600};
-    const auto ofServer = ask(Server::guest);
-    ASSERT_TRUE(ofServer);
-    EXPECT_LT(*ofServer, 1h) << "what was meant for an X window is input too";
-    const auto plasma = makeLocker("org.kde.screensaver", uint{1});
+    EXPECT_GT(ask(Server::whole), ofLocker) << "it knows by itself";
+    mutter.idle = qulonglong{1000 * 3600};
+    EXPECT_LT(ask(Server::guest).value_or(1h), 1h) << "an X window's input is input too";
+    StandInCompositor plasma(bus.connect(), plasmaName, 1U);
     EXPECT_EQ(ask(Server::guest), 1ms);
-}
-
-TEST_F(DesktopInputTest, BelievesOnlyWhoIsKnownToAnswerWithAFigure) {
-    linger(50);
-    const auto other = makeLocker("org.freedesktop.ScreenSaver", uint{1});
-    EXPECT_GT(ask(Server::guest), ofLocker);
-    const auto plasma = makeLocker("org.kde.screensaver", uint{0});
-    EXPECT_GT(ask(Server::guest), ofLocker);
+    plasma.idle = 0U;
+    EXPECT_GT(ask(Server::guest), ofLocker) << "it doesn't know";
     for (const QVariant& wrong : {QVariant(-5), QVariant("1"), QVariant(~qulonglong{0})}) {
-        const auto mutter = makeMutter(wrong);
+        mutter.idle = wrong;
         EXPECT_GT(ask(Server::guest), ofLocker) << wrong.toString().toStdString();
     }
 }
 
 TEST_F(DesktopInputTest, WaitsASecondAndNotForWhoHasGoneOrLostInterest) {
-    const auto mutter = makeMutter({});
-    const auto plasma = makeLocker("org.kde.screensaver", uint{1});
+    const StandInCompositor mutter(bus.connect(), mutterName, {});
+    const StandInCompositor plasma(bus.connect(), plasmaName, 1U);
     DesktopInput input(loop, bus.connect(), &idle, Server::guest);
     const Uptime begin = loop.uptime();
     EXPECT_EQ(ask(input), 1ms);

@@ -1,38 +1,19 @@
 #pragma once
 
-#include "Linux/Loop/QtMainLoop.h"
 #include "Linux/X11/X11Events.h"
 #include "Linux/X11/X11Windows.h"
+#include "X11/ClientsTest.h"
 #include "X11/OwnWindow.h"
-#include "support/Child.h"
-#include "support/Waiting.h"
-
-#include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace velmorquit {
 
-/// Sees a desktop's X server as the program does, and plays the other programs.
-class FaceTest : public testing::Test {
+/// Sees a desktop's X server as the program does.
+class FaceTest : public ClientsTest {
 protected:
-    static void run(const std::vector<std::string>& command) {
-        Child child(command);
-        EXPECT_TRUE(waitUntil([&] { return !child.isRunning(); }));
-        EXPECT_EQ(child.status(), 0) << command.front() << ": " << child.output();
-    }
-
-    Child& openRude(std::vector<std::string> arguments = {}) {
-        arguments.insert(arguments.begin(), RUDE_CLIENT);
-        children.push_back(std::make_unique<Child>(arguments));
-        Child& child = *children.back();
-        EXPECT_TRUE(waitUntil([&] { return child.output().starts_with("ready"); }));
-        return child;
-    }
-
     /// Kills the process that owns a window. Only in a virtual desktop, whose display it is on.
     void killOwnerOf(xcb_window_t window) {
         const ProcessId process = X11Windows(probe.connection).process(window);
@@ -56,10 +37,8 @@ protected:
         return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
     }
 
-    QtMainLoop loop;
     X11Events events{*X11Connection::open()};
     OwnWindow probe;
-    std::vector<std::unique_ptr<Child>> children;
 };
 
 } // namespace velmorquit

@@ -9,30 +9,17 @@ protected:
     StartedWorkspaceTest() {
         for (const char* id : {"mailer", "org.example.term", "firebox_firebox"})
             installEntry(id, std::string("Name=") + id + "\n");
-        writeFile("stat", "cpu 0\nbtime 1000\n");
+        write(proc / "stat", "cpu 0\nbtime 1000\n");
     }
 
-    void writeFile(const std::string& file, const std::string& content) {
-        std::filesystem::create_directories((proc / file).parent_path());
-        std::ofstream(proc / file) << content;
-    }
-
-    ProcessId begin(const std::string& unit, std::vector<std::string> arguments,
-                    int startTime = 500) {
+    ProcessId begin(const std::string& unit, Words arguments, int startTime = 500) {
         const pid_t id = start(std::move(arguments)).id();
-        const std::string folder = std::to_string(id);
-        writeFile(folder + "/cgroup", "0::/user.slice/user@1000.service/" + unit + "\n");
-        writeFile(folder + "/stat", folder + " (x) S 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 " +
-                                        std::to_string(startTime) + " 0\n");
+        const auto folder = proc / std::to_string(id);
+        write(folder / "cgroup", "0::/user.slice/user@1000.service/" + unit + "\n");
+        write(folder / "stat", std::to_string(id) +
+                                   " (x) S 1 1 1 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 " +
+                                   std::to_string(startTime) + " 0\n");
         return id;
-    }
-
-    static std::shared_ptr<RunningApplication> findIn(LinuxWorkspace& somewhere, ProcessId id) {
-        for (auto& application : somewhere.runningApplications()) {
-            if (application->processId() == id)
-                return application;
-        }
-        return nullptr;
     }
 
     std::filesystem::path proc = std::filesystem::path(std::getenv("XDG_RUNTIME_DIR")) / "proc";
@@ -46,11 +33,11 @@ TEST_F(StartedWorkspaceTest, AUnitNamesTheProgramItWasMadeForAndNotThoseStartedF
                                  {"--class", "Mailer"});
     linger(200);
     LinuxWorkspace other(loop, log, toplevels, {.proc = proc});
-    EXPECT_EQ(findIn(other, terminal)->bundleIdentifier(), "org.example.term");
-    EXPECT_EQ(findIn(other, guest)->bundleIdentifier(), "mailer");
-    EXPECT_EQ(findIn(other, snap)->bundleIdentifier(), "firebox_firebox");
-    EXPECT_EQ(findIn(other, snap)->otherIdentities(), std::vector<std::string>{"mailer"});
-    EXPECT_EQ(findIn(other, guest)->launchDate(), WallTime(1006s));
+    EXPECT_EQ(find(terminal, other)->bundleIdentifier(), "org.example.term");
+    EXPECT_EQ(find(guest, other)->bundleIdentifier(), "mailer");
+    EXPECT_EQ(find(snap, other)->bundleIdentifier(), "firebox_firebox");
+    EXPECT_EQ(find(snap, other)->otherIdentities(), Words{"mailer"});
+    EXPECT_EQ(find(guest, other)->launchDate(), WallTime(1006s));
 }
 
 TEST_F(StartedWorkspaceTest, AServiceHasEndedWithItsLastWindowAndAnyOtherIsAskedOnceMore) {
@@ -67,16 +54,15 @@ TEST_F(StartedWorkspaceTest, AServiceHasEndedWithItsLastWindowAndAnyOtherIsAsked
     const Handle watch = other.observe([&](const WorkspaceChanges& changes) {
         ends += static_cast<int>(changes.count({WorkspaceEvent::terminated, service}));
     });
-    const auto serving = findIn(other, service);
-    const auto playing = findIn(other, player);
-    const auto begun = findIn(other, opened);
-    EXPECT_TRUE(serving->terminate(AskedBy::run));
-    EXPECT_TRUE(playing->terminate(AskedBy::run));
-    EXPECT_TRUE(begun->terminate(AskedBy::run));
+    const App serving = find(service, other);
+    const App playing = find(player, other);
+    const App begun = find(opened, other);
+    for (const App& app : {serving, playing, begun})
+        EXPECT_TRUE(app->terminate(AskedBy::run));
     EXPECT_TRUE(waitUntil([&] { return serving->isTerminated() && ends == 1; }));
     EXPECT_TRUE(
         waitUntil([&] { return playing->activationPolicy() == ActivationPolicy::accessory; }));
-    EXPECT_EQ(findIn(other, service), nullptr);
+    EXPECT_EQ(find(service, other), nullptr);
     EXPECT_FALSE(playing->isTerminated());
     EXPECT_FALSE(begun->isTerminated()) << "what a service has started is none";
     EXPECT_TRUE(asked.empty());

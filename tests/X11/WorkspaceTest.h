@@ -1,27 +1,22 @@
 #pragma once
 
 #include "Linux/Applications/LinuxWorkspace.h"
-#include "Linux/Loop/QtMainLoop.h"
 #include "Linux/X11/X11Toplevels.h"
 #include "Simulated/SimulatedPorts.h"
-#include "support/Child.h"
-#include "support/Waiting.h"
-
-#include <gtest/gtest.h>
+#include "X11/ClientsTest.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
-#include <string>
-#include <vector>
 
 namespace velmorquit {
 
 /// The applications of a real X server with a real window manager.
-class WorkspaceTest : public testing::Test {
+class WorkspaceTest : public ClientsTest {
 protected:
+    using App = std::shared_ptr<RunningApplication>;
+
     WorkspaceTest()
         : toplevels(loop, log, *X11Connection::open()), workspace(loop, log, toplevels, {}) {
         watch = workspace.observe([this](const WorkspaceChanges& changes) {
@@ -29,58 +24,45 @@ protected:
         });
     }
 
-    Child& start(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), RUDE_CLIENT);
-        children.push_back(std::make_unique<Child>(arguments));
-        Child& child = *children.back();
-        EXPECT_TRUE(waitUntil([&] { return child.output().starts_with("ready"); }));
-        return child;
-    }
-
     /// Starts a client and waits until the workspace knows it.
-    std::shared_ptr<RunningApplication> open(std::vector<std::string> arguments = {}) {
-        const pid_t id = start(std::move(arguments)).id();
-        EXPECT_TRUE(waitUntil([&] { return find(id) != nullptr; }));
-        return find(id);
+    App open(Words arguments = {}) { return known(start(std::move(arguments))); }
+    App known(const Child& child) {
+        EXPECT_TRUE(waitUntil([&] { return find(child.id()) != nullptr; }));
+        return find(child.id());
     }
-
-    std::shared_ptr<RunningApplication> find(ProcessId id) {
-        for (auto& application : workspace.runningApplications()) {
-            if (application->processId() == id)
-                return application;
-        }
-        return nullptr;
+    App find(ProcessId id) { return find(id, workspace); }
+    static App find(ProcessId id, LinuxWorkspace& workspace) {
+        const auto all = workspace.runningApplications();
+        const auto found = std::ranges::find(all, id, &RunningApplication::processId);
+        return found == all.end() ? nullptr : *found;
     }
 
     std::size_t count(WorkspaceEvent event) const {
         return static_cast<std::size_t>(std::ranges::count(events, event, &WorkspaceChange::event));
     }
+    [[nodiscard]] bool comes(WorkspaceEvent event) const {
+        return waitUntil([&] { return count(event) == 1; });
+    }
 
     static std::size_t timesAsked(Child& child) {
-        const std::string& output = child.output();
+        std::istringstream lines(child.output());
         std::size_t times = 0;
-        for (auto at = output.find("asked"); at != std::string::npos;
-             at = output.find("asked", at + 1))
-            ++times;
+        for (std::string line; std::getline(lines, line);)
+            times += line.starts_with("asked") ? 1 : 0;
         return times;
     }
 
     static void installEntry(const std::string& id, const std::string& lines) {
-        const std::filesystem::path folder =
-            std::filesystem::path(std::getenv("XDG_DATA_HOME")) / "applications";
-        std::filesystem::create_directories(folder);
-        std::ofstream(folder / (id + ".desktop"))
-            << "[Desktop Entry]\nType=Application\nExec=true\n"
-            << lines;
+        write(std::filesystem::path(std::getenv("XDG_DATA_HOME")) / "applications" /
+                  (id + ".desktop"),
+              "[Desktop Entry]\nType=Application\nExec=true\n" + lines);
     }
 
-    QtMainLoop loop;
     SimulatedSystemLog log;
     X11Toplevels toplevels;
     LinuxWorkspace workspace;
     std::vector<WorkspaceChange> events;
     Handle watch;
-    std::vector<std::unique_ptr<Child>> children;
 };
 
 } // namespace velmorquit
