@@ -1,129 +1,79 @@
 #include "Desktop/DesktopStory.h"
 
-#include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
-
-#include <cstdlib>
-#include <filesystem>
-
 namespace velmorquit {
 namespace {
 
-using testing::EndsWith;
-using testing::HasSubstr;
-using testing::Not;
-using testing::StartsWith;
-
+using namespace std::string_literals;
 using CommandLine = DesktopStory;
+using Text = testing::Matcher<std::string>;
 
-/// Holds the program's name on the bus, and says the same to everything.
-class Impostor final : public QDBusVirtualObject {
-public:
-    explicit Impostor(QString answer) : answer_(std::move(answer)) {
-        EXPECT_TRUE(bus_.registerVirtualObject("/org/velmorquit/VelmorQuit", this));
-        EXPECT_TRUE(bus_.registerService("org.velmorquit.VelmorQuit"));
-    }
-    ~Impostor() override { QDBusConnection::disconnectFromBus("impostor"); }
-
-    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
-        const bool isRefused = message.arguments().value(0) == "leave";
-        return bus.send(isRefused
-                            ? message.createErrorReply("org.velmorquit.Error.Refused", answer_)
-                            : message.createReply(answer_));
-    }
-
-private:
-    QDBusConnection bus_ =
-        QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), "impostor");
-    QString answer_;
-};
-
-TEST_F(CommandLine, ThatIsNotUnderstoodIsExplainedOnStandardError) {
-    const Outcome answer = control({"quit-everything"});
-    EXPECT_EQ(answer.status, 2);
-    EXPECT_THAT(answer.text, StartsWith("velmorctl: comando sconosciuto: quit-everything\n"));
-    EXPECT_THAT(answer.text, HasSubstr("\nUso: velmorctl COMANDO"));
-    const Outcome output =
-        run({"sh", "-c", std::string(VELMORCTL) + " quit-everything 2>/dev/null"});
-    EXPECT_EQ(output.text, "");
-    const Outcome help = run({"sh", "-c", std::string(VELMORCTL) + " help 2>/dev/null"});
-    EXPECT_EQ(help.status, 0);
-    EXPECT_THAT(help.text, StartsWith("Uso: velmorctl COMANDO"));
+TEST_F(CommandLine, SaysWhatIsMissingAndHowItIsUsed) {
+    struct Case {
+        std::string command;
+        int status;
+        Text text;
+    };
+    const std::string ctl = " " VELMORCTL " ";
+    const std::string quiet = " 2>/dev/null";
+    const std::string nowhere = "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere";
+    const std::string alone = "env --unset=DISPLAY LC_ALL=en_GB.UTF-8 " + nowhere;
+    const Text unknown = AllOf(StartsWith("velmorctl: comando sconosciuto: quit-everything\n"),
+                               HasSubstr("\nUso: velmorctl COMANDO"));
+    const Text notRunning = "velmorctl: Velmor Quit non è in esecuzione.\n";
+    const Text noDisplay = MatchesRegex("Velmor Quit: [^\n]*DISPLAY[^\n]*\n");
+    const std::string at = "-launch-at-login";
+    const Case cases[] = {
+        {ctl + "quit-everything", 2, unknown},
+        {ctl + "quit-everything" + quiet, 2, ""},
+        {ctl + "help" + quiet, 0, StartsWith("Uso: velmorctl COMANDO")},
+        {ctl + "status", 3, notRunning},
+        {ctl + "watch", 3, notRunning},
+        {ctl + "quit-all", 3, notRunning},
+        {ctl + "show", 3, notRunning},
+        {"env --unset=DBUS_SESSION_BUS_ADDRESS XDG_RUNTIME_DIR=$HOME" + ctl + "quit-all", 3,
+         StartsWith("velmorctl: ")},
+        {nowhere + ctl + "quit-all", 3, StartsWith("velmorctl: ")},
+        {alone + ctl + "--help" + quiet, 0, StartsWith("Usage: ")},
+        {alone + ctl + "--version" + quiet, 0, MatchesRegex("velmorctl [0-9.]+\n")},
+        {alone + " " VELMORQUIT " --help" + quiet, 0, StartsWith("Usage: ")},
+        {alone + " " VELMORQUIT " --version" + quiet, 0, MatchesRegex("velmorquit [0-9.]+\n")},
+        {"env --unset=DISPLAY " + nowhere + " " VELMORQUIT " --disable" + at + " --enable" + at, 0,
+         "Avvio automatico: attivo\n"},
+        {"env --unset=DISPLAY " + nowhere + " " VELMORQUIT " --disable" + at, 0,
+         "Avvio automatico: disattivo\n"},
+        {"env --unset=DISPLAY " VELMORQUIT, 1, noDisplay},
+        {"DISPLAY=:4711 " VELMORQUIT, 1, noDisplay},
+    };
+    for (const Case& one : cases)
+        EXPECT_THAT(run({"sh", "-c", one.command}), ends(one.status, one.text)) << one.command;
 }
 
-TEST_F(CommandLine, NeedsTheProgramToBeRunning) {
-    for (const char* word : {"status", "watch", "quit-all", "show"}) {
-        const Outcome answer = control({word});
-        EXPECT_EQ(answer.status, 3) << word;
-        EXPECT_EQ(answer.text, "velmorctl: Velmor Quit non è in esecuzione.\n") << word;
-    }
-}
-
-TEST_F(CommandLine, QuitsOneByPartOfItsName) {
+TEST_F(CommandLine, MayStopWaitingForARunThatGoesOn) {
     startProgram();
+    EXPECT_EQ(control({"quit-all"}).text, "Non c'è niente da chiudere.\n");
     Child& notes = openRude({"--class", "Notes"});
     Child& mail = openRude({"--class", "Mail", "--ignore"});
-    EXPECT_EQ(control({"quit", "nobody"}).status, 1);
-    const Outcome outcome = control({"quit", "no"});
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.text, "Chiedo di chiudersi a: Notes.\n");
-    await("the one that was asked to end", [&] { return !notes.isRunning(); });
+    EXPECT_THAT(control({"quit-all", "--then", "shutDown"}),
+                ends(2, "velmorctl: senza un terminale serve --yes: non faccio niente.\n"));
+    EXPECT_THAT(control({"quit", "no"}), ends(0, "Chiedo di chiudersi a: Notes.\n"));
+    awaitEnd(notes);
+    EXPECT_NE(phase(), "quitting");
     EXPECT_THAT(mail.output(), Not(HasSubstr("asked")));
-    EXPECT_EQ(phase(), "idle");
+
+    EXPECT_THAT(control({"quit-all", "--timeout", "0.5"}),
+                ends(4, HasSubstr("velmorctl: il tempo è scaduto")));
+    EXPECT_THAT(control({"quit-all"}),
+                ends(1, "velmorctl: Velmor Quit sta già chiudendo le app.\n"));
+    EXPECT_EQ(phase(), "quitting");
+    EXPECT_EQ(control({"leave"}).status, 0);
+    const auto quitAll = beginQuitAll();
+    quitAll->send(SIGINT);
+    EXPECT_THAT(outcomeOf(*quitAll), ends(130, HasSubstr("velmorctl leave la ferma")));
+    EXPECT_EQ(phase(), "quitting");
+    EXPECT_TRUE(mail.isRunning());
 }
 
-TEST_F(CommandLine, GivesTheTerminalNothingToObeyWhoeverAnswers) {
-    const Impostor impostor(QStringLiteral(
-        R"({"applications":[{"name":"a\u001b[2J\n\u202eb","id":"\u009b1m","process":1}],)"
-        R"("text":"c\u001b]0;\u009bd","phase":"idle"})"));
-    EXPECT_THAT(control({"status"}).text, HasSubstr("a [2J b  "));
-    for (const std::vector<std::string>& words :
-         {std::vector<std::string>{"status"}, {"status", "--json"}, {"memory"}, {"leave"}}) {
-        const Outcome answer = control(words);
-        for (const char* harm : {"\x1b", "\u202e", "\u009b"})
-            EXPECT_THAT(answer.text, Not(HasSubstr(harm))) << words.front();
-    }
-}
-
-TEST_F(CommandLine, NamesAWindowWhoseTitleIsMeantForTheTerminal) {
-    startProgram();
-    openRude({"--class", "main", "--title", "Letter - R\x1bude\u202e"});
-    openRude({"--class", "main", "--title", "R\x1b[2J\n", "--title-length", "1000000"});
-    openRude({"--class", "Ru\u200bde\u009b"});
-    const std::string text = control({"status"}).text;
-    for (const char* name : {"  R ude  ", "  rude_client  ", "  Rude  "})
-        EXPECT_THAT(text, HasSubstr(name));
-    EXPECT_LT(text.size(), 1000U);
-    for (const char* harm : {"\x1b", "\u202e", "\u009b", "\u200b"})
-        EXPECT_THAT(text + program->output(), Not(HasSubstr(harm)));
-}
-
-TEST_F(CommandLine, NeedsASessionBus) {
-    const std::filesystem::path empty = home() / "empty";
-    std::filesystem::create_directory(empty);
-    for (const char* address :
-         {"--unset=DBUS_SESSION_BUS_ADDRESS", "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere"}) {
-        const Outcome answer =
-            run({"env", address, "XDG_RUNTIME_DIR=" + empty.string(), VELMORCTL, "quit-all"});
-        EXPECT_EQ(answer.status, 3) << address;
-        EXPECT_THAT(answer.text, StartsWith("velmorctl: ")) << address;
-    }
-}
-
-TEST_F(CommandLine, DoesNothingThatWasNotConfirmed) {
-    startProgram();
-    Child& application = openRude();
-    const Outcome answer = control({"quit-all", "--then", "shutDown"});
-    EXPECT_EQ(answer.status, 2);
-    EXPECT_EQ(answer.text, "velmorctl: senza un terminale serve --yes: non faccio niente.\n");
-    EXPECT_EQ(phase(), "idle");
-    EXPECT_TRUE(application.isRunning());
-    EXPECT_THAT(application.output(), Not(HasSubstr("asked")));
-}
-
-TEST_F(CommandLine, SpeaksTheLanguageThatThePreferencesForceAndCutsNothing) {
+TEST_F(CommandLine, SpeaksTheLanguageOfThePreferencesAndCutsOnlyWhatIsMeantForTheTerminal) {
     prefer({{"AppleLanguages", Value::Array{"en"}}});
     EXPECT_EQ(control({"status"}).text, "velmorctl: Velmor Quit isn’t running.\n");
     startProgram();
@@ -131,46 +81,19 @@ TEST_F(CommandLine, SpeaksTheLanguageThatThePreferencesForceAndCutsNothing) {
     const std::string name = "An Application With A Name That Is Really Very Long";
     openRude({"--class", name});
     openRude({"--class", "日本"});
+    openRude({"--class", "main", "--title", "Letter - R\x1bude\u202e"});
+    openRude({"--class", "main", "--title", "R\x1b[2J\n", "--title-length", "1000000"});
+    openRude({"--class", "Ru\u200bde\u009b"});
     const std::string text = control({"status"}).text;
-    EXPECT_THAT(text, StartsWith("Ready\n2 open apps:\n"));
-    EXPECT_THAT(text, HasSubstr("  " + name + "  "));
+    EXPECT_THAT(text, StartsWith("Ready\n5 open apps:\n"));
     // Each of these characters is as wide as two letters.
-    EXPECT_THAT(text, HasSubstr("  日本" + std::string(name.size() - 4, ' ') + "  "));
-    const Outcome end = control({"quit-all"});
-    EXPECT_EQ(end.status, 0) << end.text;
-    EXPECT_THAT(end.text, HasSubstr("Done: 2 apps quit, "));
-}
-
-TEST_F(CommandLine, IsRefusedWhatMakesNoSenseNow) {
-    startProgram();
-    for (int time = 0; time < 2; ++time)
-        EXPECT_EQ(control({"quit-all"}).text, "Non c'è niente da chiudere.\n");
-    Child& application = openRude({"--ignore"});
-    const auto quitAll = beginQuitAll();
-    const Outcome second = control({"quit-all"});
-    EXPECT_EQ(second.status, 1);
-    EXPECT_EQ(second.text, "velmorctl: Velmor Quit sta già chiudendo le app.\n");
-    EXPECT_TRUE(quitAll->isRunning());
-    application.send(SIGTERM);
-    EXPECT_EQ(outcomeOf(*quitAll).status, 0);
-}
-
-TEST_F(CommandLine, MayStopWaitingForARunThatGoesOn) {
-    startProgram();
-    Child& application = openRude({"--ignore"});
-    const Outcome late = control({"quit-all", "--timeout", "0.5"});
-    EXPECT_EQ(late.status, 4) << late.text;
-    EXPECT_THAT(late.text, HasSubstr("velmorctl: il tempo è scaduto"));
-    EXPECT_EQ(phase(), "quitting");
-    EXPECT_EQ(control({"leave"}).status, 0);
-
-    const auto quitAll = beginQuitAll();
-    quitAll->send(SIGINT);
-    const Outcome interrupted = outcomeOf(*quitAll);
-    EXPECT_EQ(interrupted.status, 130);
-    EXPECT_THAT(interrupted.text, HasSubstr("velmorctl leave la ferma"));
-    EXPECT_EQ(phase(), "quitting");
-    EXPECT_TRUE(application.isRunning());
+    const std::string japanese = "日本" + std::string(name.size() - 4, ' ');
+    for (const std::string& shown : {name, japanese, "R ude"s, "rude_client"s, "Rude"s})
+        EXPECT_THAT(text, HasSubstr("  " + shown + "  "));
+    for (const char* harm : {"\x1b", "\u202e", "\u009b", "\u200b"})
+        EXPECT_THAT(text + program->output(), Not(HasSubstr(harm)));
+    EXPECT_LT(text.size(), 1500U);
+    EXPECT_THAT(control({"quit-all"}), ends(0, HasSubstr("Done: 5 apps quit, ")));
 }
 
 } // namespace

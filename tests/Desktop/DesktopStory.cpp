@@ -1,32 +1,26 @@
 #include "Desktop/DesktopStory.h"
 
 #include "Codecs/PropertyList.h"
-#include "support/Waiting.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
-#include <stdexcept>
+#include <iterator>
+#include <sstream>
 
 namespace velmorquit {
 
 namespace {
 
-std::string environment(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? value : "";
+Words joined(Words words, const Words& more) {
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
 }
 
-std::vector<std::string> lines(const std::string& text) {
-    std::vector<std::string> parts;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
-        parts.push_back(line);
-    return parts;
+bool has(Child& command, const std::string& text) {
+    return command.output().find(text) != std::string::npos;
 }
 
 } // namespace
@@ -42,24 +36,14 @@ void DesktopStory::await(const std::string& what, const std::function<bool()>& i
         throw std::runtime_error("this was waited for in vain: " + what);
 }
 
-Outcome DesktopStory::run(const std::vector<std::string>& command) {
-    Child child(command);
-    return outcomeOf(child);
+void DesktopStory::awaitText(Child& command, const std::string& text) {
+    await("«" + text + "»", [&] { return has(command, text); });
 }
 
-Outcome DesktopStory::outcomeOf(Child& command) {
-    await("the end of a command", [&] { return !command.isRunning(); });
-    return {command.status(), command.output()};
-}
+Outcome DesktopStory::control(const Words& words) { return run(joined({VELMORCTL}, words)); }
 
-Outcome DesktopStory::control(const std::vector<std::string>& words) {
-    std::vector<std::string> command{VELMORCTL};
-    command.insert(command.end(), words.begin(), words.end());
-    return run(command);
-}
-
-void DesktopStory::startProgram() {
-    program = std::make_unique<Child>(std::vector<std::string>{VELMORQUIT});
+void DesktopStory::startProgram(const Words& command) {
+    program = std::make_unique<Child>(command);
     await("an answer of the program", [this] {
         if (!program->isRunning())
             throw std::runtime_error("the program has ended");
@@ -68,55 +52,47 @@ void DesktopStory::startProgram() {
 }
 
 // The language is fixed because questions and their shortcuts are translated.
-Child& DesktopStory::open(const std::vector<std::string>& command) {
-    std::vector<std::string> plain{"env", "LC_ALL=C.UTF-8"};
-    plain.insert(plain.end(), command.begin(), command.end());
-    Child& application = applications_.emplace_back(plain);
+Child& DesktopStory::open(const Words& command) {
+    Child& application = applications_.emplace_back(joined({"env", "LC_ALL=C.UTF-8"}, command));
     if (program)
-        awaitListed(application);
+        await("an application in the list", [&] {
+            const QJsonArray listed = status()["applications"].toArray();
+            return std::ranges::any_of(listed, [&](const auto& one) {
+                return one.toObject()["process"].toInt() == application.id();
+            });
+        });
     return application;
 }
 
-void DesktopStory::awaitListed(const Child& application) {
-    await("an application in the list", [&] {
-        const QJsonArray listed = status()["applications"].toArray();
-        return std::ranges::any_of(listed, [&](const auto& one) {
-            return one.toObject()["process"].toInt() == application.id();
-        });
-    });
+Child& DesktopStory::openRude(const Words& manners) {
+    Child& application = open(joined({RUDE_CLIENT}, manners));
+    awaitText(application, "ready");
+    return application;
 }
 
-Child& DesktopStory::openRude(std::vector<std::string> manners) {
-    manners.insert(manners.begin(), RUDE_CLIENT);
-    Child& application = open(manners);
-    await("the windows of a rude client",
-          [&] { return application.output().find("ready") != std::string::npos; });
+Child& DesktopStory::openUnlisted(const Words& manners) {
+    Child& application = applications_.emplace_back(joined({RUDE_CLIENT}, manners));
+    awaitText(application, "ready");
+    linger(200);
     return application;
 }
 
 // A shell that is still starting runs commands of its own, which nobody may lose either.
 Child& DesktopStory::openTerminal() {
     write(home() / ".bashrc", "PROMPT_COMMAND='echo $$ >~/shell'\n");
-    std::filesystem::remove(home() / "shell");
     const auto folder = [](const char* program) {
         return std::filesystem::path(program).parent_path().string();
     };
     const std::string path =
-        folder(VELMORQUIT) + ':' + folder(VELMORCTL) + ':' + environment("PATH");
+        folder(VELMORQUIT) + ':' + folder(VELMORCTL) + ':' + std::getenv("PATH");
     Child& terminal = open({"env", "-C", home(), "PATH=" + path, "xterm"});
-    await("the prompt of a shell", [] { return shell() > 0; });
+    await("the prompt of a shell", [] { return contents(home() / "shell").ends_with('\n'); });
     return terminal;
 }
 
-pid_t DesktopStory::shell() {
-    const std::string number = contents(home() / "shell");
-    return number.ends_with('\n') ? std::stoi(number) : 0;
-}
-
 std::unique_ptr<Child> DesktopStory::beginQuitAll() {
-    auto command = std::make_unique<Child>(std::vector<std::string>{VELMORCTL, "quit-all"});
-    await("the first line of quit-all",
-          [&] { return command->output().find("Chiedo a ") != std::string::npos; });
+    auto command = std::make_unique<Child>(Words{VELMORCTL, "quit-all"});
+    awaitText(*command, "Chiedo a ");
     return command;
 }
 
@@ -128,51 +104,62 @@ QJsonObject DesktopStory::status() {
     return json.object();
 }
 
-std::string DesktopStory::phase() { return status()["phase"].toString().toStdString(); }
-
-std::vector<std::string> DesktopStory::names(const char* list) {
-    std::vector<std::string> names;
-    for (const auto& application : status()[list].toArray())
-        names.push_back(application.toObject()["name"].toString().toStdString());
+Words DesktopStory::names(const char* list) {
+    Words names;
+    for (const auto& one : status()[list].toArray()) {
+        const QJsonValue name = one.isObject() ? one.toObject()["name"] : QJsonValue(one);
+        names.push_back(name.toString().toStdString());
+    }
     return names;
 }
 
-void DesktopStory::awaitStubborn(const std::vector<std::string>& expected) {
+void DesktopStory::awaitStubborn(const Words& expected) {
     await("the end of the grace period", [] { return phase() == "waiting"; });
     EXPECT_THAT(names("stubborn"), testing::UnorderedElementsAreArray(expected));
 }
 
+Words DesktopStory::windows(const std::string& option, const std::string& pattern) {
+    std::istringstream found(
+        run({"xdotool", "search", "--onlyvisible", option, '^' + pattern + '$'}).text);
+    return {std::istream_iterator<std::string>(found), {}};
+}
+
+void DesktopStory::awaitPanel(bool isShown) {
+    await(isShown ? "the panel" : "its end", [&] { return isPanelShown() == isShown; });
+}
+
 void DesktopStory::focus(const std::string& windowClass) {
     await("the keyboard's focus for " + windowClass, [&] {
-        const auto windows = lines(
-            run({"xdotool", "search", "--onlyvisible", "--class", "^" + windowClass + "$"}).text);
-        if (windows.empty())
+        const Words found = windows("--class", windowClass);
+        if (found.empty())
             return false;
-        run({"xdotool", "windowactivate", windows.back()});
+        run({"xdotool", "windowactivate", found.back()});
         linger(50);
-        return run({"xdotool", "getactivewindow"}).text == windows.back() + '\n';
+        return run({"xdotool", "getactivewindow"}).text == found.back() + '\n';
     });
+}
+
+std::string DesktopStory::titleWithKeyboard() {
+    return run({"xdotool", "getactivewindow", "getwindowname"}).text;
 }
 
 void DesktopStory::type(const std::string& text) {
     EXPECT_EQ(run({"xdotool", "type", "--delay", "5", text}).status, 0);
 }
 
-std::filesystem::path DesktopStory::home() { return environment("HOME"); }
+void DesktopStory::press(const Words& keys) { run(joined({"xdotool", "key"}, keys)); }
+
+void DesktopStory::clickAt(int x, int y) {
+    run({"xdotool", "mousemove", std::to_string(x), std::to_string(y), "click", "1"});
+}
+
+std::filesystem::path DesktopStory::folder(const char* variable) {
+    const char* path = std::getenv(variable);
+    return path ? path : "";
+}
 
 std::filesystem::path DesktopStory::preferencesFile() {
-    return std::filesystem::path(environment("XDG_CONFIG_HOME")) / "velmorquit" /
-           "preferences.plist";
-}
-
-std::string DesktopStory::contents(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void DesktopStory::write(const std::filesystem::path& file, const std::string& contents) {
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << contents;
+    return folder("XDG_CONFIG_HOME") / "velmorquit" / "preferences.plist";
 }
 
 void DesktopStory::prefer(Value::Dictionary settings) {
@@ -181,27 +168,5 @@ void DesktopStory::prefer(Value::Dictionary settings) {
 }
 
 bool DesktopStory::isAlive(pid_t process) { return process > 0 && ::kill(process, 0) == 0; }
-
-void UnsavedLetter::writeText() {
-    focus("mousepad");
-    type(text);
-    await("the mark of a text that isn't saved", [] {
-        return run({"xdotool", "search", "--onlyvisible", "--name", "^\\*.*letter"}).status == 0;
-    });
-}
-
-void UnsavedLetter::answerWithSave() {
-    await("the text in the file", [] {
-        const auto question =
-            run({"xdotool", "search", "--onlyvisible", "--name", "^Save Changes$"});
-        if (question.status == 0) {
-            const auto window = lines(question.text).back();
-            run({"xdotool", "windowactivate", window});
-            linger(100);
-            run({"xdotool", "key", "alt+s"});
-        }
-        return contents(letter()).find(text) != std::string::npos;
-    });
-}
 
 } // namespace velmorquit

@@ -1,12 +1,11 @@
 #pragma once
 
-#include "Desktop/Watch.h"
 #include "Platform/Value.h"
-#include "support/Child.h"
+#include "support/Outcome.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -18,11 +17,17 @@
 
 namespace velmorquit {
 
-/// How a command ended, and all that it printed.
-struct Outcome {
-    int status = -1;
-    std::string text;
-};
+using testing::AllOf;
+using testing::Contains;
+using testing::ContainsRegex;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::MatchesRegex;
+using testing::Not;
+using testing::StartsWith;
+using testing::UnorderedElementsAre;
 
 /// A desktop of its own, with the whole program on it and what a user does there.
 class DesktopStory : public testing::Test {
@@ -35,66 +40,58 @@ protected:
 
     /// Waits, very patiently, until `isSo`; the test fails and ends when that doesn't happen.
     static void await(const std::string& what, const std::function<bool()>& isSo);
+    static void awaitText(Child& command, const std::string& text);
+    static void awaitEnd(Child& command) { static_cast<void>(outcomeOf(command)); }
 
-    /// Runs a command to its end.
-    static Outcome run(const std::vector<std::string>& command);
-    static Outcome control(const std::vector<std::string>& words);
+    /// Runs `velmorctl` to its end.
+    static Outcome control(const Words& words);
 
-    /// Starts the program and waits until it answers.
-    void startProgram();
+    /// Starts the program, by that command, and waits until it answers.
+    void startProgram(const Words& command = {VELMORQUIT});
     /// Ends it without giving it the time to do anything more.
     void killProgram() { program.reset(); }
 
     /// Starts an application and waits until the program, when it runs, lists it.
-    Child& open(const std::vector<std::string>& command);
-    /// Waits until the program lists the application.
-    static void awaitListed(const Child& application);
+    Child& open(const Words& command);
     /// Opens a window whose manners are the arguments; its name is Rude unless they say otherwise.
-    Child& openRude(std::vector<std::string> manners = {});
+    Child& openRude(const Words& manners = {});
+    /// The same for one that the program doesn't list.
+    Child& openUnlisted(const Words& manners);
 
     /// Opens a terminal in the home folder, whose shell finds the program's commands, and waits for
     /// its prompt.
     Child& openTerminal();
-    /// The shell of the terminal that was opened last.
-    [[nodiscard]] static pid_t shell();
 
     /// Starts `velmorctl quit-all` and waits until the run has begun.
-    std::unique_ptr<Child> beginQuitAll();
-    static Outcome outcomeOf(Child& command);
+    static std::unique_ptr<Child> beginQuitAll();
 
     [[nodiscard]] static QJsonObject status();
-    [[nodiscard]] static std::string phase();
-    /// Names of the applications in a list of the status: "applications" or "stubborn".
-    [[nodiscard]] static std::vector<std::string> names(const char* list);
-    static void awaitStubborn(const std::vector<std::string>& expected);
+    [[nodiscard]] static std::string phase() { return status()["phase"].toString().toStdString(); }
+    /// What is in a list of the status, by name where it has one: "applications" or "stubborn".
+    [[nodiscard]] static Words names(const char* list);
+    static void awaitStubborn(const Words& expected);
 
+    /// The windows on the screen of which that is so: "--class" or "--name" and a pattern.
+    [[nodiscard]] static Words windows(const std::string& option, const std::string& pattern);
+    [[nodiscard]] static bool isPanelShown() { return !windows("--name", "Velmor Quit").empty(); }
+    static void awaitPanel(bool isShown = true);
     /// Gives the keyboard to the newest window of that class.
     static void focus(const std::string& windowClass);
+    [[nodiscard]] static std::string titleWithKeyboard();
     /// Types with the keyboard, in the window that has it; "\n" is the return key.
     static void type(const std::string& text);
+    static void press(const Words& keys);
+    static void clickAt(int x, int y);
 
-    [[nodiscard]] static std::filesystem::path home();
+    [[nodiscard]] static std::filesystem::path home() { return folder("HOME"); }
+    [[nodiscard]] static std::filesystem::path folder(const char* variable);
     [[nodiscard]] static std::filesystem::path preferencesFile();
-    [[nodiscard]] static std::string contents(const std::filesystem::path& file);
-    static void write(const std::filesystem::path& file, const std::string& contents);
     [[nodiscard]] static bool isAlive(pid_t process);
 
     std::unique_ptr<Child> program;
 
 private:
     std::list<Child> applications_;
-};
-
-/// An editor with a text that nobody has saved.
-class UnsavedLetter : public DesktopStory {
-protected:
-    static constexpr auto text = "The meeting is on Friday at ten.";
-
-    [[nodiscard]] static std::filesystem::path letter() { return home() / "letter.txt"; }
-    /// Types the text into the editor, in which the letter is open.
-    static void writeText();
-    /// Waits for the editor's question and answers it with Save.
-    static void answerWithSave();
 };
 
 } // namespace velmorquit

@@ -1,0 +1,120 @@
+#include "Desktop/DesktopStory.h"
+
+#include "support/StandInWatcher.h"
+
+namespace velmorquit {
+namespace {
+
+/// The icon in the tray.
+class TrayIcon : public DesktopStory {
+protected:
+    static Words ownWindows() { return windows("--class", "velmorquit"); }
+
+    /// Waits until the panel of the desktop has taken the icon in.
+    void awaitIcon() {
+        await("the icon in the panel", [this] {
+            const Words panel = windows("--class", "tint2");
+            const Words own = ownWindows();
+            // Without one it would wait for somebody to click on a window.
+            if (panel.empty() || own.empty())
+                return false;
+            icon = own.front();
+            const std::string inside = run({"xwininfo", "-tree", "-id", panel.front()}).text;
+            return inside.find("\"velmorquit\"") != std::string::npos;
+        });
+    }
+    void click(const std::string& button = "1") const {
+        run({"xdotool", "mousemove", "--window", icon, "8", "8", "click", button});
+    }
+    /// Chooses from the menu of the icon, with that key, until the process has ended.
+    void choose(const std::string& key, Child& process) {
+        await("what was chosen", [&] {
+            const Words before = ownWindows();
+            click("3");
+            if (waitUntil([&] { return ownWindows() != before; }, 3000))
+                press({key, "Return"});
+            return waitUntil([&] { return !process.isRunning(); }, 3000);
+        });
+    }
+
+    std::string icon;
+};
+
+// Nothing else reaches the program then.
+TEST_F(TrayIcon, HasAMenuAndIsEnoughWithoutASessionBus) {
+    Child& application = openRude();
+    program = std::make_unique<Child>(
+        Words{"env", "DBUS_SESSION_BUS_ADDRESS=unix:path=/nowhere", VELMORQUIT});
+    awaitIcon();
+    EXPECT_THAT(program->output(), StartsWith("Velmor Quit: nessun bus di sessione"));
+    choose("Down", application);
+    EXPECT_THAT(application.output(), HasSubstr("asked"));
+    awaitPanel();
+    choose("Up", *program);
+    EXPECT_EQ(program->status(), 0) << program->output();
+}
+
+TEST_F(TrayIcon, OpensThePanelAndClosesItAgainAndItsMenuWithControl) {
+    startProgram();
+    awaitIcon();
+    EXPECT_FALSE(isPanelShown());
+    click();
+    awaitPanel();
+    click();
+    awaitPanel(false);
+    // The icon lies within the room for the shadow, which the window manager's frame must not keep.
+    const Child compositor({"picom", "--backend", "xrender", "--config", "/dev/null"});
+    const auto openWithShadow = [this] {
+        click();
+        await("the panel with the room for its shadow", [] {
+            const Words panel = windows("--name", "Velmor Quit");
+            return !panel.empty() && run({"xdotool", "getwindowgeometry", panel.front()})
+                                             .text.find("Geometry: 456x") != std::string::npos;
+        });
+        linger(500); // until it has been drawn
+        awaitIcon(); // the panel of the tray takes it in anew when a compositor comes
+    };
+    // The second time there is a compositor before the window manager has the window.
+    openWithShadow();
+    press({"Escape"});
+    awaitPanel(false);
+    openWithShadow();
+    click();
+    awaitPanel(false);
+    click();
+    awaitPanel();
+    clickAt(20, 700);
+    awaitPanel(false);
+    run({"xdotool", "keydown", "ctrl"});
+    click();
+    run({"xdotool", "keyup", "ctrl"});
+    await("the menu", [this] { return ownWindows() != Words{icon}; });
+    EXPECT_FALSE(isPanelShown());
+    press({"ctrl+q"});
+    awaitEnd(*program);
+}
+
+TEST_F(TrayIcon, FollowsATrayOfAnyKindAndIsNotNeededForThePanel) {
+    startProgram();
+    awaitIcon();
+    StandInWatcher watcher(
+        QDBusConnection::connectToBus(QDBusConnection::SessionBus, "stand-in watcher"));
+    watcher.appear();
+    await("the icon on the watcher's list", [&] { return !watcher.registered.isEmpty(); });
+    await("the end of the icon in the panel", [] { return ownWindows().empty(); });
+    watcher.disappear();
+    awaitIcon();
+    run({"sh", "-c", "kill $(xdotool search --onlyvisible --class '^tint2$' getwindowpid)"});
+    await("the end of the tray", [] { return windows("--class", "tint2").empty(); });
+    EXPECT_EQ(control({"show"}).status, 0);
+    awaitPanel();
+    press({"Escape"});
+    awaitPanel(false);
+    const Child tray({"tint2", "-c", home().parent_path() / "tint2rc"});
+    awaitIcon();
+    click();
+    awaitPanel();
+}
+
+} // namespace
+} // namespace velmorquit
