@@ -7,12 +7,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace velmorquit {
 
-/// The end of the session on a simulated desktop, with what the user reads of it.
+/// The end of the session on a simulated desktop: what the user reads of it, and that it was
+/// refused, is in the desktop's log.
 class SessionEndTest : public testing::Test {
 protected:
     SessionEndTest() { begin(); }
@@ -25,18 +26,35 @@ protected:
             desktop.loop, desktop.systemLog, desktop.workspace, desktop.windows, desktop.processes,
             desktop.registry, desktop.input, desktop.sleepHold, desktop.endService});
         endNotice = std::make_unique<EndNotice>(desktop.loop, *end, notice);
+        watching_ = end->state.subscribe([this] {
+            const bool isRefused = end->state->stage == EndState::Stage::refused;
+            if (!std::exchange(wasRefused_, isRefused) && isRefused)
+                desktop.write(end->state->canBeForced ? "refused" : "refused for good");
+        });
     }
 
-    void request(LoginRequest request, Attendance attendance = Attendance::attended) {
-        EXPECT_EQ(end->request(request, {.attendance = attendance}), std::nullopt);
+    void request(LoginRequest request, const EndTerms& terms = {}) {
+        EXPECT_EQ(end->request(request, terms), std::nullopt);
         EXPECT_THAT(desktop.log(), testing::Not(testing::HasSubstr("CALL")))
             << "called within the request";
     }
-    [[nodiscard]] bool isCalled() const {
-        return desktop.log().find("CALL") != std::string::npos ||
-               desktop.log().find("ASK TO") != std::string::npos;
+    /// Lets time pass, and says what has happened since it was last called.
+    std::string after(Duration time) {
+        desktop.advance(time);
+        std::string log = desktop.log();
+        desktop.startLog();
+        return log;
     }
-    [[nodiscard]] EndState::Stage stage() const { return end->state->stage; }
+    /// Asks for the end, and says what happens in that time.
+    std::string ask(LoginRequest wanted, Duration time, const EndTerms& terms = {}) {
+        desktop.startLog();
+        request(wanted, terms);
+        return after(time);
+    }
+    /// Does something when so much time has passed.
+    void in(Duration time, std::function<void()> work) {
+        timers_.push_back(desktop.loop.after(time, std::move(work)));
+    }
 
     /// A process that is busy for so long from now on.
     void work(const SimulatedApplication& application, Duration time) {
@@ -51,6 +69,11 @@ protected:
     SimulatedNotice notice{[this](std::string_view what) { desktop.write(what); }};
     std::unique_ptr<SessionEnd> end;
     std::unique_ptr<EndNotice> endNotice;
+
+private:
+    bool wasRefused_ = false;
+    Handle watching_;
+    std::vector<Handle> timers_;
 };
 
 } // namespace velmorquit
