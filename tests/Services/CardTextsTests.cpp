@@ -10,34 +10,30 @@ namespace velmorquit {
 namespace {
 
 TEST(CardTexts, WhatIsLeftIsRoundedUp) {
-    struct Case {
-        Duration left;
-        const char* text;
-    };
-    for (const Case& sample : {Case{-5s, "tra 0 s"},
-                               {200ms, "tra 1 s"},
-                               {59s, "tra 59 s"},
-                               {60s, "tra 1 min"},
-                               {61s, "tra 2 min"},
-                               {3540s, "tra 59 min"},
-                               {3541s, "tra 1 h"},
-                               {3600s, "tra 1 h"},
-                               {3601s, "tra 1 h 1 min"},
-                               {7200s, "tra 2 h"},
-                               {86340s, "tra 23 h 59 min"}})
-        EXPECT_EQ(CardTexts::remaining(sample.left), sample.text);
+    using Case = std::pair<Duration, const char*>;
+    for (const auto& [left, text] : {Case{-5s, "tra 0 s"},
+                                     {200ms, "tra 1 s"},
+                                     {59s, "tra 59 s"},
+                                     {60s, "tra 1 min"},
+                                     {61s, "tra 2 min"},
+                                     {3540s, "tra 59 min"},
+                                     {3541s, "tra 1 h"},
+                                     {3600s, "tra 1 h"},
+                                     {3601s, "tra 1 h 1 min"},
+                                     {7200s, "tra 2 h"},
+                                     {86340s, "tra 23 h 59 min"}})
+        EXPECT_EQ(CardTexts::remaining(left), text);
 }
 
 TEST(CardTexts, ABackupOfExactlySevenDaysIsNotStale) {
     const SimulatedFormats formats;
     const WallTime now(1000h);
-    const auto isStale = [&](Duration age) {
-        return CardTexts::lastBackup({true, now - age}, formats, now).isStale;
-    };
-    EXPECT_FALSE(isStale(604800s));
-    EXPECT_TRUE(isStale(604801s));
-    EXPECT_TRUE(CardTexts::lastBackup({true, WallTime::min()}, formats, now).isStale);
-    EXPECT_TRUE(CardTexts::lastBackup({true, std::nullopt}, formats, now).isStale);
+    using Case = std::pair<std::optional<WallTime>, bool>;
+    for (const auto& [last, isStale] : {Case{now - 604800s, false},
+                                        {now - 604801s, true},
+                                        {WallTime::min(), true},
+                                        {std::nullopt, true}})
+        EXPECT_EQ(CardTexts::lastBackup({true, last}, formats, now).isStale, isStale);
 }
 
 TEST(CardTexts, ProgressIsAPercentageOrNone) {

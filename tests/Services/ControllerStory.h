@@ -1,17 +1,14 @@
 #pragma once
 
 #include "Services/QuitController/QuitController.h"
-#include "Simulated/SimulatedDesktop.h"
-
-#include <gtest/gtest.h>
+#include "Services/Story.h"
 
 #include <memory>
-#include <string>
 
 namespace velmorquit {
 
 /// A controller on a simulated desktop, whose phases and events are in the desktop's log.
-class ControllerStory : public testing::Test {
+class ControllerStory : public Story {
 protected:
     /// Call it once the stage is set.
     QuitController& start() {
@@ -19,10 +16,16 @@ protected:
         settings = std::make_unique<Settings>(desktop.loop, desktop.preferences);
         controller = std::make_unique<QuitController>(desktop.ports(), *settings);
         events_ = controller->hearEvents([this](const Event& event) { hear(event); });
-        phases_ = controller->phase.subscribe([this] { desktop.write(phaseText()); });
+        phases_ = controller->phase.subscribe([this] { hearPhase(); });
+        stubborn_ = controller->stubborn.subscribe([this] { hearPhase(); });
         desktop.loop.settle();
         desktop.startLog();
         return *controller;
+    }
+    /// Starts, asks all to quit, and says what happens in that time.
+    std::string run(PowerAction action, Duration time) {
+        start().quitAll(action);
+        return after(time);
     }
 
     static std::string names(const std::vector<OpenApp>& apps) {
@@ -40,7 +43,6 @@ protected:
         throw std::out_of_range(name);
     }
 
-    SimulatedDesktop desktop;
     std::unique_ptr<Settings> settings;
     std::unique_ptr<QuitController> controller;
     /// Called after the event is in the log.
@@ -76,6 +78,15 @@ private:
         return text;
     }
 
+    /// Each phase once, and anew when other applications stay.
+    void hearPhase() {
+        std::string text = phaseText();
+        // Nobody stays for a turn before the next phase comes.
+        if (text != lastPhase_ && text != "waiting: ")
+            desktop.write(text);
+        lastPhase_ = std::move(text);
+    }
+
     std::string phaseText() const {
         const Phase& phase = controller->phase;
         if (const auto* failed = std::get_if<phases::BackupFailed>(&phase))
@@ -86,13 +97,17 @@ private:
             return "ejecting";
         if (const auto* quitting = std::get_if<phases::Quitting>(&phase))
             return "quitting " + std::to_string(quitting->total);
+        const auto& note = controller->resultNote.get();
         if (const auto* done = std::get_if<phases::Done>(&phase))
-            return "done " + std::to_string(done->closed) + ' ' + std::to_string(done->freed);
-        return is<phases::Waiting>(phase) ? "waiting" : "idle";
+            return "done " + std::to_string(done->closed) + ' ' + std::to_string(done->freed) +
+                   (note ? ' ' + *note : "");
+        return is<phases::Waiting>(phase) ? "waiting: " + names(controller->stubborn) : "idle";
     }
 
+    std::string lastPhase_;
     Handle events_;
     Handle phases_;
+    Handle stubborn_;
 };
 
 } // namespace velmorquit

@@ -4,6 +4,9 @@
 namespace velmorquit {
 namespace {
 
+using enum PowerAction;
+using testing::HasSubstr;
+
 /// Writes into the desktop's log what is shown.
 class LoggedNotice final : public Notice {
 public:
@@ -23,10 +26,12 @@ private:
 
 class ScheduleNoticeStory : public ControllerStory {
 protected:
-    void begin() {
+    void begin(Duration time, PowerAction action, bool asksFirst = true) {
+        desktop.preferences.set("confirmScheduled", asksFirst);
         start();
         told = std::make_unique<ScheduleNotice>(*controller, notice, desktop.formats);
         desktop.loop.settle();
+        controller->scheduleQuit(desktop.loop.now() + time, action);
     }
 
     LoggedNotice notice{desktop};
@@ -35,95 +40,74 @@ protected:
 
 TEST_F(ScheduleNoticeStory, CountsDownThenAsksAndGoesWhenItIsAnswered) {
     desktop.open("A");
-    begin();
-    controller->scheduleQuit(desktop.loop.now() + 31s, PowerAction::shutDown);
-    desktop.advance(28s);
-    EXPECT_EQ(desktop.log().substr(0, desktop.log().find("\n21")),
-              "1.00 Chiusura programmata alle 09:00 | Tra 30 secondi: Chiudi e spegni | postpone "
-              "cancel");
-    desktop.startLog();
-    desktop.advance(3s);
-    EXPECT_EQ(desktop.log(),
-              Lines("1.00 Chiusura programmata alle 09:00 | Tra 2 secondi: Chiudi e spegni | "
-                    "postpone cancel",
-                    "2.00 Chiusura programmata alle 09:00 | Tra 1 secondo: Chiudi e spegni | "
-                    "postpone cancel",
-                    "3.00 event confirmationNeeded",
-                    "3.00 È l'ora della chiusura programmata | Chiude le app, poi spegne il Mac | "
-                    "confirm postpone cancel"));
-    desktop.startLog();
-    desktop.advance(1h);
+    begin(31s, shutDown);
+    EXPECT_EQ(after(20s), Lines("1.00 Chiusura programmata alle 09:00 | Tra 30 secondi: Chiudi e "
+                                "spegni | postpone cancel"));
+    after(8s);
+    EXPECT_EQ(after(3s), Lines("1.00 Chiusura programmata alle 09:00 | Tra 2 secondi: Chiudi e "
+                               "spegni | postpone cancel",
+                               "2.00 Chiusura programmata alle 09:00 | Tra 1 secondo: Chiudi e "
+                               "spegni | postpone cancel",
+                               "3.00 event confirmationNeeded",
+                               "3.00 È l'ora della chiusura programmata | Chiude le app, poi "
+                               "spegne il Mac | confirm postpone cancel"));
+    after(1h);
     notice.onButton("confirm");
-    desktop.advance(10ms);
-    EXPECT_NE(desktop.log().find("withdrawn"), std::string::npos);
-    EXPECT_NE(desktop.log().find("quit A"), std::string::npos);
+    EXPECT_EQ(after(10ms),
+              Lines("0.00 quit A", "0.00 withdrawn", "0.00 quitting 1", "0.00 ended A"));
     notice.onButton("cancel");
     EXPECT_FALSE(controller->awaitingConfirmation.get());
 }
 
 TEST_F(ScheduleNoticeStory, ButtonsPostponeAndCancelAndAreDeafWhenItIsAnotherSchedule) {
-    begin();
-    controller->scheduleQuit(desktop.loop.now() + 5s, PowerAction::none);
+    begin(5s, none);
     desktop.advance(3s);
     notice.onButton("postpone");
     EXPECT_EQ(controller->schedule.get()->date - desktop.loop.now(), 10min + 2s);
     notice.onButton("cancel");
     EXPECT_TRUE(controller->schedule.get()) << "what is shown is about the one before";
-    desktop.advance(10min);
+    after(10min);
     notice.onButton("cancel");
     EXPECT_FALSE(controller->schedule.get());
-    desktop.startLog();
-    desktop.advance(1s);
-    EXPECT_EQ(desktop.log(), Lines("0.00 withdrawn"));
+    EXPECT_EQ(after(1s), Lines("0.00 withdrawn"));
 }
 
 // The user presses in the last second, and the notice is told of it a moment later.
 TEST_F(ScheduleNoticeStory, CancellingAsTheRunBeginsEndsItAndDropsItsAction) {
     desktop.open("A").asksToSaveFor(20s);
-    desktop.preferences.set("confirmScheduled", false);
-    begin();
-    controller->scheduleQuit(desktop.loop.now() + 5s, PowerAction::shutDown);
-    desktop.advance(5s);
+    begin(5s, shutDown, false);
+    after(5s);
     notice.onButton("cancel");
-    desktop.advance(60s);
-    EXPECT_EQ(desktop.log().find("shut down"), std::string::npos);
-    EXPECT_NE(desktop.log().find("5.00 done 0 0"), std::string::npos) << desktop.log();
-    controller->quitAll(PowerAction::shutDown);
-    desktop.advance(1s);
-    notice.onButton("cancel");
-    desktop.advance(60s);
-    EXPECT_NE(desktop.log().find("shut down"), std::string::npos) << "that is no scheduled one";
+    EXPECT_EQ(after(60s), Lines("0.00 done 0 0", "8.00 idle", "20.00 ended A"));
+    controller->quitAll(shutDown);
+    in(1s, [this] { notice.onButton("cancel"); });
+    EXPECT_THAT(after(60s), HasSubstr("shut down")) << "that is no scheduled one";
 }
 
 TEST_F(ScheduleNoticeStory, AnAnswerDuringAnotherRunLosesNoScheduleAndIsAskedForAgain) {
     desktop.open("A").asksToSaveFor(20s);
-    begin();
+    begin(5s, shutDown);
     told->onUnanswerable = [this] { desktop.write("panel"); };
-    controller->scheduleQuit(desktop.loop.now() + 5s, PowerAction::shutDown);
-    controller->quitAll(PowerAction::none);
-    desktop.advance(6s);
-    desktop.startLog();
+    controller->quitAll(none);
+    after(6s);
     notice.onButton("confirm");
-    EXPECT_NE(desktop.log().find("È l'ora della chiusura programmata"), std::string::npos);
     EXPECT_TRUE(controller->awaitingConfirmation.get());
     notice.onUnanswerable();
     notice.onUnanswerable();
-    EXPECT_EQ(desktop.log().find("panel"), desktop.log().rfind("panel"));
-    EXPECT_NE(desktop.log().find("panel"), std::string::npos);
+    EXPECT_EQ(after(0s), Lines("0.00 È l'ora della chiusura programmata | Chiude le app, poi "
+                               "spegne il Mac | confirm postpone cancel",
+                               "0.00 panel"))
+        << "the panel comes once";
     desktop.advance(20s);
     notice.onButton("confirm");
-    desktop.advance(5s);
-    EXPECT_NE(desktop.log().find("shut down"), std::string::npos) << desktop.log();
+    EXPECT_THAT(after(5s), HasSubstr("shut down"));
 }
 
 TEST_F(ScheduleNoticeStory, SaysWhatWasSleptThrough) {
-    begin();
-    controller->scheduleQuit(desktop.loop.now() + 1h, PowerAction::none);
+    begin(1h, none);
     desktop.loop.fallAsleep(2h);
-    desktop.loop.settle();
-    EXPECT_EQ(desktop.log(),
-              Lines("0.00 Chiusura programmata | La chiusura programmata delle 10:00 non è "
-                    "partita: il Mac era in stop. |"));
+    EXPECT_EQ(after(0s), Lines("0.00 Chiusura programmata | La chiusura programmata delle 10:00 "
+                               "non è partita: il Mac era in stop. |"));
 }
 
 } // namespace

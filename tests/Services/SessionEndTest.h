@@ -2,19 +2,15 @@
 
 #include "Services/SessionEnd/EndNotice.h"
 #include "Services/SessionEnd/SessionEnd.h"
-#include "Simulated/SimulatedDesktop.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include "Services/Story.h"
 
 #include <memory>
-#include <utility>
 
 namespace velmorquit {
 
 /// The end of the session on a simulated desktop: what the user reads of it, and that it was
 /// refused, is in the desktop's log.
-class SessionEndTest : public testing::Test {
+class SessionEndTest : public Story {
 protected:
     SessionEndTest() { begin(); }
 
@@ -38,22 +34,11 @@ protected:
         EXPECT_THAT(desktop.log(), testing::Not(testing::HasSubstr("CALL")))
             << "called within the request";
     }
-    /// Lets time pass, and says what has happened since it was last called.
-    std::string after(Duration time) {
-        desktop.advance(time);
-        std::string log = desktop.log();
-        desktop.startLog();
-        return log;
-    }
     /// Asks for the end, and says what happens in that time.
     std::string ask(LoginRequest wanted, Duration time, const EndTerms& terms = {}) {
         desktop.startLog();
         request(wanted, terms);
         return after(time);
-    }
-    /// Does something when so much time has passed.
-    void in(Duration time, std::function<void()> work) {
-        timers_.push_back(desktop.loop.after(time, std::move(work)));
     }
 
     /// A process that is busy for so long from now on.
@@ -65,7 +50,6 @@ protected:
         };
     }
 
-    SimulatedDesktop desktop;
     SimulatedNotice notice{[this](std::string_view what) { desktop.write(what); }};
     std::unique_ptr<SessionEnd> end;
     std::unique_ptr<EndNotice> endNotice;
@@ -73,7 +57,6 @@ protected:
 private:
     bool wasRefused_ = false;
     Handle watching_;
-    std::vector<Handle> timers_;
 };
 
 } // namespace velmorquit

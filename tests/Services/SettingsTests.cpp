@@ -9,6 +9,7 @@ namespace {
 class SettingsTest : public testing::Test {
 protected:
     SimulatedDesktop desktop;
+    SimulatedPreferences& preferences = desktop.preferences;
     Settings settings{desktop.loop, desktop.preferences};
 };
 
@@ -20,7 +21,7 @@ TEST_F(SettingsTest, ComeBackAsTheyWereStored) {
     settings.lastSession.store(apps);
     settings.lastSessionDate.store(desktop.loop.now());
     settings.language.store(AppLanguage::english);
-    const Settings later(desktop.loop, desktop.preferences);
+    const Settings later(desktop.loop, preferences);
     EXPECT_EQ(later.excludedApps.get(), (std::set<std::string>{"a", "b"}));
     EXPECT_EQ(later.afterQuit.get(), PowerAction::restart);
     EXPECT_FALSE(later.confirmScheduled);
@@ -31,17 +32,16 @@ TEST_F(SettingsTest, ComeBackAsTheyWereStored) {
     settings.lastSession.store(std::nullopt);
     settings.lastSessionDate.store(std::nullopt);
     settings.language.store(AppLanguage::system);
-    EXPECT_EQ(desktop.preferences.values(),
-              (Value::Dictionary{{"excludedApps", Value::Array{"a", "b"}},
-                                 {"afterQuit", "restart"},
-                                 {"confirmScheduled", false}}));
+    EXPECT_EQ(preferences.values(), (Value::Dictionary{{"excludedApps", Value::Array{"a", "b"}},
+                                                       {"afterQuit", "restart"},
+                                                       {"confirmScheduled", false}}));
 }
 
 TEST_F(SettingsTest, WhatIsNoSuchValueLeavesTheDefault) {
     for (const Value& odd : {Value(1), Value("odd"), Value(Value::Array{1})}) {
         for (const char* key : {"excludedApps", "afterQuit", "confirmScheduled", "lastSession",
                                 "lastSessionDate", "AppleLanguages"})
-            desktop.preferences.set(key, odd);
+            preferences.set(key, odd);
         desktop.loop.settle();
         EXPECT_FALSE(settings.excludedApps.get());
         EXPECT_EQ(settings.afterQuit.get(), PowerAction::none);
@@ -50,18 +50,22 @@ TEST_F(SettingsTest, WhatIsNoSuchValueLeavesTheDefault) {
         EXPECT_FALSE(settings.lastSessionDate.get());
         EXPECT_EQ(settings.language.get(), AppLanguage::system);
     }
+    preferences.set("integer", 0);
+    preferences.set("false", false);
+    EXPECT_TRUE(preferences.boolean("integer", true) && preferences.boolean("absent", true));
+    EXPECT_FALSE(preferences.boolean("integer", false) || preferences.boolean("false", true));
 }
 
 TEST_F(SettingsTest, TellOfWhatAnotherProgramStores) {
     int told = 0;
     const Handle subscription = settings.ejectDrives.subscribe([&] { ++told; });
     desktop.loop.settle();
-    desktop.preferences.set("ejectDrives", true);
+    preferences.set("ejectDrives", true);
     desktop.loop.settle();
     EXPECT_EQ(told, 2);
     EXPECT_TRUE(settings.ejectDrives);
 
-    desktop.preferences.onRefresh = [&] { desktop.preferences.set("ejectDrives", false); };
+    preferences.onRefresh = [&] { preferences.set("ejectDrives", false); };
     settings.refresh();
     EXPECT_FALSE(settings.ejectDrives) << "without waiting";
 }
