@@ -1,14 +1,12 @@
-#include "Services/ControllerStory.h"
-#include "Services/Remote/RemoteControl.h"
-
-#include <nlohmann/json.hpp>
+#include "Services/RemoteStory.h"
 
 #include <span>
 
 namespace velmorquit {
 namespace {
 
-using nlohmann::json;
+using testing::HasSubstr;
+using testing::Not;
 
 constexpr std::chrono::seconds week{604800};
 
@@ -19,7 +17,7 @@ Value dataOf(std::string_view text) {
     return Value::Data(bytes.begin(), bytes.end());
 }
 
-class LastSession : public ControllerStory {
+class LastSession : public RemoteStory {
 protected:
     /// Opens an application with an identifier, whose file is there.
     SimulatedApplication& openInstalled(const std::string& id, std::uint64_t memory = 0) {
@@ -27,18 +25,19 @@ protected:
         return desktop.open(id, memory).identified(id);
     }
 
-    void quitAll() {
+    std::string quitAll(Duration time = 20s) {
         controller->quitAll(PowerAction::none);
-        desktop.advance(20s);
+        return after(time);
     }
 
-    /// A start of the program that finds this stored.
-    QuitController& startWith(const Value& list, const Value& date) {
+    /// The names of what a start of the program that finds this stored offers.
+    std::string startWith(const Value& list, const Value& date) {
         desktop.preferences.set("lastSession", list);
         desktop.preferences.set("lastSessionDate", date);
-        return start();
+        return names(start().lastSession);
     }
 
+    using ControllerStory::names;
     static std::string names(const std::vector<SavedApp>& apps) {
         std::string text;
         for (const SavedApp& app : apps)
@@ -65,8 +64,7 @@ TEST_F(LastSession, IsWhatQuitLargestFirstEachApplicationOnceAndSurvivesAStart) 
     openInstalled("stubborn", 99).ignoresAsking();
     desktop.open("pathless", 50);
     start();
-    controller->quitAll(PowerAction::none);
-    desktop.advance(10s);
+    quitAll(10s);
     EXPECT_EQ(names(controller->lastSession), "");
     controller->leaveStubbornOpen();
     const WallTime end = desktop.loop.now();
@@ -84,47 +82,35 @@ TEST_F(LastSession, IsWhatQuitLargestFirstEachApplicationOnceAndSurvivesAStart) 
 
 TEST_F(LastSession, IsKnownBeforeAnythingFollowsTheRun) {
     openInstalled("note");
-    start();
     desktop.loginWindow.onRequest = [&] { desktop.write("known " + storedText().substr(0, 15)); };
-    controller->quitAll(PowerAction::shutDown);
-    desktop.advance(20s);
-    EXPECT_NE(desktop.log().find("known [{\"name\":\"note\""), std::string::npos) << desktop.log();
+    EXPECT_THAT(run(PowerAction::shutDown, 20s), HasSubstr("known [{\"name\":\"note\""));
 }
 
-TEST_F(LastSession, HasWhatAnApplicationTurnedOutToBe) {
-    desktop.files.paths.insert(pathOf("writer"));
+TEST_F(LastSession, HasWhatApplicationsTurnedOutToBeButForTheExcluded) {
+    desktop.preferences.set("excludedApps", Value::Array{"calc", "Earlier"});
+    desktop.files.paths = {pathOf("writer"), pathOf("calc"), pathOf("player")};
     SimulatedApplication& office = desktop.open("Soffice").unsettled();
-    start();
-    controller->quitAll(PowerAction::none);
-    desktop.advance(1s);
-    EXPECT_FALSE(office.isTerminated()) << "it may be excluded";
-    office.settled("Writer", "writer");
-    desktop.advance(1s);
-    EXPECT_TRUE(office.isTerminated());
-    const std::vector<SavedApp> expected{{"Writer", pathOf("writer")}};
-    EXPECT_EQ(controller->lastSession.get(), expected);
-}
-
-TEST_F(LastSession, LacksWhatTurnedOutToBeExcluded) {
-    desktop.preferences.set("excludedApps", Value::Array{"writer", "Earlier"});
-    SimulatedApplication& office = desktop.open("Soffice").unsettled();
+    SimulatedApplication& spared = desktop.open("Soffice2").unsettled();
     SimulatedApplication& player = desktop.open("Earlier").unsettled();
     openInstalled("note").quitsAfter(2s);
     start();
-    int drawn = 0;
-    const Handle list = controller->apps.subscribe([&] { ++drawn; });
-    controller->quitAll(PowerAction::none);
-    desktop.advance(1s);
-    drawn = 0;
+    quitAll(1s);
+    EXPECT_FALSE(office.isTerminated()) << "it may be excluded";
+    bool isDrawn = false;
+    const Handle list = controller->apps.subscribe([&] { isDrawn = true; });
+    desktop.loop.settle();
+    isDrawn = false;
     office.settled("Writer", "writer");
+    spared.settled("Calc", "calc");
     player.settled("Player", "player");
     desktop.advance(500ms);
-    EXPECT_GT(drawn, 0);
-    EXPECT_EQ(ControllerStory::names(controller->quittable()), "note");
-    desktop.advance(5s);
-    EXPECT_NE(desktop.log().find("quitting 1"), std::string::npos) << desktop.log();
-    EXPECT_NE(desktop.log().find("done 1 "), std::string::npos) << desktop.log();
-    EXPECT_FALSE(office.isTerminated() || player.isTerminated());
+    EXPECT_TRUE(isDrawn);
+    EXPECT_EQ(names(controller->quittable()), "note");
+    EXPECT_EQ(after(5s), Lines("0.25 quit Soffice", "0.25 quitting 2", "0.25 ended Soffice",
+                               "1.00 ended note", "1.00 event quitDone 2", "1.00 done 2 0"));
+    EXPECT_FALSE(spared.isTerminated() || player.isTerminated());
+    const std::vector<SavedApp> expected{{"Writer", pathOf("writer")}, {"note", pathOf("note")}};
+    EXPECT_EQ(controller->lastSession.get(), expected);
 }
 
 TEST_F(LastSession, IsReplacedOnlyByARunThatClosedSomethingThatCanBeReopened) {
@@ -135,15 +121,13 @@ TEST_F(LastSession, IsReplacedOnlyByARunThatClosedSomethingThatCanBeReopened) {
     quitAll();
     desktop.open("pathless");
     openInstalled("stubborn").ignoresAsking();
-    controller->quitAll(PowerAction::none);
-    desktop.advance(7s);
+    quitAll(7s);
     controller->leaveStubbornOpen();
     EXPECT_EQ(names(controller->lastSession), "one");
     EXPECT_EQ(storedDate(), date);
 
     openInstalled("two");
-    controller->quitAll(PowerAction::none);
-    desktop.advance(7s);
+    quitAll(7s);
     controller->forceQuitStubborn();
     desktop.advance(1s);
     EXPECT_EQ(names(controller->lastSession), "stubborn two");
@@ -153,29 +137,29 @@ TEST_F(LastSession, IsReplacedOnlyByARunThatClosedSomethingThatCanBeReopened) {
 TEST_F(LastSession, IsOfferedForLessThanAWeekToAProgramThatStarts) {
     const Value list = dataOf(R"([{"path": "/p", "name": "n"}])");
     const WallTime now = desktop.loop.now();
-    EXPECT_TRUE(startWith(list, now - week).lastSession->empty());
-    EXPECT_EQ(names(startWith(list, now - week + 1ns).lastSession), "n");
+    EXPECT_EQ(startWith(list, now - week), "");
+    EXPECT_EQ(startWith(list, now - week + 1ns), "n");
     desktop.advance(2 * week);
     EXPECT_EQ(names(controller->lastSession), "n") << "what is loaded stays";
-    EXPECT_EQ(names(startWith(list, desktop.loop.now() + 1h).lastSession), "n");
-    EXPECT_TRUE(startWith(list, WallTime::min()).lastSession->empty());
-    EXPECT_TRUE(startWith(list, "yesterday").lastSession->empty());
+    EXPECT_EQ(startWith(list, desktop.loop.now() + 1h), "n");
+    EXPECT_EQ(startWith(list, WallTime::min()), "");
+    EXPECT_EQ(startWith(list, "yesterday"), "");
     desktop.preferences.remove("lastSessionDate");
     EXPECT_TRUE(start().lastSession->empty());
 }
 
 TEST_F(LastSession, ThatIsDamagedIsNoneAndStaysStoredUntilItIsReplaced) {
+    using namespace std::string_literals;
     const std::string deep(100000, '[');
     for (const std::string& damaged :
-         {std::string(), std::string("["), std::string("null"), std::string("{}"),
-          std::string(R"([{"name": "n", "path": "/p"}, {"name": "n"}])"),
-          std::string(R"([{"name": "n", "path": 1}])"), std::string(R"(["n", "/p"])"),
-          std::string("[{\"name\": \"n\", \"path\": \"/\xff\"}]"), deep}) {
-        EXPECT_TRUE(startWith(dataOf(damaged), desktop.loop.now()).lastSession->empty());
+         {""s, "["s, "null"s, "{}"s, R"([{"name": "n", "path": "/p"}, {"name": "n"}])"s,
+          R"([{"name": "n", "path": 1}])"s, R"(["n", "/p"])"s,
+          "[{\"name\": \"n\", \"path\": \"/\xff\"}]"s, deep}) {
+        EXPECT_EQ(startWith(dataOf(damaged), desktop.loop.now()), "");
         EXPECT_EQ(storedText(), damaged);
     }
-    startWith(R"([{"name": "n", "path": "/p"}])", desktop.loop.now());
-    EXPECT_TRUE(controller->lastSession->empty()) << "a text is no data";
+    EXPECT_EQ(startWith(R"([{"name": "n", "path": "/p"}])", desktop.loop.now()), "")
+        << "a text is no data";
     openInstalled("one");
     quitAll();
     EXPECT_EQ(names(start().lastSession), "one");
@@ -187,7 +171,6 @@ TEST_F(LastSession, HoldsWhatJsonCanHold) {
     desktop.open("Ca\xff").identified("name");
     start();
     quitAll();
-    EXPECT_EQ(names(controller->lastSession), "\"Quoted\" Ca\uFFFD");
     const std::vector<SavedApp> expected{{"\"Quoted\"", pathOf("back\\slash \"é\"")},
                                          {"Ca\uFFFD", pathOf("name")}};
     EXPECT_EQ(start().lastSession.get(), expected);
@@ -211,71 +194,47 @@ TEST_F(LastSession, IsReopenedButForWhatRunsOrHasGoneAndIsForgotten) {
         if (path == pathOf("one"))
             openInstalled("one");
     };
-    desktop.startLog();
     controller->reopenLastSession();
-    EXPECT_EQ(desktop.log(), "0.00 open /applications/one.desktop\n"
-                             "0.00 open /applications/two.desktop\n");
-    EXPECT_TRUE(controller->lastSession->empty());
     EXPECT_EQ(storedText(), "");
     EXPECT_EQ(storedDate(), Value("-"));
     controller->reopenLastSession();
-    EXPECT_EQ(desktop.log().find("two"), desktop.log().rfind("two"));
-}
-
-TEST_F(LastSession, IsForgottenAlsoWhenNothingOfItCanBeOpened) {
-    openInstalled("one");
-    start();
+    EXPECT_EQ(after(0s),
+              Lines("0.00 open /applications/one.desktop", "0.00 open /applications/two.desktop"));
     quitAll();
     desktop.files.paths.clear();
     controller->reopenLastSession();
-    EXPECT_EQ(desktop.log().find("open"), std::string::npos);
-    EXPECT_TRUE(start().lastSession->empty());
+    EXPECT_EQ(after(0s), "");
+    EXPECT_TRUE(start().lastSession->empty()) << "also when nothing of it can be opened";
 }
 
 TEST_F(LastSession, IsReopenedAndForgottenByOthers) {
     openInstalled("one");
     openInstalled("two");
-    start();
-    ActionRunner actions(desktop.loop, desktop.kernel, desktop.formats);
-    RemoteControl control(*controller, actions, desktop.ports());
-    const auto give = [this](const char* verb) {
-        return json::parse(desktop.remote.give(verb).text);
-    };
-    EXPECT_EQ(give("reopen")["text"], "Non ci sono app da riaprire.");
+    serve();
+    EXPECT_EQ(give("reopen"), "Non ci sono app da riaprire.");
     quitAll();
     const json two = json::parse(R"([{"name": "one", "path": "/applications/one.desktop"},
                                      {"name": "two", "path": "/applications/two.desktop"}])");
-    EXPECT_EQ(give("status")["reopenable"], two);
-    EXPECT_EQ(give("reopen"), (json{{"reopened", two}, {"text", "Riapro 2 app."}}));
-    EXPECT_EQ(give("status")["reopenable"], json::array());
-    openInstalled("one");
-    quitAll();
-    EXPECT_EQ(give("reopen")["text"], "Riapro 1 app.");
-    openInstalled("one");
-    quitAll();
-    EXPECT_TRUE(give("forget").is_object());
-    EXPECT_EQ(give("reopen")["text"], "Non ci sono app da riaprire.");
-}
-
-TEST_F(LastSession, WhatNoFileStartsIsNamedBesideWhatComesBack) {
+    EXPECT_EQ(status()["reopenable"], two);
+    EXPECT_EQ(answer("reopen"), (json{{"reopened", two}, {"text", "Riapro 2 app."}}));
+    EXPECT_EQ(status()["reopenable"], json::array());
     openInstalled("one");
     for (const char* name : {"Lost", "Lost", "Back"})
         desktop.open(name);
-    start();
-    ActionRunner actions(desktop.loop, desktop.kernel, desktop.formats);
-    RemoteControl control(*controller, actions, desktop.ports());
-    const auto reopen = [this] { return desktop.remote.give("reopen"); };
     controller->quitAll(PowerAction::none);
-    EXPECT_EQ(reopen().status, RemoteAnswer::Status::refused);
+    EXPECT_THAT(give("reopen"), testing::StartsWith("refused"));
     desktop.advance(20s);
     desktop.open("Back");
     controller->refresh();
-    EXPECT_EQ(json::parse(reopen().text)["text"], "Riapro 1 app. Non si può riaprire: Lost.");
-    EXPECT_EQ(json::parse(reopen().text)["text"], "Non ci sono app da riaprire.");
+    EXPECT_EQ(give("reopen"), "Riapro 1 app. Non si può riaprire: Lost.");
+    EXPECT_EQ(give("reopen"), "Non ci sono app da riaprire.");
     desktop.open("Gone");
     quitAll();
-    EXPECT_EQ(json::parse(reopen().text)["text"],
-              "Non ci sono app da riaprire. Non si possono riaprire: Back, Gone.");
+    EXPECT_EQ(give("reopen"), "Non ci sono app da riaprire. Non si possono riaprire: Back, Gone.");
+    openInstalled("one");
+    quitAll();
+    EXPECT_EQ(give("forget"), "");
+    EXPECT_EQ(give("reopen"), "Non ci sono app da riaprire.");
 }
 
 } // namespace
