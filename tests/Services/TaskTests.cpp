@@ -34,27 +34,13 @@ public:
         log_ += "end ";
     }
 
-    Task<> cancelItself() {
+    Task<> act(std::function<void()> work) {
         const Witness witness(log_);
         co_await sleep(1s);
-        task.cancel();
-        log_ += "stillHere ";
+        work();
+        witness.log += "stillHere ";
         co_await sleep(1s);
-        log_ += "never ";
-    }
-
-    Task<> replaceItself() {
-        const Witness witness(log_);
-        co_await sleep(1s);
-        task = countTo(1);
-        log_ += "replaced ";
-    }
-
-    Task<> endOwner(std::unique_ptr<Owner>& self) {
-        const Witness witness(log_);
-        co_await sleep(1s);
-        self.reset();
-        co_await sleep(1s);
+        witness.log += "never ";
     }
 
     Task<std::string> name(std::string text) {
@@ -96,6 +82,12 @@ private:
 
 class TaskTest : public testing::Test {
 protected:
+    /// What has been written after that time, since it was last called.
+    std::string after(Duration time) {
+        loop.advance(time);
+        return std::exchange(log, {});
+    }
+
     VirtualLoop loop;
     std::string log;
     std::unique_ptr<Owner> owner = std::make_unique<Owner>(loop, log);
@@ -104,74 +96,53 @@ protected:
 TEST_F(TaskTest, BeginsInALaterTurnAndGoesOnAfterEachSleep) {
     owner->task = owner->countTo(2);
     EXPECT_EQ(log, "");
-    loop.settle();
-    EXPECT_EQ(log, "1 ");
+    EXPECT_EQ(after(0s), "1 ");
     EXPECT_TRUE(owner->task.isActive());
-    loop.advance(2s);
-    EXPECT_EQ(log, "1 2 end gone ");
+    EXPECT_EQ(after(2s), "2 end gone ");
     EXPECT_FALSE(owner->task.isActive());
 }
 
 TEST_F(TaskTest, EndsWhereItSleepsWhenItIsCancelledReplacedOrItsOwnerDies) {
     owner->task = owner->countTo(9);
+    owner->task.cancel();
+    EXPECT_EQ(after(10s), "") << "it never begins";
+    owner->task = owner->countTo(9);
     loop.settle();
     owner->task.cancel();
-    EXPECT_EQ(log, "1 gone ");
+    EXPECT_EQ(after(0s), "1 gone ");
     owner->task = owner->countTo(9);
     loop.settle();
     owner->task = owner->countTo(5);
-    EXPECT_EQ(log, "1 gone 1 gone ");
+    EXPECT_EQ(log, "1 gone ");
     loop.settle();
     owner.reset();
-    loop.advance(10s);
-    EXPECT_EQ(log, "1 gone 1 gone 1 gone ");
+    EXPECT_EQ(after(10s), "1 gone 1 gone ");
 }
 
-TEST_F(TaskTest, NeverBeginsWhenItIsCancelledBefore) {
-    owner->task = owner->countTo(9);
-    owner->task.cancel();
-    loop.advance(10s);
-    EXPECT_EQ(log, "");
-}
-
-TEST_F(TaskTest, GoesOnToItsNextSleepWhenItCancelsItself) {
-    owner->task = owner->cancelItself();
-    loop.advance(10s);
-    EXPECT_EQ(log, "stillHere gone ");
-}
-
-TEST_F(TaskTest, MayReplaceItselfByItsSuccessor) {
-    owner->task = owner->replaceItself();
-    loop.advance(10s);
-    EXPECT_EQ(log, "replaced gone 1 end gone ");
+TEST_F(TaskTest, GoesOnToItsNextSleepWhenItCancelsOrReplacesItselfOrEndsItsOwner) {
+    const auto outcome = [this](std::function<void()> work) {
+        owner->task = owner->act(std::move(work));
+        return after(10s);
+    };
+    EXPECT_EQ(outcome([this] { owner->task.cancel(); }), "stillHere gone ");
+    EXPECT_EQ(outcome([this] { owner->task = owner->countTo(1); }), "stillHere gone 1 end gone ");
+    EXPECT_EQ(outcome([this] { owner.reset(); }), "stillHere gone ");
 }
 
 TEST_F(TaskTest, WaitsForWhatAnotherReturnsAlsoWhenThatHasEndedBefore) {
     owner->task = owner->waitForNames();
-    loop.advance(1s);
-    EXPECT_EQ(log, "gone gone slow earlier gone ");
-    log.clear();
+    EXPECT_EQ(after(1s), "gone gone slow earlier gone ");
     owner->task = owner->waitForNames();
     loop.settle();
     owner.reset();
-    loop.advance(5s);
-    EXPECT_EQ(log, "gone gone gone ") << "those it waits for end with it";
+    EXPECT_EQ(after(5s), "gone gone gone ") << "those it waits for end with it";
 }
 
 TEST_F(TaskTest, EndsWithWhatWaitsForItUnlessNobodyCancelsIt) {
     owner->task = owner->waitForTelling([] {});
-    loop.settle();
-    EXPECT_EQ(std::exchange(log, {}), "goesOn gone told gone ");
+    EXPECT_EQ(after(0s), "goesOn gone told gone ");
     owner->task = owner->waitForTelling([this] { owner.reset(); });
-    loop.settle();
-    EXPECT_EQ(log, "gone gone ") << "nothing of the owner is touched any more";
-}
-
-TEST_F(TaskTest, MayEndItsOwner) {
-    owner->task = owner->endOwner(owner);
-    loop.advance(10s);
-    EXPECT_EQ(log, "gone ");
-    EXPECT_EQ(owner, nullptr);
+    EXPECT_EQ(after(0s), "gone gone ") << "nothing of the owner is touched any more";
 }
 
 } // namespace
