@@ -8,6 +8,7 @@
 #include <ctime>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 namespace velmorquit {
@@ -41,10 +42,6 @@ protected:
         return QDateTime::fromSecsSinceEpoch(seconds.count(), Qt::UTC)
             .toString(Qt::ISODate)
             .toStdString();
-    }
-
-    std::string next(ClockTime time, const char* now) const {
-        return text(italian.nextOccurrence(time, utc(now)));
     }
 
     LocaleFormats italian{Language::italian, QLocale("it_IT")};
@@ -124,37 +121,46 @@ TEST_F(FormatsTest, ARelativeDateIsAsAPersonWouldSayIt) {
               "24 ore fa");
 }
 
-TEST_F(FormatsTest, TheNextOccurrenceIsStrictlyLater) {
-    EXPECT_EQ(next({13, 0}, "2026-11-23T11:59:59Z"), "2026-11-23T12:00:00Z");
-    EXPECT_EQ(next({13, 0}, "2026-11-23T12:00:00Z"), "2026-11-24T12:00:00Z");
+TEST_F(FormatsTest, TheNextOccurrenceIsStrictlyLaterAndWhatIsSkippedTheNextThatThereIs) {
+    const struct {
+        const char* zone;
+        ClockTime time;
+        const char *now, *next;
+    } cases[]{
+        {"Europe/Rome", {13, 0}, "2026-11-23T11:59:59Z", "2026-11-23T12:00:00Z"},
+        {"Europe/Rome", {13, 0}, "2026-11-23T12:00:00Z", "2026-11-24T12:00:00Z"},
+        {"Europe/Rome", {0, 0}, "2026-12-31T22:59:00Z", "2026-12-31T23:00:00Z"},
+        // 2:00 to 3:00 is skipped on 2026-03-29.
+        {"Europe/Rome", {2, 30}, "2026-03-28T22:00:00Z", "2026-03-29T01:00:00Z"},
+        {"Europe/Rome", {2, 0}, "2026-03-28T22:00:00Z", "2026-03-29T01:00:00Z"},
+        {"Europe/Rome", {1, 59}, "2026-03-28T22:00:00Z", "2026-03-29T00:59:00Z"},
+        {"Europe/Rome", {3, 0}, "2026-03-28T22:00:00Z", "2026-03-29T01:00:00Z"},
+        {"Europe/Rome", {2, 30}, "2026-03-29T01:00:00Z", "2026-03-30T00:30:00Z"},
+        {"Europe/Rome", {23, 0}, "2026-03-28T22:00:00Z", "2026-03-29T21:00:00Z"},
+        // It comes twice on 2026-10-25, of which the first counts.
+        {"Europe/Rome", {2, 30}, "2026-10-24T22:00:00Z", "2026-10-25T00:30:00Z"},
+        {"Europe/Rome", {2, 30}, "2026-10-25T00:30:00Z", "2026-10-26T01:30:00Z"},
+        {"Europe/Rome", {3, 0}, "2026-10-24T22:00:00Z", "2026-10-25T02:00:00Z"},
+        // Half an hour.
+        {"Australia/Lord_Howe", {2, 15}, "2026-10-03T12:00:00Z", "2026-10-03T15:30:00Z"},
+        {"Australia/Lord_Howe", {1, 45}, "2026-04-04T12:00:00Z", "2026-04-04T14:45:00Z"},
+        // Midnight is skipped.
+        {"America/Santiago", {0, 0}, "2026-09-05T12:00:00Z", "2026-09-06T04:00:00Z"},
+        {"Pacific/Kiritimati", {0, 0}, "2026-06-01T09:59:00Z", "2026-06-01T10:00:00Z"},
+    };
+    for (const auto& [zone, time, now, next] : cases) {
+        moveTo(zone);
+        EXPECT_EQ(text(italian.nextOccurrence(time, utc(now))), next) << zone << ' ' << now;
+    }
+    moveTo("Europe/Rome");
     EXPECT_EQ(text(italian.nextOccurrence({13, 0}, utc("2026-11-23T12:00:00Z") - 1ns)),
               "2026-11-23T12:00:00Z");
-    EXPECT_EQ(next({0, 0}, "2026-12-31T22:59:00Z"), "2026-12-31T23:00:00Z");
-    EXPECT_EQ(text(italian.today({23, 0}, utc("2026-11-23T22:30:00Z"))), "2026-11-23T22:00:00Z");
-    EXPECT_EQ(text(italian.today({0, 0}, utc("2026-11-23T22:30:00Z"))), "2026-11-22T23:00:00Z");
-}
-
-TEST_F(FormatsTest, ASkippedTimeIsTheNextThatThereIsAndARepeatedOneTheFirst) {
-    // In Rome 2:00 to 3:00 is skipped on 2026-03-29 and comes twice on 2026-10-25.
-    EXPECT_EQ(next({2, 30}, "2026-03-28T22:00:00Z"), "2026-03-29T01:00:00Z");
-    EXPECT_EQ(next({2, 0}, "2026-03-28T22:00:00Z"), "2026-03-29T01:00:00Z");
-    EXPECT_EQ(next({1, 59}, "2026-03-28T22:00:00Z"), "2026-03-29T00:59:00Z");
-    EXPECT_EQ(next({3, 0}, "2026-03-28T22:00:00Z"), "2026-03-29T01:00:00Z");
-    EXPECT_EQ(next({2, 30}, "2026-03-29T01:00:00Z"), "2026-03-30T00:30:00Z");
-    EXPECT_EQ(next({23, 0}, "2026-03-28T22:00:00Z"), "2026-03-29T21:00:00Z");
-    EXPECT_EQ(next({2, 30}, "2026-10-24T22:00:00Z"), "2026-10-25T00:30:00Z");
-    EXPECT_EQ(next({2, 30}, "2026-10-25T00:30:00Z"), "2026-10-26T01:30:00Z");
-    EXPECT_EQ(next({3, 0}, "2026-10-24T22:00:00Z"), "2026-10-25T02:00:00Z");
-    EXPECT_EQ(text(italian.today({2, 30}, utc("2026-03-29T12:00:00Z"))), "2026-03-29T01:00:00Z");
-    EXPECT_EQ(text(italian.today({2, 30}, utc("2026-10-25T12:00:00Z"))), "2026-10-25T00:30:00Z");
-
-    moveTo("Australia/Lord_Howe"); // half an hour
-    EXPECT_EQ(next({2, 15}, "2026-10-03T12:00:00Z"), "2026-10-03T15:30:00Z");
-    EXPECT_EQ(next({1, 45}, "2026-04-04T12:00:00Z"), "2026-04-04T14:45:00Z");
-    moveTo("America/Santiago"); // midnight is skipped
-    EXPECT_EQ(next({0, 0}, "2026-09-05T12:00:00Z"), "2026-09-06T04:00:00Z");
-    moveTo("Pacific/Kiritimati");
-    EXPECT_EQ(next({0, 0}, "2026-06-01T09:59:00Z"), "2026-06-01T10:00:00Z");
+    for (const auto& [time, now, expected] :
+         {std::tuple(ClockTime{23, 0}, "2026-11-23T22:30:00Z", "2026-11-23T22:00:00Z"),
+          {ClockTime{0, 0}, "2026-11-23T22:30:00Z", "2026-11-22T23:00:00Z"},
+          {ClockTime{2, 30}, "2026-03-29T12:00:00Z", "2026-03-29T01:00:00Z"},
+          {ClockTime{2, 30}, "2026-10-25T12:00:00Z", "2026-10-25T00:30:00Z"}})
+        EXPECT_EQ(text(italian.today(time, utc(now))), expected);
 }
 
 } // namespace

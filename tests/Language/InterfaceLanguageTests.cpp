@@ -4,6 +4,7 @@
 #include "Services/Settings.h"
 #include "Simulated/SimulatedDesktop.h"
 #include "support/Child.h"
+#include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
 #include <gtest/gtest.h>
@@ -13,8 +14,6 @@
 
 namespace velmorquit {
 namespace {
-
-namespace fs = std::filesystem;
 
 TEST(InterfaceLanguage, IsTheForcedOneElseTheFirstOfTheUsersThatIsSpoken) {
     EXPECT_EQ(interfaceLanguage(Language::english, {"it-IT"}), Language::english);
@@ -35,17 +34,11 @@ TEST(InterfaceLanguage, IsForcedByTheFirstTwoLettersOfTheFirstText) {
     };
     EXPECT_EQ(current(Value::Array{"en-GB", "it"}), AppLanguage::english);
     EXPECT_EQ(current(Value::Array{"it_CH"}), AppLanguage::italian);
-    const Value none[]{Value::Array{},
-                       Value::Array{"de", "it"},
-                       Value::Array{"IT"},
-                       Value::Array{"i"},
-                       Value::Array{1, "it"},
-                       Value::Array{"it", 1},
-                       "it",
-                       true,
-                       Value::Dictionary{{"it", "it"}}};
-    for (const Value& value : none)
-        EXPECT_EQ(current(value), AppLanguage::system);
+    for (const Value& none :
+         {Value(Value::Array{}), Value(Value::Array{"de", "it"}), Value(Value::Array{"IT"}),
+          Value(Value::Array{"i"}), Value(Value::Array{1, "it"}), Value(Value::Array{"it", 1}),
+          Value("it"), Value(true), Value(Value::Dictionary{{"it", "it"}})})
+        EXPECT_EQ(current(none), AppLanguage::system);
     for (const AppLanguage language : allAppLanguages)
         EXPECT_EQ(appLanguageFromRaw(rawValue(language)), language);
     EXPECT_EQ(appLanguageFromRaw("EN"), std::nullopt);
@@ -59,59 +52,43 @@ TEST(InterfaceLanguage, ItsFiguresAreThoseOfWhereTheUserLives) {
     EXPECT_EQ(formatLocale(Language::italian, QLocale::c()).decimalPoint(), ",");
 }
 
-/// A folder for a program's settings.
-class ProgramLanguage : public testing::Test {
-protected:
-    ProgramLanguage() {
-        std::string name = "/tmp/velmor-language-XXXXXX";
-        folder = mkdtemp(name.data());
-        fs::create_directory(folder / "velmorquit");
-    }
-    ~ProgramLanguage() override { fs::remove_all(folder); }
-
-    void write(const char* name, const std::string& text) const {
-        std::ofstream(folder / "velmorquit" / name) << text;
-    }
-
-    /// "Uso:" or "Usage:", by what the environment says beside a home of its own.
-    [[nodiscard]] std::string firstWord(const std::vector<std::string>& variables) const {
-        std::vector<std::string> command{"env"};
-        for (const char* name : {"LANGUAGE", "LC_ALL", "LC_MESSAGES", "LANG"})
-            command.push_back("--unset=" + std::string(name));
-        command.push_back("XDG_CONFIG_HOME=" + folder.string());
-        command.insert(command.end(), variables.begin(), variables.end());
-        command.insert(command.end(), {VELMORCTL, "help"});
-        Child child(command);
-        EXPECT_TRUE(waitUntil([&] { return !child.isRunning(); }, 60000));
-        return child.output().substr(0, child.output().find(' '));
-    }
-
-    fs::path folder;
-};
-
-TEST_F(ProgramLanguage, FollowsTheEnvironment) {
-    EXPECT_EQ(firstWord({}), "Uso:");
-    EXPECT_EQ(firstWord({"LANG=en_US.UTF-8"}), "Usage:");
-    EXPECT_EQ(firstWord({"LANG=it_IT.UTF-8", "LC_MESSAGES=en_GB.UTF-8"}), "Usage:");
-    EXPECT_EQ(firstWord({"LC_MESSAGES=en_GB.UTF-8", "LC_ALL=it_IT.UTF-8"}), "Uso:");
-    EXPECT_EQ(firstWord({"LANG=it_IT.UTF-8", "LANGUAGE=fr:en_US:it"}), "Usage:");
-    EXPECT_EQ(firstWord({"LANG=de_DE.UTF-8"}), "Usage:");
-    EXPECT_EQ(firstWord({"LANG=de_DE.UTF-8", "LANGUAGE=de:it"}), "Uso:");
-    for (const char* nothing : {"C", "POSIX", "C.UTF-8", ""})
-        EXPECT_EQ(firstWord({"LANG=" + std::string(nothing)}), "Uso:") << nothing;
+/// "Uso:" or "Usage:", by what the environment says beside a home of its own.
+std::string firstWord(const TemporaryFolder& home, const std::vector<std::string>& variables) {
+    std::vector<std::string> command{"env", "-u", "LANGUAGE", "-u", "LC_ALL", "-u", "LC_MESSAGES"};
+    command.insert(command.end(), {"-u", "LANG", "XDG_CONFIG_HOME=" + home.path().string()});
+    command.insert(command.end(), variables.begin(), variables.end());
+    command.insert(command.end(), {VELMORCTL, "help"});
+    Child child(command);
+    EXPECT_TRUE(waitUntil([&] { return !child.isRunning(); }, 60000));
+    return child.output().substr(0, child.output().find(' '));
 }
 
-TEST_F(ProgramLanguage, IsForcedByThePreferencesOrTheirEarlierState) {
+TEST(ProgramLanguage, FollowsTheEnvironmentUnlessThePreferencesOrTheirEarlierStateForceIt) {
+    const TemporaryFolder home;
+    using Variables = std::vector<std::string>;
+    for (const auto& [variables, word] : std::vector<std::pair<Variables, const char*>>{
+             {{}, "Uso:"},
+             {{"LANG=it_IT.UTF-8", "LC_MESSAGES=en_GB.UTF-8"}, "Usage:"},
+             {{"LC_MESSAGES=en_GB.UTF-8", "LC_ALL=it_IT.UTF-8"}, "Uso:"},
+             {{"LANG=it_IT.UTF-8", "LANGUAGE=fr:en_US:it"}, "Usage:"},
+             {{"LANG=de_DE.UTF-8"}, "Usage:"},
+             {{"LANG=de_DE.UTF-8", "LANGUAGE=de:it"}, "Uso:"},
+             {{"LANG=C"}, "Uso:"},
+             {{"LANG=C.UTF-8"}, "Uso:"},
+             {{"LANG="}, "Uso:"}})
+        EXPECT_EQ(firstWord(home, variables), word) << testing::PrintToString(variables);
+
     const std::string english =
         PropertyList::encode(Value::Dictionary{{"AppleLanguages", Value::Array{"en-GB"}}});
-    write("preferences.plist~", english);
-    EXPECT_EQ(firstWord({"LANG=it_IT.UTF-8"}), "Uso:");
-    write("preferences.plist", "no property list");
-    EXPECT_EQ(firstWord({"LANG=it_IT.UTF-8"}), "Usage:");
-    write("preferences.plist", PropertyList::encode(Value::Dictionary{}));
-    EXPECT_EQ(firstWord({"LANG=it_IT.UTF-8"}), "Uso:");
-    write("preferences.plist", english);
-    EXPECT_EQ(firstWord({"LANG=it_IT.UTF-8"}), "Usage:");
+    const auto write = [&](const char* name, const std::string& text) {
+        std::ofstream(home.path() / "velmorquit" / name) << text;
+        return firstWord(home, {"LANG=it_IT.UTF-8"});
+    };
+    std::filesystem::create_directory(home.path() / "velmorquit");
+    EXPECT_EQ(write("preferences.plist~", english), "Uso:");
+    EXPECT_EQ(write("preferences.plist", "no property list"), "Usage:");
+    EXPECT_EQ(write("preferences.plist", PropertyList::encode(Value::Dictionary{})), "Uso:");
+    EXPECT_EQ(write("preferences.plist", english), "Usage:");
 }
 
 } // namespace
