@@ -133,45 +133,26 @@ TEST(ActionTest, EachIsFoundByItsNameWithItsDefaults) {
 
 TEST_F(RemoteStory, TheScheduleIsSetForAnHourOrForSoManyMinutes) {
     serve();
-    struct Said {
-        const char* verb;
-        Words words;
-        const char* answer;
-    };
-    const char* const minutes = "refused: I minuti vanno da 1 a 600.";
-    const char* const hour = "refused: L'ora si scrive così: 23:05.";
-    for (const auto& [verb, words, answer] : std::vector<Said>{
-             {"schedule", {"minutes", "90", "shutDown"}, "Fatto: alle 10:30 spegni."},
-             {"schedule", {"minutes", "600", "none"}, "Fatto: alle 19:00 chiudi tutto."},
-             {"schedule", {"at", "8:59", "none"}, "Fatto: alle 08:59 chiudi tutto."},
-             {"schedule", {"minutes", "0", "none"}, minutes},
-             {"schedule", {"minutes", "601", "none"}, minutes},
-             {"schedule", {"minutes", "5x", "none"}, minutes},
-             {"schedule", {"minutes", "", "none"}, minutes},
-             {"schedule", {"minutes", "99999999999", "none"}, minutes},
-             {"schedule", {"at", "24:00", "none"}, hour},
-             {"schedule", {"at", "9:60", "none"}, hour},
-             {"schedule", {"at", "9.30", "none"}, hour},
-             {"schedule", {"at", "9:5", "none"}, hour},
-             {"schedule", {"at", "-1:30", "none"}, hour},
-             {"schedule", {"at", "", "none"}, hour},
-             {"schedule", {"minutes", "5", "nothing"}, "unknown"},
-             {"schedule", {"in", "5", "none"}, "unknown"},
-             {"postpone", {"10"}, "Fatto: alle 09:09 chiudi tutto."},
-             {"cancel", {}, "Annullata: non chiudo niente."},
-             {"cancel", {}, "Non c'è nessuna chiusura programmata."},
-             {"postpone", {"10"}, "refused: Non c'è nessuna chiusura programmata."},
-             {"confirm", {}, "refused: Nessuna chiusura aspetta una conferma."},
-             {"action", {"schedule-quit", "minutes=601"}, minutes},
-             {"action", {"schedule-quit", "minutes=-1"}, minutes},
-             {"action", {"quit-all", "then=never"}, "unknown"},
-             {"action", {"quit-all", "minutes"}, "unknown"},
-             {"action", {"quit-all", "minutes="}, "unknown"},
-             {"action", {"quit-all", "hours=1"}, "unknown"},
-             {"action", {"quit-all", "="}, "unknown"},
-             {"action", {"explode"}, "unknown"},
-             {"action", {"schedule-quit", "minutes=1"}, ""}})
-        EXPECT_EQ(give(verb, words), answer) << verb << ' ' << testing::PrintToString(words);
+    EXPECT_EQ(give("schedule", {"minutes", "90", "shutDown"}), "Fatto: alle 10:30 spegni.");
+    EXPECT_EQ(give("schedule", {"minutes", "600", "none"}), "Fatto: alle 19:00 chiudi tutto.");
+    EXPECT_EQ(give("schedule", {"at", "8:59", "none"}), "Fatto: alle 08:59 chiudi tutto.");
+    const char* const outside = "refused: I minuti vanno da 1 a 600.";
+    for (const char* minutes : {"0", "601", "-1", "5x", "", "99999999999"})
+        EXPECT_EQ(give("schedule", {"minutes", minutes, "none"}), outside) << minutes;
+    EXPECT_EQ(give("action", {"schedule-quit", "minutes=601"}), outside);
+    for (const char* time : {"24:00", "9:60", "9.30", "9:5", "-1:30", ""})
+        EXPECT_EQ(give("schedule", {"at", time, "none"}), "refused: L'ora si scrive così: 23:05.");
+    for (const Words& words : {Words{"minutes", "5", "nothing"}, {"in", "5", "none"}})
+        EXPECT_EQ(give("schedule", words), "unknown") << words.front();
+    for (const char* argument : {"then=never", "minutes", "minutes=", "hours=1", "="})
+        EXPECT_EQ(give("action", {"quit-all", argument}), "unknown") << argument;
+    EXPECT_EQ(give("action", {"explode"}), "unknown");
+    EXPECT_EQ(give("postpone", {"10"}), "Fatto: alle 09:09 chiudi tutto.");
+    EXPECT_EQ(give("cancel"), "Annullata: non chiudo niente.");
+    EXPECT_EQ(give("cancel"), "Non c'è nessuna chiusura programmata.");
+    EXPECT_EQ(give("postpone", {"10"}), "refused: Non c'è nessuna chiusura programmata.");
+    EXPECT_EQ(give("confirm"), "refused: Nessuna chiusura aspetta una conferma.");
+    EXPECT_EQ(give("action", {"schedule-quit", "minutes=1"}), "");
     EXPECT_EQ(after(1s), Lines("0.00 shows: Fatto: alle 09:01 spegni."));
 }
 

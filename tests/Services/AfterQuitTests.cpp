@@ -215,17 +215,6 @@ TEST_F(AfterQuit, ARefusedActionIsInTheLogAlone) {
                 ElementsAre("Velmor Quit: azione restart non riuscita: no permission"));
 }
 
-TEST_F(AfterQuit, AControllerMayGoAtAnyPointOfTheSequence) {
-    for (const Duration moment : {300ms, 1250ms, 10250ms, 12000ms}) {
-        desktop.volumes.mountStick("held", 9);
-        begin(restart);
-        desktop.advance(moment);
-        controller.reset();
-        desktop.advance(1min);
-        desktop.volumes.unmount("/media/held");
-    }
-}
-
 TEST_F(AfterQuit, OnlyExternalVolumesAreListed) {
     using Change = void (*)(Volume&);
     const std::pair<Change, bool> changes[]{

@@ -1,5 +1,5 @@
+#include "Services/AppUpdater.h"
 #include "Services/ControllerStory.h"
-#include "Services/FindingUpdater.h"
 #include "Services/MenuBar/MenuBarItem.h"
 #include "Services/Settings.h"
 
@@ -91,6 +91,12 @@ public:
 private:
     SimulatedDesktop& desktop_;
     bool shown_ = false;
+};
+
+/// Finds what a test says.
+struct FindingUpdater : AppUpdater {
+    using AppUpdater::AppUpdater;
+    using AppUpdater::publish;
 };
 
 class MenuBarStory : public ControllerStory {

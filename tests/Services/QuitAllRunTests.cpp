@@ -187,15 +187,5 @@ TEST_F(QuitAllRun, WhatCouldNotBeAskedIsAskedOnceWhenNothingStandsInTheWayAnyMor
     EXPECT_EQ(controller->askAgain(controller->stubborn->front()), StayReason::asking);
 }
 
-TEST_F(QuitAllRun, AControllerMayGoAtAnyPointOfARun) {
-    desktop.open("A").ignoresAsking();
-    for (const Duration moment : {Duration(0s), Duration(100ms), Duration(7s)}) {
-        run(none, moment);
-        controller.reset();
-        desktop.advance(20s);
-    }
-    EXPECT_THAT(run(none, 10s), HasSubstr("waiting: A\n"));
-}
-
 } // namespace
 } // namespace velmorquit

@@ -63,13 +63,8 @@ TEST_F(Exclusions, AreTheDefaultOnesUntilTheUserSaysOtherwiseAndAStartWritesNoth
     EXPECT_EQ(names(controller->quittable()), "Note");
     EXPECT_EQ(names(controller->apps), "Files Note");
     EXPECT_TRUE(desktop.preferences.values().empty());
-    desktop.workspace.setDefaultExclusions({});
-    for (const auto& [value, expected] : {std::pair<Value, Keys>(Value::Array{}, {}),
-                                          {Value::Array{"a", 1}, {"com.apple.finder"}},
-                                          {"a", {"com.apple.finder"}}}) {
-        desktop.preferences.set("excludedApps", value);
-        EXPECT_EQ(start().excluded.get(), expected);
-    }
+    desktop.preferences.set("excludedApps", Value::Array{});
+    EXPECT_TRUE(start().excluded->empty());
 }
 
 TEST_F(Exclusions, AreToggledByIdentifierOrNameAndStoredSorted) {
@@ -108,6 +103,8 @@ TEST_F(Exclusions, OfAnotherProgramHoldAtOnceAndAreNotWrittenOver) {
     EXPECT_EQ(names(controller->quittable()), "Mail");
     EXPECT_TRUE(controller->backupFirst);
     EXPECT_EQ(controller->afterQuit.get(), PowerAction::restart);
+    controller->chooseAfterQuit(PowerAction::shutDown);
+    EXPECT_EQ(desktop.preferences.text("afterQuit"), "shutDown");
     // What nobody has told of yet.
     desktop.preferences.onRefresh = [this] {
         desktop.preferences.set("excludedApps", Value::Array{"Letter", "Mail", "Note"});
@@ -116,17 +113,6 @@ TEST_F(Exclusions, OfAnotherProgramHoldAtOnceAndAreNotWrittenOver) {
     EXPECT_EQ(stored(), (Value::Array{"Letter", "Mail", "Note"})) << "as the user wanted it";
     controller->toggleExclusion(app("Note"));
     EXPECT_EQ(stored(), (Value::Array{"Letter", "Mail"}));
-}
-
-TEST_F(Exclusions, TheStoredPowerActionIsReadExactlyAndWrittenOnChange) {
-    for (const auto& [value, expected] : {std::pair<Value, PowerAction>("Restart", {}),
-                                          {true, {}},
-                                          {"logOut", PowerAction::logOut}}) {
-        desktop.preferences.set("afterQuit", value);
-        EXPECT_EQ(start().afterQuit.get(), expected);
-    }
-    controller->chooseAfterQuit(PowerAction::shutDown);
-    EXPECT_EQ(desktop.preferences.text("afterQuit"), "shutDown");
 }
 
 } // namespace

@@ -38,7 +38,7 @@ TEST_F(SettingsTest, ComeBackAsTheyWereStored) {
 }
 
 TEST_F(SettingsTest, WhatIsNoSuchValueLeavesTheDefault) {
-    for (const Value& odd : {Value(1), Value("odd"), Value(Value::Array{1})}) {
+    for (const Value& odd : {Value(1), Value("Restart"), Value(Value::Array{"a", 1})}) {
         for (const char* key : {"excludedApps", "afterQuit", "confirmScheduled", "lastSession",
                                 "lastSessionDate", "AppleLanguages"})
             preferences.set(key, odd);
