@@ -72,7 +72,7 @@ void failToStart(SimulatedDesktop& desktop) {
 }
 void failOnTheWay(SimulatedDesktop& desktop) {
     desktop.backupTool.exitStatus = 1;
-    desktop.backupTool.errorOutput = "first\n  The disk is full.\t\n\n";
+    desktop.backupTool.errorOutput = "first\n  The disk is full.\t\n \n\t";
 }
 
 const std::string begun = Lines("0.25 start backup", "0.25 event backupStarted");
@@ -146,6 +146,7 @@ TEST_F(AfterQuit, AnAnswerEndsTheWaitForThatQuestionAlone) {
 TEST_F(AfterQuit, ABackupThatIsNotOnRecordAfterTenReadingsHasFailed) {
     desktop.backupTool.duration = 1s;
     desktop.backupTool.recordedAt = -6s;
+    desktop.backupTool.errorOutput = "well\n\xff \n\t\n";
     begin();
     EXPECT_THAT(after(1min), HasSubstr("21.25 backupFailed: Time Machine non ha registrato un "
                                        "backup nuovo. Controlla che il disco sia collegato.\n"));

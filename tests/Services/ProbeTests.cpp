@@ -89,18 +89,18 @@ TEST_F(ProbeTest, TheProcessorIsNamedShortly) {
 }
 
 TEST_F(ProbeTest, TheMachineLineComesLaterAndHasAFallbackForEachHalf) {
-    std::string line;
-    const Handle loading =
-        MacInfo::load(desktop.loop, kernel, [&](const std::string& text) { line = text; });
-    EXPECT_EQ(line, "");
-    desktop.loop.settle();
-    EXPECT_EQ(line, "Mac · Apple Silicon");
+    const auto line = [this] {
+        std::string told;
+        const Handle loading =
+            MacInfo::load(desktop.loop, kernel, [&](const std::string& text) { told = text; });
+        EXPECT_EQ(told, "");
+        desktop.loop.settle();
+        return told;
+    };
+    EXPECT_EQ(line(), "Mac · Apple Silicon");
     kernel.model = "ThinkPad X1";
     kernel.brand = "AMD Ryzen 7 5800X 8-Core Processor";
-    const Handle again =
-        MacInfo::load(desktop.loop, kernel, [&](const std::string& text) { line = text; });
-    desktop.loop.settle();
-    EXPECT_EQ(line, "ThinkPad X1 · AMD Ryzen 7 5800X");
+    EXPECT_EQ(line(), "ThinkPad X1 · AMD Ryzen 7 5800X");
 }
 
 } // namespace

@@ -114,13 +114,6 @@ TEST_F(QuitAllRun, ANewRunReplacesAResultOnShowAndItsReset) {
         << "the new result has its own 8 seconds";
 }
 
-TEST_F(QuitAllRun, ACallbackMayLeaveThemAtTheVeryMomentTheyTurnStubborn) {
-    desktop.open("A").ignoresAsking();
-    onEvent = [this](const Event&) { controller->leaveStubbornOpen(); };
-    EXPECT_EQ(run(shutDown, 7s), Lines("0.00 quit A", "0.00 quitting 1",
-                                       "6.00 event stubbornApps: A", "6.00 done 0 0"));
-}
-
 TEST_F(QuitAllRun, ACallbackMayLeaveThemAndStartTheNextRun) {
     desktop.open("A").ignoresAsking();
     onEvent = [this](const Event&) {

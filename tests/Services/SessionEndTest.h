@@ -4,6 +4,7 @@
 #include "Services/SessionEnd/SessionEnd.h"
 #include "Services/Story.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace velmorquit {

@@ -56,19 +56,5 @@ TEST_F(SettingsTest, WhatIsNoSuchValueLeavesTheDefault) {
     EXPECT_FALSE(preferences.boolean("integer", false) || preferences.boolean("false", true));
 }
 
-TEST_F(SettingsTest, TellOfWhatAnotherProgramStores) {
-    int told = 0;
-    const Handle subscription = settings.ejectDrives.subscribe([&] { ++told; });
-    desktop.loop.settle();
-    preferences.set("ejectDrives", true);
-    desktop.loop.settle();
-    EXPECT_EQ(told, 2);
-    EXPECT_TRUE(settings.ejectDrives);
-
-    preferences.onRefresh = [&] { preferences.set("ejectDrives", false); };
-    settings.refresh();
-    EXPECT_FALSE(settings.ejectDrives) << "without waiting";
-}
-
 } // namespace
 } // namespace velmorquit

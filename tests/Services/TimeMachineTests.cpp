@@ -33,14 +33,6 @@ public:
     std::string asked;
 };
 
-struct FinishedProcess final : ChildProcess {
-    explicit FinishedProcess(std::string said) : error(std::move(said)) {}
-    [[nodiscard]] bool isRunning() const override { return false; }
-    [[nodiscard]] int status() const override { return 1; }
-    [[nodiscard]] std::string errorOutput() const override { return error; }
-    std::string error;
-};
-
 class TimeMachineTest : public testing::Test {
 protected:
     TimeMachineTest() { moveTo("Europe/Rome"); }
@@ -142,14 +134,6 @@ TEST_F(TimeMachineTest, TheFirstStampIsTheDateInLocalTime) {
                   WallTime(std::chrono::seconds(seconds)))
             << output;
     }
-}
-
-TEST_F(TimeMachineTest, TheLastLineWithAnythingInItIsTheMessage) {
-    for (const auto& [text, message] : {std::pair("one\n\t two  \n \n\n", "two"),
-                                        {"one", "one"},
-                                        {" \n\t\n", "none"},
-                                        {"\xff", "none"}})
-        EXPECT_EQ(TimeMachine::errorMessage(FinishedProcess(text)).value_or("none"), message);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Simulation/PromiseKeeper.h"
 
+#include <array>
 #include <cstdlib>
 
 namespace velmorquit {
