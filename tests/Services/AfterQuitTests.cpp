@@ -15,12 +15,12 @@ using testing::Not;
 /// What follows a run in which one application quits at once.
 class AfterQuit : public ControllerStory {
 protected:
-    void begin(PowerAction action = none) {
+    void begin(PowerAction action = none, Attendance attendance = Attendance::attended) {
         desktop.preferences.set("backupFirst", true);
         desktop.preferences.set("ejectDrives", true);
         desktop.backupTool.configure();
         desktop.open("A", 5);
-        start().quitAll(action);
+        start().quitAll(action, attendance);
     }
 };
 
@@ -118,8 +118,7 @@ TEST_P(EveryBackup, IsFollowedByWhatWasAskedForOrByNothing) {
     desktop.backupTool.duration = 2s;
     desktop.backupTool.progress = [](Duration) { return -1; };
     story.arrange(desktop);
-    begin(restart);
-    controller->unattended = story.isUnattended;
+    begin(restart, story.isUnattended ? Attendance::unattended : Attendance::attended);
     in(750ms, [&] { story.answer(*controller); });
     EXPECT_EQ(after(2min),
               Lines("0.00 quit A", "0.00 quitting 1", "0.00 ended A", "0.25 backingUp") +
@@ -133,8 +132,7 @@ INSTANTIATE_TEST_SUITE_P(, EveryBackup, testing::ValuesIn(backupStories),
 
 TEST_F(AfterQuit, AnAnswerEndsTheWaitForThatQuestionAlone) {
     desktop.backupTool.launchError = "no such tool";
-    begin();
-    controller->unattended = true;
+    begin(none, Attendance::unattended);
     desktop.advance(1s);
     EXPECT_EQ(controller->autoContinueAt.get(), desktop.loop.now() - 750ms + 60s);
     controller->resolveBackupFailure(Choice::stop);
@@ -196,8 +194,8 @@ TEST_F(AfterQuit, DrivesThatTheUserEjectsAlreadyAreNotTheRuns) {
 }
 
 TEST_F(AfterQuit, ALaterRunBringsItsOwnActionAndACancelledOneIsDropped) {
-    run(shutDown, 500ms);
-    controller->unattended = true;
+    start().quitAll(shutDown, Attendance::unattended);
+    desktop.advance(500ms);
     desktop.open("B").quitsAfter(2s);
     controller->quitAll(restart);
     EXPECT_FALSE(controller->unattended.get()) << "that was the earlier one";

@@ -117,8 +117,7 @@ TEST_F(RunNoticeStory, SaysWhenItGoesOnByItselfAndStopsWhenToldTo) {
     failBackup(shutDown);
     EXPECT_TRUE(notice.press("stop"));
     EXPECT_THAT(after(1min), Not(HasSubstr("shut down")));
-    controller->quitAll(shutDown);
-    controller->unattended = true;
+    controller->quitAll(shutDown, Attendance::unattended);
     desktop.advance(3s);
     EXPECT_EQ(text(), "no such tool\nSe nessuno risponde, proseguo da solo alle 09:02.");
     desktop.advance(1min);

@@ -207,8 +207,7 @@ TEST_F(ScheduledQuitStory, ARunThatWaitsForLongLetsTheComputerSleepAndItsActionC
     begin();
     const auto runFor = [this](Duration wait) {
         auto& stubborn = desktop.open("B").ignoresAsking();
-        controller->quitAll(restart);
-        controller->unattended = true;
+        controller->quitAll(restart, Attendance::unattended);
         desktop.advance(6500ms + wait);
         desktop.write(held());
         stubborn.end();
@@ -249,8 +248,7 @@ TEST_F(ScheduledQuitStory, ARunHoldsOffSleepUntilItsEndUnlessTheUserIsAsked) {
 
     controller->cancelSchedule();
     desktop.open("C").ignoresAsking();
-    controller->quitAll(none);
-    controller->unattended = true;
+    controller->quitAll(none, Attendance::unattended);
     desktop.advance(7s);
     EXPECT_EQ(held(), running) << "nobody is there to be asked";
     controller->leaveStubbornOpen();

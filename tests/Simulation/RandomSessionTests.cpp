@@ -62,14 +62,14 @@ private:
         controller_->refresh();
         const std::vector<OpenApp> spared = excludedApps();
         const bool hasAction = oneIn(2);
-        controller_->quitAll(hasAction ? PowerAction::restart : PowerAction::none);
+        controller_->quitAll(hasAction ? PowerAction::restart : PowerAction::none,
+                             !wasBusy && oneIn(3) ? Attendance::unattended : Attendance::attended);
         for (const OpenApp& app : spared)
             EXPECT_EQ(desktop_.log().find("quit " + app.name, before.size()), std::string::npos);
         if (wasBusy) {
             EXPECT_EQ(desktop_.log(), before) << "a run in progress is left alone";
             return;
         }
-        controller_->unattended = oneIn(3);
         actionsDue_ = hasAction ? 1 : 0;
         allowed_.clear();
     }

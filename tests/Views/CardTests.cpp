@@ -168,8 +168,7 @@ TEST_F(CardTest, AFailedBackupAsksAndGoesOnByItselfWhereNobodyIs) {
     advance(10s);
     EXPECT_TRUE(isShown("normalContent"));
 
-    controller->quitAll(PowerAction::none);
-    controller->unattended = true;
+    controller->quitAll(PowerAction::none, Attendance::unattended);
     advance(5s);
     EXPECT_EQ(text("continue"), "Continua");
     const std::string before = seen({"continuesIn"});

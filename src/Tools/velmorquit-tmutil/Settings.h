@@ -19,7 +19,7 @@ struct KeepRules {
     std::int64_t monthly = 0;
 
     /// Without any rule, all backups are kept.
-    [[nodiscard]] bool isAny() const { return last + daily + weekly + monthly > 0; }
+    [[nodiscard]] bool isAny() const { return last > 0 || daily > 0 || weekly > 0 || monthly > 0; }
 };
 
 /// A backup on record.
