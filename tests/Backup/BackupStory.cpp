@@ -16,7 +16,7 @@ std::string lastLineOf(const std::string& text) {
 }
 
 BackupStory::BackupStory() {
-    // What others may read is left to the tool.
+    // The tool decides what others may read.
     ::umask(0);
     for (const char* name : {"home", "run", "config", "cache", "state", "bin"})
         fs::create_directory(root / name);

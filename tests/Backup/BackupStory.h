@@ -41,7 +41,7 @@ protected:
     /// All names that a file can have, and all that a name can be.
     void makeMixedFiles();
 
-    /// What `status -X` says.
+    /// The answer to `status -X`.
     struct Progress {
         bool isRunning = false;
         double percent = -1;

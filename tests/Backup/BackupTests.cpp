@@ -227,7 +227,7 @@ TEST_F(BackupStory, EachObstacleIsToldInOneSentence) {
     fs::remove(place);
     fs::rename(root / "one/away", place);
 
-    // What can't be read is told; the rest counts. Root reads all that it isn't kept from.
+    // A file that can't be read is told; the rest counts. Root reads all that it isn't kept from.
     fs::permissions(home / "docs/note.txt", fs::perms::none);
     Words command{VELMORQUIT_TMUTIL, "startbackup", "--block"};
     if (::geteuid() == 0)

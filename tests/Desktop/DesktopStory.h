@@ -67,7 +67,7 @@ protected:
 
     [[nodiscard]] static QJsonObject status();
     [[nodiscard]] static std::string phase() { return status()["phase"].toString().toStdString(); }
-    /// What is in a list of the status, by name where it has one: "applications" or "stubborn".
+    /// The names in a list of the status: "applications", "stubborn", "excluded" or "reopenable".
     [[nodiscard]] static Words names(const char* list);
     static void awaitStubborn(const Words& expected);
 

@@ -29,7 +29,7 @@ protected:
         EXPECT_THAT(calls(), IsEmpty());
     }
 
-    /// What `velmorctl anyway` says in a terminal where that is typed.
+    /// The text of `velmorctl anyway` in a terminal where that is typed.
     static std::string answered(const std::string& word) {
         return run({"bash", "-c",
                     "(sleep 1; echo " + word +

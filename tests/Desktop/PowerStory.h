@@ -30,7 +30,7 @@ protected:
         await("the drive", [] { return status()["drives"].toArray().size() == 1; });
     }
 
-    /// What the stand-ins were asked for.
+    /// All that the stand-ins were asked for.
     [[nodiscard]] Words calls() const {
         Words lines;
         std::istringstream stream(contents(standIns / "calls"));
@@ -46,7 +46,7 @@ protected:
     }
 
     const std::filesystem::path standIns = home() / "stand-ins";
-    /// What login1 says beyond what it is asked: see the stand-in.
+    /// The file with all else that login1 says: see the stand-in.
     const std::filesystem::path account = standIns / "account.json";
 
 private:

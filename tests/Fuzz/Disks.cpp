@@ -1,7 +1,7 @@
 #include "Fuzz/Variants.h"
 #include "Linux/Volumes/DiskMap.h"
 
-/// What a service says of disks: objects that come, change and go. What the kernel says of the same
+/// A service tells of disks: objects that come, change and go. What the kernel says of the same
 /// ones is empty.
 void velmorquit::fuzz::examine(std::string_view bytes) {
     static const BlockLayers layers("/nonexistent");

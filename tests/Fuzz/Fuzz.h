@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-/// What the harnesses share. Each of them is a program that is run over and over with bytes as
+/// All that the harnesses share. Each of them is a program that is run over and over with bytes as
 /// somebody else might write them, and that ends where something isn't as it should be.
 namespace velmorquit::fuzz {
 
@@ -18,7 +18,7 @@ void require(bool holds, const char* what);
 
 [[nodiscard]] bool isUtf8(std::string_view text);
 
-/// What is between the separators, the empty parts included.
+/// The parts between the separators, the empty ones included.
 [[nodiscard]] std::vector<std::string> split(std::string_view text, char separator);
 
 /// Takes an input apart, from its front. Where it has run out everything is 0 or empty.
@@ -32,7 +32,7 @@ public:
     std::uint64_t number();
     /// At most `longest` bytes; the byte in front of them says how many.
     std::string text(std::size_t longest = 255);
-    /// What comes before the next end of a line, which is passed.
+    /// All before the next end of a line, which is passed.
     std::string line();
     [[nodiscard]] std::string_view rest() const { return rest_; }
 

@@ -14,7 +14,7 @@ void requireJson(const std::string& text) {
     require(nlohmann::json::accept(text), "and is JSON");
 }
 
-/// What a person and programs may do meanwhile.
+/// A person and other programs do something meanwhile.
 void act(SimulatedDesktop& desktop, const std::vector<std::string>& words) {
     if (words[0] == "+open") {
         auto& app = desktop.open(words.back(), 7);

@@ -4,7 +4,7 @@
 
 using namespace velmorquit::tmutil;
 
-/// What restic prints, as reports line by line and as an answer as a whole.
+/// All that restic prints, as reports line by line and as an answer as a whole.
 void velmorquit::fuzz::examine(std::string_view bytes) {
     const std::string output(bytes);
     ResticReport report;

@@ -30,8 +30,8 @@ void follow(const remote::Json& said, const Formats& formats, AfterQuit then) {
 
 } // namespace
 
-/// What the program, or whoever has its name on the bus, answers: an object, or an array of changes
-/// that come one after the other.
+/// The answer of the program, or of another that has its name on the bus: an object, or an array of
+/// changes that come one after the other.
 void examine(std::string_view bytes) {
     const std::size_t size = bytes.size();
     static const LocaleFormats formats(Language::italian, QLocale(QLocale::Italian));

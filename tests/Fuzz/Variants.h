@@ -13,7 +13,7 @@ inline QString nameFrom(Input& input, const QStringList& known) {
     return which < known.size() ? known[which] : QString::fromStdString(input.text());
 }
 
-/// What isn't known is the root.
+/// The root in place of a path that is not known.
 inline QString pathFrom(Input& input, const QStringList& known) {
     const std::uint8_t which = input.byte();
     return which < known.size() && known[which].startsWith('/') ? known[which] : QString('/');

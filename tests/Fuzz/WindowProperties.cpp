@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstring>
 
-/// What a window says: the names of its class, an id and two titles, a line each. The same bytes
-/// serve as the numbers of its icon.
+/// The properties of a window: the names of its class, an id and two titles, a line each. The same
+/// bytes serve as the numbers of its icon.
 void velmorquit::fuzz::examine(std::string_view bytes) {
     Input input(bytes);
     const std::string wmClass = input.line();

@@ -17,7 +17,7 @@ protected:
         return std::string(role) + ' ' + face->text(QAccessible::Name).toStdString();
     }
 
-    /// What the keyboard comes to, in its order, from the panel's first control on.
+    /// The keyboard's stops, in their order, from the panel's first control on.
     [[nodiscard]] std::string keyboardOrder() const {
         std::string order;
         std::set<QWidget*> met;

@@ -103,7 +103,7 @@ TEST_F(AppListTest, KeepsHoverAndPlaceOverARefresh) {
     EXPECT_TRUE(all[32]->isHovering());
     EXPECT_EQ(std::ranges::count_if(all, &AppRow::isHovering), 1);
 
-    // What is aimed at keeps its place, whatever its figure, until the pointer has gone.
+    // The row that is aimed at keeps its place, whatever its figure, until the pointer has gone.
     apps[299]->setMemory(5000_MiB);
     refresh();
     EXPECT_EQ(rows()[32], all[32]);

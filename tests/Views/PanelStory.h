@@ -77,7 +77,7 @@ protected:
         const auto* button = qobject_cast<const QAbstractButton*>(widget);
         return button ? button->text().toStdString() : std::string();
     }
-    /// What is seen of each, in a line: its text, "-" where it is hidden, in brackets where it is
+    /// A line for each, as it is seen: its text, "-" where it is hidden, in brackets where it is
     /// off.
     [[nodiscard]] std::string seen(std::initializer_list<const char*> names) const {
         std::string all;

@@ -90,7 +90,7 @@ TEST_F(PopoverTest, ClosesOnAPressOutsideOnEscapeAndForOtherWindowsUnlessARunGoe
     popover->show(icon);
     const QWidget* panel = window()->findChild<QWidget*>(QStringLiteral("PanelView"));
     expectAfterPress(panel->mapToGlobal(QPoint(10, 10)), true);
-    // What a press on the icon means is for the icon to tell.
+    // The icon itself tells what a press on it means.
     expectAfterPress(QPoint(610, 10), true);
     expectAfterPress(outside, false);
     EXPECT_TRUE(popover->wasClosedByLastPress());

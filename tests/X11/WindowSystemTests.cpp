@@ -19,7 +19,7 @@ protected:
         run({"xdotool", "mousemove", "--window", std::to_string(window), x, y});
     }
 
-    /// What the server has been asked to tell of the pointer.
+    /// How much the server has been asked to tell of the pointer.
     [[nodiscard]] int selections() {
         xcb_connection_t* connection = events.connection().get();
         const auto cookie =
