@@ -195,7 +195,7 @@ TEST_F(AfterQuit, DrivesThatTheUserEjectsAlreadyAreNotTheRuns) {
 
 TEST_F(AfterQuit, ALaterRunBringsItsOwnActionAndACancelledOneIsDropped) {
     start().quitAll(shutDown, Attendance::unattended);
-    desktop.advance(500ms);
+    after(500ms);
     desktop.open("B").quitsAfter(2s);
     controller->quitAll(restart);
     EXPECT_FALSE(controller->unattended.get()) << "that was the earlier one";

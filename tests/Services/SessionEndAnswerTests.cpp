@@ -148,11 +148,11 @@ TEST_F(SessionEndTest, WhatNobodyCanDoIsRefusedAndNobodyIsAsked) {
     });
     EXPECT_EQ(ask(restart, 17s),
               Lines("0.00 notice ", "0.00 quit Note",
-                    "0.00 notice Aspetto ancora: Note, Il sistema non dice chi è collegato e che "
-                    "cosa non va interrotto..",
+                    "0.00 notice Aspetto che si chiuda Note. Il sistema non dice chi è collegato "
+                    "e che cosa non va interrotto.",
                     "3.00 ended Note",
-                    "3.00 notice Aspetto ancora: Il sistema non dice chi è collegato e che cosa "
-                    "non va interrotto..",
+                    "3.00 notice Il sistema non dice chi è collegato e che cosa non va "
+                    "interrotto.",
                     "10.00 quit Late", "10.00 notice Aspetto che si chiuda Late.",
                     "13.00 ended Late", "13.00 CALL restart", "13.00 notice withdrawn"))
         << "a new look comes first";

@@ -215,14 +215,13 @@ TEST_F(SessionEndTest, OtherPeoplesSessionsRefuseBeforeAnybodyIsAsked) {
 TEST_F(SessionEndTest, AnAccountThatNobodyGivesIsWaitedFor) {
     desktop.registry.account.reset();
     in(30s, [&] { desktop.registry.account = SessionAccount{}; });
-    EXPECT_EQ(ask(shutDown, 33s), Lines("1.00 notice Aspetto ancora: Il sistema non dice chi è "
-                                        "collegato e che cosa non va interrotto..",
+    EXPECT_EQ(ask(shutDown, 33s), Lines("1.00 notice Il sistema non dice chi è collegato e che "
+                                        "cosa non va interrotto.",
                                         "30.00 CALL shut down", "30.00 notice withdrawn"));
     desktop.registry.account.reset();
     EXPECT_EQ(
         ask(shutDown, 70s),
-        Lines("1.00 notice Aspetto ancora: Il sistema non dice chi è collegato e che cosa non va "
-              "interrotto..",
+        Lines("1.00 notice Il sistema non dice chi è collegato e che cosa non va interrotto.",
               "60.00 notice Il sistema non dice chi è collegato e che cosa non va interrotto.",
               "60.00 refused for good"));
 }

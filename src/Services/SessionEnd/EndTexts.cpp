@@ -96,14 +96,28 @@ std::string namingText(const EndState& state) {
     return text;
 }
 
+/// Whether it is described by a sentence, and not by a name.
+bool isSentence(const EndObstacle& obstacle) {
+    return obstacle.kind == Kind::secondSession || obstacle.kind == Kind::slept ||
+           obstacle.kind == Kind::unseen || obstacle.kind == Kind::unknown;
+}
+
 std::string waitingText(const std::vector<EndObstacle>& obstacles) {
-    if (obstacles.empty())
-        return {};
-    if (!areAll(obstacles, Kind::window))
-        return localized("Aspetto ancora: %@.", list(obstacles));
-    return obstacles.size() == 1 ? localized("Aspetto che si chiuda %@.", list(obstacles))
-                                 : localized("Aspetto che si chiudano %lld app: %@.",
-                                             obstacles.size(), list(obstacles));
+    std::vector<EndObstacle> named = obstacles;
+    std::erase_if(named, isSentence);
+    std::vector<std::string> sentences;
+    if (!named.empty() && !areAll(named, Kind::window))
+        sentences.push_back(localized("Aspetto ancora: %@.", list(named)));
+    else if (named.size() == 1)
+        sentences.push_back(localized("Aspetto che si chiuda %@.", list(named)));
+    else if (!named.empty())
+        sentences.push_back(
+            localized("Aspetto che si chiudano %lld app: %@.", named.size(), list(named)));
+    for (const EndObstacle& obstacle : obstacles) {
+        if (isSentence(obstacle))
+            sentences.push_back(described(obstacle));
+    }
+    return joined(sentences, " ");
 }
 
 std::string refusedText(const std::vector<EndObstacle>& obstacles) {
@@ -116,12 +130,9 @@ std::string refusedText(const std::vector<EndObstacle>& obstacles) {
         return users.size() == 1
                    ? localized("%@ è ancora al lavoro su questo computer.", list(users))
                    : localized("Sono ancora al lavoro su questo computer: %@.", list(users));
-    const bool isSentence = std::ranges::any_of(obstacles, [](const EndObstacle& one) {
-        return one.kind == Kind::secondSession || one.kind == Kind::slept ||
-               one.kind == Kind::unseen || one.kind == Kind::unknown;
-    });
-    return isSentence ? described(obstacles.back())
-                      : localized("Non è ancora finito: %@.", list(obstacles));
+    const auto sentence = std::ranges::find_if(obstacles, isSentence);
+    return sentence == obstacles.end() ? localized("Non è ancora finito: %@.", list(obstacles))
+                                       : described(*sentence);
 }
 
 } // namespace
