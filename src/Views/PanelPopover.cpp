@@ -21,7 +21,8 @@ constexpr Duration samePress = 300ms;
 constexpr Duration settlingTime = 700ms;
 
 FloatingWindow::Style windowStyle() {
-    constexpr int shadowRoom = 48;
+    // Further out the shadow is fainter than two steps of a colour.
+    constexpr int shadowRoom = 60;
     return {.cornerRadius = AppTheme::windowCornerRadius,
             .shadow = {AppTheme::withOpacity(Qt::black, 0.5), 22, QPointF(0, 12)},
             .shadowRoom = shadowRoom};

@@ -126,9 +126,9 @@ TEST_F(PopoverTest, GrowsWithWhatItShowsAndStaysInItsPlaceOnAnyScreen) {
     face.windows.inputArea = {};
     EXPECT_TRUE(waitUntil([this] { return face.windows.inputArea.width == PanelView::width; }));
     const QSize size = window()->size();
-    EXPECT_EQ(window()->geometry().right() - 48, 800 - 8 - 1);
+    EXPECT_EQ(window()->geometry().right() - 60, 800 - 8 - 1);
     face.screens.set({{{0, 0, 1280, 800}, {0, 60, 1280, 740}}});
-    EXPECT_EQ(window()->geometry(), QRect(QPoint(712 - 180 - 48, 60 + 8 - 48), size));
+    EXPECT_EQ(window()->geometry(), QRect(QPoint(712 - 180 - 60, 60 + 8 - 60), size));
     for (int number = 0; number < 9; ++number)
         desktop.open("App " + std::to_string(number), 10_MiB);
     turn(2);
