@@ -1,6 +1,7 @@
 #include "Tools/velmorquit-tmutil/ResticAnswers.h"
 #include "Tools/velmorquit-tmutil/ResticReport.h"
 #include "Tools/velmorquit-tmutil/Retention.h"
+#include "Tools/velmorquit-tmutil/Settings.h"
 #include "Tools/velmorquit-tmutil/Sources.h"
 
 #include <gmock/gmock.h>
@@ -35,6 +36,17 @@ TEST(Retention, StrikesWhatIsGoneByTheBeginningOfItsIdAndNothingUnknown) {
     for (const SnapshotRecord& snapshot : recorded.snapshots)
         left.push_back(snapshot.id);
     EXPECT_THAT(left, ElementsAre("abd", ""));
+}
+
+TEST(Settings, AListWithAPlaceThatLacksSomethingIsNone) {
+    Destination whole;
+    whole.path = whole.id = whole.passwordFile = "/a";
+    EXPECT_TRUE(Settings::decode(Settings::encode({whole, whole})));
+    for (const auto part : {&Destination::path, &Destination::id, &Destination::passwordFile}) {
+        Destination damaged = whole;
+        (damaged.*part).clear();
+        EXPECT_FALSE(Settings::decode(Settings::encode({damaged, whole})));
+    }
 }
 
 TEST(ResticAnswers, NameWhatWasRemovedAndWhatWentWrong) {

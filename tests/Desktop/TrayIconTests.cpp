@@ -69,7 +69,7 @@ TEST_F(TrayIcon, OpensThePanelAndClosesItAgainAndItsMenuWithControl) {
         await("the panel with the room for its shadow", [] {
             const Words panel = windows("--name", "Velmor Quit");
             return !panel.empty() && run({"xdotool", "getwindowgeometry", panel.front()})
-                                             .text.find("Geometry: 456x") != std::string::npos;
+                                             .text.find("Geometry: 480x") != std::string::npos;
         });
         linger(500); // until it has been drawn
         awaitIcon(); // the panel of the tray takes it in anew when a compositor comes
