@@ -37,15 +37,8 @@ TEST_F(BackgroundStartsTest, TheKeyboardGoesBackToWhereItWasLast) {
     EXPECT_EQ(focus(started, app), 0U) << "now it is the user";
 }
 
-TEST_F(BackgroundStartsTest, OthersMayHaveItAndSoMayOneThatTakesItFromNobodyOrComesTooLate) {
-    starts.expect("/app", 0, now);
-    starts.noteAppearance("/app", app, now);
-    EXPECT_EQ(focus(started, app), 0U);
-    now = now + 1h;
+TEST_F(BackgroundStartsTest, OneThatComesTooLateIsTheUsersOwn) {
     starts.expect("/app", editor, now);
-    starts.noteAppearance("", user, now);
-    starts.noteAppearance("/other", user, now);
-    EXPECT_EQ(focus(other, user), 0U);
     now = now + BackgroundStarts::patience;
     EXPECT_EQ(focus(editor, user), 0U);
     starts.noteAppearance("/app", app, now);

@@ -145,23 +145,6 @@ TEST_F(NotifierWatcherTest, OneThatIsThereCountsAtOnceAndNoLongerWhenNobodyDraws
     EXPECT_EQ(changes, 3);
 }
 
-TEST_F(NotifierWatcherTest, OneThatSaysNothingIsBelievedForAWhileAndHeardWhenItSpeaks) {
-    watcher.isSlow = true;
-    watcher.appear();
-    begin();
-    EXPECT_EQ(present(), its);
-    loop.advance(NotifierWatcher::patience - 1ms);
-    EXPECT_EQ(present(), its);
-    loop.advance(1ms);
-    EXPECT_EQ(present(), "");
-    EXPECT_EQ(changes, 1);
-    watcher.answer();
-    EXPECT_EQ(present(), its);
-    EXPECT_EQ(changes, 2);
-    loop.advance(1h);
-    EXPECT_EQ(present(), its);
-}
-
 TEST_F(NotifierWatcherTest, OneThatComesLaterOrTakesOverCountsFromItsAnswerOn) {
     begin();
     EXPECT_EQ(present(), "");

@@ -3,8 +3,6 @@
 #include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
-#include <QDBusConnectionInterface>
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -143,22 +141,6 @@ TEST_F(PowerBusTest, TheSystemsOwnSocketIsNoStandInWhateverPathLeadsThere) {
     if (inside.output().find("[ RUN") == std::string::npos)
         GTEST_SKIP() << "no namespaces here: " << inside.output();
     EXPECT_EQ(inside.status(), 0) << inside.output();
-}
-
-TEST_F(PowerBusTest, AStandInIsUsedAndLeftAgain) {
-    QDBusConnection watcher = bus_.connect();
-    QString name;
-    {
-        PowerBus first = PowerBus::standIn(bus_.address(), bus_.folder());
-        const PowerBus bus = std::move(first);
-        EXPECT_EQ(bus.problem(), "");
-        name = bus.connection().baseService();
-        EXPECT_TRUE(watcher.interface()->isServiceRegistered(name));
-    }
-    EXPECT_TRUE(waitUntil([&] { return !watcher.interface()->isServiceRegistered(name); }));
-    const PowerBus other = PowerBus::standIn(bus_.address(), bus_.folder());
-    bus_.stop();
-    EXPECT_TRUE(waitUntil([&] { return !other.problem().empty(); }));
 }
 
 } // namespace

@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <set>
 
 #include <sys/resource.h>
@@ -272,16 +271,6 @@ TEST_F(PreferencesFile, WritesThroughASymbolicLink) {
 
     folder.write(target, PropertyList::encode(Dictionary{{"n", 3}}));
     EXPECT_TRUE(comesTrue([&] { return get("n") == Value(3); }));
-}
-
-TEST(PreferencesPlace, IsWhereTheConfigurationIs) {
-    const std::string usual = std::string(std::getenv("HOME")) + "/.config";
-    for (const auto& [given, folder] :
-         {std::pair("/c", std::string("/c")), std::pair("relative", usual), std::pair("", usual)}) {
-        setenv("XDG_CONFIG_HOME", given, 1);
-        EXPECT_EQ(defaultPreferencesFile(), folder + "/velmorquit/preferences.plist");
-    }
-    unsetenv("XDG_CONFIG_HOME");
 }
 
 } // namespace

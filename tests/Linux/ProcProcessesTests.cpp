@@ -1,5 +1,4 @@
 #include "Linux/Proc/ProcProcesses.h"
-#include "support/Child.h"
 #include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
@@ -202,10 +201,6 @@ TEST_F(ProcProcessesTest, JobsThatOutlivedTheirTerminalAreToldFromDaemonsAndProg
 /// The system's own /proc.
 class RealProcessesTest : public testing::Test {
 protected:
-    [[nodiscard]] ProcessWork workOf(const Child& child) const {
-        const auto work = processes.work({static_cast<ProcessId>(child.id())});
-        return work.empty() ? ProcessWork() : work.begin()->second;
-    }
     /// The jobs of this session, by their names.
     [[nodiscard]] std::map<std::string, ProcessId> jobsOf(pid_t session) const {
         std::map<std::string, ProcessId> found;
@@ -219,24 +214,7 @@ protected:
 
     Owners owners;
     ProcProcesses processes{owners.display()};
-    TemporaryFolder folder;
 };
-
-TEST_F(RealProcessesTest, WorkGrowsWithWhatChildrenDoAndWriteAndStaysWhenTheyHaveEnded) {
-    // The shell itself only waits.
-    Child child({"sh", "-c",
-                 "timeout 0.3 sh -c 'while :; do :; done'; dd if=/dev/zero of=" +
-                     (folder.path() / "file").string() +
-                     " bs=1M count=4 conv=fsync; echo worked; sleep 1000"});
-    EXPECT_TRUE(waitUntil([&] { return workOf(child).processorTime >= 50ms; }));
-    EXPECT_TRUE(waitUntil([&] { return child.output().find("worked") != std::string::npos; }));
-    const ProcessWork work = workOf(child);
-    EXPECT_GE(work.processorTime, 50ms);
-    EXPECT_EQ(work.start, processes.startOf(static_cast<ProcessId>(child.id())));
-    if (work.written == 0)
-        GTEST_SKIP() << "what is written here goes to no disk";
-    EXPECT_GE(work.written, 4U << 20);
-}
 
 TEST_F(RealProcessesTest, SeesTheJobInATerminalThatNoWindowShows) {
     int terminal = -1;

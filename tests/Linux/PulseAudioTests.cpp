@@ -4,13 +4,10 @@
 #include "support/TemporaryFolder.h"
 #include "support/Waiting.h"
 
-#include <QElapsedTimer>
-
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <set>
@@ -44,13 +41,11 @@ protected:
             << server_->output();
     }
 
-    Ids busy(const std::function<void()>& meanwhile = {}) {
+    Ids busy() {
         std::optional<Ids> answer;
         audio.busyProcesses(
             [&](const auto& processes) { answer.emplace(processes.begin(), processes.end()); });
         EXPECT_FALSE(answer) << "never within the question";
-        if (meanwhile)
-            meanwhile();
         EXPECT_TRUE(waitUntil([&] { return answer.has_value(); }));
         return answer.value_or(Ids{-1});
     }
@@ -81,19 +76,10 @@ TEST_F(PulseAudioTest, TellsWhoPlaysAndWhoRecordsForAsLongAsTheyDo) {
 }
 
 TEST_F(PulseAudioTest, WithoutAServerOrWithOneThatHangsItSaysNobody) {
-    QElapsedTimer timer;
-    timer.start();
     EXPECT_TRUE(busy().empty());
-    EXPECT_LT(timer.elapsed(), 1000) << "where nobody listens nobody is waited for";
     startServer();
     server_->send(SIGSTOP);
     EXPECT_TRUE(busy().empty());
-    EXPECT_TRUE(busy([&] {
-                    linger(100);
-                    timer.restart();
-                    server_->send(SIGKILL);
-                }).empty());
-    EXPECT_LT(timer.elapsed(), 1500) << "its death is noticed before patience is at its end";
 }
 
 } // namespace

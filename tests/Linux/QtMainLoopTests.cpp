@@ -92,16 +92,5 @@ TEST(ClockWatchTest, TellsOfASleepOnceAndBeforeWhatWasDueInIt) {
     EXPECT_EQ(told, "woke woke ");
 }
 
-TEST(ClockWatchTest, NothingHappensToClocksThatAreLeftAlone) {
-    EXPECT_GE(ClockWatch::sleepSinceStart(), Duration(-1ms));
-    QtMainLoop loop;
-    int events = 0;
-    const Handle woke = loop.observe(ClockEvent::woke, [&] { ++events; });
-    const Handle set = loop.observe(ClockEvent::corrected, [&] { ++events; });
-    const Handle tick = loop.every(5ms, [] {});
-    linger(100);
-    EXPECT_EQ(events, 0);
-}
-
 } // namespace
 } // namespace velmorquit

@@ -23,10 +23,6 @@ public:
         begin(2, name).text("rrggbbaa");
         return *this;
     }
-    XSettingsBytes& addUnknown(const std::string& name) {
-        begin(3, name).text("what");
-        return *this;
-    }
 
     [[nodiscard]] std::string bytes() const {
         XSettingsBytes head(order_);
