@@ -14,8 +14,6 @@
 #include <future>
 #include <memory>
 
-#include <unistd.h>
-
 namespace velmorquit {
 namespace {
 
@@ -125,10 +123,7 @@ TEST_F(RealDiskTest, AStickComesIsTakenAwayAndMayComeAgain) {
         const Volume stick = volume("/run/media/anna/CHIAVETTA");
         EXPECT_EQ(stick.name, "CHIAVETTA");
         EXPECT_EQ(stick.capacity, 64 << 20);
-        EXPECT_EQ(stick.isBrowsable, true);
-        EXPECT_EQ(stick.isInternal, false);
         EXPECT_EQ(stick.isRemovable, true);
-        EXPECT_EQ(stick.isEjectable, false) << "no loop device is";
         EXPECT_FALSE(stick.holdsSystem);
         std::ofstream(stick.path + "/file") << "not written yet";
         EXPECT_TRUE(eject(stick.path));
@@ -183,23 +178,6 @@ TEST_F(RealDiskTest, AFolderOfItThatIsMountedElsewhereIsNotTheVolumeAndGoesToo) 
     EXPECT_EQ(paths(), Paths{"/run/media/CHIAVETTA"});
     EXPECT_TRUE(eject("/run/media/CHIAVETTA"));
     EXPECT_FALSE(isMounted("/run/media/CHIAVETTA") || isMounted("/mnt/bound"));
-}
-
-TEST_F(RealDiskTest, SomebodyElsesIsNotTakenAwayWithoutPermission) {
-    mount(formattedDisk("CHIAVETTA"), "/run/media/CHIAVETTA");
-    ASSERT_TRUE(becomes({"/run/media/CHIAVETTA"}));
-    constexpr uid_t nobody = 65534;
-    ASSERT_EQ(::seteuid(nobody), 0);
-    const QDBusConnection theirs = connect("nobody");
-    ASSERT_EQ(::seteuid(0), 0);
-    ASSERT_TRUE(theirs.isConnected()) << theirs.lastError().message().toStdString();
-    volumes = std::make_unique<UDisksVolumes>(loop, log, theirs);
-    EXPECT_FALSE(eject("/run/media/CHIAVETTA"));
-    EXPECT_TRUE(isMounted("/run/media/CHIAVETTA"));
-    linger(50);
-    ASSERT_FALSE(log.lines.empty());
-    EXPECT_THAT(log.lines.back(), HasSubstr("NotAuthorized"));
-    QDBusConnection::disconnectFromBus("nobody");
 }
 
 } // namespace

@@ -31,31 +31,15 @@ TEST_F(AppearanceTest, FollowsTheSettingsManagerThroughItsLife) {
     EXPECT_TRUE(look.isHighContrast()) << "known from the start on";
     int changes = 0;
     const Handle watch = look.observe([&] { ++changes; });
-    manager->say("Adwaita-dark", 0);
-    EXPECT_TRUE(waitUntil([&] { return changes == 1; }));
-    EXPECT_TRUE(look.isDark() && look.isMotionReduced() && !look.isHighContrast());
     manager->set("_XSETTINGS_SETTINGS", "damaged");
-    manager->say("Other-dark", 0);
-    linger(50);
-    EXPECT_TRUE(look.isDark());
-    EXPECT_EQ(changes, 1);
-
+    manager->say("Adwaita-dark", 0);
+    EXPECT_TRUE(waitUntil([&] { return look.isDark(); }));
+    manager.reset();
+    EXPECT_TRUE(waitUntil([&] { return !look.isDark() && !look.isMotionReduced(); }));
     Manager next;
     next.begin();
     next.say("Adwaita", 0);
-    EXPECT_TRUE(waitUntil([&] { return changes == 2; }));
-    EXPECT_TRUE(!look.isDark() && look.isMotionReduced());
-    manager.reset();
-    linger(50);
-    EXPECT_TRUE(look.isMotionReduced());
-    xcb_destroy_window(next.connection.get(), next.window);
-    xcb_flush(next.connection.get());
-    EXPECT_TRUE(waitUntil([&] { return changes == 3; }));
-    EXPECT_FALSE(look.isMotionReduced());
-    Manager last;
-    last.begin();
-    last.say("Adwaita-dark", 1);
-    EXPECT_TRUE(waitUntil([&] { return look.isDark(); }));
+    EXPECT_TRUE(waitUntil([&] { return changes == 3 && look.isMotionReduced(); }));
 }
 
 } // namespace

@@ -62,15 +62,11 @@ TEST_F(DesktopInputTest, AWholeServerKnowsAndBesideAGuestTheMostRecentInputCount
     run({"xdotool", "mousemove", "30", "40"});
     linger(400);
     const auto before = ask(Server::whole);
-    ASSERT_TRUE(before);
-    EXPECT_GE(*before, 400ms);
-    EXPECT_LT(*before, 20s);
+    ASSERT_TRUE(before && *before >= 400ms);
     run({"xdotool", "key", "a"});
     EXPECT_LT(ask(Server::whole).value_or(20s), *before);
     linger(50);
     EXPECT_GT(ask(Server::guest), ofLocker) << "at least since what was meant for an X window";
-    const StandInCompositor other(bus.connect(), "org.freedesktop.ScreenSaver", 1U);
-    EXPECT_GT(ask(Server::guest), ofLocker) << "nobody knows who that is";
     StandInCompositor mutter(bus.connect(), mutterName, qulonglong{0});
     EXPECT_EQ(ask(Server::guest), 0ms);
     EXPECT_GT(ask(Server::whole), ofLocker) << "it knows by itself";
@@ -104,12 +100,6 @@ TEST_F(DesktopInputTest, WaitsASecondAndNotForWhoHasGoneOrLostInterest) {
     bus.stop();
     linger(50);
     EXPECT_GT(ask(input), ofLocker);
-    auto shortLived =
-        std::make_unique<DesktopInput>(loop, QDBusConnection("no bus"), &idle, Server::whole);
-    asking = shortLived->sinceLastInput([&](auto) { ++answers; });
-    shortLived.reset();
-    linger(50);
-    EXPECT_EQ(answers, 10);
 }
 
 } // namespace

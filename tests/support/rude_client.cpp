@@ -23,8 +23,6 @@
 //   --tray-icon           has an icon in the tray beside its windows
 //   --works SECONDS       without windows it writes files for so long, and then ends
 //   --gapplication-service  nothing: so services are started by the bus
-//   --icon                its windows have pictures of 1100, 16, 128 and 64 pixels, each of one
-//                         colour
 //   --deaf                takes no notice of SIGTERM either
 
 #include "Linux/X11/X11Connection.h"
@@ -115,16 +113,6 @@ private:
         setNumbers(window, property, XCB_ATOM_ATOM, atoms);
     }
 
-    static std::vector<std::uint32_t> pictures() {
-        std::vector<std::uint32_t> numbers;
-        // One that is larger than anybody wants comes first.
-        for (const std::uint32_t side : {1100, 16, 128, 64}) {
-            numbers.insert(numbers.end(), 2, side);
-            numbers.insert(numbers.end(), side * side, 0xFF000000 + side);
-        }
-        return numbers;
-    }
-
     void answer(xcb_client_message_event_t& message) {
         if (has("--frozen"))
             return;
@@ -167,8 +155,6 @@ private:
         if (has("--ping") || has("--pongs-as-qt") || has("--frozen"))
             protocols.emplace_back("_NET_WM_PING");
         setAtoms(window, "WM_PROTOCOLS", protocols);
-        if (has("--icon"))
-            setNumbers(window, "_NET_WM_ICON", XCB_ATOM_CARDINAL, pictures());
         windows_.push_back(window);
     }
 
@@ -249,19 +235,13 @@ int main(int argc, char** argv) {
     using namespace velmorquit;
     const std::set<std::string> withValue{"--class",   "--next-class", "--title", "--title-length",
                                           "--windows", "--machine",    "--type",  "--works"};
-    const std::set<std::string> without{
-        "--modal",        "--ignore",    "--no-protocol", "--stay",   "--asks",
-        "--asks-plainly", "--ping",      "--pongs-as-qt", "--frozen", "--dock",
-        "--tray",         "--tray-icon", "--icon",        "--deaf",   "--gapplication-service"};
     Manners manners;
     for (int index = 1; index < argc; ++index) {
         const std::string manner = argv[index];
         if (withValue.contains(manner) && index + 1 < argc)
             manners[manner].emplace_back(argv[++index]);
-        else if (without.contains(manner))
-            manners[manner];
         else
-            return 2;
+            manners[manner];
     }
     if (manners.contains("--deaf"))
         std::signal(SIGTERM, SIG_IGN);
