@@ -145,6 +145,17 @@ TEST_F(NotifierWatcherTest, OneThatIsThereCountsAtOnceAndNoLongerWhenNobodyDraws
     EXPECT_EQ(changes, 3);
 }
 
+TEST_F(NotifierWatcherTest, OneThatSaysNothingIsBelievedForAWhileAndHeardWhenItSpeaks) {
+    watcher.isSlow = true;
+    watcher.appear();
+    begin();
+    EXPECT_EQ(present(), its);
+    loop.advance(NotifierWatcher::patience);
+    EXPECT_EQ(present(), "");
+    watcher.answer();
+    EXPECT_EQ(present(), its);
+}
+
 TEST_F(NotifierWatcherTest, OneThatComesLaterOrTakesOverCountsFromItsAnswerOn) {
     begin();
     EXPECT_EQ(present(), "");
