@@ -33,6 +33,26 @@ TEST_F(WorkspaceTest, TellsOfLaunchesEndsAndWindows) {
         EXPECT_TRUE(change == gone || change.process == app->processId());
 }
 
+TEST_F(WorkspaceTest, WhoIsInFrontStaysSoWhileAWindowOfThisProgramIsActive) {
+    const auto first = open({"--class", "First"});
+    const auto second = open({"--class", "Second"});
+    const auto bringToFront = [&](const App& app) {
+        EXPECT_TRUE(app->activate());
+        EXPECT_TRUE(waitUntil([&] { return workspace.frontmostApplication() == app; }));
+        EXPECT_GE(count(WorkspaceEvent::activated), 1U);
+        events.clear();
+    };
+    bringToFront(second);
+    bringToFront(first);
+    OwnWindow own;
+    own.show();
+    ASSERT_TRUE(waitUntil([&] { return toplevels.activeWindow() == own.window; }));
+    linger(100);
+    EXPECT_EQ(workspace.frontmostApplication(), first);
+    EXPECT_EQ(count(WorkspaceEvent::activated), 0U);
+    bringToFront(second);
+}
+
 TEST_F(WorkspaceTest, MissesNobodyWhoCameThisVeryMoment) {
     // No event loop runs here: what the server knows has to count when somebody asks.
     Child child({RUDE_CLIENT});
