@@ -80,11 +80,6 @@ const std::string failedAtOnce =
     Lines("0.25 event backupFinished badly", "0.25 backupFailed: no such tool");
 
 const BackupStory backupStories[]{
-    {"Completed", haveDrive, [](QuitController&) {},
-     begun + Lines("2.25 event backupFinished", "2.25 ejecting", "2.25 eject /media/one",
-                   "2.25 event disksEjected 1", "2.25 event quitDone 1",
-                   "2.25 done 1 5 Backup Time Machine completato · 1 disco espulso", "3.45 restart",
-                   "10.25 idle")},
     {"Skipped", [](SimulatedDesktop&) {},
      [](QuitController& controller) { controller.stopBackup(Stop::skip); },
      begun + Lines("1.25 stop backup", "1.25 event quitDone 1", "1.25 done 1 5 Backup saltato",

@@ -229,9 +229,6 @@ TEST_F(LastSession, IsReopenedAndForgottenByOthers) {
     controller->refresh();
     EXPECT_EQ(give("reopen"), "Riapro 1 app. Non si può riaprire: Lost.");
     EXPECT_EQ(give("reopen"), "Non ci sono app da riaprire.");
-    desktop.open("Gone");
-    quitAll();
-    EXPECT_EQ(give("reopen"), "Non ci sono app da riaprire. Non si possono riaprire: Back, Gone.");
     openInstalled("one");
     quitAll();
     EXPECT_EQ(give("forget"), "");

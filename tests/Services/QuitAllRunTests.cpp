@@ -8,14 +8,6 @@ using QuitAllRun = ControllerStory;
 using testing::HasSubstr;
 using testing::Not;
 
-TEST_F(QuitAllRun, AllQuitInTimeLargestAskedFirst) {
-    desktop.open("Note", 300).quitsAfter(900ms);
-    desktop.open("Mail", 500).quitsAfter(300ms);
-    EXPECT_EQ(run(none, 20s),
-              Lines("0.00 quit Mail", "0.00 quit Note", "0.00 quitting 2", "0.30 ended Mail",
-                    "0.90 ended Note", "1.00 event quitDone 2", "1.00 done 2 800", "9.00 idle"));
-}
-
 TEST_F(QuitAllRun, AnUnsavedDocumentIsWaitedForAndTheRunGoesOnByItself) {
     desktop.open("Note", 300).asksToSaveFor(20s);
     desktop.open("Mail", 200).quitsAfter(7100ms);
