@@ -16,7 +16,6 @@ void velmorquit::fuzz::examine(std::string_view bytes) {
     for (const Destination& destination : *destinations) {
         require(!destination.path.empty() && !destination.id.empty(),
                 "a destination has a place and a repository");
-        static_cast<void>(destination.keep.isAny());
         const auto latest = destination.latest();
         if (!latest)
             continue;

@@ -5,10 +5,6 @@
 void velmorquit::fuzz::examine(std::string_view bytes) {
     const std::string line(bytes);
     const std::vector<std::string> command = commandOfEntry(line.c_str());
-    std::size_t held = 0;
-    for (const std::string& word : command)
-        held += word.size();
-    require(held <= bytes.size(), "the words are parts of the line");
     if (command.empty())
         return;
     const RunProgram program = programOf("", command, "/nonexistent");
