@@ -1,7 +1,5 @@
 #include "Desktop/DesktopStory.h"
 
-#include "support/StandInWatcher.h"
-
 namespace velmorquit {
 namespace {
 
@@ -92,28 +90,6 @@ TEST_F(TrayIcon, OpensThePanelAndClosesItAgainAndItsMenuWithControl) {
     EXPECT_FALSE(isPanelShown());
     press({"ctrl+q"});
     awaitEnd(*program);
-}
-
-TEST_F(TrayIcon, FollowsATrayOfAnyKindAndIsNotNeededForThePanel) {
-    startProgram();
-    awaitIcon();
-    StandInWatcher watcher(
-        QDBusConnection::connectToBus(QDBusConnection::SessionBus, "stand-in watcher"));
-    watcher.appear();
-    await("the icon on the watcher's list", [&] { return !watcher.registered.isEmpty(); });
-    await("the end of the icon in the panel", [] { return ownWindows().empty(); });
-    watcher.disappear();
-    awaitIcon();
-    run({"sh", "-c", "kill $(xdotool search --onlyvisible --class '^tint2$' getwindowpid)"});
-    await("the end of the tray", [] { return windows("--class", "tint2").empty(); });
-    EXPECT_EQ(control({"show"}).status, 0);
-    awaitPanel();
-    press({"Escape"});
-    awaitPanel(false);
-    const Child tray({"tint2", "-c", home().parent_path() / "tint2rc"});
-    awaitIcon();
-    click();
-    awaitPanel();
 }
 
 } // namespace
