@@ -3,6 +3,7 @@
 namespace velmorquit {
 namespace {
 
+using namespace std::string_literals;
 using CommandLine = DesktopStory;
 using Text = testing::Matcher<std::string>;
 
@@ -28,6 +29,9 @@ TEST_F(CommandLine, SaysWhatIsMissingAndHowItIsUsed) {
         {ctl + "status", 3, notRunning},
         {ctl + "watch", 3, notRunning},
         {ctl + "quit-all", 3, notRunning},
+        {ctl + "show", 3, notRunning},
+        {"env --unset=DBUS_SESSION_BUS_ADDRESS XDG_RUNTIME_DIR=$HOME" + ctl + "quit-all", 3,
+         StartsWith("velmorctl: ")},
         {nowhere + ctl + "quit-all", 3, StartsWith("velmorctl: ")},
         {alone + ctl + "--help" + quiet, 0, StartsWith("Usage: ")},
         {alone + ctl + "--version" + quiet, 0, MatchesRegex("velmorctl [0-9.]+\n")},
@@ -35,6 +39,8 @@ TEST_F(CommandLine, SaysWhatIsMissingAndHowItIsUsed) {
         {alone + " " VELMORQUIT " --version" + quiet, 0, MatchesRegex("velmorquit [0-9.]+\n")},
         {"env --unset=DISPLAY " + nowhere + " " VELMORQUIT " --disable" + at + " --enable" + at, 0,
          "Avvio automatico: attivo\n"},
+        {"env --unset=DISPLAY " + nowhere + " " VELMORQUIT " --disable" + at, 0,
+         "Avvio automatico: disattivo\n"},
         {"env --unset=DISPLAY " VELMORQUIT, 1, noDisplay},
         {"DISPLAY=:4711 " VELMORQUIT, 1, noDisplay},
     };
@@ -65,6 +71,29 @@ TEST_F(CommandLine, MayStopWaitingForARunThatGoesOn) {
     EXPECT_THAT(outcomeOf(*quitAll), ends(130, HasSubstr("velmorctl leave la ferma")));
     EXPECT_EQ(phase(), "quitting");
     EXPECT_TRUE(mail.isRunning());
+}
+
+TEST_F(CommandLine, SpeaksTheLanguageOfThePreferencesAndCutsOnlyWhatIsMeantForTheTerminal) {
+    prefer({{"AppleLanguages", Value::Array{"en"}}});
+    EXPECT_EQ(control({"status"}).text, "velmorctl: Velmor Quit isn’t running.\n");
+    startProgram();
+    EXPECT_EQ(control({"leave"}).text, "velmorctl: No apps are being quit at the moment.\n");
+    const std::string name = "An Application With A Name That Is Really Very Long";
+    openRude({"--class", name});
+    openRude({"--class", "日本"});
+    openRude({"--class", "main", "--title", "Letter - R\x1bude\u202e"});
+    openRude({"--class", "main", "--title", "R\x1b[2J\n", "--title-length", "1000000"});
+    openRude({"--class", "Ru\u200bde\u009b"});
+    const std::string text = control({"status"}).text;
+    EXPECT_THAT(text, StartsWith("Ready\n5 open apps:\n"));
+    // Each of these characters is as wide as two letters.
+    const std::string japanese = "日本" + std::string(name.size() - 4, ' ');
+    for (const std::string& shown : {name, japanese, "R ude"s, "rude_client"s, "Rude"s})
+        EXPECT_THAT(text, HasSubstr("  " + shown + "  "));
+    for (const char* harm : {"\x1b", "\u202e", "\u009b", "\u200b"})
+        EXPECT_THAT(text + program->output(), Not(HasSubstr(harm)));
+    EXPECT_LT(text.size(), 1500U);
+    EXPECT_THAT(control({"quit-all"}), ends(0, HasSubstr("Done: 5 apps quit, ")));
 }
 
 } // namespace

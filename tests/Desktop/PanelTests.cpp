@@ -50,6 +50,10 @@ TEST_F(PanelOnDesktop, ExcludesWithAClickQuitsWithReturnAndStaysWhileThatRunWait
             return rude["excluded"].toBool() == isExcluded;
         });
     }
+    EXPECT_EQ(computed("$RIGHT"), std::to_string(1280 - 8));
+    run({"xrandr", "--output", "screen", "--off", "--fb", "1024x700"});
+    await("its place on a smaller screen",
+          [&] { return computed("$RIGHT") == std::to_string(1024 - 8); });
     press({"Return"});
     awaitStubborn({"Rude"});
     // The application takes the keyboard, as its question would.

@@ -132,12 +132,26 @@ TEST_F(RunNoticeStory, ThePanelComesByItselfOnceInAWaitThatNobodyHasSeen) {
         notice.onUnanswerable();
         return desktop.log().starts_with("0.00 panel aside\n") && !notice.shown;
     };
+    const auto closeAgain = [this] {
+        told->panelClosed();
+        desktop.advance(3s);
+        EXPECT_NE(text(), "none");
+    };
     quit(none);
     EXPECT_TRUE(comesWhenUnanswerable());
-    told->panelClosed();
-    desktop.advance(3s);
-    EXPECT_NE(text(), "none");
+    closeAgain();
     EXPECT_FALSE(comesWhenUnanswerable());
+    controller->leaveStubbornOpen();
+    desktop.advance(1s);
+    notice.onUnanswerable();
+    in(3s, [this] { told->panelOpened(); });
+    quit(none);
+    closeAgain();
+    EXPECT_FALSE(comesWhenUnanswerable());
+    controller->leaveStubbornOpen();
+    desktop.advance(1s);
+    quit(none);
+    EXPECT_TRUE(comesWhenUnanswerable());
 }
 
 } // namespace

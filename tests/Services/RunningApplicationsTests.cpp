@@ -34,6 +34,22 @@ TEST_F(RunningApplications, HaveAFallbackForEveryMissingFigureOrName) {
     EXPECT_EQ(app("App").exclusionKey(), "App");
 }
 
+TEST_F(RunningApplications, AreRefreshedEvery2500MillisecondsByOneTimerOnly) {
+    auto& note = desktop.open("Note", 1);
+    start().startLiveUpdates();
+    controller->startLiveUpdates();
+    const Handle watch = controller->apps.subscribe(
+        [this] { desktop.write("memory " + std::to_string(app("Note").memory)); });
+    after(0s);
+    in(0s, [&] { note.setMemory(2); });
+    in(2600ms, [&] { note.setMemory(3); });
+    in(5100ms, [&] {
+        controller->stopLiveUpdates();
+        note.setMemory(4);
+    });
+    EXPECT_EQ(after(1min), Lines("2.50 memory 2", "5.00 memory 3"));
+}
+
 class Exclusions : public ControllerStory {
 protected:
     Value stored() const { return desktop.preferences.object("excludedApps").value_or("nothing"); }

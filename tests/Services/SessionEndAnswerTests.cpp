@@ -60,6 +60,20 @@ TEST_F(SessionEndTest, AQuestionGoesWithItsRequest) {
     EXPECT_THAT(after(1s), Not(HasSubstr("CALL")));
 }
 
+TEST_F(SessionEndTest, ThePanelComesOnceWhereNoNoticeCanBeAnswered) {
+    endNotice->onUnanswerable = [this] { desktop.write("panel"); };
+    desktop.open("Note").ignoresAsking();
+    for (int requests = 1; requests <= 2; ++requests) {
+        ask(shutDown, 2s);
+        notice.onUnanswerable();
+        notice.onUnanswerable();
+        end->cancel();
+        desktop.advance(1s);
+        notice.onUnanswerable();
+        EXPECT_EQ(desktop.log(), Lines("0.00 panel", "0.00 notice withdrawn"));
+    }
+}
+
 // The buttons of what has just gone from the screen are pressed too.
 TEST_F(SessionEndTest, AnAnswerThatComesTooLateIsNoOtherAnswer) {
     SimulatedApplication& note = desktop.open("Note").ignoresAsking();
