@@ -97,6 +97,12 @@ TEST_F(BackupStory, ProgressRisesOverAllDestinationsAndAStopLeavesNothingBehind)
                        " /proc/[0-9]*/cmdline /proc/[0-9]*/environ 2>/dev/null"})
                   .text,
               "");
+    EXPECT_NE(
+        run({"sh", "-c",
+             "cd /proc; for one in " + resticsOn(root) + "; do grep -la HOME= $one/environ; done"})
+            .text,
+        "")
+        << "restic has the variables of its user";
     EXPECT_THAT(backUp(), isRefusedWith("Un backup è già in corso."));
 
     EXPECT_EQ(tool({"stopbackup"}).status, 0);

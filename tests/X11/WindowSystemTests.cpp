@@ -7,6 +7,7 @@
 #include <QEventLoop>
 #include <QTimer>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -68,6 +69,11 @@ TEST_F(WindowSystemTest, SeesPressesAnywhereWhileItIsObservedAndTakesThemFromNob
 TEST_F(WindowSystemTest, ActivatesAWindowWhicheverOtherIsInUseAndWherever) {
     OwnWindow own;
     own.show();
+    windows.keepOffLists(own.window);
+    EXPECT_TRUE(waitUntil([&] {
+        const auto states = own.connection.numbers(own.window, "_NET_WM_STATE", 0, 8);
+        return std::ranges::count(states, own.connection.atom("_NET_WM_STATE_SKIP_TASKBAR")) == 1;
+    }));
     start({"--class", "Other"});
     ASSERT_TRUE(waitUntil([&] { return !own.isActive() && !own.hasFocus(); }));
     windows.activate(own.window);
