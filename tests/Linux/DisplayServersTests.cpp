@@ -1,5 +1,6 @@
 #include "Linux/Files/Descriptor.h"
 #include "Linux/Windows/DisplayServers.h"
+#include "Linux/Windows/SessionTraits.h"
 #include "support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -84,6 +85,13 @@ TEST_F(DisplayServersTest, OneThatLetsNobodyInAtTheMomentIsThereAsWell) {
                      sizeof address) == 0);
     EXPECT_EQ(errno, EAGAIN);
     EXPECT_TRUE(hasAnother());
+}
+
+TEST(SessionTraits, ArePlasmasByOneOfItsNames) {
+    for (const char* desktops : {"KDE", "Other:KDE", "KDE:Other"})
+        EXPECT_TRUE(traitsOf({.desktops = desktops}).tintsNamedIcons) << desktops;
+    for (const char* desktops : {"", "XFCE", "KDE-like:Other", "kde"})
+        EXPECT_FALSE(traitsOf({.desktops = desktops}).tintsNamedIcons) << desktops;
 }
 
 } // namespace

@@ -218,9 +218,12 @@ TEST_F(IdentityTest, WithoutAnEntryItHasANameThatAPersonWouldGiveIt) {
         {"Xchart", "xchart", "a - b", "Xchart", "Xchart"},
         {"org-jot-jEdit", jar, "Jotter - Untitled-1", "Jotter", "jotter"},
         {"org-jot-jEdit", jar, "x.txt – Jot Pad", "Jot Pad", "jotter"},
+        {"org-jot-jEdit", jar, "Jot - /etc/hosts", "Jot", "jotter"},
         {"org-jot-jEdit", jar, "no - notes.txt", "jotter", "jotter"},
         {"Toplevel", "/usr/bin/python3|/opt/ledger/main.py", "", "ledger", "ledger"},
+        {"Toplevel", "/usr/bin/python3|/home/ada/main.py", "", "main", "main"},
         {"main.py", "/usr/bin/python3|-c|x", "New — Ledger", "Ledger", "main.py"},
+        {"Toplevel", "/usr/bin/python3|-c|x", "Sums", "Toplevel", "Toplevel"},
     };
     for (const Case& one : cases) {
         show(one.className, one.command, one.title);
@@ -236,9 +239,27 @@ TEST(RunProgram, IsReadAtOnceHoweverLongItIs) {
     for (int part = 0; part < 400'000; ++part)
         path += "main/";
     EXPECT_TRUE(programOf("/usr/bin/python3", {"python3", path}, "/home/a").isUnknown());
-    EXPECT_EQ(
-        programOf("/usr/bin/python3", {"python3", "note/" + path.substr(0, 4000)}, "/opt").name,
-        "note");
+    const std::string deep = path.substr(0, 4000);
+    for (const auto& [script, folder, name] :
+         {std::tuple("note/" + path.substr(0, 4000), "/opt", "note"),
+          std::tuple(std::string("/opt//note///main.py"), "/", "note"),
+          std::tuple(std::string("main.py"), "/home/a", "main"),
+          std::tuple(std::string("src/main.py"), "/root", "main")})
+        EXPECT_EQ(programOf("/usr/bin/python3", {"python3", script}, folder).name, name);
+}
+
+TEST_F(IdentityTest, TakesANameFromATitleThatComesLateAndKeepsIt) {
+    show("Toplevel", "/usr/bin/python3|ledger.py");
+    const auto app = last();
+    EXPECT_EQ(app->localizedName(), "ledger");
+    for (const char* title : {"One - Ledger", "Two - Great Ledger"}) {
+        source.titles[1] = title;
+        source.tell();
+        loop.advance(3s);
+        EXPECT_EQ(app->localizedName(), "Ledger");
+    }
+    EXPECT_EQ(app->bundleIdentifier(), "ledger");
+    EXPECT_THAT(app->otherIdentities(), ElementsAre("Toplevel"));
 }
 
 } // namespace

@@ -260,5 +260,16 @@ TEST_F(MenuBarStory, TheMenuFollowsWhatItShowsAndIsKeptOnlyWhenItChanges) {
               Lines("0.00 done 0 0", "0.00 keeps Chiudi 1 app#quit<xmark.circle> …", "8.00 idle"));
 }
 
+TEST_F(MenuBarStory, ThePanelOpensByItselfTheFirstTimeOnly) {
+    begin();
+    item->welcome();
+    EXPECT_TRUE(settings.didShowWelcome.get()) << "before it opens";
+    EXPECT_EQ(after(1s), Lines("0.30 countdown hides", "0.30 panel opens at 900"));
+    popover.close();
+    desktop.startLog();
+    item->welcome();
+    EXPECT_EQ(after(1s), "");
+}
+
 } // namespace
 } // namespace velmorquit
