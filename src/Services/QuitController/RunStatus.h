@@ -50,7 +50,7 @@ private:
 
     /// A run begins: everything about the one before is reset.
     void begin(PowerAction action, Attendance attendance);
-    void enter(Phase next) { phase = std::move(next); }
+    void enter(const Phase& next) { phase = next; }
     /// These have stayed so far.
     void stay(std::vector<OpenApp> running) { stubborn = std::move(running); }
     void explain(std::map<ProcessId, StayReason> reasons) { stayReasons = std::move(reasons); }
