@@ -114,7 +114,8 @@ std::string waitingText(const std::vector<EndObstacle>& obstacles) {
         sentences.push_back(
             localized("Aspetto che si chiudano %lld app: %@.", named.size(), list(named)));
     for (const EndObstacle& obstacle : obstacles) {
-        if (isSentence(obstacle))
+        if (isSentence(obstacle) &&
+            std::ranges::find(sentences, described(obstacle)) == sentences.end())
             sentences.push_back(described(obstacle));
     }
     return joined(sentences, " ");
