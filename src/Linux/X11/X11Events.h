@@ -1,11 +1,8 @@
 #pragma once
 
-#include "Linux/Loop/Paced.h"
 #include "Linux/X11/X11Connection.h"
+#include "Linux/X11/X11EventReader.h"
 
-#include <QSocketNotifier>
-
-#include <optional>
 #include <vector>
 
 namespace velmorquit {
@@ -41,16 +38,13 @@ public:
 
     [[nodiscard]] X11Connection& connection() { return connection_; }
 
-    /// To be called after every answer that was waited for, except from `hear`: events that came
-    /// with it are in xcb's memory, and the socket doesn't announce them. If there are very many,
-    /// the rest is heard in a later turn.
-    void read();
+    /// See `X11EventReader::read`; not to be called from `hear`.
+    void read() { reader_.read(); }
 
 private:
     X11Connection connection_;
     std::vector<Listener*> listeners_;
-    Paced later_{{}, [this] { read(); }};
-    std::optional<QSocketNotifier> notifier_;
+    X11EventReader reader_;
 };
 
 } // namespace velmorquit

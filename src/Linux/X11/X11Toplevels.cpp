@@ -17,10 +17,6 @@ constexpr Duration burst = 30ms;
 /// A run asks all windows at once: they share one look.
 constexpr Duration freshness = 100ms;
 
-/// The most events handled in one turn: programs that send them faster must not block everything
-/// else.
-constexpr int mostEvents = 1000;
-
 bool holds(const std::vector<xcb_window_t>& sorted, xcb_window_t window) {
     return std::ranges::binary_search(sorted, window);
 }
@@ -31,44 +27,26 @@ X11Toplevels::X11Toplevels(MainLoop& loop, SystemLog& log, X11Connection connect
     : loop_(loop), log_(log), connection_(std::move(connection)), pings_(loop, connection_),
       changes_({.gathering = std::chrono::duration_cast<Paced::Duration>(burst)},
                [this] { tell(); }),
-      events_({}, [this] { readEvents(); }) {
+      events_(
+          connection_, [this](const auto& event) { hear(event); },
+          [this] { log_.write("Velmor Quit: il server X11 non risponde più"); }) {
     connection_.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
-    notifier_.emplace(xcb_get_file_descriptor(connection_.get()), QSocketNotifier::Read);
-    QObject::connect(&*notifier_, &QSocketNotifier::activated, &*notifier_,
-                     [this] { readEvents(); });
     readActiveWindow();
     changed();
 }
 
-// Also to be called after every answer that was waited for: events that came with it are in xcb's
-// memory, and the socket doesn't announce them.
-void X11Toplevels::readEvents() {
-    const auto listAtom = connection_.atom("_NET_CLIENT_LIST");
-    const auto checkAtom = connection_.atom("_NET_SUPPORTING_WM_CHECK");
-    const auto activeAtom = connection_.atom("_NET_ACTIVE_WINDOW");
-    for (int left = mostEvents;; --left) {
-        if (left == 0) {
-            events_.ask();
-            break;
-        }
-        const auto event = owned(xcb_poll_for_event(connection_.get()));
-        if (!event)
-            break;
-        const int type = event->response_type & 0x7f;
-        if (type == XCB_CLIENT_MESSAGE)
-            pings_.hear(*reinterpret_cast<xcb_client_message_event_t*>(event.get()));
-        if (type != XCB_PROPERTY_NOTIFY)
-            continue;
-        const auto atom = reinterpret_cast<xcb_property_notify_event_t*>(event.get())->atom;
-        if (atom == listAtom || atom == checkAtom || atom == activeAtom)
-            changed();
-        isOutdated_ |= atom == listAtom || atom == checkAtom;
-    }
-    // After the server has gone, the notifier would fire forever.
-    if (xcb_connection_has_error(connection_.get()) && notifier_->isEnabled()) {
-        notifier_->setEnabled(false);
-        log_.write("Velmor Quit: il server X11 non risponde più");
-    }
+void X11Toplevels::hear(const xcb_generic_event_t& event) {
+    const int type = event.response_type & 0x7f;
+    if (type == XCB_CLIENT_MESSAGE)
+        pings_.hear(reinterpret_cast<const xcb_client_message_event_t&>(event));
+    if (type != XCB_PROPERTY_NOTIFY)
+        return;
+    const auto atom = reinterpret_cast<const xcb_property_notify_event_t&>(event).atom;
+    const bool isList = atom == connection_.atom("_NET_CLIENT_LIST") ||
+                        atom == connection_.atom("_NET_SUPPORTING_WM_CHECK");
+    if (isList || atom == connection_.atom("_NET_ACTIVE_WINDOW"))
+        changed();
+    isOutdated_ |= isList;
 }
 
 void X11Toplevels::changed() { changes_.ask(); }
@@ -77,7 +55,7 @@ void X11Toplevels::changed() { changes_.ask(); }
 void X11Toplevels::tell() {
     scan();
     readActiveWindow();
-    readEvents();
+    events_.read();
     isTelling_ = true;
     observers_.tell();
     isTelling_ = false;
@@ -94,14 +72,14 @@ void X11Toplevels::look() {
     const Duration age = loop_.uptime() - scannedAt_;
     if (isTelling_ && age <= freshness)
         return;
-    readEvents();
+    events_.read();
     isOutdated_ |= age > freshness;
     // If windows come faster than they can be looked at, looking would never end.
     const bool isDue = scanTook_ < burst || age >= scanTook_;
     if (isDue)
         scan();
     isBehind_ = isOutdated_ && !isDue;
-    readEvents();
+    events_.read();
 }
 
 // Without a window manager nobody maintains the list. The windows remain, and only a process tells
@@ -183,7 +161,7 @@ std::string X11Toplevels::title(std::uint64_t window) {
     const auto old = connection_.request(asked, "WM_NAME", most);
     const std::string title = connection_.bytes(modern);
     const std::string oldTitle = connection_.bytes(old);
-    readEvents();
+    events_.read();
     return X11Properties::title(title, oldTitle);
 }
 
@@ -218,7 +196,7 @@ bool X11Toplevels::belongsTo(std::uint64_t window, ProcessId id) {
     const bool isSame =
         known > 0 ? known == id
                   : connection_.number(asked, "_NET_WM_PID") == static_cast<std::uint32_t>(id);
-    readEvents();
+    events_.read();
     return isSame;
 }
 
@@ -228,17 +206,17 @@ void X11Toplevels::askToClose(std::uint64_t window) {
     const auto receiver = static_cast<xcb_window_t>(window);
     connection_.sendMessage(receiver, receiver, "WM_PROTOCOLS",
                             {connection_.atom("WM_DELETE_WINDOW"), XCB_CURRENT_TIME});
-    readEvents();
+    events_.read();
 }
 
 void X11Toplevels::ping(std::uint64_t window) {
     pings_.ping(static_cast<xcb_window_t>(window));
-    readEvents();
+    events_.read();
 }
 
 Image X11Toplevels::icon(std::uint64_t window) {
     Image image = windows_.icon(static_cast<xcb_window_t>(window));
-    readEvents();
+    events_.read();
     return image;
 }
 
@@ -248,7 +226,7 @@ void X11Toplevels::bringToFront(std::uint64_t window) {
     if (const auto desktop = desktopOf(connection_, target))
         connection_.sendMessage(root, root, "_NET_CURRENT_DESKTOP", {*desktop, XCB_CURRENT_TIME});
     askToActivate(connection_, target);
-    readEvents();
+    events_.read();
 }
 
 } // namespace velmorquit

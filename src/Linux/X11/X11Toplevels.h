@@ -3,15 +3,13 @@
 #include "Linux/Loop/Paced.h"
 #include "Linux/Windows/ToplevelSource.h"
 #include "Linux/X11/X11Connection.h"
+#include "Linux/X11/X11EventReader.h"
 #include "Linux/X11/X11Pings.h"
 #include "Linux/X11/X11Windows.h"
 #include "Loop/MainLoop.h"
 #include "Loop/Subscribers.h"
 #include "Platform/SystemLog.h"
 
-#include <QSocketNotifier>
-
-#include <optional>
 #include <set>
 #include <vector>
 
@@ -46,7 +44,7 @@ public:
     }
 
 private:
-    void readEvents();
+    void hear(const xcb_generic_event_t& event);
     void changed();
     void look();
     void scan();
@@ -61,7 +59,6 @@ private:
     X11Connection connection_;
     X11Windows windows_{connection_};
     X11Pings pings_;
-    std::optional<QSocketNotifier> notifier_;
     std::vector<Toplevel> toplevels_;
     std::set<ProcessId> shellProcesses_;
     std::uint64_t active_ = 0;
@@ -73,7 +70,7 @@ private:
     Duration scanTook_{};
     bool isTelling_ = false;
     Paced changes_;
-    Paced events_;
+    X11EventReader events_;
     Subscribers observers_;
 };
 

@@ -11,8 +11,8 @@
 
 namespace velmorquit {
 
-struct X11Windowing::Parts {
-    Parts(MainLoop& loop, SystemLog& log, X11Connection forToplevels, X11Connection forFace)
+struct X11Windowing::Adapters {
+    Adapters(MainLoop& loop, SystemLog& log, X11Connection forToplevels, X11Connection forFace)
         : toplevels(loop, log, std::move(forToplevels)), events(std::move(forFace)), idle(events),
           own(loop, events), settings(events), tray(events) {}
 
@@ -39,12 +39,13 @@ X11Windowing::X11Windowing(X11Connection forToplevels, X11Connection forFace)
 X11Windowing::~X11Windowing() = default;
 
 WindowSources X11Windowing::begin(MainLoop& loop, SystemLog& log) {
-    parts_ = std::make_unique<Parts>(loop, log, *std::move(forToplevels_), *std::move(forFace_));
-    return {.toplevels = &parts_->toplevels,
-            .own = &parts_->own,
-            .tray = &parts_->tray,
-            .settings = &parts_->settings,
-            .idle = &parts_->idle};
+    adapters_ =
+        std::make_unique<Adapters>(loop, log, *std::move(forToplevels_), *std::move(forFace_));
+    return {.toplevels = &adapters_->toplevels,
+            .own = &adapters_->own,
+            .tray = &adapters_->tray,
+            .settings = &adapters_->settings,
+            .idle = &adapters_->idle};
 }
 
 } // namespace velmorquit

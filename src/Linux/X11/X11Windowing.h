@@ -20,14 +20,14 @@ public:
     WindowSources begin(MainLoop& loop, SystemLog& log) override;
 
 private:
-    struct Parts;
+    struct Adapters;
 
     /// Two connections, since each client selects its own root events.
     X11Windowing(X11Connection forToplevels, X11Connection forFace);
 
     std::optional<X11Connection> forToplevels_;
     std::optional<X11Connection> forFace_;
-    std::unique_ptr<Parts> parts_;
+    std::unique_ptr<Adapters> adapters_;
 };
 
 } // namespace velmorquit
